@@ -1,0 +1,38 @@
+#pragma once
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace karno::platform {
+
+// What the application object tells the launcher. Both calls come on the main thread.
+class ApplicationDelegate {
+ public:
+  virtual ~ApplicationDelegate() = default;
+  virtual void applicationDidFinishLaunching() = 0;
+  virtual void applicationWillTerminate() = 0;
+};
+
+// The process-wide application object. Main thread only.
+class Application {
+ public:
+  virtual ~Application() = default;
+
+  // Brings the launcher in front of whatever application is active now. Takes effect later.
+  virtual void activateIgnoringOtherApps() = 0;
+
+  // Begins an orderly end: the delegate hears applicationWillTerminate(), then the process exits with 0.
+  virtual void terminate() = 0;
+};
+
+// Stands for the main interface description: makes the objects of the launcher and wires them. Called once on
+// the main thread when the platform is installed and the application object exists.
+using MainInterface = std::function<std::shared_ptr<ApplicationDelegate>()>;
+
+// The application main routine: installs this system's Platform, makes the application object, loads the main
+// interface and runs until terminate(). Keeps the delegate alive for the life of the process.
+// Returns only if the application object could not be made; the result is then the exit status.
+int applicationMain(int argc, char** argv, const MainInterface& loadMainInterface);
+
+}  // namespace karno::platform

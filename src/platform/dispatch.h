@@ -1,0 +1,43 @@
+#pragma once
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace karno::platform {
+
+using Block = std::function<void()>;
+
+// Runs blocks later, in the order given when it is serial. Any thread may add. A block must not throw;
+// what it throws all the same is caught and written to the console log.
+class Queue {
+ public:
+  virtual ~Queue() = default;
+  virtual void async(Block block) = 0;
+};
+
+enum class QueuePriority : long { High = 2, Default = 0, Low = -2, Background = -32768 };
+
+// Queues, waiting and the main-thread test. Safe from any thread.
+class Dispatch {
+ public:
+  virtual ~Dispatch() = default;
+
+  // The dispatch queue of the main thread.
+  virtual Queue& mainQueue() = 0;
+
+  // The operation queue of the main thread; its blocks also run while a modal alert is up.
+  virtual Queue& mainOperationQueue() = 0;
+
+  // Concurrent queues shared by the whole process. A block may occupy its thread for as long as it likes.
+  virtual Queue& globalQueue(QueuePriority priority) = 0;
+
+  // A new serial queue. It lives until its last block has run, also when the caller lets go of it earlier.
+  virtual std::shared_ptr<Queue> makeSerialQueue(std::string label) = 0;
+
+  // Suspends the calling thread.
+  virtual void sleep(double seconds) = 0;
+
+  virtual bool isMainThread() const = 0;
+};
+
+}  // namespace karno::platform

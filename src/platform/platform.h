@@ -1,0 +1,56 @@
+#pragma once
+#include "platform/alerts.h"
+#include "platform/application.h"
+#include "platform/bundles.h"
+#include "platform/clock.h"
+#include "platform/console_log.h"
+#include "platform/dispatch.h"
+#include "platform/distributed_notifications.h"
+#include "platform/files.h"
+#include "platform/managed_preferences.h"
+#include "platform/processes.h"
+#include "platform/property_lists.h"
+#include "platform/system_version.h"
+#include "platform/tasks.h"
+#include "platform/text.h"
+#include "platform/updater.h"
+#include "platform/user_defaults.h"
+#include "platform/windows.h"
+#include "platform/workspace.h"
+
+namespace karno::platform {
+
+// Everything the launcher needs of the machine, one small service each.
+struct Platform {
+  Application& application;
+  Alerts& alerts;
+  Windows& windows;
+  Workspace& workspace;
+  Dispatch& dispatch;
+  Clock& clock;
+  Tasks& tasks;
+  Processes& processes;
+  Bundles& bundles;
+  UserDefaultsStore& userDefaults;
+  ManagedPreferences& managedPreferences;
+  DistributedNotifications& distributedNotifications;
+  PropertyLists& propertyLists;
+  Files& files;
+  Text& text;
+  ConsoleLog& consoleLog;
+  SystemVersion& systemVersion;
+  Updater& updater;
+};
+
+// The one Platform of this process. Valid from install() on.
+Platform& host();
+
+// Makes `platform` what host() answers. Called once, before any other thread exists, by the application main
+// routine, by a tool's entry or by a test. The object must outlive every use.
+void install(Platform& platform);
+
+// This system's real services, made on the first call and kept for the life of the process. No window and no
+// application object is made by asking for it, so command-line tools use it as well.
+Platform& nativePlatform(int argc, char** argv);
+
+}  // namespace karno::platform

@@ -1,0 +1,50 @@
+#pragma once
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/date.h"
+
+namespace karno::platform {
+
+// Bytes [begin, end) of a UTF-8 text.
+struct TextRange {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  bool operator==(const TextRange&) const = default;
+};
+
+// Formats moments in the user's locale and time zone as they are when it is asked. Safe from any thread.
+class DateFormatter {
+ public:
+  virtual ~DateFormatter() = default;
+  virtual std::string stringFromDate(Date date) const = 0;
+};
+
+// The platform's text rules for all of Unicode. Safe from any thread. Bytes that are not UTF-8 count as
+// U+FFFD.
+class Text {
+ public:
+  virtual ~Text() = default;
+
+  // `pattern` has the Unicode date pattern letters.
+  virtual std::unique_ptr<DateFormatter> makeDateFormatter(const std::string& pattern) const = 0;
+
+  // The words of the text as the user's locale segments it, in order; blanks and punctuation are in none.
+  virtual std::vector<TextRange> wordRanges(std::string_view text) const = 0;
+
+  // One word capitalised by the user's locale: first letter upper (title) case, the rest lower case.
+  virtual std::string capitalise(std::string_view word) const = 0;
+
+  // Lower case without regard to the locale.
+  virtual std::string lowercase(std::string_view text) const = 0;
+
+  virtual bool isEqualCaseInsensitive(std::string_view a, std::string_view b) const = 0;
+
+  // Whether the regular expression (ICU syntax) occurs in the text. A bad pattern occurs nowhere.
+  virtual bool containsMatch(std::string_view pattern, std::string_view text, bool ignoreCase) const = 0;
+};
+
+}  // namespace karno::platform
