@@ -1,0 +1,118 @@
+#include "util/string_utils.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "platform/platform.h"
+#include "util/utf8.h"
+
+namespace karno {
+namespace {
+
+// The platform's set of characters that may stand in a URL path as they are. The semicolon is not among them,
+// since it once began path parameters.
+constexpr std::string_view kUrlPathAllowed =
+    "!$&'()*+,-./0123456789:=@ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz~";
+
+std::string withCollapsedSlashes(std::string_view path) {
+  std::string collapsed;
+  for (const char c : path) {
+    if (c != '/' || collapsed.empty() || collapsed.back() != '/') collapsed += c;
+  }
+  if (collapsed.size() > 1 && collapsed.back() == '/') collapsed.pop_back();
+  return collapsed;
+}
+
+}  // namespace
+
+std::string u_stringByAppendingPathComponents(std::string_view text,
+                                              const std::vector<std::string>& components) {
+  std::string path(text);
+  for (const std::string& component : components) {
+    if (!path.empty()) path += '/';
+    path = withCollapsedSlashes(path + component);
+  }
+  return path;
+}
+
+std::string u_captilisiedString(std::string_view text) {
+  const platform::Text& rules = platform::host().text;
+  std::string result;
+  std::size_t copied = 0;
+  for (const platform::TextRange& word : rules.wordRanges(text)) {
+    result += text.substr(copied, word.begin - copied);
+    result += rules.capitalise(text.substr(word.begin, word.end - word.begin));
+    copied = word.end;
+  }
+  result += text.substr(copied);
+  return result;
+}
+
+bool u_containsString(std::string_view text, std::string_view searched) {
+  return !searched.empty() && text.find(searched) != std::string_view::npos;
+}
+
+bool u_hasHTTPSPrefix(std::string_view text) {
+  if (text.empty()) return false;
+  return platform::host().text.containsMatch("^https*://", text, true);
+}
+
+bool u_hasPathExtension(std::string_view text, const std::vector<std::string>& extensions) {
+  const std::string extension = platform::host().text.lowercase(pathExtension(text));
+  if (extension.empty()) return false;
+  return std::find(extensions.begin(), extensions.end(), extension) != extensions.end();
+}
+
+std::string u_pathEncodedString(std::string_view text) {
+  std::string encoded;
+  for (const char c : text) {
+    if (kUrlPathAllowed.find(c) != std::string_view::npos) {
+      encoded += c;
+    } else {
+      encoded += fmt::format("%{:02X}", static_cast<unsigned char>(c));
+    }
+  }
+  return encoded;
+}
+
+bool u_onlyContainsCharactersInSet(std::string_view text, const CharacterSet& set) {
+  while (!text.empty()) {
+    if (!set(takeCodePoint(text))) return false;
+  }
+  return true;
+}
+
+bool u_isEqualToCaseInsensitive(std::string_view text, std::string_view other) {
+  return platform::host().text.isEqualCaseInsensitive(text, other);
+}
+
+std::string u_stringForInteger(std::int64_t integer) { return fmt::format("{}", integer); }
+
+std::string lastPathComponent(std::string_view path) {
+  const std::string collapsed = withCollapsedSlashes(path);
+  if (collapsed == "/") return collapsed;
+  return collapsed.substr(collapsed.rfind('/') + 1);
+}
+
+std::string deletingLastPathComponent(std::string_view path) {
+  const std::string collapsed = withCollapsedSlashes(path);
+  const std::size_t slash = collapsed.rfind('/');
+  if (slash == std::string::npos) return "";
+  return slash == 0 ? "/" : collapsed.substr(0, slash);
+}
+
+std::string pathExtension(std::string_view path) {
+  const std::string name = lastPathComponent(path);
+  const std::size_t point = name.rfind('.');
+  if (point == std::string::npos || point == 0) return "";
+  return name.substr(point + 1);
+}
+
+std::string descriptionOrNull(const std::optional<platform::Value>& value) {
+  return value ? value->description() : "(null)";
+}
+
+std::string descriptionOrNull(const std::optional<std::string>& text) { return text.value_or("(null)"); }
+
+}  // namespace karno
