@@ -1,0 +1,36 @@
+#pragma once
+#include <memory>
+
+#include "app/startup_interface.h"
+#include "platform/windows.h"
+
+namespace karno {
+
+// The launcher's one window and the delegate of the startup manager: turns each outcome of the start-up into
+// the next step and is where every failure of it ends. Its own operations are for the main thread; the
+// delegate's come on any.
+class MainWindow : public StartupInterface, public std::enable_shared_from_this<MainWindow> {
+ public:
+  // The native window lives as long as the process.
+  explicit MainWindow(platform::PromptWindow& window) : window_(window) {}
+
+  void startUp();
+
+  void registerNotifications();
+  void unregisterNotifications();
+
+  // Closing the window neither quits the launcher nor answers a prompt.
+  void onWindowClosed();
+
+  void startUpDidCheckSystemSuccessfully(StartupManager& manager) override;
+  void startUpDidLaunchKarnoSuccessfully(StartupManager& manager) override;
+  void startupAppShouldTerminate(StartupManager& manager) override;
+  void startUpNeedsToInstallFuse(StartupManager& manager, bool isUpgrade) override;
+  void startUpDidFailToSetupSystem(StartupManager& manager) override;
+  void startUpDidFailToLaunchKarno(StartupManager& manager) override;
+
+ private:
+  platform::PromptWindow& window_;
+};
+
+}  // namespace karno
