@@ -1,0 +1,77 @@
+#include "platform/cocoa/application.h"
+
+#include "platform/cocoa/class_builder.h"
+#include "platform/cocoa/desktop.h"
+#include "platform/cocoa/guarded.h"
+#include "platform/never_destroyed.h"
+#include "platform/platform.h"
+
+namespace karno::platform::cocoa {
+namespace {
+
+using objc::Id;
+using objc::send;
+
+constexpr int kNoApplicationStatus = 1;
+
+// Lives as long as the process, also while exit() runs.
+std::shared_ptr<ApplicationDelegate>& theDelegate() {
+  static NeverDestroyed<std::shared_ptr<ApplicationDelegate>> delegate;
+  return delegate.get();
+}
+
+void applicationDidFinishLaunching(Id, Id) { theDelegate()->applicationDidFinishLaunching(); }
+void applicationWillTerminate(Id, Id) { theDelegate()->applicationWillTerminate(); }
+
+Class delegateClass() {
+  return objc::ClassBuilder("KarnoApplicationDelegate", objc::classNamed("NSObject"))
+      .method<applicationDidFinishLaunching>("applicationDidFinishLaunching:")
+      .method<applicationWillTerminate>("applicationWillTerminate:")
+      .registerClass();
+}
+
+Class applicationClass() {
+  return objc::ClassBuilder("KarnoApplication", objc::classNamed("NSApplication")).registerClass();
+}
+
+Id sharedApplication() { return send(objc::classNamed("NSApplication"), "sharedApplication"); }
+
+// The application object does not own its delegate.
+void makeApplication(const MainInterface& loadMainInterface) {
+  prepareForApplication();
+  const Id application = send(applicationClass(), "sharedApplication");
+  prepareApplication();
+  static NeverDestroyed<objc::Object> delegate(
+      objc::Object::adopting(send(send(delegateClass(), "alloc"), "init")));
+  theDelegate() = loadMainInterface();
+  send<void>(application, "setDelegate:", delegate.get());
+}
+
+}  // namespace
+
+void CocoaApplication::activateIgnoringOtherApps() {
+  objc::guardedAndLogged("activate",
+                         [] { send<void>(sharedApplication(), "activateIgnoringOtherApps:", true); });
+}
+
+void CocoaApplication::terminate() {
+  objc::guardedAndLogged("terminate", [] { send<void>(sharedApplication(), "terminate:", nullptr); });
+}
+
+}  // namespace karno::platform::cocoa
+
+namespace karno::platform {
+
+int applicationMain(int argc, char** argv, const MainInterface& loadMainInterface) {
+  objc::startRuntime(argc, argv);
+  const objc::AutoreleasePool pool;
+  install(nativePlatform(argc, argv));
+  const auto failure = objc::guarded("application", [&] { cocoa::makeApplication(loadMainInterface); });
+  if (failure) {
+    host().consoleLog.log(failure->localizedDescription());
+    return cocoa::kNoApplicationStatus;
+  }
+  return cocoa::runApplication(argc, argv);
+}
+
+}  // namespace karno::platform

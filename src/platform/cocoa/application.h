@@ -1,0 +1,14 @@
+#pragma once
+#include "platform/application.h"
+
+namespace karno::platform::cocoa {
+
+// The application object, NSApplication. Making this makes no application object: applicationMain() does,
+// with a subclass and a delegate of ours. Main thread only.
+class CocoaApplication final : public Application {
+ public:
+  void activateIgnoringOtherApps() override;
+  void terminate() override;
+};
+
+}  // namespace karno::platform::cocoa

@@ -1,0 +1,39 @@
+#include "platform/cocoa/callback.h"
+
+#include <objc/runtime.h>
+
+#include "platform/cocoa/class_builder.h"
+
+namespace karno::platform::cocoa {
+namespace {
+
+constexpr const char* kAction = "karnoCall:";
+
+void call(objc::Id self, objc::Id argument) {
+  const auto* const function = static_cast<const Callback::Function*>(objc::stateOf(self));
+  if (function != nullptr) {
+    (*function)(argument);
+  }
+}
+
+Class callbackClass() {
+  static const Class made = objc::ClassBuilder("KarnoCallback", objc::classNamed("NSObject"))
+                                .state()
+                                .method<call>(kAction)
+                                .registerClass();
+  return made;
+}
+
+}  // namespace
+
+Callback::Callback(Function function)
+    : function_(std::move(function)),
+      target_(objc::Object::adopting(objc::send(objc::send(callbackClass(), "alloc"), "init"))) {
+  objc::setState(target_.get(), &function_);
+}
+
+Callback::~Callback() { objc::setState(target_.get(), nullptr); }
+
+objc::Sel Callback::action() { return sel_registerName(kAction); }
+
+}  // namespace karno::platform::cocoa

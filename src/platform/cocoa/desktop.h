@@ -1,0 +1,20 @@
+#pragma once
+#include "platform/cocoa/objc.h"
+
+// What the application object needs done differently on the two systems. Main thread only.
+namespace karno::platform::cocoa {
+
+// Before the application object is made: the usual look of windows where the framework's own differs, and no
+// desktop services that the launcher has no use for.
+void prepareForApplication();
+
+// Right after it was made: the signal that asks the process to end leads to terminate:.
+void prepareApplication();
+
+// Runs the application object; ends with exit(), so what it returns is the status of a failed start.
+int runApplication(int argc, char** argv);
+
+// The shared NSWorkspace, made when first asked for.
+objc::Id sharedWorkspace();
+
+}  // namespace karno::platform::cocoa

@@ -1,0 +1,207 @@
+#pragma once
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+// Every Objective-C class and message that the launcher uses. A class or selector is named in code by a
+// string that is looked up here when it is compiled, so a misspelling or a missing row does not compile. What
+// the table claims is checked against GNUstep by the tests and against a Mac by its self-check.
+namespace karno::platform::objc {
+
+enum class Where { Everywhere, MacOSOnly, GNUstepOnly };
+
+struct MacOSVersion {
+  int major = 10;
+  int minor = 0;
+};
+
+struct Message {
+  std::string_view className;
+  char kind;  // '+' goes to the class, '-' to its instances
+  std::string_view selector;
+  Where where = Where::Everywhere;
+  MacOSVersion since = {};  // the first macOS that has it; 10.0 for those always there
+};
+
+inline constexpr Message kMessages[] = {
+    {"NSObject", '+', "alloc"},
+    {"NSObject", '-', "init"},
+    {"NSObject", '-', "retain"},
+    {"NSObject", '-', "release"},
+    {"NSObject", '-', "class"},
+    {"NSObject", '-', "isKindOfClass:"},
+    {"NSObject", '-', "respondsToSelector:"},
+    {"NSObject", '+', "respondsToSelector:"},
+    {"NSObject", '-', "performSelectorOnMainThread:withObject:waitUntilDone:"},
+    {"NSAutoreleasePool", '-', "init"},
+    {"NSProcessInfo", '+', "initializeWithArguments:count:environment:", Where::GNUstepOnly},
+    {"NSThread", '+', "isMainThread"},
+    {"NSRunLoop", '+', "currentRunLoop"},
+    {"NSRunLoop", '-', "addEvent:type:watcher:forMode:", Where::GNUstepOnly},
+
+    {"NSString", '-', "initWithCharacters:length:"},
+    {"NSString", '-', "length"},
+    {"NSString", '-', "getCharacters:range:"},
+    {"NSString", '-', "caseInsensitiveCompare:"},
+    {"NSNumber", '+', "numberWithBool:"},
+    {"NSNumber", '+', "numberWithLongLong:"},
+    {"NSNumber", '+', "numberWithDouble:"},
+    {"NSNumber", '-', "objCType"},
+    {"NSNumber", '-', "boolValue"},
+    {"NSNumber", '-', "longLongValue"},
+    {"NSNumber", '-', "unsignedLongLongValue"},
+    {"NSNumber", '-', "doubleValue"},
+    {"NSDate", '+', "dateWithTimeIntervalSince1970:"},
+    {"NSDate", '-', "timeIntervalSince1970"},
+    {"NSData", '+', "dataWithBytes:length:"},
+    {"NSData", '-', "bytes"},
+    {"NSData", '-', "length"},
+    {"NSArray", '-', "count"},
+    {"NSArray", '-', "objectAtIndex:"},
+    {"NSMutableArray", '-', "addObject:"},
+    {"NSDictionary", '-', "count"},
+    {"NSDictionary", '-', "allKeys"},
+    {"NSDictionary", '-', "objectForKey:"},
+    {"NSMutableDictionary", '-', "setObject:forKey:"},
+    {"NSSet", '+', "setWithArray:"},
+    {"NSError", '-', "domain"},
+    {"NSError", '-', "code"},
+    {"NSError", '-', "localizedDescription"},
+    {"NSURL", '-', "absoluteString"},
+    {"NSRegularExpression", '+', "regularExpressionWithPattern:options:error:"},
+    {"NSRegularExpression", '-', "firstMatchInString:options:range:"},
+    {"NSDateFormatter", '-', "setLocale:"},
+    {"NSDateFormatter", '-', "setTimeZone:"},
+    {"NSDateFormatter", '-', "setDateFormat:"},
+    {"NSDateFormatter", '-', "stringFromDate:"},
+    {"NSLocale", '+', "autoupdatingCurrentLocale"},
+    {"NSTimeZone", '+', "localTimeZone"},
+    {"NSProcessInfo", '+', "processInfo"},
+    {"NSProcessInfo", '-', "isOperatingSystemAtLeastVersion:", Where::MacOSOnly, {10, 10}},
+    {"NSBundle", '+', "mainBundle"},
+    {"NSBundle", '+', "bundleWithPath:"},
+    {"NSBundle", '-', "bundlePath"},
+    {"NSBundle", '-', "bundleURL"},
+    {"NSBundle", '-', "executablePath"},
+    {"NSBundle", '-', "executableURL"},
+    {"NSBundle", '-', "bundleIdentifier"},
+    {"NSBundle", '-', "objectForInfoDictionaryKey:"},
+    {"NSBundle", '-', "pathForResource:ofType:"},
+    {"NSBundle", '-', "pathForResource:ofType:inDirectory:"},
+
+    {"NSPropertyListSerialization", '+', "propertyListWithData:options:format:error:"},
+    {"NSKeyedUnarchiver", '+', "unarchivedObjectOfClasses:fromData:error:", Where::MacOSOnly, {10, 13}},
+
+    {"NSUserDefaults", '+', "standardUserDefaults"},
+    {"NSUserDefaults", '-', "initWithSuiteName:", Where::MacOSOnly, {10, 9}},
+    {"NSUserDefaults", '-', "objectForKey:"},
+    {"NSUserDefaults", '-', "boolForKey:"},
+    {"NSUserDefaults", '-', "setBool:forKey:"},
+    {"NSUserDefaults", '-', "synchronize"},
+    {"NSUserDefaults", '-', "registerDefaults:"},
+    {"NSUserDefaults", '-', "synchronize"},
+    {"NSNotificationCenter", '+', "defaultCenter"},
+    {"NSNotificationCenter", '-', "addObserver:selector:name:object:"},
+    {"NSNotificationCenter", '-', "removeObserver:"},
+    {"NSNotification", '-', "name"},
+    {"NSNotification", '-', "object"},
+    {"NSNotification", '-', "userInfo"},
+    {"NSDistributedNotificationCenter", '+', "defaultCenter"},
+    {"NSDistributedNotificationCenter", '-', "addObserver:selector:name:object:suspensionBehavior:"},
+    {"NSDistributedNotificationCenter", '-', "removeObserver:"},
+    {"NSDistributedNotificationCenter", '-', "postNotificationName:object:userInfo:deliverImmediately:"},
+
+    {"NSApplication", '+', "sharedApplication"},
+    {"NSApplication", '-', "setDelegate:"},
+    {"NSApplication", '-', "run"},
+    {"NSApplication", '-', "activateIgnoringOtherApps:"},
+    {"NSApplication", '-', "terminate:"},
+    {"NSDistributedNotificationCenter", '+', "defaultCenter"},
+    {"GSServicesManager", '-', "registerAsServiceProvider", Where::GNUstepOnly},
+    {"NSWorkspace", '+', "sharedWorkspace"},
+    {"NSWorkspace", '-', "selectFile:inFileViewerRootedAtPath:"},
+
+    {"NSAlert", '-', "setAlertStyle:"},
+    {"NSAlert", '-', "setMessageText:"},
+    {"NSAlert", '-', "setInformativeText:"},
+    {"NSAlert", '-', "addButtonWithTitle:"},
+    {"NSAlert", '-', "runModal"},
+
+    {"NSWindow", '-', "initWithContentRect:styleMask:backing:defer:"},
+    {"NSWindow", '-', "setReleasedWhenClosed:"},
+    {"NSWindow", '-', "setTitle:"},
+    {"NSWindow", '-', "title"},
+    {"NSWindow", '-', "center"},
+    {"NSWindow", '-', "contentView"},
+    {"NSWindow", '-', "makeKeyAndOrderFront:"},
+    {"NSWindow", '-', "orderOut:"},
+    {"NSWindow", '-', "close"},
+    {"NSWindow", '-', "isVisible"},
+    {"NSView", '-', "addSubview:"},
+    {"NSView", '-', "initWithFrame:"},
+    {"NSControl", '-', "setStringValue:"},
+    {"NSControl", '-', "stringValue"},
+    {"NSControl", '-', "cell"},
+    {"NSControl", '-', "setEnabled:"},
+    {"NSControl", '-', "setTarget:"},
+    {"NSControl", '-', "setAction:"},
+    {"NSCell", '-', "setWraps:"},
+    {"NSTextField", '-', "setEditable:"},
+    {"NSTextField", '-', "setSelectable:"},
+    {"NSTextField", '-', "setBezeled:"},
+    {"NSTextField", '-', "setBordered:"},
+    {"NSTextField", '-', "setDrawsBackground:"},
+    {"NSButton", '-', "setTitle:"},
+    {"NSButton", '-', "title"},
+    {"NSButton", '-', "setKeyEquivalent:"},
+    {"NSButton", '-', "setBezelStyle:"},
+    {"NSButton", '-', "setButtonType:"},
+    {"NSButton", '-', "performClick:"},
+};
+
+inline constexpr std::size_t kMessageCount = std::size(kMessages);
+
+// A selector of the table.
+class Selector {
+ public:
+  template <std::size_t N>
+  consteval Selector(const char (&name)[N]) : index_(indexOf({name, N - 1})) {}
+
+  constexpr std::size_t index() const { return index_; }
+  constexpr const char* name() const { return kMessages[index_].selector.data(); }
+
+ private:
+  static consteval std::size_t indexOf(std::string_view name) {
+    for (std::size_t index = 0; index < kMessageCount; ++index) {
+      if (kMessages[index].selector == name) {
+        return index;
+      }
+    }
+    throw "this selector is missing from the table";
+  }
+
+  std::size_t index_;
+};
+
+// A class of the table.
+class ClassName {
+ public:
+  template <std::size_t N>
+  consteval ClassName(const char (&name)[N]) : name_(find({name, N - 1})) {}
+
+  constexpr const char* name() const { return name_; }
+
+ private:
+  static consteval const char* find(std::string_view name) {
+    for (const Message& message : kMessages) {
+      if (message.className == name) {
+        return message.className.data();
+      }
+    }
+    throw "this class is missing from the table";
+  }
+
+  const char* name_;
+};
+
+}  // namespace karno::platform::objc

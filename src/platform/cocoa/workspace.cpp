@@ -1,0 +1,17 @@
+#include "platform/cocoa/workspace.h"
+
+#include "platform/cocoa/desktop.h"
+#include "platform/cocoa/guarded.h"
+#include "platform/cocoa/strings.h"
+
+namespace karno::platform::cocoa {
+
+void CocoaWorkspace::selectFile(const std::string& path, const std::string& rootFolder) {
+  objc::guardedAndLogged("select a file", [&] {
+    const objc::AutoreleasePool pool;
+    objc::send<bool>(sharedWorkspace(), "selectFile:inFileViewerRootedAtPath:", objc::string(path),
+                     objc::string(rootFolder));
+  });
+}
+
+}  // namespace karno::platform::cocoa
