@@ -1,0 +1,48 @@
+#pragma once
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+
+namespace karno::platform {
+
+struct WaitResult {
+  std::int32_t result = 0;  // what waitpid() returned
+  int error = 0;            // errno right after it when it returned -1
+};
+
+// Shares the end of each child between its watcher and those who wait for it with waitpid(). A child's status
+// can be collected only once: the watcher leaves it to a pending waitpid() and hears of the status from
+// there. Safe from any thread; lives for ever.
+class ChildRegistry {
+ public:
+  static ChildRegistry& instance();
+
+  // To be called before anyone else knows the process identifier; watchToEnd() must follow.
+  void beginWatching(std::int32_t processIdentifier);
+
+  // Blocks until the child has ended, and reaps it unless a waitpid() of ours was pending. The result has the
+  // form of waitpid()'s status; absent when somebody else took the child away.
+  std::optional<int> watchToEnd(std::int32_t processIdentifier);
+
+  // waitpid(processIdentifier, nullptr, 0), announced to the watcher. Interruptions are not reported.
+  WaitResult waitForChild(std::int32_t processIdentifier);
+
+ private:
+  struct Child {
+    bool isWatched = false;
+    int pendingWaiters = 0;
+    std::optional<int> status;
+  };
+
+  void forgetIfUnused(std::int32_t processIdentifier);
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::map<std::int32_t, Child> children_;
+};
+
+WaitResult waitpidRegistered(std::int32_t processIdentifier);
+
+}  // namespace karno::platform
