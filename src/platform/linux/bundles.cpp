@@ -1,0 +1,116 @@
+#include "platform/linux/bundles.h"
+
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/file_url.h"
+#include "platform/linux/language_folders.h"
+#include "platform/linux/property_list_file.h"
+#include "platform/posix/system_differences.h"
+
+namespace karno::platform {
+namespace {
+
+std::string withoutSlashesAtEnd(std::string path) {
+  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  return path;
+}
+
+std::optional<mode_t> modeOf(const std::string& path) {
+  struct stat status = {};
+  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+  return status.st_mode;
+}
+
+bool isFolder(const std::string& path) {
+  const std::optional<mode_t> mode = modeOf(path);
+  return mode && S_ISDIR(*mode);
+}
+
+bool isRegularFile(const std::string& path) {
+  const std::optional<mode_t> mode = modeOf(path);
+  return mode && S_ISREG(*mode);
+}
+
+Value::Dictionary infoDictionary(const PropertyLists& propertyLists, const std::string& bundle) {
+  Result<Value::Dictionary> info = readDictionary(propertyLists, bundle + "/Contents/Info.plist");
+  return info ? std::move(info.value()) : Value::Dictionary();
+}
+
+std::string mainBundlePath() {
+  const std::filesystem::path folder = std::filesystem::path(programPath()).parent_path();
+  const bool isInBundle = folder.filename() == "MacOS" && folder.parent_path().filename() == "Contents";
+  return (isInBundle ? folder.parent_path().parent_path() : folder).string();
+}
+
+}  // namespace
+
+LinuxBundle::LinuxBundle(const PropertyLists& propertyLists, std::string path)
+    : path_(withoutSlashesAtEnd(std::move(path))), info_(infoDictionary(propertyLists, path_)) {}
+
+std::string LinuxBundle::bundlePath() const { return path_; }
+
+std::string LinuxBundle::bundleURL() const { return fileURL(path_, true); }
+
+std::optional<std::string> LinuxBundle::executablePath() const {
+  const std::optional<std::string> name = infoString("CFBundleExecutable");
+  // A name with a "/" could lead out of the bundle.
+  if (!name || name->empty() || name->find('/') != std::string::npos) return std::nullopt;
+
+  std::string path = path_ + "/Contents/MacOS/" + *name;
+  if (!isRegularFile(path)) return std::nullopt;
+  return path;
+}
+
+std::optional<std::string> LinuxBundle::executableURL() const {
+  const std::optional<std::string> path = executablePath();
+  if (!path) return std::nullopt;
+  return fileURL(*path, false);
+}
+
+std::optional<std::string> LinuxBundle::bundleIdentifier() const { return infoString("CFBundleIdentifier"); }
+
+std::optional<Value> LinuxBundle::objectForInfoDictionaryKey(std::string_view key) const {
+  const auto entry = info_.find(key);
+  if (entry == info_.end()) return std::nullopt;
+  return entry->second;
+}
+
+std::optional<std::string> LinuxBundle::pathForResource(std::string_view name, std::string_view type,
+                                                        std::string_view directory) const {
+  const std::string file = std::string(name) + (type.empty() ? "" : "." + std::string(type));
+  const std::string resources = path_ + "/Contents/Resources/";
+
+  std::vector<std::string> candidates;
+  if (directory.empty()) {
+    candidates.push_back(resources + file);
+    for (const std::string& folder : languageFolders()) candidates.push_back(resources + folder + "/" + file);
+  } else {
+    candidates.push_back(resources + std::string(directory) + "/" + file);
+  }
+  for (const std::string& candidate : candidates) {
+    if (modeOf(candidate)) return candidate;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> LinuxBundle::infoString(std::string_view key) const {
+  const auto entry = info_.find(key);
+  if (entry == info_.end()) return std::nullopt;
+  const auto* text = entry->second.get<std::string>();
+  if (text == nullptr) return std::nullopt;
+  return *text;
+}
+
+LinuxBundles::LinuxBundles(const PropertyLists& propertyLists)
+    : propertyLists_(propertyLists), mainBundle_(propertyLists, mainBundlePath()) {}
+
+std::shared_ptr<const Bundle> LinuxBundles::bundleAtPath(const std::string& path) const {
+  if (!isFolder(path)) return nullptr;
+  return std::make_shared<LinuxBundle>(propertyLists_, path);
+}
+
+}  // namespace karno::platform

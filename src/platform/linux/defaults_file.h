@@ -1,0 +1,43 @@
+#pragma once
+#include <sys/stat.h>
+
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "platform/property_lists.h"
+
+namespace karno::platform {
+
+// One property-list file of user defaults that several processes read and write. Safe from any thread.
+class DefaultsFile {
+ public:
+  // An empty path holds nothing and takes nothing.
+  DefaultsFile(const PropertyLists& propertyLists, std::string path);
+
+  // As the file is now. Missing, unreadable and damaged files hold nothing.
+  std::optional<Value> valueForKey(std::string_view key);
+
+  // Stores one value and keeps all others, also those that another process stores at the same time. A damaged
+  // file is set aside first. Failures become a console line.
+  void setValue(const Value& value, std::string_view key);
+
+  // Makes sure that the folder's entry for the file is on disk, too.
+  void synchronize();
+
+ private:
+  bool isCacheCurrent() const;
+  void readAfresh();
+  std::optional<Error> storeUnderLock(const Value& value, std::string_view key);
+  Result<Value::Dictionary> contentForWriting();
+
+  const PropertyLists& propertyLists_;
+  const std::string path_;
+
+  std::mutex mutex_;
+  Value::Dictionary cache_;
+  std::optional<struct stat>
+      cachedStatus_;  // of the file that cache_ was read from; absent when not to be trusted
+};
+
+}  // namespace karno::platform

@@ -1,0 +1,29 @@
+#include "platform/cocoa/desktop.h"
+
+#include "platform/linux/appearance.h"
+#include "platform/linux/desktop_services.h"
+#include "platform/linux/termination_signal.h"
+
+namespace karno::platform::cocoa {
+
+void prepareForApplication() {
+  registerAppearance();
+  keepDesktopServicesAway();
+}
+
+// GNUstep's own handler runs terminate: inside the signal handler, on whatever thread the signal hit.
+void prepareApplication() { terminateOnSignal(); }
+
+// NSApplicationMain would do no more than this, after a complaint that the bundle's Info.plist, which it
+// cannot find in a Mac's layout, names no principal class.
+int runApplication(int /*argc*/, char** /*argv*/) {
+  objc::send<void>(objc::send(objc::classNamed("NSApplication"), "sharedApplication"), "run");
+  return 0;
+}
+
+objc::Id sharedWorkspace() {
+  allowWorkspace();
+  return objc::send(objc::classNamed("NSWorkspace"), "sharedWorkspace");
+}
+
+}  // namespace karno::platform::cocoa
