@@ -1,0 +1,59 @@
+# Stages the launcher's bundle, in the Mac's layout on every system. Each staged file is an output of its own,
+# so a build copies just what changed.
+set(bundle_folder ${CMAKE_BINARY_DIR}/Karno.app)
+set(bundle_texts ${CMAKE_BINARY_DIR}/bundle-texts)
+set(bundle_files)
+
+# Copies `source`, which `dependency` makes, to `destination` inside the bundle.
+function(karno_stage source dependency destination)
+  set(staged "${bundle_folder}/${destination}")
+  add_custom_command(OUTPUT "${staged}"
+    COMMAND ${CMAKE_COMMAND} -E copy "${source}" "${staged}"
+    DEPENDS ${dependency} "${source}" COMMENT "Staging ${destination}" VERBATIM)
+  list(APPEND bundle_files "${staged}")
+  set(bundle_files ${bundle_files} PARENT_SCOPE)
+endfunction()
+
+function(karno_stage_program target destination)
+  karno_stage("$<TARGET_FILE:${target}>" ${target} "${destination}")
+  set(bundle_files ${bundle_files} PARENT_SCOPE)
+endfunction()
+
+# A build of the embedded application: a bundle inside the bundle.
+function(karno_stage_helper helper_name helper_identifier)
+  set(helper "Contents/Helpers/${helper_name}.app/Contents")
+  configure_file(${PROJECT_SOURCE_DIR}/resources/HelperInfo.plist.in "${bundle_texts}/${helper_name}.plist" @ONLY)
+  karno_stage("${bundle_texts}/${helper_name}.plist" "" "${helper}/Info.plist")
+  karno_stage_program(embedded_client "${helper}/MacOS/${helper_name}")
+  set(bundle_files ${bundle_files} PARENT_SCOPE)
+endfunction()
+
+karno_stage_program(karno Contents/MacOS/Karno)
+karno_stage_program(karnoctl Contents/MacOS/karnoctl)
+karno_stage_helper("Karno" it.vantul.Karno)
+karno_stage_helper("Karno(Fuse)" it.vantul.KarnoFuse)
+
+configure_file(${PROJECT_SOURCE_DIR}/resources/Info.plist.in ${bundle_texts}/Info.plist @ONLY)
+karno_stage(${bundle_texts}/Info.plist "" Contents/Info.plist)
+file(CONFIGURE OUTPUT ${bundle_texts}/PkgInfo CONTENT "APPL????" @ONLY)
+karno_stage(${bundle_texts}/PkgInfo "" Contents/PkgInfo)
+
+set(resources ${PROJECT_SOURCE_DIR}/resources)
+file(GLOB_RECURSE localised_resources CONFIGURE_DEPENDS RELATIVE ${resources} ${resources}/*.lproj/*)
+foreach(resource IN LISTS localised_resources)
+  karno_stage(${resources}/${resource} "" Contents/Resources/${resource})
+endforeach()
+
+# A resource that is gone from the sources must not stay behind in the bundle.
+set(staged_resources ${bundle_folder}/Contents/Resources)
+file(GLOB_RECURSE old_resources RELATIVE ${staged_resources} ${staged_resources}/*)
+list(REMOVE_ITEM old_resources ${localised_resources} "")
+list(TRANSFORM old_resources PREPEND ${staged_resources}/)
+if(old_resources)
+  file(REMOVE ${old_resources})
+endif()
+
+# Frameworks is filled when a release is packaged.
+add_custom_target(bundle ALL
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${bundle_folder}/Contents/Frameworks
+  DEPENDS ${bundle_files} VERBATIM)

@@ -1,0 +1,12 @@
+# What each system gives us. {fmt} and nlohmann-json are used header-only on both.
+if(CMAKE_CROSSCOMPILING)
+  include(cmake/cross_headers.cmake)
+else()
+  find_package(fmt 9 REQUIRED)
+  find_package(nlohmann_json 3.11 REQUIRED)
+endif()
+if(NOT APPLE)
+  find_package(Threads REQUIRED)
+  find_package(ICU 72 REQUIRED COMPONENTS uc i18n)
+  find_package(sdbus-c++ 1.2 REQUIRED)
+endif()

@@ -1,0 +1,15 @@
+# Links karno_platform with the system's frameworks, or with what stands in for them.
+if(APPLE)
+  target_link_libraries(karno_platform PUBLIC "-framework AppKit" "-framework Foundation"
+    "-framework CoreFoundation" "-lobjc")
+else()
+  # Debian keeps the Objective-C runtime's headers with the compiler that made them.
+  find_path(KARNO_OBJC_INCLUDE objc/runtime.h
+    PATHS /usr/lib/gcc/${CMAKE_LIBRARY_ARCHITECTURE}/12/include REQUIRED)
+  find_library(KARNO_OBJC_LIBRARY objc PATHS /usr/lib/gcc/${CMAKE_LIBRARY_ARCHITECTURE}/12 REQUIRED)
+  target_include_directories(karno_platform SYSTEM PUBLIC ${KARNO_OBJC_INCLUDE})
+  # Classes are looked up by name at run time, so nothing refers to the libraries when the program is linked.
+  target_link_libraries(karno_platform PUBLIC
+    -Wl,--no-as-needed gnustep-gui gnustep-base ${KARNO_OBJC_LIBRARY} -Wl,--as-needed
+    SDBusCpp::sdbus-c++ ICU::i18n ICU::uc Threads::Threads)
+endif()
