@@ -56,4 +56,4 @@ endif()
 # Frameworks is filled when a release is packaged.
 add_custom_target(bundle ALL
   COMMAND ${CMAKE_COMMAND} -E make_directory ${bundle_folder}/Contents/Frameworks
-  DEPENDS ${bundle_files} VERBATIM)
+  DEPENDS ${bundle_files} COMMENT "Karno.app is complete" VERBATIM)

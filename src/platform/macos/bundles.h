@@ -1,0 +1,41 @@
+#pragma once
+#include <mutex>
+
+#include "platform/bundles.h"
+#include "platform/cocoa/objc.h"
+
+namespace karno::platform {
+
+// A bundle as NSBundle sees it. What NSBundle raises counts as absent.
+class FoundationBundle final : public Bundle {
+ public:
+  // `bundle` is an NSBundle.
+  explicit FoundationBundle(objc::Object bundle) : bundle_(std::move(bundle)) {}
+
+  std::string bundlePath() const override;
+  std::string bundleURL() const override;
+  std::optional<std::string> executablePath() const override;
+  std::optional<std::string> executableURL() const override;
+  std::optional<std::string> bundleIdentifier() const override;
+  std::optional<Value> objectForInfoDictionaryKey(std::string_view key) const override;
+  std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
+                                             std::string_view directory) const override;
+
+ private:
+  std::optional<std::string> stringOf(objc::Selector property) const;
+  std::optional<std::string> urlOf(objc::Selector property) const;
+
+  const objc::Object bundle_;
+};
+
+class FoundationBundles final : public Bundles {
+ public:
+  const Bundle& mainBundle() const override;
+  std::shared_ptr<const Bundle> bundleAtPath(const std::string& path) const override;
+
+ private:
+  mutable std::once_flag mainMade_;
+  mutable std::unique_ptr<const FoundationBundle> main_;
+};
+
+}  // namespace karno::platform

@@ -1,0 +1,82 @@
+#include "platform/cocoa/alerts.h"
+#include "platform/cocoa/application.h"
+#include "platform/cocoa/objc.h"
+#include "platform/cocoa/property_lists.h"
+#include "platform/cocoa/windows.h"
+#include "platform/cocoa/workspace.h"
+#include "platform/macos/bundles.h"
+#include "platform/macos/console_log.h"
+#include "platform/macos/dispatch.h"
+#include "platform/macos/distributed_notifications.h"
+#include "platform/macos/managed_preferences.h"
+#include "platform/macos/system_version.h"
+#include "platform/macos/text.h"
+#include "platform/macos/user_defaults.h"
+#include "platform/never_destroyed.h"
+#include "platform/platform.h"
+#include "platform/posix/clock.h"
+#include "platform/posix/files.h"
+#include "platform/posix/process_setup.h"
+#include "platform/posix/processes.h"
+#include "platform/posix/tasks.h"
+
+namespace karno::platform {
+namespace {
+
+// The services of this system, and the platform that refers to them.
+struct NativeServices {
+  cocoa::CocoaApplication application;
+  cocoa::CocoaAlerts alerts;
+  cocoa::CocoaWindows windows;
+  cocoa::CocoaWorkspace workspace;
+  cocoa::CocoaPropertyLists propertyLists;
+  MacDispatch dispatch;
+  SystemClock clock;
+  PosixTasks tasks;
+  PosixProcesses processes;
+  PosixFiles files;
+  FoundationBundles bundles;
+  FoundationUserDefaultsStore userDefaults;
+  MacManagedPreferences managedPreferences;
+  FoundationDistributedNotifications distributedNotifications;
+  FoundationText text;
+  NSLogConsole consoleLog;
+  FoundationSystemVersion systemVersion;
+  NoUpdater updater;
+
+  Platform platform{.application = application,
+                    .alerts = alerts,
+                    .windows = windows,
+                    .workspace = workspace,
+                    .dispatch = dispatch,
+                    .clock = clock,
+                    .tasks = tasks,
+                    .processes = processes,
+                    .bundles = bundles,
+                    .userDefaults = userDefaults,
+                    .managedPreferences = managedPreferences,
+                    .distributedNotifications = distributedNotifications,
+                    .propertyLists = propertyLists,
+                    .files = files,
+                    .text = text,
+                    .consoleLog = consoleLog,
+                    .systemVersion = systemVersion,
+                    .updater = updater};
+};
+
+void startProcess(int argc, char** argv) {
+  setUpProcess();
+  objc::startRuntime(argc, argv);
+}
+
+}  // namespace
+
+Platform& nativePlatform(int argc, char** argv) {
+  static const bool isStarted = (startProcess(argc, argv), true);
+  static_cast<void>(isStarted);
+  // Threads of ours run until the very end of the process.
+  static NeverDestroyed<NativeServices> services;
+  return services->platform;
+}
+
+}  // namespace karno::platform

@@ -1,0 +1,23 @@
+#include "platform/macos/system_version.h"
+
+#include "platform/cocoa/objc.h"
+
+namespace karno::platform {
+namespace {
+
+struct OperatingSystemVersion {  // NSOperatingSystemVersion
+  objc::Integer major;
+  objc::Integer minor;
+  objc::Integer patch;
+};
+
+}  // namespace
+
+bool FoundationSystemVersion::isAtLeast(int major, int minor, int patch) const {
+  const objc::AutoreleasePool pool;
+  const OperatingSystemVersion version = {major, minor, patch};
+  const objc::Id process = objc::send(objc::classNamed("NSProcessInfo"), "processInfo");
+  return objc::send<bool>(process, "isOperatingSystemAtLeastVersion:", version);
+}
+
+}  // namespace karno::platform

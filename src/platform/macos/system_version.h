@@ -1,0 +1,12 @@
+#pragma once
+#include "platform/system_version.h"
+
+namespace karno::platform {
+
+// The running macOS, as NSProcessInfo knows it.
+class FoundationSystemVersion final : public SystemVersion {
+ public:
+  bool isAtLeast(int major, int minor, int patch) const override;
+};
+
+}  // namespace karno::platform

@@ -1,0 +1,70 @@
+#include "platform/macos/text.h"
+
+#include "platform/cocoa/guarded.h"
+#include "platform/cocoa/strings.h"
+#include "platform/macos/core_foundation.h"
+#include "platform/macos/date_formatter.h"
+#include "platform/macos/text_matching.h"
+#include "platform/macos/utf16_positions.h"
+
+namespace karno::platform {
+namespace {
+
+constexpr unsigned long kTokenizerUnitWord = 0;
+
+std::vector<TextRange> tokenize(std::string_view text) {
+  const objc::Object string = objc::string(text);
+  const Utf16Positions positions(text, objc::text(string.get()));
+  const CFRange whole = {0, static_cast<CFIndex>(positions.unitCount())};
+  const CFOwned locale(CFLocaleCopyCurrent());
+  const CFOwned tokenizer(
+      CFStringTokenizerCreate(nullptr, string.get(), whole, kTokenizerUnitWord, locale.get()));
+  std::vector<TextRange> words;
+  while (tokenizer && CFStringTokenizerAdvanceToNextToken(tokenizer.get()) != 0) {
+    const CFRange word = CFStringTokenizerGetCurrentTokenRange(tokenizer.get());
+    if (word.location < 0 || word.length < 0) break;
+    words.push_back(
+        positions.bytes(static_cast<std::size_t>(word.location), static_cast<std::size_t>(word.length)));
+  }
+  return words;
+}
+
+// A copy of the text after `change`, one of CoreFoundation's functions for mutable strings.
+std::string changed(std::string_view text, void (*change)(CFTypeRef, CFTypeRef), CFTypeRef locale) {
+  const objc::AutoreleasePool pool;
+  const CFOwned copy(CFStringCreateMutableCopy(nullptr, 0, objc::string(text).get()));
+  if (!copy) return std::string(text);
+  change(copy.get(), locale);
+  return objc::text(copy.object());
+}
+
+}  // namespace
+
+std::unique_ptr<DateFormatter> FoundationText::makeDateFormatter(const std::string& pattern) const {
+  return std::make_unique<FoundationDateFormatter>(pattern);
+}
+
+std::vector<TextRange> FoundationText::wordRanges(std::string_view text) const {
+  const objc::AutoreleasePool pool;
+  const auto words = objc::guarded("finding words", [text] { return tokenize(text); });
+  return words ? words.value() : std::vector<TextRange>();
+}
+
+std::string FoundationText::capitalise(std::string_view word) const {
+  const CFOwned locale(CFLocaleCopyCurrent());
+  return changed(word, CFStringCapitalize, locale.get());
+}
+
+std::string FoundationText::lowercase(std::string_view text) const {
+  return changed(text, CFStringLowercase, nullptr);
+}
+
+bool FoundationText::isEqualCaseInsensitive(std::string_view a, std::string_view b) const {
+  return foundation::isEqualCaseInsensitive(a, b);
+}
+
+bool FoundationText::containsMatch(std::string_view pattern, std::string_view text, bool ignoreCase) const {
+  return foundation::containsMatch(pattern, text, ignoreCase);
+}
+
+}  // namespace karno::platform

@@ -1,0 +1,61 @@
+#include "platform/macos/system_version.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/cocoa/strings.h"
+#include "stand_in.h"
+
+namespace karno::platform::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+struct ThreeNumbers {
+  long first;
+  long second;
+  long third;
+};
+
+objc::Id processInfo(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+
+objc::Boolean isAtLeast(objc::Id, objc::Sel selector, ThreeNumbers version) {
+  const std::string text = fmt::format("{}.{}.{}", version.first, version.second, version.third);
+  return recordAndAnswer(selector, text) != nullptr;
+}
+
+Class processInfoClass() {
+  static const Class made = StandInClass("StandInProcessInfo")
+                                .classMethod("processInfo", "@@:", processInfo)
+                                .method("isOperatingSystemAtLeastVersion:", "C@:{?=qqq}", isAtLeast)
+                                .registerClass();
+  return made;
+}
+
+class MacSystemVersion : public testing::Test {
+ protected:
+  const objc::AutoreleasePool pool_;
+  StandIns standIns_;
+  const objc::ClassOverride override_{"NSProcessInfo", processInfoClass()};
+  const FoundationSystemVersion systemVersion_;
+};
+
+TEST_F(MacSystemVersion, AsksThePlatformWithThreeNumbers) {
+  standIns_.answer("processInfo", instanceOf(processInfoClass()));
+  standIns_.answer("isOperatingSystemAtLeastVersion:", objc::string("yes"));
+
+  EXPECT_TRUE(systemVersion_.isAtLeast(12, 3, 1));
+  EXPECT_THAT(standIns_.messages(), ElementsAre("processInfo", "isOperatingSystemAtLeastVersion: 12.3.1"));
+}
+
+TEST_F(MacSystemVersion, IsNotMetWhenThePlatformSaysNo) {
+  standIns_.answer("processInfo", instanceOf(processInfoClass()));
+
+  EXPECT_FALSE(systemVersion_.isAtLeast(12, 3, 0));
+}
+
+TEST_F(MacSystemVersion, IsNotMetWithoutAnAnswer) { EXPECT_FALSE(systemVersion_.isAtLeast(10, 14, 6)); }
+
+}  // namespace
+}  // namespace karno::platform::test
