@@ -1,0 +1,54 @@
+#pragma once
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/bundles.h"
+
+namespace karno::test {
+
+// A bundle as a test describes it.
+class FakeBundle final : public platform::Bundle {
+ public:
+  explicit FakeBundle(std::string path) : path_(std::move(path)) {}
+
+  std::string bundlePath() const override { return path_; }
+  std::string bundleURL() const override { return "file://" + path_ + "/"; }
+  std::optional<std::string> executablePath() const override;
+  std::optional<std::string> executableURL() const override;
+  std::optional<std::string> bundleIdentifier() const override;
+  std::optional<platform::Value> objectForInfoDictionaryKey(std::string_view key) const override;
+  std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
+                                             std::string_view directory) const override;
+
+  void setPath(std::string path) { path_ = std::move(path); }
+
+  platform::Value::Dictionary info;
+  std::string executable;                        // a name in Contents/MacOS; empty: there is none
+  std::map<std::string, std::string> resources;  // "Strings.json" or "Base.lproj/Strings.json" to a full path
+
+ private:
+  std::string path_;
+};
+
+// The launcher's bundle at /Applications/Karno.app, and those that a test adds.
+class FakeBundles final : public platform::Bundles {
+ public:
+  FakeBundles();
+
+  const platform::Bundle& mainBundle() const override { return *main_; }
+  std::shared_ptr<const platform::Bundle> bundleAtPath(const std::string& path) const override;
+
+  FakeBundle& main() { return *main_; }
+
+  // Adds a bundle in Contents/Helpers of the launcher's.
+  FakeBundle& addHelper(const std::string& name, const std::string& identifier, bool hasExecutable = true);
+  void removeHelper(const std::string& name);
+
+ private:
+  std::shared_ptr<FakeBundle> main_ = std::make_shared<FakeBundle>("/Applications/Karno.app");
+  std::map<std::string, std::shared_ptr<FakeBundle>> others_;
+};
+
+}  // namespace karno::test

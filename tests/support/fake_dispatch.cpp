@@ -1,0 +1,108 @@
+#include "fake_dispatch.h"
+
+#include <deque>
+#include <utility>
+
+namespace karno::test {
+
+using platform::Block;
+using platform::Queue;
+using platform::QueuePriority;
+
+class FakeDispatch::MainQueue final : public Queue {
+ public:
+  MainQueue(FakeScheduler& scheduler, MainLane lane) : scheduler_(scheduler), lane_(lane) {}
+  void async(Block block) override { scheduler_.addToMain(lane_, std::move(block)); }
+
+ private:
+  FakeScheduler& scheduler_;
+  MainLane lane_;
+};
+
+class FakeDispatch::GlobalQueue final : public Queue {
+ public:
+  GlobalQueue(FakeScheduler& scheduler, QueuePriority ofQueue) : priority(ofQueue), scheduler_(scheduler) {}
+  void async(Block block) override {
+    scheduler_.addThread("global(" + std::to_string(static_cast<long>(priority)) + ")", std::move(block));
+  }
+
+  const QueuePriority priority;
+
+ private:
+  FakeScheduler& scheduler_;
+};
+
+// One virtual thread per block; the next one is made when the block before it has ended.
+class FakeDispatch::SerialQueue final : public Queue, public std::enable_shared_from_this<SerialQueue> {
+ public:
+  SerialQueue(FakeScheduler& scheduler, std::string label)
+      : scheduler_(scheduler), label_(std::move(label)) {}
+
+  void async(Block block) override {
+    blocks_.push_back(std::move(block));
+    if (!busy_) runNext();
+  }
+
+ private:
+  // Starts the next block when its owner ends, also by an exception.
+  class Turn {
+   public:
+    explicit Turn(SerialQueue& queue) : queue_(queue) {}
+    ~Turn() { queue_.runNext(); }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+   private:
+    SerialQueue& queue_;
+  };
+
+  void runNext() {
+    busy_ = !blocks_.empty();
+    if (!busy_) return;
+    Block block = std::move(blocks_.front());
+    blocks_.pop_front();
+    scheduler_.addThread(label_, [self = shared_from_this(), run = std::move(block)] {
+      const Turn turn(*self);
+      run();
+    });
+  }
+
+  FakeScheduler& scheduler_;
+  const std::string label_;
+  std::deque<Block> blocks_;
+  bool busy_ = false;
+};
+
+FakeDispatch::FakeDispatch(FakeScheduler& scheduler)
+    : scheduler_(scheduler),
+      mainQueue_(std::make_unique<MainQueue>(scheduler, MainLane::DispatchQueue)),
+      mainOperationQueue_(std::make_unique<MainQueue>(scheduler, MainLane::OperationQueue)) {
+  for (const QueuePriority priority :
+       {QueuePriority::High, QueuePriority::Default, QueuePriority::Low, QueuePriority::Background}) {
+    globalQueues_.push_back(std::make_unique<GlobalQueue>(scheduler, priority));
+  }
+}
+
+FakeDispatch::~FakeDispatch() = default;
+
+Queue& FakeDispatch::mainQueue() { return *mainQueue_; }
+
+Queue& FakeDispatch::mainOperationQueue() { return *mainOperationQueue_; }
+
+Queue& FakeDispatch::globalQueue(QueuePriority priority) {
+  for (const auto& queue : globalQueues_) {
+    if (queue->priority == priority) return *queue;
+  }
+  throw std::invalid_argument("no global queue has this priority");
+}
+
+std::shared_ptr<Queue> FakeDispatch::makeSerialQueue(std::string label) {
+  serialQueues_.push_back(label);
+  return std::make_shared<SerialQueue>(scheduler_, std::move(label));
+}
+
+void FakeDispatch::sleep(double seconds) { scheduler_.sleep(seconds); }
+
+bool FakeDispatch::isMainThread() const { return scheduler_.isMainThread(); }
+
+}  // namespace karno::test

@@ -1,0 +1,40 @@
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "fake_scheduler.h"
+#include "platform/dispatch.h"
+
+namespace karno::test {
+
+// Queues on virtual threads. A thread is named after its queue: "main", "global(0)", "global(-32768)", or the
+// label of a serial queue.
+class FakeDispatch final : public platform::Dispatch {
+ public:
+  explicit FakeDispatch(FakeScheduler& scheduler);
+  ~FakeDispatch() override;
+
+  platform::Queue& mainQueue() override;
+  platform::Queue& mainOperationQueue() override;
+  platform::Queue& globalQueue(platform::QueuePriority priority) override;
+  std::shared_ptr<platform::Queue> makeSerialQueue(std::string label) override;
+  void sleep(double seconds) override;
+  bool isMainThread() const override;
+
+  // Labels of the serial queues in the order made.
+  const std::vector<std::string>& serialQueues() const { return serialQueues_; }
+
+ private:
+  class MainQueue;
+  class GlobalQueue;
+  class SerialQueue;
+
+  FakeScheduler& scheduler_;
+  std::unique_ptr<MainQueue> mainQueue_;
+  std::unique_ptr<MainQueue> mainOperationQueue_;
+  std::vector<std::unique_ptr<GlobalQueue>> globalQueues_;
+  std::vector<std::string> serialQueues_;
+};
+
+}  // namespace karno::test

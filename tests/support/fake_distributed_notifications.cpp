@@ -1,0 +1,33 @@
+#include "fake_distributed_notifications.h"
+
+#include <algorithm>
+
+namespace karno::test {
+
+void FakeDistributedNotifications::addObserver(const void* observer, const std::string& name,
+                                               const std::string& object, Handler handler) {
+  observers_.push_back({observer, name, object, std::move(handler), nextNumber_++});
+}
+
+void FakeDistributedNotifications::removeObserver(const void* observer) {
+  std::erase_if(observers_, [&](const Observer& each) { return each.observer == observer; });
+}
+
+bool FakeDistributedNotifications::post(const platform::DistributedNotification& notification) {
+  scheduler_.addToMain(MainLane::Events, [this, notification] { deliver(notification); });
+  return true;
+}
+
+// A handler may remove observers; those do not hear of the notification any more.
+void FakeDistributedNotifications::deliver(const platform::DistributedNotification& notification) {
+  const std::vector<Observer> before = observers_;
+  for (const Observer& each : before) {
+    const bool stillThere = std::any_of(observers_.begin(), observers_.end(),
+                                        [&](const Observer& other) { return other.number == each.number; });
+    if (stillThere && each.name == notification.name && each.object == notification.object) {
+      each.handler(notification);
+    }
+  }
+}
+
+}  // namespace karno::test

@@ -1,0 +1,94 @@
+#pragma once
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "fake_clock.h"
+#include "platform/files.h"
+
+namespace karno::test {
+
+// A file system in memory with the home folder /Users/tester, which has a Library folder and nothing else.
+// Faults last until they are cleared.
+class FakeFiles final : public platform::Files {
+ public:
+  FakeFiles(FakeScheduler& scheduler, FakeClock& clock);
+
+  std::vector<std::string> searchPath(platform::UserFolder folder) const override {
+    return folders.at(folder);
+  }
+  std::string homeDirectory() const override { return "/Users/tester"; }
+  bool fileExists(const std::string& path) const override;
+  std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override;
+  platform::Result<std::string> read(const std::string& path) const override;
+  platform::Result<std::string> destinationOfSymbolicLink(const std::string& path) const override;
+  std::optional<platform::Error> createDirectory(const std::string& path) override;
+  std::optional<platform::Error> remove(const std::string& path) override;
+  std::optional<platform::Error> move(const std::string& from, const std::string& to) override;
+  void enumerate(const std::string& folder, const Visitor& visit) const override;
+  std::unique_ptr<platform::AppendStream> openForAppending(const std::string& path) override;
+
+  // What searchPath() answers, settable.
+  std::map<platform::UserFolder, std::vector<std::string>> folders = {
+      {platform::UserFolder::Library, {"/Users/tester/Library"}},
+      {platform::UserFolder::Caches, {"/Users/tester/Library/Caches"}},
+      {platform::UserFolder::Downloads, {"/Users/tester/Downloads"}},
+      {platform::UserFolder::Applications, {"/Users/tester/Applications"}},
+      {platform::UserFolder::Trash, {"/Users/tester/.Trash"}}};
+
+  // Puts things in place, with the folders above them.
+  void addFile(const std::string& path, std::string text);
+  void addFile(const std::string& path, std::string text, platform::Date creationDate);
+  void addDirectory(const std::string& path);
+  void addSymbolicLink(const std::string& path, std::string destination);
+
+  // Makes the file appear this big; the bytes in front of its text are not stored.
+  void setSize(const std::string& path, std::uint64_t size);
+
+  // What has reached the file. Empty when there is no file.
+  std::string text(const std::string& path) const;
+  std::vector<std::string> lines(const std::string& path) const;
+
+  // Each operation fails for exactly this path, with this errno.
+  void failCreateDirectory(const std::string& path, int code) { failures_["createDirectory " + path] = code; }
+  void failRemove(const std::string& path, int code) { failures_["remove " + path] = code; }
+  void failMove(const std::string& from, int code) { failures_["move " + from] = code; }
+  void failRead(const std::string& path, int code) { failures_["read " + path] = code; }
+  void failOpenForAppending(const std::string& path) { failures_["open " + path] = 13; }
+  void clearFailures() { failures_.clear(); }
+
+  // While it is full, what streams write goes nowhere.
+  void setDiskFull(bool full) { *diskFull_ = full; }
+
+  // How often the size of a file was asked for, and how often a file was opened for appending.
+  int sizeReads() const { return sizeReads_; }
+  int opens(const std::string& path) const;
+
+  struct Content {
+    std::uint64_t bytesBefore = 0;
+    std::string text;
+  };
+
+ private:
+  struct Node {
+    platform::FileType type = platform::FileType::Regular;
+    platform::Date creationDate;
+    std::shared_ptr<Content> content;  // of a regular file
+    std::string destination;           // of a symbolic link
+  };
+
+  std::optional<platform::Error> failure(const std::string& operation) const;
+  const Node* find(const std::string& path) const;
+  void insert(const std::string& path, Node node);
+
+  FakeScheduler& scheduler_;
+  FakeClock& clock_;
+  std::map<std::string, Node> nodes_;
+  std::map<std::string, int> failures_;
+  std::map<std::string, int> opens_;
+  std::shared_ptr<bool> diskFull_ = std::make_shared<bool>(false);
+  mutable int sizeReads_ = 0;
+};
+
+}  // namespace karno::test

@@ -1,0 +1,23 @@
+#pragma once
+#include <map>
+#include <string>
+
+#include "platform/managed_preferences.h"
+
+namespace karno::test {
+
+// What administrators have forced, by domain.
+class FakeManagedPreferences final : public platform::ManagedPreferences {
+ public:
+  std::optional<platform::Value> copyAppValue(const std::string& key,
+                                              const std::string& applicationID) override {
+    const platform::Value::Dictionary& domain = domains[applicationID];
+    const auto found = domain.find(key);
+    if (found == domain.end()) return std::nullopt;
+    return found->second;
+  }
+
+  std::map<std::string, platform::Value::Dictionary> domains;
+};
+
+}  // namespace karno::test

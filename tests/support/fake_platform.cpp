@@ -1,0 +1,109 @@
+#include "fake_platform.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <regex>
+
+namespace karno::test {
+
+Line Line::parse(const std::string& text) {
+  static const std::regex shape(
+      R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d:\d{3}[+-]\d{4} \(\d+\) \[([^\]]*)\] ([\s\S]*))");
+  std::smatch parts;
+  if (!std::regex_match(text, parts, shape)) return {"", text};
+  return {parts[1], parts[2]};
+}
+
+void PrintTo(const Line& line, std::ostream* out) { *out << "[" << line.level << "] " << line.message; }
+
+FakePlatform::FakePlatform(std::optional<std::uint64_t> ofSeed)
+    : seed(ofSeed.value_or(defaultSeed())),
+      platform_{.application = application,
+                .alerts = alerts,
+                .windows = windows,
+                .workspace = workspace,
+                .dispatch = dispatch,
+                .clock = clock,
+                .tasks = tasks,
+                .processes = processes,
+                .bundles = bundles,
+                .userDefaults = userDefaults,
+                .managedPreferences = managedPreferences,
+                .distributedNotifications = notifications,
+                .propertyLists = propertyLists,
+                .files = files,
+                .text = text,
+                .consoleLog = consoleLog,
+                .systemVersion = systemVersion,
+                .updater = updater} {
+  scheduler.setExceptionHandler([this](std::string_view what) {
+    consoleLog.log("A block threw: " + std::string(what));
+    ADD_FAILURE() << "a block on the thread " << scheduler.currentThreadName() << " threw: " << what;
+  });
+  platform::install(platform_);
+}
+
+FakePlatform::~FakePlatform() { scheduler.shutDown(); }
+
+std::uint64_t FakePlatform::defaultSeed() {
+  const char* given = std::getenv("KARNO_TEST_SEED");
+  return given != nullptr ? std::strtoull(given, nullptr, 10) : 20240305;
+}
+
+FakePlatform& FakePlatform::withAdmin(const std::string& key, platform::Value value) {
+  managedPreferences.domains["it.vantul.KarnoAdmin"].insert_or_assign(key, std::move(value));
+  return *this;
+}
+
+FakePlatform& FakePlatform::withoutAdmin(const std::string& key) {
+  managedPreferences.domains["it.vantul.KarnoAdmin"].erase(key);
+  return *this;
+}
+
+FakePlatform& FakePlatform::withUserSetting(const std::string& key, platform::Value value) {
+  settings().values.insert_or_assign(key, std::move(value));
+  return *this;
+}
+
+FakePlatform& FakePlatform::withArguments(std::vector<std::string> afterProgramPath) {
+  processes.commandLine.resize(1);
+  processes.commandLine.insert(processes.commandLine.end(), afterProgramPath.begin(), afterProgramPath.end());
+  return *this;
+}
+
+FakePlatform& FakePlatform::withEmbeddedBuilds() {
+  bundles.addHelper("Karno.app", "it.vantul.Karno");
+  bundles.addHelper("Karno(Fuse).app", "it.vantul.KarnoFuse");
+  return *this;
+}
+
+FakePlatform& FakePlatform::withStrings(const std::string& json) {
+  const std::string path = "/Applications/Karno.app/Contents/Resources/Base.lproj/Strings.json";
+  files.addFile(path, json);
+  bundles.main().resources["Strings.json"] = path;
+  bundles.main().resources["Base.lproj/Strings.json"] = path;
+  return *this;
+}
+
+std::vector<Line> FakePlatform::log() const {
+  std::vector<Line> result;
+  for (const std::string& line : fullLogLines()) result.push_back(Line::parse(line));
+  return result;
+}
+
+std::vector<Line> FakePlatform::consoleMessages() const {
+  std::vector<Line> result;
+  for (const std::string& line : console()) result.push_back(Line::parse(line));
+  return result;
+}
+
+void FakePlatform::postMessage(platform::Value message) { postUserInfo({{"message", std::move(message)}}); }
+
+void FakePlatform::postUserInfo(platform::Value::Dictionary userInfo) {
+  notifications.post({.name = "it.vantul.Karno.KarnoWrapperNotification",
+                      .object = "it.vantul.Karno.KarnoWrapperNotification",
+                      .userInfo = std::move(userInfo)});
+}
+
+}  // namespace karno::test

@@ -1,0 +1,36 @@
+#pragma once
+#include <map>
+#include <string>
+
+#include "platform/property_lists.h"
+
+namespace karno::test {
+
+// Answers what a test says for exactly these bytes; everything else is damaged.
+class FakePropertyLists final : public platform::PropertyLists {
+ public:
+  platform::Result<platform::Value> parse(std::string_view bytes) const override {
+    const auto found = parsed.find(bytes);
+    if (found == parsed.end()) return platform::Error(std::string(platform::kCocoaErrorDomain), 3840);
+    return found->second;
+  }
+
+  platform::Result<std::string> serialiseAsXML(const platform::Value& value) const override {
+    return "<plist>" + value.description() + "</plist>";
+  }
+
+  platform::Result<platform::Value::Dictionary> unarchiveDictionary(std::string_view bytes) const override {
+    const auto found = unarchived.find(bytes);
+    if (found == unarchived.end()) return unarchiveError;
+    return found->second;
+  }
+
+  std::map<std::string, platform::Value, std::less<>> parsed;
+  std::map<std::string, platform::Value::Dictionary, std::less<>> unarchived;
+  platform::Error unarchiveError{std::string(platform::kCocoaErrorDomain),
+                                 4864,
+                                 {{std::string(platform::kLocalizedDescriptionKey),
+                                   "The data couldn’t be read because it isn’t in the correct format."}}};
+};
+
+}  // namespace karno::test

@@ -1,0 +1,260 @@
+#include "fake_scheduler.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <utility>
+
+namespace karno::test {
+namespace {
+
+constexpr std::int64_t kActionsAtOneMomentMax = 2'000'000;
+constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
+constexpr auto kStuckAfter = std::chrono::seconds(120);  // of real time
+
+// Unwinds a sleeping thread at the end of a test. Not a std::exception, so that handlers of errors let it
+// pass.
+struct Unwind {};
+
+thread_local void* currentThread = nullptr;  // a FakeScheduler::VirtualThread
+
+std::int64_t toNanoseconds(double seconds) { return std::max<std::int64_t>(0, std::llround(seconds * 1e9)); }
+
+}  // namespace
+
+struct FakeScheduler::VirtualThread {
+  enum class State { Ready, Running, Sleeping, Finished };
+
+  std::string name;
+  Block block;
+  State state = State::Ready;
+  std::int64_t wakeAt = 0;
+  std::condition_variable wake;
+  std::thread thread;
+};
+
+FakeScheduler::FakeScheduler(std::uint64_t seed)
+    : mainThread_(std::this_thread::get_id()),
+      randomState_(seed),
+      exceptionHandler_([](std::string_view) {}) {}
+
+FakeScheduler::~FakeScheduler() { shutDown(); }
+
+void FakeScheduler::setExceptionHandler(std::function<void(std::string_view)> handler) {
+  exceptionHandler_ = std::move(handler);
+}
+
+void FakeScheduler::addThread(std::string name, Block block) {
+  countAction();
+  if (stopping_) return;
+
+  threads_.push_back(std::make_unique<VirtualThread>());
+  threads_.back()->name = std::move(name);
+  threads_.back()->block = std::move(block);
+}
+
+void FakeScheduler::addToMain(MainLane which, Block block) {
+  countAction();
+  if (!stopping_) lane(which).blocks.push_back(std::move(block));
+}
+
+void FakeScheduler::sleep(double seconds) {
+  const std::int64_t until = now_ + toNanoseconds(seconds);
+  if (isMainThread()) {
+    run(until, false, nullptr);
+    return;
+  }
+
+  auto* self = static_cast<VirtualThread*>(currentThread);
+  if (self == nullptr) {
+    ADD_FAILURE() << "sleep() called on a thread that the machine does not know";
+    return;
+  }
+  if (stopping_) throw Unwind{};
+  std::unique_lock lock(mutex_);
+  self->state = VirtualThread::State::Sleeping;
+  self->wakeAt = until;
+  takeBatonBack(*self, lock);
+  if (stopping_) throw Unwind{};
+}
+
+// Called on the virtual thread: gives the baton to the main thread and waits for its return.
+void FakeScheduler::takeBatonBack(VirtualThread& thread, std::unique_lock<std::mutex>& lock) {
+  holder_ = nullptr;
+  mainWake_.notify_one();
+  thread.wake.wait(lock, [&] { return holder_ == &thread; });
+}
+
+bool FakeScheduler::isMainThread() const { return std::this_thread::get_id() == mainThread_; }
+
+std::string FakeScheduler::currentThreadName() const {
+  if (isMainThread()) return "main";
+  return currentThread != nullptr ? static_cast<VirtualThread*>(currentThread)->name : "unknown";
+}
+
+void FakeScheduler::requireMainThread(std::string_view operation) const {
+  if (!isMainThread()) ADD_FAILURE() << operation << " called on the thread " << currentThreadName();
+}
+
+void FakeScheduler::countAction() {
+  if (++actionsAtThisMoment_ <= kActionsAtOneMomentMax || stopping_) return;
+  throw StepLimitReached("work without end and without sleep at " + std::to_string(secondsSinceStart()) +
+                         " s of virtual time on the thread " + currentThreadName());
+}
+
+double FakeScheduler::secondsSinceStart() const { return static_cast<double>(now_) / 1e9; }
+
+void FakeScheduler::runUntilIdle() { run(now_, true, nullptr); }
+
+void FakeScheduler::runFor(double seconds) { run(now_ + toNanoseconds(seconds), true, nullptr); }
+
+bool FakeScheduler::runUntil(const std::function<bool()>& predicate, double limitSeconds) {
+  return run(now_ + toNanoseconds(limitSeconds), true, predicate);
+}
+
+bool FakeScheduler::run(std::int64_t deadline, bool mainLanes, const std::function<bool()>& predicate) {
+  if (!isMainThread()) throw std::logic_error("only the test's own thread can run the machine");
+
+  for (;;) {
+    if (predicate && predicate()) return true;
+    if (step(mainLanes)) continue;
+    const std::int64_t next = nextWakeUp();
+    if (next > deadline) break;
+    advanceTo(next);
+  }
+  advanceTo(std::max(now_, deadline));
+  return predicate && predicate();
+}
+
+// One thing that is due, chosen by the seed; false when nothing is.
+bool FakeScheduler::step(bool mainLanes) {
+  struct Choice {
+    VirtualThread* thread;  // null: the lane of the main thread
+    MainLane lane;
+  };
+  countAction();
+  std::vector<Choice> choices;
+  for (const auto& thread : threads_) {
+    if (isDue(*thread)) choices.push_back({thread.get(), {}});
+  }
+  for (const MainLane which : {MainLane::DispatchQueue, MainLane::OperationQueue, MainLane::Events}) {
+    if (mainLanes && !lane(which).blocks.empty() && !lane(which).busy) choices.push_back({nullptr, which});
+  }
+  if (choices.empty()) return false;
+
+  const Choice chosen = choices[random() % choices.size()];
+  if (chosen.thread != nullptr) {
+    giveBatonTo(*chosen.thread);
+  } else {
+    runMainBlock(chosen.lane);
+  }
+  return true;
+}
+
+void FakeScheduler::runMainBlock(MainLane which) {
+  Lane& chosen = lane(which);
+  const Block block = std::move(chosen.blocks.front());
+  chosen.blocks.pop_front();
+  chosen.busy = which == MainLane::DispatchQueue;
+  try {
+    guarded(block);
+  } catch (...) {
+    chosen.busy = false;
+    throw;
+  }
+  chosen.busy = false;
+}
+
+void FakeScheduler::giveBatonTo(VirtualThread& thread) {
+  {
+    std::unique_lock lock(mutex_);
+    thread.state = VirtualThread::State::Running;
+    holder_ = &thread;
+    if (thread.thread.joinable()) {
+      thread.wake.notify_one();
+    } else {
+      thread.thread = std::thread([this, &thread] { threadBody(thread); });
+    }
+    if (!mainWake_.wait_for(lock, kStuckAfter, [this] { return holder_ == nullptr; })) {
+      std::fprintf(stderr, "The virtual thread %s neither sleeps nor ends.\n", thread.name.c_str());
+      std::abort();
+    }
+  }
+  if (thread.state == VirtualThread::State::Finished) reap(thread);
+  if (!limitFailure_.empty()) throw StepLimitReached(std::exchange(limitFailure_, {}));
+}
+
+void FakeScheduler::threadBody(VirtualThread& thread) {
+  currentThread = &thread;
+  try {
+    guarded(thread.block);
+  } catch (const Unwind&) {
+  } catch (const StepLimitReached& limit) {
+    limitFailure_ = limit.what();
+  }
+  thread.block = nullptr;
+  const std::lock_guard lock(mutex_);
+  thread.state = VirtualThread::State::Finished;
+  holder_ = nullptr;
+  mainWake_.notify_one();
+}
+
+void FakeScheduler::guarded(const Block& block) {
+  try {
+    block();
+  } catch (const Unwind&) {
+    throw;
+  } catch (const StepLimitReached&) {
+    throw;
+  } catch (const std::exception& error) {
+    exceptionHandler_(error.what());
+  } catch (...) {
+    exceptionHandler_("something that is no std::exception");
+  }
+}
+
+void FakeScheduler::reap(VirtualThread& thread) {
+  thread.thread.join();
+  std::erase_if(threads_, [&](const auto& each) { return each.get() == &thread; });
+}
+
+bool FakeScheduler::isDue(const VirtualThread& thread) const {
+  return thread.state == VirtualThread::State::Ready ||
+         (thread.state == VirtualThread::State::Sleeping && thread.wakeAt <= now_);
+}
+
+std::int64_t FakeScheduler::nextWakeUp() const {
+  std::int64_t next = kNever;
+  for (const auto& thread : threads_) {
+    if (thread->state == VirtualThread::State::Sleeping) next = std::min(next, thread->wakeAt);
+  }
+  return next;
+}
+
+void FakeScheduler::advanceTo(std::int64_t time) {
+  if (time == now_) return;
+  now_ = time;
+  actionsAtThisMoment_ = 0;
+}
+
+// SplitMix64: the same numbers from the same seed with every compiler and library.
+std::uint64_t FakeScheduler::random() {
+  std::uint64_t mixed = (randomState_ += 0x9e3779b97f4a7c15U);
+  mixed = (mixed ^ (mixed >> 30U)) * 0xbf58476d1ce4e5b9U;
+  mixed = (mixed ^ (mixed >> 27U)) * 0x94d049bb133111ebU;
+  return mixed ^ (mixed >> 31U);
+}
+
+void FakeScheduler::shutDown() {
+  stopping_ = true;
+  for (Lane& each : lanes_) each.blocks.clear();
+  std::erase_if(threads_, [](const auto& each) { return each->state == VirtualThread::State::Ready; });
+  while (!threads_.empty()) giveBatonTo(*threads_.front());
+}
+
+}  // namespace karno::test

@@ -1,0 +1,109 @@
+#pragma once
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace karno::test {
+
+// Thrown when work goes on and on without any virtual time passing.
+class StepLimitReached : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// What the main thread can find to do. Each lane is first in, first out; between lanes the seed decides.
+enum class MainLane {
+  DispatchQueue,   // not reentrant: nothing of it runs inside one of its own blocks
+  OperationQueue,  // goes on while a block of the main thread runs a modal loop
+  Events,          // notifications and the like; as the operation queue
+};
+
+// Runs virtual threads one at a time in virtual time. Every virtual thread is a real one, but only the holder
+// of the baton runs, so nothing in the fakes needs a lock and a seed fixes the whole order. The baton changes
+// hands only when a thread sleeps or ends. The thread that makes the scheduler is the main thread.
+class FakeScheduler {
+ public:
+  using Block = std::function<void()>;
+
+  explicit FakeScheduler(std::uint64_t seed);
+  ~FakeScheduler();
+  FakeScheduler(const FakeScheduler&) = delete;
+  FakeScheduler& operator=(const FakeScheduler&) = delete;
+
+  // Hears what a block threw, on the thread of the block.
+  void setExceptionHandler(std::function<void(std::string_view what)> handler);
+
+  void addThread(std::string name, Block block);
+  void addToMain(MainLane lane, Block block);
+
+  // Suspends the caller in virtual time. On the main thread everything goes on except its own lanes.
+  void sleep(double seconds);
+
+  bool isMainThread() const;
+  std::string currentThreadName() const;  // "main" or the name given to addThread()
+
+  // Fails the test when the caller is not the main thread.
+  void requireMainThread(std::string_view operation) const;
+
+  // Services call this, so that a loop that never sleeps is found.
+  void countAction();
+
+  double secondsSinceStart() const;
+  std::int64_t nanosecondsSinceStart() const { return now_; }
+
+  // The next three are for the main thread only; they may be nested. All work that is due is done; no time
+  // passes.
+  void runUntilIdle();
+  // As much virtual time passes, work due at the very end included.
+  void runFor(double seconds);
+  // Runs until the predicate holds; false when the limit passes or nothing is left to do first.
+  bool runUntil(const std::function<bool()>& predicate, double limitSeconds);
+
+  // Ends all threads: sleepers are unwound out of sleep(), what has not begun never does.
+  void shutDown();
+
+ private:
+  struct VirtualThread;
+  struct Lane {
+    std::deque<Block> blocks;
+    bool busy = false;
+  };
+
+  bool run(std::int64_t deadline, bool mainLanes, const std::function<bool()>& predicate);
+  bool step(bool mainLanes);
+  void runMainBlock(MainLane which);
+  void giveBatonTo(VirtualThread& thread);
+  void takeBatonBack(VirtualThread& thread, std::unique_lock<std::mutex>& lock);
+  void threadBody(VirtualThread& thread);
+  void guarded(const Block& block);
+  void reap(VirtualThread& thread);
+  bool isDue(const VirtualThread& thread) const;
+  std::int64_t nextWakeUp() const;
+  void advanceTo(std::int64_t time);
+  std::uint64_t random();
+  Lane& lane(MainLane which) { return lanes_[static_cast<std::size_t>(which)]; }
+
+  const std::thread::id mainThread_;
+  std::uint64_t randomState_;
+  std::function<void(std::string_view)> exceptionHandler_;
+  std::int64_t now_ = 0;
+  std::int64_t actionsAtThisMoment_ = 0;
+  bool stopping_ = false;
+  std::string limitFailure_;  // of a virtual thread, to be thrown on the main one
+  Lane lanes_[3];
+  std::vector<std::unique_ptr<VirtualThread>> threads_;
+
+  std::mutex mutex_;                 // guards the hand-over only
+  VirtualThread* holder_ = nullptr;  // null: the main thread
+  std::condition_variable mainWake_;
+};
+
+}  // namespace karno::test

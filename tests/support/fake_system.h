@@ -1,0 +1,47 @@
+#pragma once
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "fake_scheduler.h"
+#include "platform/system_version.h"
+#include "platform/updater.h"
+#include "platform/workspace.h"
+
+namespace karno::test {
+
+class FakeSystemVersion final : public platform::SystemVersion {
+ public:
+  bool isAtLeast(int major, int minor, int patch) const override {
+    return running >= std::array<int, 3>{major, minor, patch};
+  }
+
+  std::array<int, 3> running = {14, 5, 0};
+};
+
+class FakeUpdater final : public platform::Updater {
+ public:
+  bool sessionInProgress() const override { return inSession; }
+  bool canCheckForUpdates() const override { return canCheck; }
+
+  bool inSession = false;
+  bool canCheck = true;
+};
+
+class FakeWorkspace final : public platform::Workspace {
+ public:
+  explicit FakeWorkspace(FakeScheduler& scheduler) : scheduler_(scheduler) {}
+
+  void selectFile(const std::string& path, const std::string& rootFolder) override {
+    scheduler_.requireMainThread("Workspace::selectFile");
+    selected.emplace_back(path, rootFolder);
+  }
+
+  std::vector<std::pair<std::string, std::string>> selected;  // path and root folder
+
+ private:
+  FakeScheduler& scheduler_;
+};
+
+}  // namespace karno::test

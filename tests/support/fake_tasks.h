@@ -1,0 +1,45 @@
+#pragma once
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "fake_scheduler.h"
+#include "platform/tasks.h"
+
+namespace karno::test {
+
+// Child processes that only a test ends. Process identifiers count up from 5001.
+class FakeTasks final : public platform::Tasks {
+ public:
+  struct Launch {
+    std::string executablePath;
+    std::vector<std::string> arguments;
+    std::string thread;  // that launched it
+  };
+
+  explicit FakeTasks(FakeScheduler& scheduler) : scheduler_(scheduler) {}
+
+  platform::Result<std::int32_t> launch(const platform::TaskLaunch& task,
+                                        TerminationHandler onTermination) override;
+
+  // Ends a child: its termination handler runs on the virtual thread "task termination".
+  void end(std::int32_t processIdentifier, int status = 0,
+           platform::TerminationReason reason = platform::TerminationReason::Exit);
+
+  // Makes one launch to come fail. May be called several times for several launches.
+  void failNextLaunch(platform::Error error) { failures_.push_back(std::move(error)); }
+
+  // Every attempt, the failed ones included.
+  const std::vector<Launch>& launches() const { return launches_; }
+  std::vector<std::int32_t> running() const;
+
+ private:
+  FakeScheduler& scheduler_;
+  std::vector<Launch> launches_;
+  std::deque<platform::Error> failures_;
+  std::map<std::int32_t, TerminationHandler> running_;
+  std::int32_t nextProcessIdentifier_ = 5001;
+};
+
+}  // namespace karno::test

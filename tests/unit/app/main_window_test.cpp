@@ -1,0 +1,210 @@
+#include "app/main_window.h"
+
+#include <gmock/gmock.h>
+
+#include "app/startup_manager.h"
+#include "fake_platform.h"
+#include "launcher.h"
+#include "printing.h"
+
+namespace karno {
+namespace {
+
+using platform::Value;
+using test::FakePlatform;
+using test::Line;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Pair;
+
+constexpr const char* kStrings = R"({"DRIVE_MOUNT_FAILED": "The drive could not be mounted.", "OK": "Fine"})";
+
+const platform::Alert kLaunchFailureAlert{.style = platform::AlertStyle::Critical,
+                                          .messageText = "Karno",
+                                          .informativeText = "The drive could not be mounted.",
+                                          .buttons = {{.title = "Fine", .keyEquivalent = ""}}};
+
+std::shared_ptr<MainWindow> makeWindow(FakePlatform& machine) {
+  return std::make_shared<MainWindow>(machine.windows.prompt);
+}
+
+StartupManager& manager() { return StartupManager::instance(); }
+
+TEST(MainWindowStartUp, ObservesItsOwnClosingAndChecksTheSystem) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+
+  window->startUp();
+
+  EXPECT_EQ(machine.windows.prompt.observerCount(), 1U);
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("INFO", "EmbeddedApp[CONFIGURE] Use File Provider = Yes (first startup)"),
+                          Line("INFO", "Startup[CHECK] Checking system for FileProvider..."),
+                          Line("INFO", "Startup[CHECK] Using FileProvider"),
+                          Line("INFO", "Main: System is okay - launching Karno")));
+}
+
+TEST(MainWindowStartUp, HasBecomeTheManagersDelegateBeforeTheCheck) {
+  FakePlatform machine;
+  machine.withEmbeddedBuilds();
+  const auto window = makeWindow(machine);
+
+  window->startUp();
+  machine.runUntilIdle();
+
+  EXPECT_THAT(machine.consoleMessages(),
+              ::testing::Contains(Line("INFO", "Main: Started Karno successfully")));
+}
+
+TEST(MainWindowClosing, OnlyRemovesTheObservation) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+  window->registerNotifications();
+
+  machine.windows.prompt.close();
+  machine.runFor(6);
+
+  EXPECT_EQ(machine.windows.prompt.observerCount(), 0U);
+  EXPECT_EQ(machine.application.terminations(), 0);
+  EXPECT_THAT(machine.console(), IsEmpty());
+}
+
+TEST(MainWindowClosing, RemovesEveryObservation) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+  window->registerNotifications();
+  window->registerNotifications();
+
+  machine.windows.prompt.close();
+
+  EXPECT_EQ(machine.windows.prompt.observerCount(), 0U);
+}
+
+TEST(MainWindowCallbacks, LaunchTheEmbeddedApplicationWhenTheSystemIsOkay) {
+  FakePlatform machine;
+  machine.withEmbeddedBuilds();
+  const auto window = makeWindow(machine);
+
+  machine.onThread([&] { window->startUpDidCheckSystemSuccessfully(manager()); }, "caller");
+  machine.runUntilIdle();
+
+  EXPECT_EQ(machine.consoleMessages().at(0), Line("INFO", "Main: System is okay - launching Karno"));
+  EXPECT_EQ(machine.consoleLog.entries().at(0).thread, "caller");
+  EXPECT_THAT(machine.tasks.running(), ElementsAre(5001));
+}
+
+TEST(MainWindowCallbacks, CloseTheWindowOnTheMainQueueAfterALaunch) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+  window->registerNotifications();
+
+  machine.onThread([&] { window->startUpDidLaunchKarnoSuccessfully(manager()); });
+  machine.runUntilIdle();
+
+  EXPECT_THAT(machine.consoleMessages(), ElementsAre(Line("INFO", "Main: Started Karno successfully")));
+  EXPECT_EQ(machine.windows.prompt.closes(), 1);
+  EXPECT_EQ(machine.windows.prompt.observerCount(), 0U);
+}
+
+TEST(MainWindowCallbacks, CloseTheWindowOnlyLaterWhenCalledOnTheMainThread) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+
+  window->startUpDidLaunchKarnoSuccessfully(manager());
+
+  EXPECT_EQ(machine.windows.prompt.closes(), 0);
+}
+
+TEST(MainWindowCallbacks, ShowAnAlertAndQuitWhenALaunchFailed) {
+  FakePlatform machine;
+  machine.withStrings(kStrings);
+  const auto window = makeWindow(machine);
+
+  machine.onThread([&] { window->startUpDidFailToLaunchKarno(manager()); });
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kLaunchFailureAlert));
+  EXPECT_THAT(machine.log(),
+              ElementsAre(Line("*** ERROR ***", "Main: Failed to start Karno"),
+                          Line("INFO", "AppDelegate[TERMINATE] Reason: Failed to start Karno.app")));
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST(MainWindowCallbacks, ShowTheAlertLaterThroughTheMainOperationQueue) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+
+  window->startUpDidFailToLaunchKarno(manager());
+
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+}
+
+TEST(MainWindowCallbacks, QuitOnlyOnceTheAlertIsDismissed) {
+  FakePlatform machine;
+  machine.withStrings(kStrings);
+  std::vector<Line> linesWhileUp;
+  machine.alerts.answerNext(1000, [&] {
+    machine.runFor(60);
+    linesWhileUp = machine.log();
+  });
+  const auto window = makeWindow(machine);
+
+  window->startUpDidFailToLaunchKarno(manager());
+  machine.runFor(100);
+
+  EXPECT_THAT(linesWhileUp, ElementsAre(Line("*** ERROR ***", "Main: Failed to start Karno")));
+  EXPECT_EQ(machine.application.terminatedAtSeconds(), 61);
+}
+
+TEST(MainWindowCallbacks, ResetTheUpdaterAndQuitWhenTheSetupFailed) {
+  FakePlatform machine;
+  machine.withStrings(kStrings);
+  const auto window = makeWindow(machine);
+
+  machine.onThread([&] { window->startUpDidFailToSetupSystem(manager()); });
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kLaunchFailureAlert));
+  EXPECT_THAT(machine.log(),
+              ElementsAre(Line("*** ERROR ***", "Main: Failed to setup system"),
+                          Line("*** ERROR ***", "Main: Failed to start Karno"),
+                          Line("INFO", "AppDelegate[TERMINATE] Reason: Failed to start Karno.app")));
+  EXPECT_THAT(machine.userDefaults.standard().writes, ElementsAre(Pair("SUHasLaunchedBefore", Value(false))));
+}
+
+TEST(MainWindowCallbacks, LeaveTheUpdaterAloneWhenOnlyALaunchFailed) {
+  FakePlatform machine;
+  machine.withStrings(kStrings);
+  const auto window = makeWindow(machine);
+
+  window->startUpDidFailToLaunchKarno(manager());
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.userDefaults.standard().writes, IsEmpty());
+}
+
+TEST(MainWindowCallbacks, QuitWhenTheManagerSaysSo) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+
+  machine.onThread([&] { window->startupAppShouldTerminate(manager()); });
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.log(),
+              ElementsAre(Line("INFO", "Main: App should terminate"),
+                          Line("INFO", "AppDelegate[TERMINATE] Reason: App should terminate")));
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST(MainWindowCallbacks, SayThatFuseMustBeInstalled) {
+  FakePlatform machine;
+  machine.withStrings(kStrings);
+  const auto window = makeWindow(machine);
+
+  window->startUpNeedsToInstallFuse(manager(), true);
+
+  EXPECT_EQ(machine.consoleMessages().at(0), Line("INFO", "Main: Need to install Fuse"));
+}
+
+}  // namespace
+}  // namespace karno

@@ -1,0 +1,137 @@
+#include "app/startup_manager.h"
+
+#include <gmock/gmock.h>
+
+#include "app/karno_embedded_app.h"
+#include "fake_platform.h"
+#include "launcher.h"
+
+namespace karno {
+namespace {
+
+using test::FakePlatform;
+using test::Line;
+using test::StartupRecorder;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// What was logged after the choice of the build.
+std::vector<Line> afterTheChoice(const FakePlatform& machine) {
+  std::vector<Line> lines = machine.consoleMessages();
+  lines.erase(lines.begin());
+  return lines;
+}
+
+TEST(SystemCheckForFileProvider, SucceedsOnTheCallingThreadBeforeItReturns) {
+  FakePlatform machine;
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  StartupManager::instance().setDelegate(delegate);
+
+  machine.onThread(
+      [&] {
+        StartupManager::instance().checkSystem();
+        delegate->calls.push_back("returned");
+      },
+      "caller");
+  machine.runUntilIdle();
+
+  EXPECT_THAT(delegate->calls, ElementsAre("checked on caller", "returned"));
+  EXPECT_THAT(afterTheChoice(machine),
+              ElementsAre(Line("INFO", "Startup[CHECK] Checking system for FileProvider..."),
+                          Line("INFO", "Startup[CHECK] Using FileProvider")));
+}
+
+struct Version {
+  std::array<int, 3> number;
+  bool isRecent;
+};
+
+void PrintTo(const Version& version, std::ostream* out) {
+  *out << version.number[0] << "." << version.number[1] << "." << version.number[2];
+}
+
+class SystemCheckOnVersion : public ::testing::TestWithParam<Version> {};
+
+TEST_P(SystemCheckOnVersion, WantsMacOS12Point3) {
+  FakePlatform machine;
+  machine.systemVersion.running = GetParam().number;
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  StartupManager::instance().setDelegate(delegate);
+
+  StartupManager::instance().checkSystem();
+
+  EXPECT_EQ(delegate->calls.size(), GetParam().isRecent ? 1U : 0U);
+  EXPECT_EQ(afterTheChoice(machine).at(1),
+            GetParam().isRecent ? Line("INFO", "Startup[CHECK] Using FileProvider")
+                                : Line("WARN",
+                                       "Startup[CHECK] *** Cannot *** use FileProvider (O/S version < 12.3). "
+                                       "Failing over to Fuse."));
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, SystemCheckOnVersion,
+                         ::testing::Values(Version{{12, 3, 0}, true}, Version{{12, 3, 1}, true},
+                                           Version{{13, 0, 0}, true}, Version{{26, 0, 0}, true},
+                                           Version{{12, 2, 9}, false}, Version{{12, 2, 0}, false},
+                                           Version{{11, 7, 10}, false}, Version{{10, 14, 6}, false}));
+
+TEST(SystemCheckForFileProvider, OnAnOldSystemGoesOnToFuseAndKeepsTheChosenBuild) {
+  FakePlatform machine;
+  machine.systemVersion.running = {12, 2, 0};
+
+  StartupManager::instance().checkSystem();
+
+  EXPECT_THAT(afterTheChoice(machine),
+              ElementsAre(Line("INFO", "Startup[CHECK] Checking system for FileProvider..."),
+                          Line("WARN",
+                               "Startup[CHECK] *** Cannot *** use FileProvider (O/S version < 12.3). Failing "
+                               "over to Fuse."),
+                          Line("INFO", "Startup[CHECK] Checking system for Fuse...")));
+  EXPECT_TRUE(KarnoEmbeddedApp::manager().useFileProvider());
+  EXPECT_EQ(KarnoEmbeddedApp::manager().name(), "Karno.app");
+}
+
+TEST(SystemCheckForFuse, ReturnsAtOnce) {
+  FakePlatform machine;
+  machine.withFirstStartup(false);
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  StartupManager::instance().setDelegate(delegate);
+
+  StartupManager::instance().checkSystem();
+
+  EXPECT_THAT(afterTheChoice(machine),
+              ElementsAre(Line("INFO", "Startup[CHECK] Checking system for Fuse...")));
+  EXPECT_THAT(delegate->calls, IsEmpty());
+}
+
+// As long as macFUSE cannot be looked at, the start must end and say why, not hang.
+TEST(SystemCheckForFuse, EndsInAFailureOnAGlobalQueueWhileItCannotBeMade) {
+  FakePlatform machine;
+  machine.withFirstStartup(false);
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  StartupManager::instance().setDelegate(delegate);
+
+  StartupManager::instance().checkSystem();
+  machine.runUntilIdle();
+
+  EXPECT_THAT(
+      afterTheChoice(machine),
+      ElementsAre(Line("INFO", "Startup[CHECK] Checking system for Fuse..."),
+                  Line("*** ERROR ***", "Startup[FUSE] This version of the launcher cannot check macFUSE")));
+  EXPECT_THAT(delegate->calls, ElementsAre("setup failed on global(0)"));
+}
+
+TEST(StartupManagerDelegate, IsHeldWeakly) {
+  FakePlatform machine;
+  auto delegate = std::make_shared<StartupRecorder>(machine);
+  const std::weak_ptr<StartupRecorder> weak = delegate;
+  StartupManager::instance().setDelegate(delegate);
+
+  delegate.reset();
+  StartupManager::instance().checkSystem();
+
+  EXPECT_TRUE(weak.expired());
+  EXPECT_EQ(machine.consoleMessages().back(), Line("INFO", "Startup[CHECK] Using FileProvider"));
+}
+
+}  // namespace
+}  // namespace karno

@@ -1,0 +1,330 @@
+#include <gmock/gmock.h>
+
+#include "app/startup_manager.h"
+#include "fake_platform.h"
+#include "ipc/karno_wrappper_notifier_listener.h"
+#include "ipc/wrapper_protocol.h"
+#include "printing.h"
+
+namespace karno {
+namespace {
+
+using platform::Value;
+using test::FakePlatform;
+using test::Line;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr const char* kName = "it.vantul.Karno.KarnoWrapperNotification";
+constexpr const char* kStrings =
+    R"({"WHOOPS": "Whoops!", "ERROR_FATAL": "Karno has crashed.", "YES": "Ja", "NO": "Nein"})";
+
+const platform::Alert kCrashAlert{
+    .style = platform::AlertStyle::Critical,
+    .messageText = "Whoops!",
+    .informativeText = "Karno has crashed.",
+    .buttons = {{.title = "Ja", .keyEquivalent = ""}, {.title = "Nein", .keyEquivalent = ""}}};
+
+// A machine whose launcher listens and has both builds at hand.
+class Listener : public ::testing::Test {
+ protected:
+  Listener() {
+    machine.withEmbeddedBuilds().withStrings(kStrings);
+    KarnoWrappperNotifierListener::manager().start();
+  }
+
+  FakePlatform machine;
+};
+
+TEST(WrapperProtocol, HasTheseWords) {
+  EXPECT_EQ(kWrapperNotificationName, "it.vantul.Karno.KarnoWrapperNotification");
+  EXPECT_EQ(kWrapperNotificationObject, "it.vantul.Karno.KarnoWrapperNotification");
+  EXPECT_EQ(kWrapperMessageKey, "message");
+  EXPECT_EQ(kWrapperReasonKey, "reason");
+  EXPECT_THAT(kWrapperMessages,
+              ElementsAre("check-for-updates", "enable-automatic-updates", "disable-automatic-updates",
+                          "user-selected-quit", "app-is-terminating", "app-is-terminating-abnormally",
+                          "app-needs-restart", "restart-wrapper-with-fuse",
+                          "restart-wrapper-with-file-provider", "restart-wrapper"));
+}
+
+TEST_F(Listener, QuitsWhenTheUserSelectedQuit) {
+  machine.postMessage("user-selected-quit");
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.log(), ElementsAre(Line("INFO", "Notify[LISTEN] Received 'user-selected-quit'"),
+                                         Line("INFO", "AppDelegate[TERMINATE] Reason: User selected quit")));
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST_F(Listener, QuitsAtTheUsersWishAlsoDuringAnUpdate) {
+  machine.updater.inSession = true;
+
+  machine.postMessage("user-selected-quit");
+  machine.runFor(6);
+
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST_F(Listener, QuitsWhenTheApplicationIsTerminating) {
+  machine.postMessage("app-is-terminating");
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.log(),
+              ElementsAre(Line("INFO", "Notify[LISTEN] Received 'app-is-terminating'"),
+                          Line("INFO", "AppDelegate[TERMINATE] Reason: Karno.app is terminated")));
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST_F(Listener, StaysWhenTheApplicationIsTerminatingDuringAnUpdate) {
+  machine.updater.inSession = true;
+
+  machine.postMessage("app-is-terminating");
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.log(),
+              ElementsAre(Line("INFO", "Notify[LISTEN] Received 'app-is-terminating'"),
+                          Line("INFO", "Notify[LISTEN] Upgrade in progress - Karno.app has terminated.")));
+  EXPECT_EQ(machine.application.terminations(), 0);
+}
+
+TEST_F(Listener, StaysWhenTheApplicationIsTerminatingAbnormallyDuringAnUpdate) {
+  machine.updater.canCheck = false;
+
+  machine.postMessage("app-is-terminating-abnormally");
+  machine.runFor(6);
+
+  EXPECT_THAT(
+      machine.log(),
+      ElementsAre(Line("INFO", "Notify[LISTEN] Received 'app-is-terminating-abnormally'"),
+                  Line("INFO", "Notify[LISTEN] Upgrade in progress - Karno has terminated abnormally.")));
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+}
+
+TEST_F(Listener, AsksWhetherToRestartAfterACrashAndQuitsOnNo) {
+  machine.alerts.answerNext(1001);
+
+  machine.postUserInfo({{"message", "app-is-terminating-abnormally"}, {"reason", "signal 11"}});
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kCrashAlert));
+  EXPECT_THAT(
+      machine.log(),
+      ElementsAre(
+          Line("INFO", "Notify[LISTEN] Received 'app-is-terminating-abnormally'"),
+          Line("*** ERROR ***", "Abnormal[TERMINATION] Karno.app terminated abnormally. (reason=signal 11)"),
+          Line("INFO",
+               "Abnormal[TERMINATION] User elected not to restart Karno after terminating abnormally."),
+          Line("INFO", "AppDelegate[TERMINATE] Reason: User selected quit for crash")));
+  EXPECT_THAT(machine.tasks.launches(), IsEmpty());
+}
+
+TEST_F(Listener, LaunchesTheApplicationAgainOnYes) {
+  machine.alerts.answerNext(1000);
+
+  machine.postUserInfo({{"message", "app-is-terminating-abnormally"}, {"reason", 6}});
+  machine.runFor(6);
+
+  EXPECT_THAT(
+      machine.log(),
+      ElementsAre(
+          Line("INFO", "Notify[LISTEN] Received 'app-is-terminating-abnormally'"),
+          Line("*** ERROR ***", "Abnormal[TERMINATION] Karno.app terminated abnormally. (reason=6)"),
+          Line("INFO", "Abnormal[TERMINATION] User elected to restart Karno after terminating abnormally."),
+          Line("INFO", "EmbeddedApp[CONFIGURE] Use File Provider = Yes (first startup)"),
+          Line("INFO", "Startup[LAUNCH] Launching Karno.app"),
+          Line("INFO", "Startup[LAUNCH] Launched Karno.app (pid: 5001)"),
+          Line("INFO", "Sparkle[START] Starting Up")));
+  EXPECT_EQ(machine.application.terminations(), 0);
+}
+
+TEST_F(Listener, TakesAnyOtherAnswerAsNo) {
+  machine.alerts.answerNext(-1000);
+
+  machine.postMessage("app-is-terminating-abnormally");
+  machine.runFor(6);
+
+  EXPECT_EQ(machine.application.terminations(), 1);
+  EXPECT_THAT(machine.tasks.launches(), IsEmpty());
+}
+
+TEST_F(Listener, LogsAMissingReasonAndAsksAllTheSame) {
+  machine.postMessage("app-is-terminating-abnormally");
+  machine.runUntilIdle();
+
+  EXPECT_EQ(machine.consoleMessages().at(1),
+            Line("*** ERROR ***", "Abnormal[TERMINATION] Karno.app terminated abnormally. (reason=(null))"));
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kCrashAlert));
+}
+
+TEST_F(Listener, ShowsTheCrashDialogOnlyAfterTheHandlerHasReturned) {
+  KarnoWrappperNotifierListener::manager().receivedNotification(
+      {.name = kName, .object = kName, .userInfo = {{"message", "app-is-terminating-abnormally"}}});
+  const auto shownAtReturn = machine.alerts.shown();
+  machine.runUntilIdle();
+
+  EXPECT_THAT(shownAtReturn, IsEmpty());
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kCrashAlert));
+}
+
+TEST_F(Listener, GoesOnListeningWhileTheCrashDialogIsUp) {
+  std::vector<Line> linesWhileUp;
+  machine.alerts.answerNext(1001, [&] {
+    machine.postMessage("hello");
+    machine.runFor(1);
+    linesWhileUp = machine.log();
+  });
+
+  machine.postMessage("app-is-terminating-abnormally");
+  machine.runFor(10);
+
+  EXPECT_THAT(linesWhileUp, ::testing::Contains(Line("INFO", "Notify[LISTEN] Received 'hello'")));
+}
+
+TEST_F(Listener, AsksAboutTheUpdateAtThatMoment) {
+  machine.updater.inSession = true;
+  machine.postMessage("app-is-terminating");
+  machine.runFor(6);
+  const int during = machine.application.terminations();
+
+  machine.updater.inSession = false;
+  machine.postMessage("app-is-terminating");
+  machine.runFor(6);
+
+  EXPECT_EQ(during, 0);
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+struct Unknown {
+  Value::Dictionary userInfo;
+  std::string printed;
+};
+
+void PrintTo(const Unknown& unknown, std::ostream* out) { *out << unknown.printed; }
+
+class ListenerOnUnknownMessage : public ::testing::TestWithParam<Unknown> {};
+
+TEST_P(ListenerOnUnknownMessage, LogsItAsAWarningAndDoesNothing) {
+  FakePlatform machine;
+  KarnoWrappperNotifierListener::manager().start();
+
+  machine.postUserInfo(GetParam().userInfo);
+  machine.runFor(10);
+
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("INFO", "Notify[LISTEN] Received '" + GetParam().printed + "'"),
+                          Line("WARN", "Notify[LISTEN] Received an unknown notification '" +
+                                           GetParam().printed + "'")));
+  EXPECT_EQ(machine.application.activations(), 0);
+  EXPECT_EQ(machine.application.terminations(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Messages, ListenerOnUnknownMessage,
+    ::testing::Values(Unknown{{}, "(null)"}, Unknown{{{"reason", "x"}}, "(null)"},
+                      Unknown{{{"Message", "user-selected-quit"}}, "(null)"}, Unknown{{{"message", ""}}, ""},
+                      Unknown{{{"message", "hello"}}, "hello"},
+                      Unknown{{{"message", "CHECK-FOR-UPDATES"}}, "CHECK-FOR-UPDATES"},
+                      Unknown{{{"message", "User-Selected-Quit"}}, "User-Selected-Quit"},
+                      Unknown{{{"message", "user-selected-quit "}}, "user-selected-quit "},
+                      Unknown{{{"message", 42}}, "42"}, Unknown{{{"message", true}}, "1"},
+                      Unknown{{{"message", Value::Array{"user-selected-quit"}}},
+                              "(\n    \"user-selected-quit\"\n)"}));
+
+TEST_F(Listener, DoesNotHearAnotherObjectOrNone) {
+  machine.notifications.post(
+      {.name = kName, .object = "somebody else", .userInfo = {{"message", "user-selected-quit"}}});
+  machine.notifications.post(
+      {.name = kName, .object = std::nullopt, .userInfo = {{"message", "user-selected-quit"}}});
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.console(), IsEmpty());
+  EXPECT_EQ(machine.application.terminations(), 0);
+}
+
+TEST_F(Listener, DoesNotHearAnotherName) {
+  machine.notifications.post(
+      {.name = "it.vantul.Karno", .object = kName, .userInfo = {{"message", "user-selected-quit"}}});
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.console(), IsEmpty());
+}
+
+TEST_F(Listener, HandlesNotificationsOnTheMainThread) {
+  machine.postMessage("hello");
+  machine.runUntilIdle();
+
+  EXPECT_EQ(machine.consoleLog.entries().at(0).thread, "main");
+}
+
+TEST_F(Listener, StartedTwiceHandlesEverythingTwice) {
+  KarnoWrappperNotifierListener::manager().start();
+
+  machine.postMessage("user-selected-quit");
+  machine.runFor(11);
+
+  EXPECT_THAT(machine.log(), ElementsAre(Line("INFO", "Notify[LISTEN] Received 'user-selected-quit'"),
+                                         Line("INFO", "AppDelegate[TERMINATE] Reason: User selected quit"),
+                                         Line("INFO", "Notify[LISTEN] Received 'user-selected-quit'"),
+                                         Line("INFO", "AppDelegate[TERMINATE] Reason: User selected quit")));
+}
+
+TEST_F(Listener, HearsNothingAfterItsStop) {
+  KarnoWrappperNotifierListener::manager().start();
+
+  KarnoWrappperNotifierListener::manager().stop();
+  machine.postMessage("user-selected-quit");
+  machine.runFor(6);
+
+  EXPECT_EQ(machine.notifications.observerCount(), 0U);
+  EXPECT_THAT(machine.console(), IsEmpty());
+}
+
+TEST_F(Listener, CanBeStartedAgain) {
+  KarnoWrappperNotifierListener::manager().stop();
+
+  KarnoWrappperNotifierListener::manager().start();
+  machine.postMessage("hello");
+  machine.runUntilIdle();
+
+  EXPECT_EQ(machine.consoleMessages().at(0), Line("INFO", "Notify[LISTEN] Received 'hello'"));
+}
+
+TEST(ListenerBeforeItsStart, HearsNothing) {
+  FakePlatform machine;
+  static_cast<void>(KarnoWrappperNotifierListener::manager());
+
+  machine.postMessage("user-selected-quit");
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.console(), IsEmpty());
+}
+
+TEST_F(Listener, HandlesTenThousandNotificationsInABurstInTheirOrder) {
+  std::vector<Line> expected;
+  for (int i = 0; i < 10'000; ++i) {
+    const std::string message = "burst " + std::to_string(i);
+    expected.emplace_back("INFO", "Notify[LISTEN] Received '" + message + "'");
+    expected.emplace_back("WARN", "Notify[LISTEN] Received an unknown notification '" + message + "'");
+    machine.postMessage(message);
+  }
+  machine.postMessage("user-selected-quit");
+  expected.emplace_back("INFO", "Notify[LISTEN] Received 'user-selected-quit'");
+  expected.emplace_back("INFO", "AppDelegate[TERMINATE] Reason: User selected quit");
+
+  machine.runFor(6);
+
+  EXPECT_EQ(machine.log(), expected);
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST_F(Listener, SurvivesTenThousandWishesToQuit) {
+  for (int i = 0; i < 10'000; ++i) machine.postMessage("user-selected-quit");
+
+  machine.runFor(6);
+
+  EXPECT_EQ(machine.application.terminations(), 10'000);
+}
+
+}  // namespace
+}  // namespace karno
