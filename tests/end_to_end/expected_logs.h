@@ -1,0 +1,65 @@
+#pragma once
+#include <string>
+#include <vector>
+
+namespace karno::test {
+
+using Messages = std::vector<std::string>;
+
+// The last line of a start-up that went well.
+inline constexpr const char* kStarted = "INFO Sparkle[START] Starting Up";
+inline constexpr const char* kFirstStartup =
+    "INFO EmbeddedApp[CONFIGURE] Use File Provider = Yes (first startup)";
+inline constexpr const char* kVerified = "INFO EmbeddedApp[CONFIGURE] Use File Provider = Yes (verified)";
+inline constexpr const char* kTerminating = "INFO AppDelegate:: Terminating";
+
+// What the log of a start begins with, up to the choice of the build.
+inline Messages openingMessages() {
+  return {
+      "STARTUP ===================================================",
+      "STARTUP Karno Log Started (defaults verboseLogging=0)",
+      "STARTUP Karno Version: " KARNO_VERSION,
+      "STARTUP Parent Process: start (N)",
+      "INFO AppDelegate[MOVE] Check whether app needs to be moved",
+      "INFO AppDelegate[MOVE] Karno does not need to be moved. Continuing...",
+  };
+}
+
+// From the check of the system to the running client.
+inline Messages fileProviderMessages() {
+  return {
+      "INFO Startup[CHECK] Checking system for FileProvider...",
+      "INFO Startup[CHECK] Using FileProvider",
+      "INFO Main: System is okay - launching Karno",
+      "INFO Startup[LAUNCH] Launching Karno.app",
+      "INFO Startup[LAUNCH] Launched Karno.app (pid: N)",
+      "INFO Main: Started Karno successfully",
+      kStarted,
+  };
+}
+
+// What follows when the client asks for the end. It ends half a second later itself, the launcher a second
+// later.
+inline Messages quittingMessages() {
+  return {
+      "INFO Notify[LISTEN] Received 'user-selected-quit'",
+      "INFO AppDelegate[TERMINATE] Reason: User selected quit",
+  };
+}
+
+// What follows when the client ends with that status and reason without having asked for anything.
+inline Messages clientEndedMessages(const std::string& statusAndReason) {
+  return {
+      "WARN Startup[TERMINATED] Child terminated (" + statusAndReason + ")",
+      "WARN Startup[TERMINATED] Embedded Karno.app terminated - quitting",
+      "INFO AppDelegate[TERMINATE] Reason: Embedded Karno.app terminated",
+  };
+}
+
+inline Messages joined(const std::vector<Messages>& parts) {
+  Messages all;
+  for (const Messages& part : parts) all.insert(all.end(), part.begin(), part.end());
+  return all;
+}
+
+}  // namespace karno::test

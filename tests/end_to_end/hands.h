@@ -1,0 +1,35 @@
+#pragma once
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "machine.h"
+
+namespace karno::test {
+
+// A person in front of a machine's screen: sees windows, presses buttons and keys.
+
+struct WindowOnScreen {
+  std::string identifier;
+  int width = 0;
+  int height = 0;
+};
+
+// The visible window with exactly that title; absent when none appears within the limit.
+std::optional<WindowOnScreen> findWindow(const Machine& machine, const std::string& title,
+                                         std::chrono::seconds limit = std::chrono::seconds(30));
+
+// Presses the mouse at a place counted from the window's upper left corner.
+void pressAt(const Machine& machine, const WindowOnScreen& window, int x, int y);
+
+// Presses the button of that message in the client's window.
+void pressMessageButton(const Machine& machine, const WindowOnScreen& window, std::string_view message);
+
+// Presses a key, such as "Return", in that window.
+void pressKey(const Machine& machine, const WindowOnScreen& window, const std::string& key);
+
+// How many different colours a picture of the window has: a window that drew nothing has one or two.
+int coloursOf(const Machine& machine, const WindowOnScreen& window);
+
+}  // namespace karno::test

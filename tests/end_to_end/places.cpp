@@ -1,0 +1,17 @@
+#include "places.h"
+
+namespace karno::test {
+namespace {
+
+std::filesystem::path ownFolder() { return std::filesystem::canonical("/proc/self/exe").parent_path(); }
+
+}  // namespace
+
+MachineTools builtTools() {
+  return {.commands = std::filesystem::canonical(ownFolder() / KARNO_MACHINE_COMMANDS),
+          .bundle = std::filesystem::canonical(ownFolder() / KARNO_STAGED_BUNDLE)};
+}
+
+std::filesystem::path postNotification() { return ownFolder() / "karno_post_notification"; }
+
+}  // namespace karno::test

@@ -1,0 +1,91 @@
+#include "platform/application.h"
+
+#include <gtest/gtest.h>
+
+#include "screen.h"
+
+namespace karno::test {
+namespace {
+
+TEST(CocoaApplicationOnScreen, TerminateTellsTheDelegateAndExitsWithZero) {
+  const CommandResult result = onScreen("application/terminate");
+
+  EXPECT_EQ(result.output, "did finish launching\nwill terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(CocoaApplicationOnScreen, ABlockOfTheMainQueueCanTerminateIt) {
+  const CommandResult result = onScreen("application/terminate-later");
+
+  EXPECT_EQ(result.output, "did finish launching\nwill terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(CocoaApplicationOnScreen, ATerminationSignalEndsItInOrder) {
+  const CommandResult result = onScreen("application/signal");
+
+  EXPECT_EQ(result.output, "did finish launching\nwill terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(CocoaApplicationOnScreen, ATerminationSignalThatHitsAnotherThreadEndsItInOrder) {
+  const CommandResult result = onScreen("application/signal-to-thread");
+
+  EXPECT_EQ(result.output, "did finish launching\nwill terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(CocoaApplicationOnScreen, ADelegateThatThrowsIsLoggedAndTheApplicationGoesOn) {
+  const CommandResult result = onScreen("application/throw");
+
+  EXPECT_EQ(result.output,
+            "did finish launching\napplicationDidFinishLaunching:: cannot launch\nwill terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(CocoaApplicationOnScreen, ActivatingItIsHarmless) {
+  const CommandResult result = onScreen("application/activate");
+
+  EXPECT_EQ(result.output, "did finish launching\nwill terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+// GNUstep would take an argument for a document and say in an alert that it cannot open it.
+TEST(CocoaApplicationOnScreen, ArgumentsAreNotTakenForDocuments) {
+  const CommandResult result = runCommand(
+      {KARNO_WITH_DISPLAY, KARNO_COCOA_SCENARIOS, "application/terminate", "/etc/hostname", "-NSHost", "x"},
+      std::chrono::seconds(60));
+
+  EXPECT_EQ(result.output, "did finish launching\nwill terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(CocoaApplicationOnScreen, TheMainThreadSleepsWhileNothingHappens) {
+  EXPECT_EQ(onScreen("application/idle").output,
+            "did finish launching\nwoken 0 times in 5 s\nwill terminate\n");
+}
+
+TEST(CocoaApplicationOnScreen, KnowsItsMainThread) {
+  EXPECT_EQ(
+      onScreen("application/threads").output,
+      "did finish launching\nmain thread: true\nother thread: false\nmain queue: true\nwill terminate\n");
+}
+
+// GNUstep keeps its sockets in the folder named by TEMP; its daemons would stay behind there.
+TEST(CocoaApplicationOnScreen, StartsNoDaemonsAndLeavesNothingBehind) {
+  const std::string command = std::string(KARNO_COCOA_SCENARIOS) + " application/terminate; ls -A \"$TEMP\"";
+
+  EXPECT_EQ(runCommand({KARNO_WITH_DISPLAY, "bash", "-c", command}, std::chrono::seconds(60)).output,
+            "did finish launching\nwill terminate\n");
+}
+
+TEST(CocoaApplication, WithoutADisplayItEndsWithAnErrorStatus) {
+  const CommandResult result = runCommand(
+      {"env", "-u", "DISPLAY", KARNO_COCOA_SCENARIOS, "application/terminate"}, std::chrono::seconds(60));
+
+  EXPECT_EQ(result.output, "application: an exception was raised\n");
+  EXPECT_EQ(result.status, 1);
+}
+
+}  // namespace
+}  // namespace karno::test

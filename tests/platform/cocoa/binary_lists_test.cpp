@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "binary_list_builder.h"
+#include "foundation_objects.h"
+#include "platform/cocoa/property_lists.h"
+
+namespace karno::platform::cocoa {
+namespace {
+
+using test::BinaryListBuilder;
+
+const CocoaPropertyLists propertyLists;
+
+constexpr char kDictionaryOfOne = '\xD1';
+constexpr char kArrayOfOne = '\xA1';
+constexpr char kArrayOfTwo = '\xA2';
+
+std::string textObject(const std::string& text) { return static_cast<char>(0x50 + text.size()) + text; }
+
+// Each array holds the next one twice, so that it unfolds to 2^levels elements.
+std::string doublingArrays(int levels) {
+  BinaryListBuilder list;
+  for (int level = 0; level < levels; ++level) {
+    list.references(kArrayOfTwo, {level + 1, level + 1});
+  }
+  return list.object(textObject("x")).build();
+}
+
+std::string chainOfArrays(int levels) {
+  BinaryListBuilder list;
+  for (int level = 0; level < levels; ++level) {
+    list.references(kArrayOfOne, {level + 1});
+  }
+  return list.object(textObject("x")).build();
+}
+
+// Data of 1 MiB, a hundred times in one array.
+std::string repeatedData() {
+  BinaryListBuilder list;
+  std::string array = {'\xAF', '\x10', 100};
+  for (int count = 0; count < 100; ++count) {
+    array += std::string("\0\1", 2);
+  }
+  return list.object(array)
+      .object(std::string("\x4F\x12\x00\x10\x00\x00", 6) + std::string(1 << 20, 'd'))
+      .build();
+}
+
+std::string withTrailer(std::uint8_t offsetBytes, std::uint8_t referenceBytes, std::uint64_t rootIndex) {
+  BinaryListBuilder list;
+  list.offsetBytes = offsetBytes;
+  list.referenceBytes = referenceBytes;
+  list.rootIndex = rootIndex;
+  return list.object(textObject("x")).build();
+}
+
+TEST(BinaryLists, ASoundListIsRead) {
+  const std::string bytes = BinaryListBuilder()
+                                .references(kDictionaryOfOne, {1, 2})
+                                .object(textObject("key"))
+                                .object("\x10\x07")
+                                .build();
+
+  EXPECT_EQ(propertyLists.parse(bytes).value(), Value(Value::Dictionary{{"key", 7}}));
+}
+
+TEST(BinaryLists, AnObjectMayBeSharedWithinReason) {
+  EXPECT_EQ(propertyLists.parse(doublingArrays(2)).value(),
+            Value(Value::Array{Value(Value::Array{"x", "x"}), Value(Value::Array{"x", "x"})}));
+}
+
+TEST(BinaryLists, EveryTruncationOfASoundListIsAnErrorOrAValue) {
+  const std::string sound =
+      test::binaryList(Value(Value::Dictionary{{"a", Value(Value::Array{1, 2.5, true, "text \u20AC"})},
+                                               {"d", Value(Value::Data(300, std::byte{1}))}}));
+
+  for (std::size_t length = 0; length < sound.size(); ++length) {
+    EXPECT_FALSE(propertyLists.parse(std::string_view(sound).substr(0, length))) << "length " << length;
+  }
+}
+
+struct DamagedBinary {
+  std::string name;
+  std::string bytes;
+  std::string reason;
+};
+
+class DamagedBinaryList : public testing::TestWithParam<DamagedBinary> {};
+
+TEST_P(DamagedBinaryList, IsAnError) {
+  const auto result = propertyLists.parse(GetParam().bytes);
+
+  ASSERT_FALSE(result);
+  EXPECT_EQ(result.error().localizedDescription(),
+            "The property list cannot be read: " + GetParam().reason + ".");
+}
+
+const std::vector<DamagedBinary> kDamagedBinary = {
+    {"OnlyTheMagic", "bplist00", "it is too short"},
+    {"TrailerOnly", "bplist00" + std::string(32, '\0'), "its trailer names odd widths"},
+    {"OddOffsetWidth", withTrailer(3, 2, 0), "its trailer names odd widths"},
+    {"HugeReferenceWidth", withTrailer(2, 255, 0), "its trailer names odd widths"},
+    {"RootOutside", withTrailer(2, 2, 1), "its root object lies outside"},
+    {"HugeRoot", withTrailer(2, 2, ~std::uint64_t{0}), "its root object lies outside"},
+    {"NoObjects", BinaryListBuilder().object("\x09").buildWith(0, {}), "its offset table is too short"},
+    {"HugeObjectCount", BinaryListBuilder().object("\x09").buildWith(~std::uint64_t{0}, {}),
+     "its offset table is too short"},
+    {"ObjectCountThatOverflows", BinaryListBuilder().object("\x09").buildWith(std::uint64_t{1} << 63, {}),
+     "its offset table is too short"},
+    {"OffsetTableOutside", BinaryListBuilder().object("\x09").buildWith(1, {1'000'000}),
+     "its offset table lies outside"},
+    {"OffsetTableAtTheEndOfNumbers", BinaryListBuilder().object("\x09").buildWith(1, {~std::uint64_t{0}}),
+     "its offset table lies outside"},
+    {"OffsetTableInTheMagic", BinaryListBuilder().object("\x09").buildWith(1, {2}),
+     "its offset table lies outside"},
+    {"ObjectInTheMagic", BinaryListBuilder().object(std::string("\0\0\0", 3)).buildWith(1, {9}),
+     "an object lies outside"},
+    {"ReferenceToNoObject", BinaryListBuilder().references(kArrayOfOne, {7}).build(),
+     "a reference points to no object"},
+    {"ArrayThatHoldsItself", BinaryListBuilder().references(kArrayOfOne, {0}).build(),
+     "it is nested too deeply"},
+    {"DictionaryThatHoldsItself",
+     BinaryListBuilder().references(kDictionaryOfOne, {1, 0}).object(textObject("k")).build(),
+     "it is nested too deeply"},
+    {"DictionaryThatIsItsKey",
+     BinaryListBuilder().references(kDictionaryOfOne, {0, 1}).object("\x09").build(),
+     "it is nested too deeply"},
+    {"NumberForAKey", BinaryListBuilder().references(kDictionaryOfOne, {1, 1}).object("\x10\x07").build(),
+     "a key is no text"},
+    {"SixtyFiveLevels", chainOfArrays(65), "it is nested too deeply"},
+    {"TwentyThousandLevels", chainOfArrays(20'000), "it is nested too deeply"},
+    {"UnfoldsToMillions", doublingArrays(40), "it unfolds to too much"},
+    {"UnfoldsToAHundredMegabytes", repeatedData(), "it unfolds to too much"},
+    {"ArrayLongerThanTheFile", BinaryListBuilder().object("\xAE").build(), "an object lies outside"},
+    {"TextLongerThanTheFile", BinaryListBuilder().object("\x5E").build(), "an object lies outside"},
+    {"HugeCount", BinaryListBuilder().object("\x4F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF").build(),
+     "an object lies outside"},
+    {"HugeDictionary", BinaryListBuilder().object("\xDF\x13\x80" + std::string(7, '\0')).build(),
+     "an object lies outside"},
+    {"CountThatIsNoInteger", BinaryListBuilder().object("\x5F\x23").build(), "a count is damaged"},
+    {"CountOfSixteenBytes", BinaryListBuilder().object("\x5F\x14" + std::string(16, '\0')).build(),
+     "a count is damaged"},
+    {"CountOutside", BinaryListBuilder().object("\x5F").build(), "an object lies outside"},
+    {"HighBytesInAscii", BinaryListBuilder().object("\x51\xE9").build(), "an ASCII text is none"},
+    {"WideInteger", BinaryListBuilder().object("\x15" + std::string(32, '\0')).build(),
+     "an integer is too wide"},
+    {"IntegerOutside", BinaryListBuilder().object("\x13").build(), "an object lies outside"},
+    {"OddReal", BinaryListBuilder().object("\x21\0\0").build(), "a number has an odd width"},
+    {"OddDate", BinaryListBuilder().object("\x32" + std::string(4, '\0')).build(), "a date has an odd width"},
+    {"Null", BinaryListBuilder().object(std::string(1, '\0')).build(),
+     "it holds an object of an unknown kind"},
+    {"Set", BinaryListBuilder().object("\xC0").build(), "it holds an object of an unknown kind"},
+    {"ArchiveReference", BinaryListBuilder().object(std::string("\x80\0", 2)).build(),
+     "it holds an archive's reference"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, DamagedBinaryList, testing::ValuesIn(kDamagedBinary),
+                         [](const auto& each) { return each.param.name; });
+
+}  // namespace
+}  // namespace karno::platform::cocoa

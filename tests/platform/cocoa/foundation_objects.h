@@ -1,0 +1,24 @@
+#pragma once
+#include <cstdint>
+#include <string>
+
+#include "platform/cocoa/objc.h"
+#include "platform/value.h"
+
+// Objects that the launcher reads but never makes. The results live until the autorelease pool ends.
+namespace karno::platform::test {
+
+objc::Id unsignedNumber(std::uint64_t number);
+
+void removeAllObjects(objc::Id array);
+
+bool contains(objc::Id set, objc::Id object);
+
+// What NSKeyedArchiver makes of an object.
+std::string archive(const objc::Object& root);
+std::string archive(const Value& root);
+
+// What NSPropertyListSerialization makes of a value in the binary form.
+std::string binaryList(const Value& value);
+
+}  // namespace karno::platform::test

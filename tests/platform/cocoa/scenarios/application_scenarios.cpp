@@ -1,0 +1,80 @@
+#include <fmt/format.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "platform/cocoa/objc.h"
+#include "platform/cocoa/threads.h"
+#include "scenario.h"
+
+namespace karno::test {
+namespace {
+
+// How often this process's main thread has gone to sleep and been woken so far.
+long mainThreadSleeps() {
+  std::ifstream status(fmt::format("/proc/self/task/{}/status", ::getpid()));
+  const std::string key = "voluntary_ctxt_switches:";
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with(key)) {
+      return std::stol(line.substr(key.size()));
+    }
+  }
+  throw std::runtime_error("the kernel does not count");
+}
+
+void countSleepsWhileIdle() {
+  std::thread([] {
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    const long before = mainThreadSleeps();
+    std::this_thread::sleep_for(std::chrono::seconds(5));
+    say(fmt::format("woken {} times in 5 s", mainThreadSleeps() - before));
+    later([] { terminate(); });
+  }).detach();
+}
+
+void testThreads() {
+  say(fmt::format("main thread: {}", platform::cocoa::isMainThread()));
+  std::thread([] {
+    const platform::cocoa::ThreadPoolScope scope;
+    say(fmt::format("other thread: {}", platform::cocoa::isMainThread()));
+    later([] {
+      say(fmt::format("main queue: {}", platform::cocoa::isMainThread()));
+      terminate();
+    });
+  }).detach();
+}
+
+}  // namespace
+
+void runApplicationScenario(std::string_view name) {
+  if (name == "terminate") {
+    terminate();
+  } else if (name == "terminate-later") {
+    later([] { terminate(); });
+  } else if (name == "signal") {
+    ::kill(::getpid(), SIGTERM);
+  } else if (name == "signal-to-thread") {
+    std::thread([] { ::raise(SIGTERM); }).detach();
+  } else if (name == "throw") {
+    later([] { terminate(); });
+    throw std::runtime_error("cannot launch");
+  } else if (name == "idle") {
+    countSleepsWhileIdle();
+  } else if (name == "threads") {
+    testThreads();
+  } else if (name == "activate") {
+    platform::host().application.activateIgnoringOtherApps();
+    terminate();
+  } else if (name == "select-file") {
+    platform::host().workspace.selectFile("/etc/hostname", "");
+    say("asked");
+    terminate();
+  }
+}
+
+}  // namespace karno::test

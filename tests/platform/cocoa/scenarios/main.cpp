@@ -1,0 +1,23 @@
+#include <string>
+
+#include "scenario.h"
+
+// Runs one scenario, named "group/name", in a real application and says on standard output what happens.
+int main(int argc, char** argv) {
+  const std::string argument = argc > 1 ? argv[1] : "";
+  const std::string group = argument.substr(0, argument.find('/'));
+  const std::string name = argument.substr(argument.find('/') + 1);
+  return karno::platform::applicationMain(argc, argv, [group, name] {
+    return std::make_shared<karno::test::SayingDelegate>([group, name] {
+      if (group == "alert") {
+        karno::test::runAlertScenario(name);
+      } else if (group == "queue") {
+        karno::test::runQueueScenario(name);
+      } else if (group == "window") {
+        karno::test::runWindowScenario(name);
+      } else {
+        karno::test::runApplicationScenario(name);
+      }
+    });
+  });
+}

@@ -1,0 +1,58 @@
+#include "scenario.h"
+
+#include <fmt/format.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+
+namespace karno::test {
+namespace {
+
+// The display is the scenario's own, so whatever window is active is one of its windows.
+bool isActive() { return std::system("xdotool getactivewindow >/dev/null 2>&1") == 0; }
+
+// Gives up after ten seconds, so that a scenario whose window never comes ends by the test's limit with an
+// output that tells.
+void onceActive(std::function<void()> action) {
+  std::thread([action = std::move(action)] {
+    for (int attempt = 0; attempt < 100 && !isActive(); ++attempt) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    // The window manager says so a little before the window takes keys.
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    action();
+  }).detach();
+}
+
+}  // namespace
+
+void say(std::string_view line) {
+  const std::string text = std::string(line) + "\n";
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fflush(stdout);
+}
+
+void SayingDelegate::applicationDidFinishLaunching() {
+  say("did finish launching");
+  begin_();
+}
+
+void SayingDelegate::applicationWillTerminate() { say("will terminate"); }
+
+void later(std::function<void()> block) { platform::host().dispatch.mainQueue().async(std::move(block)); }
+
+void pressWhenActive(const std::string& key) {
+  onceActive([command = "xdotool key " + key] { static_cast<void>(std::system(command.c_str())); });
+}
+
+void signalWhenActive(int number) {
+  onceActive([number] { ::kill(::getpid(), number); });
+}
+
+void terminate() { platform::host().application.terminate(); }
+
+}  // namespace karno::test

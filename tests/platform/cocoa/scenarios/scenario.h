@@ -1,0 +1,41 @@
+#pragma once
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace karno::test {
+
+// Writes one line to standard output at once.
+void say(std::string_view line);
+
+// A delegate that says what it is told and begins its scenario when the application has launched.
+class SayingDelegate final : public platform::ApplicationDelegate {
+ public:
+  explicit SayingDelegate(std::function<void()> begin) : begin_(std::move(begin)) {}
+  void applicationDidFinishLaunching() override;
+  void applicationWillTerminate() override;
+
+ private:
+  std::function<void()> begin_;
+};
+
+// Adds a block to the main queue.
+void later(std::function<void()> block);
+
+// Presses the key, named as xdotool does, once a window of this process is the active one.
+void pressWhenActive(const std::string& key);
+
+// Sends this process the signal, as another process would, once a window of it is the active one.
+void signalWhenActive(int number);
+
+void terminate();
+
+// Each begins when the application has launched.
+void runAlertScenario(std::string_view name);
+void runQueueScenario(std::string_view name);
+void runWindowScenario(std::string_view name);
+void runApplicationScenario(std::string_view name);
+
+}  // namespace karno::test

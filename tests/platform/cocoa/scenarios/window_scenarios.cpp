@@ -1,0 +1,97 @@
+#include <fmt/format.h>
+
+#include <memory>
+
+#include "platform/cocoa/controls.h"
+#include "scenario.h"
+
+namespace karno::test {
+namespace {
+
+using platform::cocoa::Button;
+using platform::cocoa::Label;
+using platform::cocoa::TextField;
+using platform::cocoa::Window;
+
+// Kept to the end of the process.
+Window& window() {
+  static Window* const made = std::make_unique<Window>("Karno", 420, 160).release();
+  return *made;
+}
+
+void pressKeys() {
+  window().addLabel({.x = 20, .y = 100, .width = 380, .height = 40},
+                    "A label that wraps over two lines or so", true);
+  window().addButton({.x = 300, .y = 12, .width = 100, .height = 32}, "Weiter", "\r", [] {
+    say("clicked Weiter");
+    pressWhenActive("Escape");
+  });
+  window().addButton({.x = 190, .y = 12, .width = 100, .height = 32}, "Abbrechen", "\033", [] {
+    say("clicked Abbrechen");
+    terminate();
+  });
+  window().center();
+  window().show();
+  platform::host().application.activateIgnoringOtherApps();
+  pressWhenActive("Return");
+}
+
+void useControls() {
+  Label label = window().addLabel({.width = 100, .height = 20}, "Größe");
+  TextField field = window().addTextField({.y = 30, .width = 100, .height = 24}, "alt");
+  Button button =
+      window().addButton({.y = 60, .width = 100, .height = 32}, "Los", "", [] { say("clicked"); });
+  say(fmt::format("{} {} {} {}", window().title(), label.text(), field.text(), button.title()));
+
+  window().setTitle("Zwei");
+  label.setText("zwei");
+  field.setText("neu");
+  button.setTitle("Halt");
+  say(fmt::format("{} {} {} {}", window().title(), label.text(), field.text(), button.title()));
+
+  button.performClick();
+  button.setEnabled(false);
+  button.performClick();
+  terminate();
+}
+
+void closeAndReopen() {
+  window().setWillClose([] { say(fmt::format("will close, visible {}", window().isVisible())); });
+  window().show();
+  say(fmt::format("visible {}", window().isVisible()));
+  window().close();
+  say(fmt::format("visible {}", window().isVisible()));
+  window().show();
+  window().setWillClose([] {
+    say("quit on close");
+    terminate();
+  });
+  window().close();
+}
+
+void destroy() {
+  {
+    Window short_lived("short", 100, 100);
+    short_lived.setWillClose([] { say("never said"); });
+    short_lived.addButton({.width = 50, .height = 20}, "x", "", [] {});
+    short_lived.show();
+  }
+  say("gone");
+  terminate();
+}
+
+}  // namespace
+
+void runWindowScenario(std::string_view name) {
+  if (name == "keys") {
+    pressKeys();
+  } else if (name == "controls") {
+    useControls();
+  } else if (name == "close") {
+    closeAndReopen();
+  } else if (name == "destroyed") {
+    destroy();
+  }
+}
+
+}  // namespace karno::test

@@ -1,0 +1,56 @@
+#pragma once
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <string>
+
+#include "platform/posix/scoped_descriptor.h"
+#include "scoped_environment.h"
+
+namespace karno::test {
+
+// A session bus of its own for this process and its children.
+class PrivateBus {
+ public:
+  PrivateBus() : address_("DBUS_SESSION_BUS_ADDRESS", start()) {}
+  PrivateBus(const PrivateBus&) = delete;
+  PrivateBus& operator=(const PrivateBus&) = delete;
+  ~PrivateBus() { stop(); }
+
+  void stop() {
+    if (pid_ <= 0) return;
+    ::kill(pid_, SIGKILL);
+    ::waitpid(pid_, nullptr, 0);
+    pid_ = -1;
+  }
+
+ private:
+  std::string start() {
+    std::array<int, 2> ends = {};
+    if (::pipe(ends.data()) != 0) return {};
+    platform::ScopedDescriptor reader(ends[0]);
+    platform::ScopedDescriptor writer(ends[1]);
+    pid_ = ::fork();
+    if (pid_ == 0) {
+      ::dup2(writer.get(), STDOUT_FILENO);
+      ::dup2(::open("/dev/null", O_WRONLY),
+             STDERR_FILENO);  // it complains about limits that are no concern here
+      ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
+               nullptr);
+      ::_exit(127);
+    }
+    writer.reset();
+
+    std::string address;
+    for (char byte = 0; ::read(reader.get(), &byte, 1) == 1 && byte != '\n';) address += byte;
+    return address;
+  }
+
+  pid_t pid_ = -1;
+  ScopedEnvironment address_;
+};
+
+}  // namespace karno::test
