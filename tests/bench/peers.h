@@ -1,0 +1,29 @@
+#pragma once
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+namespace karno::bench {
+
+// A log that the wrapper log stands beside: the same text to standard error and to a file, flushed per line.
+class PeerLog {
+ public:
+  virtual ~PeerLog() = default;
+  virtual void logInfo(std::string_view message) = 0;
+
+  // Returns when every line logged before is in the file.
+  virtual void drain() = 0;
+};
+
+// spdlog's asynchronous logger: one writer thread, its default queue, blocking when the queue is full.
+std::unique_ptr<PeerLog> makeSpdlogAsync(const std::filesystem::path& file);
+
+// The least a log of this kind can do on the caller's thread: the date of the second from a cache, one write
+// to standard error, one locked append; a thread polls and writes the lines to the file.
+std::unique_ptr<PeerLog> makeFloor(const std::filesystem::path& file);
+
+// The wrapper log itself behind the same face.
+std::unique_ptr<PeerLog> makeKarnoLog();
+
+}  // namespace karno::bench

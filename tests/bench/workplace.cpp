@@ -1,0 +1,120 @@
+#include "workplace.h"
+
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace karno::bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path& homeFolder() {
+  static fs::path home;
+  return home;
+}
+
+class CountingStream final : public platform::AppendStream {
+ public:
+  explicit CountingStream(std::unique_ptr<platform::AppendStream> stream) : stream_(std::move(stream)) {}
+  void writeLine(std::string_view line) override {
+    stream_->writeLine(line);
+    fileCounts().linesWritten.fetch_add(1, std::memory_order_relaxed);
+  }
+  void flush() override { stream_->flush(); }
+
+ private:
+  std::unique_ptr<platform::AppendStream> stream_;
+};
+
+class CountingFiles final : public platform::Files {
+ public:
+  explicit CountingFiles(platform::Files& files) : files_(files) {}
+
+  std::vector<std::string> searchPath(platform::UserFolder folder) const override {
+    return files_.searchPath(folder);
+  }
+  std::string homeDirectory() const override { return files_.homeDirectory(); }
+  bool fileExists(const std::string& path) const override { return files_.fileExists(path); }
+  std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override {
+    return files_.sizeInBytes(path);
+  }
+  platform::Result<std::string> read(const std::string& path) const override { return files_.read(path); }
+  platform::Result<std::string> destinationOfSymbolicLink(const std::string& path) const override {
+    return files_.destinationOfSymbolicLink(path);
+  }
+  std::optional<platform::Error> createDirectory(const std::string& path) override {
+    return files_.createDirectory(path);
+  }
+  std::optional<platform::Error> remove(const std::string& path) override { return files_.remove(path); }
+  std::optional<platform::Error> move(const std::string& from, const std::string& to) override {
+    fileCounts().rotations.fetch_add(1, std::memory_order_relaxed);
+    return files_.move(from, to);
+  }
+  void enumerate(const std::string& folder, const Visitor& visit) const override {
+    files_.enumerate(folder, visit);
+  }
+  std::unique_ptr<platform::AppendStream> openForAppending(const std::string& path) override {
+    std::unique_ptr<platform::AppendStream> stream = files_.openForAppending(path);
+    if (!stream) return nullptr;
+    return std::make_unique<CountingStream>(std::move(stream));
+  }
+
+ private:
+  platform::Files& files_;
+};
+
+platform::Platform withFiles(const platform::Platform& native, platform::Files& files) {
+  return {native.application,
+          native.alerts,
+          native.windows,
+          native.workspace,
+          native.dispatch,
+          native.clock,
+          native.tasks,
+          native.processes,
+          native.bundles,
+          native.userDefaults,
+          native.managedPreferences,
+          native.distributedNotifications,
+          native.propertyLists,
+          files,
+          native.text,
+          native.consoleLog,
+          native.systemVersion,
+          native.updater};
+}
+
+}  // namespace
+
+Workplace::Workplace() {
+  std::string pattern = (fs::temp_directory_path() / "karno-bench-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot make a temporary folder");
+  folder_ = pattern;
+  homeFolder() = folder_ / "Users" / "bench";
+  fs::create_directories(homeFolder());
+  setenv("HOME", homeFolder().c_str(), 1);
+  setenv("KARNO_MACHINE_ROOT", folder_.c_str(), 1);
+}
+
+void Workplace::remove() {
+  std::error_code ignored;
+  fs::remove_all(folder_, ignored);
+}
+
+const fs::path& Workplace::home() { return homeFolder(); }
+
+FileCounts& fileCounts() {
+  static FileCounts counts;
+  return counts;
+}
+
+platform::Platform& countingPlatform(platform::Platform& native) {
+  static CountingFiles files(native.files);
+  static platform::Platform platform = withFiles(native, files);
+  return platform;
+}
+
+}  // namespace karno::bench

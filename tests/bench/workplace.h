@@ -1,0 +1,33 @@
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+
+#include "platform/platform.h"
+
+namespace karno::bench {
+
+// A temporary home folder and machine root for the whole run; set in the environment.
+class Workplace {
+ public:
+  Workplace();
+  void remove();
+
+  static const std::filesystem::path& home();
+
+ private:
+  std::filesystem::path folder_;
+};
+
+// What the log's files have seen since the program started.
+struct FileCounts {
+  std::atomic<std::uint64_t> linesWritten{0};
+  std::atomic<std::uint64_t> rotations{0};
+};
+
+FileCounts& fileCounts();
+
+// The native platform with its files wrapped, so that lines that reached the file and rotations are counted.
+platform::Platform& countingPlatform(platform::Platform& native);
+
+}  // namespace karno::bench
