@@ -12,9 +12,9 @@ namespace {
 constexpr std::size_t kIndentColumns = 4;
 constexpr std::size_t kDescriptionDepthMax = 64;
 
+// Foundation prints only ASCII letters and digits without quotes: "1.0" and "com.example" have them.
 bool isBareCharacter(char c) {
-  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '$' || c == '.' || c == '/' ||
-         c == ':';
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
 std::string quotedWhereNeeded(const std::string& text) {
@@ -44,13 +44,14 @@ std::string dataText(const Value::Data& data) {
   return text + "}";
 }
 
-// Prints one value; strings inside a container are quoted, one that stands alone is not.
+// Prints one value; texts inside a container are quoted where needed, one that stands alone is not. As in
+// Foundation, the bracket that opens a nested container has the container's indentation in front of it.
 class Describer {
  public:
   Describer(std::size_t depth, bool insideContainer) : depth_(depth), insideContainer_(insideContainer) {}
 
   std::string operator()(bool value) const { return value ? "1" : "0"; }
-  std::string operator()(std::int64_t value) const { return fmt::format("{}", value); }
+  std::string operator()(std::int64_t value) const { return inContainer(fmt::format("{}", value)); }
   std::string operator()(double value) const { return inContainer(fmt::format("{}", value)); }
   std::string operator()(const std::string& value) const { return inContainer(value); }
   std::string operator()(Date value) const { return inContainer(dateText(value)); }
@@ -58,7 +59,7 @@ class Describer {
 
   std::string operator()(const Value::Array& values) const {
     if (depth_ >= kDescriptionDepthMax) return "(...)";
-    std::string text = "(\n";
+    std::string text = indent(depth_) + "(\n";
     for (std::size_t i = 0; i < values.size(); ++i) {
       text += indent(depth_ + 1) + nested(values[i]) + (i + 1 < values.size() ? ",\n" : "\n");
     }
@@ -67,7 +68,7 @@ class Describer {
 
   std::string operator()(const Value::Dictionary& entries) const {
     if (depth_ >= kDescriptionDepthMax) return "{...}";
-    std::string text = "{\n";
+    std::string text = indent(depth_) + "{\n";
     for (const auto& [key, value] : entries) {
       text += indent(depth_ + 1) + quotedWhereNeeded(key) + " = " + nested(value) + ";\n";
     }

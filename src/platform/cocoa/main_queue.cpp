@@ -1,44 +1,39 @@
 #include "platform/cocoa/main_queue.h"
 
 #include "platform/cocoa/guarded.h"
+#include "platform/cocoa/objc.h"
 
 namespace karno::platform::cocoa {
 
-MainQueue::MainQueue() : callback_([this](objc::Id) { runNext(); }) {}
+MainQueue::MainQueue() : call_([this] { runNext(); }) {}
 
 void MainQueue::async(Block block) {
-  bool first = false;
+  bool isOnlyOne = false;
   {
     const std::lock_guard lock(mutex_);
-    first = blocks_.empty();
+    isOnlyOne = blocks_.empty();
     blocks_.push_back(std::move(block));
   }
-  // While blocks wait, exactly one perform is under way; it arms its successor.
-  if (first) {
-    arm();
+  // While blocks wait, exactly one call is requested, which requests its successor.
+  if (isOnlyOne) {
+    call_.request();
   }
-}
-
-void MainQueue::arm() {
-  const objc::AutoreleasePool pool;
-  const objc::Sel action = Callback::action();
-  objc::send<void>(callback_.target(), "performSelectorOnMainThread:withObject:waitUntilDone:", action,
-                   nullptr, false);
 }
 
 void MainQueue::runNext() {
   Block block;
-  bool more = false;
+  bool hasMore = false;
   {
     const std::lock_guard lock(mutex_);
     block = std::move(blocks_.front());
     blocks_.pop_front();
-    more = !blocks_.empty();
+    hasMore = !blocks_.empty();
   }
-  // Armed before the block runs: the block may show an alert, and what follows runs in its modal loop.
-  if (more) {
-    arm();
+  // Before the block runs: it may show an alert, and what follows runs in the alert's run loop.
+  if (hasMore) {
+    call_.request();
   }
+  const objc::AutoreleasePool pool;
   objc::guardedAndLogged("main queue", block);
 }
 

@@ -2,7 +2,7 @@
 #include <deque>
 #include <mutex>
 
-#include "platform/cocoa/callback.h"
+#include "platform/cocoa/main_thread_call.h"
 #include "platform/dispatch.h"
 
 namespace karno::platform::cocoa {
@@ -17,12 +17,11 @@ class MainQueue final : public Queue {
   void async(Block block) override;
 
  private:
-  void arm();
   void runNext();
 
   std::mutex mutex_;
   std::deque<Block> blocks_;  // unbounded: a block that was accepted is part of the behaviour
-  Callback callback_;
+  MainThreadCall call_;
 };
 
 }  // namespace karno::platform::cocoa

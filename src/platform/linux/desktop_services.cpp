@@ -4,36 +4,50 @@
 
 #include "platform/cocoa/objc.h"
 
-// While it finishes launching, GNUstep's application object (gui 0.29) makes the shared workspace, which
-// starts the notification daemon gdnc, runs make_services and keeps a list of launched applications in a
-// folder of the whole user; and it registers the program under its name as a provider of services, where a
-// second launcher of the same user finds the name taken. While it terminates, it makes a folder for user
-// defaults, of which the launcher stores none, and starts gdnc only to tell it that nobody observes any more.
-// No default turns any of this off, so the messages that begin it are answered here.
+// GNUstep's application object (gui 0.29) is a citizen of a GNUstep desktop, which the launcher does not run
+// on. No default turns that off, so the messages that begin it are answered here:
+// - While it finishes launching, it makes the shared workspace, which starts the notification daemon gdnc,
+// runs
+//   make_services and keeps a list of launched applications in a folder of the whole user.
+// - It registers the program under its name as a provider of services; a second launcher of the same user
+// finds
+//   the name taken and asks what to do.
+// - A text that gets the focus offers its selection to other windows; the main thread waits 5 s for the
+//   pasteboard daemon gpbs to start. Copying by hand still starts it.
+// - While it terminates, it makes a folder for user defaults, of which the launcher stores none, and starts
+// gdnc
+//   only to tell it that nobody observes any more.
 namespace karno::platform::cocoa {
 namespace {
 
-using WorkspaceMethod = objc::Id (*)(objc::Id, objc::Sel);
+using objc::Id;
+using objc::Sel;
 
-WorkspaceMethod originalSharedWorkspace = nullptr;
-bool workspaceIsWanted = false;
+Id (*originalSharedWorkspace)(Id, Sel) = nullptr;
+bool isWorkspaceWanted = false;
 
-objc::Id sharedWorkspaceWhenWanted(objc::Id workspaceClass, objc::Sel selector) {
-  return workspaceIsWanted ? originalSharedWorkspace(workspaceClass, selector) : nullptr;
+Id sharedWorkspaceWhenWanted(Id workspaceClass, Sel selector) {
+  return isWorkspaceWanted ? originalSharedWorkspace(workspaceClass, selector) : nullptr;
 }
 
-objc::Id noCenter(objc::Id, objc::Sel) { return nullptr; }
+Id answerNil(Id, Sel) { return nullptr; }
 
-void registerNothing(objc::Id, objc::Sel) {}
+void doNothing(Id, Sel) {}
 
-objc::Boolean storeNothing(objc::Id, objc::Sel) { return 1; }
+objc::Boolean sayDone(Id, Sel) { return 1; }
 
-IMP replace(Class owner, objc::Selector name, objc::detail::Function replacement, const char* encoding) {
-  return class_replaceMethod(owner, objc::registered(name), reinterpret_cast<IMP>(replacement), encoding);
+// Answers the function that the class had before.
+template <class Result>
+auto replace(Class owner, objc::Selector selector, Result (*replacement)(Id, Sel), const char* encoding) {
+  // By way of the type that stands for any function, since these have types of their own.
+  using objc::detail::Function;
+  const auto added = reinterpret_cast<IMP>(reinterpret_cast<Function>(replacement));
+  const IMP before = class_replaceMethod(owner, objc::registered(selector), added, encoding);
+  return reinterpret_cast<Result (*)(Id, Sel)>(reinterpret_cast<Function>(before));
 }
 
 Class metaclassOf(objc::ClassName name) {
-  return object_getClass(reinterpret_cast<objc::Id>(objc::classNamed(name)));
+  return object_getClass(reinterpret_cast<Id>(objc::classNamed(name)));
 }
 
 }  // namespace
@@ -42,20 +56,16 @@ void keepDesktopServicesAway() {
   if (originalSharedWorkspace != nullptr) {
     return;
   }
-  // Read before its storing is replaced.
-  const objc::Id standardUserDefaults =
-      objc::send(objc::classNamed("NSUserDefaults"), "standardUserDefaults");
-  originalSharedWorkspace = reinterpret_cast<WorkspaceMethod>(
-      replace(metaclassOf("NSWorkspace"), "sharedWorkspace",
-              reinterpret_cast<objc::detail::Function>(sharedWorkspaceWhenWanted), "@@:"));
-  replace(objc::classNamed("GSServicesManager"), "registerAsServiceProvider",
-          reinterpret_cast<objc::detail::Function>(registerNothing), "v@:");
-  replace(metaclassOf("NSDistributedNotificationCenter"), "defaultCenter",
-          reinterpret_cast<objc::detail::Function>(noCenter), "@@:");
-  replace(object_getClass(standardUserDefaults), "synchronize",
-          reinterpret_cast<objc::detail::Function>(storeNothing), "C@:");
+  // The user's settings are read when these are made, before their storing is replaced.
+  const Id userDefaults = objc::send(objc::classNamed("NSUserDefaults"), "standardUserDefaults");
+  originalSharedWorkspace =
+      replace(metaclassOf("NSWorkspace"), "sharedWorkspace", sharedWorkspaceWhenWanted, "@@:");
+  replace(objc::classNamed("GSServicesManager"), "registerAsServiceProvider", doNothing, "v@:");
+  replace(objc::classNamed("NSTextView"), "copySelection", doNothing, "v@:");
+  replace(object_getClass(userDefaults), "synchronize", sayDone, "C@:");
+  replace(metaclassOf("NSDistributedNotificationCenter"), "defaultCenter", answerNil, "@@:");
 }
 
-void allowWorkspace() { workspaceIsWanted = true; }
+void allowWorkspace() { isWorkspaceWanted = true; }
 
 }  // namespace karno::platform::cocoa

@@ -1,15 +1,19 @@
 #include <objc/message.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "platform/cocoa/objc.h"
 
 namespace karno::platform::objc {
 
+// GNUstep learns the program's name only: it would take the first argument for a document, and show an alert when
+// it cannot open it before the application has launched.
 void startRuntime(int argc, char** argv) {
   static const bool started = [&] {
     const AutoreleasePool pool;
-    send<void>(classNamed("NSProcessInfo"), "initializeWithArguments:count:environment:", argv, CInt{argc},
-               environ);
+    send<void>(classNamed("NSProcessInfo"), "initializeWithArguments:count:environment:", argv,
+               CInt{std::min(argc, 1)}, environ);
     return true;
   }();
   static_cast<void>(started);
