@@ -42,7 +42,7 @@ get_filename_component(source_folder ${CMAKE_CURRENT_LIST_DIR} DIRECTORY)
 set(CMAKE_CXX_FLAGS_INIT
   "-Wunguarded-availability -fvisibility=hidden -fvisibility-inlines-hidden -ffile-prefix-map=${source_folder}/=")
 
-# The text stubs stand for the system's libraries and declare all that is imported from them. Stripping is the
-# linker's work, since it also signs, and a program changed after that does not start on Apple silicon.
+# The text stubs stand for the system's libraries and declare all that is imported from them; what they lack does
+# not link. -s leaves out the paths of object files that a debugger would follow.
 set(stubs ${CMAKE_CURRENT_LIST_DIR}/macos_stubs)
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-s -Wl,-dead_strip -F${stubs} -L${stubs}")

@@ -44,11 +44,11 @@ struct Trailer {
   std::uint64_t offsetTable = 0;
 };
 
-// One object's marker, its count and where its contents begin.
+// One object's marker and where its contents begin.
 struct Header {
   unsigned kind = 0;
   unsigned low = 0;
-  std::uint64_t count = 0;
+  std::uint64_t count = 0;  // elements, bytes or UTF-16 units; 0 for what is not counted
   std::uint64_t contents = 0;
 };
 
@@ -79,9 +79,8 @@ class BinaryList {
                           .objectCount = number(begin + 8, 8),
                           .rootIndex = number(begin + 16, 8),
                           .offsetTable = number(begin + 24, 8)};
-    const auto isWidth = [](std::size_t width) {
-      return width == 1 || width == 2 || width == 4 || width == 8;
-    };
+    // Wider ones are for lists beyond 4 GiB.
+    const auto isWidth = [](std::size_t width) { return width >= 1 && width <= 4; };
     require(isWidth(trailer.offsetBytes) && isWidth(trailer.referenceBytes), "its trailer names odd widths");
     require(trailer.offsetTable > kBinaryListMagic.size() && trailer.offsetTable < begin,
             "its offset table lies outside");
@@ -104,10 +103,7 @@ class BinaryList {
     const std::uint64_t offset =
         number(trailer_.offsetTable + objectIndex * trailer_.offsetBytes, trailer_.offsetBytes);
     requireInside(offset, 1, 1);
-    Header header{.kind = byte(offset) >> 4,
-                  .low = byte(offset) & 0xF,
-                  .count = byte(offset) & 0xF,
-                  .contents = offset + 1};
+    Header header{.kind = byte(offset) >> 4, .low = byte(offset) & 0xF, .count = 0, .contents = offset + 1};
     const bool isCounted = header.kind == kData || header.kind == kAsciiText || header.kind == kUTF16Text ||
                            header.kind == kArray || header.kind == kDictionary;
     if (isCounted) {

@@ -71,6 +71,8 @@ Sel registered(Selector selector) {
 }
 
 bool isPresent(const Message& message) {
+  // Looking a class up can initialise it.
+  const AutoreleasePool pool;
   Class owner = lookUp(message.className.data());
   if (owner == nullptr) {
     return false;

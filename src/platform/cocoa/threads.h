@@ -1,6 +1,4 @@
 #pragma once
-#include <optional>
-
 #include "platform/cocoa/objc.h"
 
 namespace karno::platform::cocoa {
@@ -13,13 +11,9 @@ bool isMainThread();
 class ThreadPoolScope {
  public:
   ThreadPoolScope();
-  ~ThreadPoolScope();
-  ThreadPoolScope(const ThreadPoolScope&) = delete;
-  ThreadPoolScope& operator=(const ThreadPoolScope&) = delete;
 
  private:
-  bool registered_;
-  std::optional<objc::AutoreleasePool> pool_;
+  objc::AutoreleasePool pool_;
 };
 
 }  // namespace karno::platform::cocoa

@@ -12,6 +12,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/linux/bus_connection.h"
 #include "platform/linux/notification_signal.h"
 #include "platform/linux/threads.h"
 #include "platform/posix/console_line.h"
@@ -156,7 +157,7 @@ void BusListener::tell(const Subject& subject, sdbus::Message& message) {
 
 void BusListener::disconnect(const std::string& line) {
   for (auto& [subject, subscription] : subscriptions_) subscription.slot.reset();
-  connection_.reset();
+  abandon(connection_);
   if (!line.empty()) report(line);
 }
 

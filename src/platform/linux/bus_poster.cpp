@@ -6,9 +6,11 @@
 #include <cerrno>
 #include <chrono>
 #include <exception>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
+#include "platform/linux/bus_connection.h"
 #include "platform/linux/bus_values.h"
 #include "platform/linux/notification_signal.h"
 #include "platform/posix/console_line.h"
@@ -17,6 +19,10 @@ namespace karno::platform {
 namespace {
 
 constexpr std::chrono::seconds kFlushMax(5);
+
+struct BusStandsStill : std::runtime_error {
+  BusStandsStill() : std::runtime_error("the bus takes no more") {}
+};
 
 }  // namespace
 
@@ -33,10 +39,13 @@ bool BusPoster::post(const DistributedNotification& notification) {
       send(notification, *userInfo);
       hasReportedFailure_ = false;
       return true;
+    } catch (const BusStandsStill& failure) {
+      reason = failure.what();
+      attempts = 0;
     } catch (const std::exception& failure) {
       reason = failure.what();
-      connection_.reset();
     }
+    abandon(connection_);
   }
   if (!std::exchange(hasReportedFailure_, true)) {
     writeConsoleLine("Notifications: failed to post on the session bus. Reason: " + reason);
@@ -64,7 +73,7 @@ void BusPoster::flush() {
 
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(giveUpAt - std::chrono::steady_clock::now());
-    if (left.count() <= 0) throw sdbus::Error("it.vantul.Timeout", "the bus takes no more");
+    if (left.count() <= 0) throw BusStandsStill();
     pollfd item = {.fd = wanted.fd, .events = wanted.events, .revents = 0};
     if (::poll(&item, 1, static_cast<int>(left.count())) < 0 && errno != EINTR) {
       throw sdbus::createError(errno, "poll failed");

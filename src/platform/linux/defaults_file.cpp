@@ -68,6 +68,7 @@ DefaultsFile::DefaultsFile(const PropertyLists& propertyLists, std::string path)
 
 std::optional<Value> DefaultsFile::valueForKey(std::string_view key) {
   const std::scoped_lock lock(mutex_);
+  if (const auto entry = unstored_.find(key); entry != unstored_.end()) return entry->second;
   if (!isCacheCurrent()) readAfresh();
   const auto entry = cache_.find(key);
   if (entry == cache_.end()) return std::nullopt;
@@ -93,13 +94,16 @@ void DefaultsFile::readAfresh() {
 
 void DefaultsFile::setValue(const Value& value, std::string_view key) {
   const std::scoped_lock lock(mutex_);
-  if (const std::optional<Error> error = storeUnderLock(value, key)) {
+  if (!path_.empty()) unstored_.insert_or_assign(std::string(key), value);
+  if (const std::optional<Error> error = store(unstored_)) {
     writeConsoleLine("UserDefaults: failed to store " + std::string(key) + " in " + path_ +
                      ". Reason: " + error->localizedDescription());
+    return;
   }
+  unstored_.clear();
 }
 
-std::optional<Error> DefaultsFile::storeUnderLock(const Value& value, std::string_view key) {
+std::optional<Error> DefaultsFile::store(const Value::Dictionary& changes) {
   if (path_.empty()) return Error::posix(EINVAL);
   std::error_code code;
   std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), code);
@@ -110,11 +114,11 @@ std::optional<Error> DefaultsFile::storeUnderLock(const Value& value, std::strin
 
   Result<Value::Dictionary> values = contentForWriting();
   if (!values) return values.error();
-  const auto entry = values.value().find(key);
-  if (entry != values.value().end() && entry->second == value) return std::nullopt;
+  Value::Dictionary changed = values.value();
+  for (const auto& [key, value] : changes) changed.insert_or_assign(key, value);
+  if (changed == values.value()) return std::nullopt;
 
-  values.value().insert_or_assign(std::string(key), value);
-  const Result<std::string> bytes = propertyLists_.serialiseAsXML(Value(std::move(values.value())));
+  const Result<std::string> bytes = propertyLists_.serialiseAsXML(Value(std::move(changed)));
   if (!bytes) return bytes.error();
   if (const int error = replaceFile(path_, bytes.value())) return Error::posix(error);
   return std::nullopt;

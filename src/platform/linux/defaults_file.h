@@ -15,11 +15,12 @@ class DefaultsFile {
   // An empty path holds nothing and takes nothing.
   DefaultsFile(const PropertyLists& propertyLists, std::string path);
 
-  // As the file is now. Missing, unreadable and damaged files hold nothing.
+  // As the file is now. Missing, unreadable and damaged files hold nothing. A value that could not be stored
+  // counts all the same in this process.
   std::optional<Value> valueForKey(std::string_view key);
 
   // Stores one value and keeps all others, also those that another process stores at the same time. A damaged
-  // file is set aside first. Failures become a console line.
+  // file is set aside first. A failure becomes a console line; the next call tries to store the value again.
   void setValue(const Value& value, std::string_view key);
 
   // Makes sure that the folder's entry for the file is on disk, too.
@@ -28,13 +29,14 @@ class DefaultsFile {
  private:
   bool isCacheCurrent() const;
   void readAfresh();
-  std::optional<Error> storeUnderLock(const Value& value, std::string_view key);
+  std::optional<Error> store(const Value::Dictionary& changes);
   Result<Value::Dictionary> contentForWriting();
 
   const PropertyLists& propertyLists_;
   const std::string path_;
 
   std::mutex mutex_;
+  Value::Dictionary unstored_;  // what was set and is not in the file yet
   Value::Dictionary cache_;
   std::optional<struct stat>
       cachedStatus_;  // of the file that cache_ was read from; absent when not to be trusted

@@ -1,5 +1,8 @@
 #include "platform/cocoa/desktop.h"
 
+#include <cstdlib>
+#include <stdexcept>
+
 #include "platform/linux/appearance.h"
 #include "platform/linux/desktop_services.h"
 #include "platform/linux/termination_signal.h"
@@ -7,6 +10,10 @@
 namespace karno::platform::cocoa {
 
 void prepareForApplication() {
+  // The application object raises without one, and an exception of its kind tells C++ nothing.
+  if (std::getenv("DISPLAY") == nullptr) {
+    throw std::runtime_error("there is no display (DISPLAY is not set)");
+  }
   registerAppearance();
   keepDesktopServicesAway();
 }

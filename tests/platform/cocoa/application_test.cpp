@@ -1,5 +1,6 @@
 #include "platform/application.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "screen.h"
@@ -83,7 +84,15 @@ TEST(CocoaApplication, WithoutADisplayItEndsWithAnErrorStatus) {
   const CommandResult result = runCommand(
       {"env", "-u", "DISPLAY", KARNO_COCOA_SCENARIOS, "application/terminate"}, std::chrono::seconds(60));
 
-  EXPECT_EQ(result.output, "application: an exception was raised\n");
+  EXPECT_EQ(result.output, "application: there is no display (DISPLAY is not set)\n");
+  EXPECT_EQ(result.status, 1);
+}
+
+TEST(CocoaApplication, WithADisplayThatIsNotThereItEndsWithAnErrorStatus) {
+  const CommandResult result = runCommand(
+      {"env", "DISPLAY=:65000", KARNO_COCOA_SCENARIOS, "application/terminate"}, std::chrono::seconds(60));
+
+  EXPECT_THAT(result.output, testing::EndsWith("application: an exception was raised\n"));
   EXPECT_EQ(result.status, 1);
 }
 

@@ -5,11 +5,10 @@
 
 namespace karno::platform::test {
 
-// Puts a binary property list together, sound or damaged. Objects are given as their bytes; references and
-// offsets take two bytes each.
+// Puts a binary property list together, sound or damaged. Objects are given as their bytes.
 class BinaryListBuilder {
  public:
-  // The trailer, which is written as it stands here.
+  // What the trailer says; references and offsets take as many bytes.
   std::uint8_t offsetBytes = 2;
   std::uint8_t referenceBytes = 2;
   std::uint64_t rootIndex = 0;
@@ -23,7 +22,7 @@ class BinaryListBuilder {
   BinaryListBuilder& references(char marker, const std::vector<int>& targets) {
     std::string bytes(1, marker);
     for (const int target : targets) {
-      append(bytes, static_cast<std::uint64_t>(target), 2);
+      append(bytes, static_cast<std::uint64_t>(target), referenceBytes);
     }
     return object(bytes);
   }
@@ -40,7 +39,7 @@ class BinaryListBuilder {
     }
     const std::uint64_t table = bytes.size();
     for (const std::uint64_t offset : offsets) {
-      append(bytes, offset, 2);
+      append(bytes, offset, offsetBytes);
     }
     bytes += std::string(6, '\0');
     append(bytes, offsetBytes, 1);
@@ -53,8 +52,8 @@ class BinaryListBuilder {
 
  private:
   static void append(std::string& bytes, std::uint64_t number, int width) {
-    for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) {
-      bytes.push_back(static_cast<char>(number >> shift & 0xFF));
+    for (int place = width - 1; place >= 0; --place) {
+      bytes.push_back(place < 8 ? static_cast<char>(number >> (8 * place) & 0xFF) : '\0');
     }
   }
 

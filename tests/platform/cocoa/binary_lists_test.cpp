@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <vector>
 
 #include "binary_list_builder.h"
@@ -71,6 +72,40 @@ TEST(BinaryLists, AnObjectMayBeSharedWithinReason) {
             Value(Value::Array{Value(Value::Array{"x", "x"}), Value(Value::Array{"x", "x"})}));
 }
 
+class BinaryListWidths : public testing::TestWithParam<int> {};
+
+TEST_P(BinaryListWidths, AreRead) {
+  BinaryListBuilder list;
+  list.offsetBytes = static_cast<std::uint8_t>(GetParam());
+  list.referenceBytes = static_cast<std::uint8_t>(GetParam());
+  list.references(kArrayOfTwo, {1, 2}).object(textObject("x")).object("\x09");
+
+  EXPECT_EQ(propertyLists.parse(list.build()).value(), Value(Value::Array{"x", true}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, BinaryListWidths, testing::Values(1, 2, 3, 4));
+
+TEST(BinaryLists, LargeOnesAreRead) {
+  const Value large(Value::Dictionary{{"data", Value(Value::Data(100'000, std::byte{7}))},
+                                      {"list", Value(Value::Array(5'000, Value(1.5)))},
+                                      {"text", Value(std::string(70'000, 'x'))}});
+
+  EXPECT_EQ(propertyLists.parse(test::binaryList(large)).value(), large);
+}
+
+TEST(BinaryLists, EveryKindMayBeTheLastObject) {
+  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x09").build()).value(), Value(true));
+  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x10\x07").build()).value(), Value(7));
+  EXPECT_EQ(
+      propertyLists.parse(BinaryListBuilder().object("\x23\x40\x04" + std::string(6, '\0')).build()).value(),
+      Value(2.5));
+  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x33" + std::string(8, '\0')).build()).value(),
+            Value(Date(std::chrono::seconds(978'307'200))));
+  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x41z").build()).value(),
+            Value(Value::Data{std::byte{'z'}}));
+  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x61\x20\xAC").build()).value(), Value("\u20AC"));
+}
+
 TEST(BinaryLists, EveryTruncationOfASoundListIsAnErrorOrAValue) {
   const std::string sound =
       test::binaryList(Value(Value::Dictionary{{"a", Value(Value::Array{1, 2.5, true, "text \u20AC"})},
@@ -100,7 +135,8 @@ TEST_P(DamagedBinaryList, IsAnError) {
 const std::vector<DamagedBinary> kDamagedBinary = {
     {"OnlyTheMagic", "bplist00", "it is too short"},
     {"TrailerOnly", "bplist00" + std::string(32, '\0'), "its trailer names odd widths"},
-    {"OddOffsetWidth", withTrailer(3, 2, 0), "its trailer names odd widths"},
+    {"OddOffsetWidth", withTrailer(5, 2, 0), "its trailer names odd widths"},
+    {"NoOffsetWidth", withTrailer(0, 2, 0), "its trailer names odd widths"},
     {"HugeReferenceWidth", withTrailer(2, 255, 0), "its trailer names odd widths"},
     {"RootOutside", withTrailer(2, 2, 1), "its root object lies outside"},
     {"HugeRoot", withTrailer(2, 2, ~std::uint64_t{0}), "its root object lies outside"},
@@ -147,7 +183,8 @@ const std::vector<DamagedBinary> kDamagedBinary = {
     {"WideInteger", BinaryListBuilder().object("\x15" + std::string(32, '\0')).build(),
      "an integer is too wide"},
     {"IntegerOutside", BinaryListBuilder().object("\x13").build(), "an object lies outside"},
-    {"OddReal", BinaryListBuilder().object("\x21\0\0").build(), "a number has an odd width"},
+    {"OddReal", BinaryListBuilder().object("\x21" + std::string(4, '\0')).build(),
+     "a number has an odd width"},
     {"OddDate", BinaryListBuilder().object("\x32" + std::string(4, '\0')).build(), "a date has an odd width"},
     {"Null", BinaryListBuilder().object(std::string(1, '\0')).build(),
      "it holds an object of an unknown kind"},

@@ -33,6 +33,8 @@ Id unsignedNumber(std::uint64_t number) {
 
 void removeAllObjects(Id array) { sendUnlisted<void>("", array, "removeAllObjects"); }
 
+Id substring(Id text, objc::Range units) { return sendUnlisted<Id>("", text, "substringWithRange:", units); }
+
 bool contains(Id set, Id object) {
   return sendUnlisted<objc::Boolean>("", set, "containsObject:", object) != 0;
 }

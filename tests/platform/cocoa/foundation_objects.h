@@ -12,6 +12,8 @@ objc::Id unsignedNumber(std::uint64_t number);
 
 void removeAllObjects(objc::Id array);
 
+objc::Id substring(objc::Id text, objc::Range units);
+
 bool contains(objc::Id set, objc::Id object);
 
 // What NSKeyedArchiver makes of an object.

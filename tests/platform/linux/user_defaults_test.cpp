@@ -242,6 +242,28 @@ TEST_F(LinuxUserDefaultsTest, ReportAHomeFolderThatTakesNothing) {
   EXPECT_FALSE(suite()->boolForKey("key"));
 }
 
+TEST_F(LinuxUserDefaultsTest, ReadBackInThisProcessWhatCouldNotBeStored) {
+  home.write("Library", "a file where a folder should be");
+  const StandardErrorCapture console;
+  const auto defaults = suite();
+
+  defaults->setBool(true, "key");
+
+  EXPECT_TRUE(defaults->boolForKey("key"));
+}
+
+TEST_F(LinuxUserDefaultsTest, StoreWhatCouldNotBeStoredWithTheNextValue) {
+  const std::string obstacle = home.write("Library", "a file where a folder should be");
+  const StandardErrorCapture console;
+  const auto defaults = suite();
+  defaults->setBool(true, "early");
+  std::filesystem::remove(obstacle);
+
+  defaults->setBool(true, "late");
+
+  EXPECT_EQ(stored(), (Value::Dictionary{{"early", true}, {"late", true}}));
+}
+
 TEST_F(LinuxUserDefaultsTest, ReadWithoutBeingAllowedToWrite) {
   const ScopedEnvironment elsewhere("HOME", "/proc/self");
   const StandardErrorCapture console;

@@ -4,7 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "platform/cocoa/strings.h"
+#include "platform/cocoa/threads.h"
 #include "stand_in.h"
 
 namespace karno::platform::test {
@@ -164,6 +167,20 @@ TEST_F(MacDistributedNotifications, ThatArriveLateReachNoHandler) {
   notifications_.removeObserver(&observer_);
   deliver(late);
 
+  EXPECT_THAT(received_, ElementsAre());
+}
+
+TEST_F(MacDistributedNotifications, MayBeEndedByAnotherThread) {
+  notifications_.addObserver(&observer_, "name", "sender", keep());
+  const std::vector<Observation> late = observations();
+  std::thread([this] {
+    const cocoa::ThreadPoolScope scope;
+    notifications_.removeObserver(&observer_);
+  }).join();
+
+  deliver(late);
+
+  EXPECT_EQ(0u, observations().size());
   EXPECT_THAT(received_, ElementsAre());
 }
 

@@ -80,7 +80,7 @@ TEST(PosixTasks, ReapsTheChild) {
 
 TEST(PosixTasks, LeavesTheChildToAWaitThatWasPending) {
   PosixTasks tasks;
-  StartedTask task = shell(tasks, "sleep 0.3; exit 5");
+  StartedTask task = shell(tasks, "sleep 1; exit 5");
   const std::int32_t child = task.result().value();
 
   const WaitResult wait = waitpidRegistered(child);
@@ -94,19 +94,23 @@ TEST(PosixTasks, LeavesTheChildToAWaitThatWasPending) {
 
 TEST(PosixTasks, LeavesEachOfManyChildrenToTheWaitThatWasPending) {
   PosixTasks tasks;
+  std::vector<std::unique_ptr<StartedTask>> children;
+  std::vector<std::future<WaitResult>> waits;
 
-  for (int round = 0; round < 60; ++round) {
-    StartedTask task = shell(tasks, "sleep 0.02; exit 5");
-    const std::int32_t child = task.result().value();
+  for (int count = 0; count < 20; ++count) {
+    children.push_back(std::make_unique<StartedTask>(shell(tasks, "sleep 2; exit 5")));
+    waits.push_back(std::async(std::launch::async, waitpidRegistered, children.back()->result().value()));
+  }
 
-    EXPECT_EQ(waitpidRegistered(child).result, child);
-    EXPECT_EQ(task.waitForEnd()->terminationStatus, 5);
+  for (std::size_t index = 0; index < waits.size(); ++index) {
+    EXPECT_EQ(waits[index].get().result, children[index]->result().value());
+    EXPECT_EQ(children[index]->waitForEnd()->terminationStatus, 5);
   }
 }
 
 TEST(PosixTasks, LeavesTheChildToExactlyOneOfTwoPendingWaits) {
   PosixTasks tasks;
-  StartedTask task = shell(tasks, "sleep 0.3; kill -KILL $$");
+  StartedTask task = shell(tasks, "sleep 1; kill -KILL $$");
   const std::int32_t child = task.result().value();
 
   auto first = std::async(std::launch::async, [child] { return waitpidRegistered(child); });

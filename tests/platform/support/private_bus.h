@@ -20,6 +20,11 @@ class PrivateBus {
   PrivateBus& operator=(const PrivateBus&) = delete;
   ~PrivateBus() { stop(); }
 
+  // Makes the bus stand still as long as somebody does not let it go on. Any process.
+  void halt() const { ::kill(pid_, SIGSTOP); }
+  void waitUntilHalted() const { ::waitpid(pid_, nullptr, WUNTRACED); }
+  void goOn() const { ::kill(pid_, SIGCONT); }
+
   void stop() {
     if (pid_ <= 0) return;
     ::kill(pid_, SIGKILL);

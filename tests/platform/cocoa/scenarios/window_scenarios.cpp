@@ -1,8 +1,7 @@
 #include <fmt/format.h>
 
-#include <memory>
-
 #include "platform/cocoa/controls.h"
+#include "platform/never_destroyed.h"
 #include "scenario.h"
 
 namespace karno::test {
@@ -15,8 +14,8 @@ using platform::cocoa::Window;
 
 // Kept to the end of the process.
 Window& window() {
-  static Window* const made = std::make_unique<Window>("Karno", 420, 160).release();
-  return *made;
+  static platform::NeverDestroyed<Window> made("Karno", 420, 160);
+  return made.get();
 }
 
 void pressKeys() {
@@ -71,10 +70,10 @@ void closeAndReopen() {
 
 void destroy() {
   {
-    Window short_lived("short", 100, 100);
-    short_lived.setWillClose([] { say("never said"); });
-    short_lived.addButton({.width = 50, .height = 20}, "x", "", [] {});
-    short_lived.show();
+    Window shortLived("short", 100, 100);
+    shortLived.setWillClose([] { say("never said"); });
+    shortLived.addButton({.width = 50, .height = 20}, "x", "", [] {});
+    shortLived.show();
   }
   say("gone");
   terminate();
