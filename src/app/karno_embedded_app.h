@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/bundles.h"
 #include "platform/never_destroyed.h"
@@ -29,10 +31,16 @@ class KarnoEmbeddedApp {
 
   // The chosen build's bundle name; once read it never changes. Not locked: first read on the main thread.
   const std::string& name();
+  void setName(std::string name) { name_ = std::move(name); }
 
   // The chosen build's bundle in Contents/Helpers, or null. Once found it never changes; a bundle that was
   // not found is looked for again by the next call.
   std::shared_ptr<const platform::Bundle> bundle();
+  void setBundle(std::shared_ptr<const platform::Bundle> bundle) { bundle_ = std::move(bundle); }
+
+  // A list kept for whoever asks; the launcher itself neither fills nor reads it.
+  const std::vector<std::string>& arguments() const { return arguments_; }
+  void setArguments(std::vector<std::string> arguments) { arguments_ = std::move(arguments); }
 
   KarnoAppType appTypeForCommandLineArguments();
 
@@ -46,6 +54,7 @@ class KarnoEmbeddedApp {
   KarnoAppType appType_ = KarnoAppType::FileProvider;
   std::optional<std::string> name_;
   std::shared_ptr<const platform::Bundle> bundle_;
+  std::vector<std::string> arguments_;
 };
 
 }  // namespace karno

@@ -37,7 +37,8 @@ class Bundles {
   // The launcher's own bundle.
   virtual const Bundle& mainBundle() const = 0;
 
-  // The bundle in that folder, or null when there is no folder. A folder without an Info.plist is a bundle too.
+  // The bundle in that folder, or null when there is no folder. A folder without an Info.plist is a bundle
+  // too.
   virtual std::shared_ptr<const Bundle> bundleAtPath(const std::string& path) const = 0;
 };
 

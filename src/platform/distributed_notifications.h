@@ -27,10 +27,12 @@ class DistributedNotifications {
   virtual void addObserver(const void* observer, const std::string& name, const std::string& object,
                            Handler handler) = 0;
 
-  // Removes all registrations of this observer. No handler of it starts afterwards when called on the main thread.
+  // Removes all registrations of this observer. No handler of it starts afterwards when called on the main
+  // thread.
   virtual void removeObserver(const void* observer) = 0;
 
-  // Posts and returns once the notification is on its way; any thread. An error when it could not be handed over.
+  // Posts and returns once the notification is on its way; any thread. An error when it could not be handed
+  // over.
   virtual bool post(const DistributedNotification& notification) = 0;
 };
 

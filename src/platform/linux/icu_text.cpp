@@ -82,7 +82,8 @@ bool IcuText::isEqualCaseInsensitive(std::string_view a, std::string_view b) con
 bool IcuText::containsMatch(std::string_view pattern, std::string_view text, bool ignoreCase) const {
   UErrorCode status = U_ZERO_ERROR;
   const icu::UnicodeString input = unicode(text);  // the matcher refers to it
-  icu::RegexMatcher matcher(unicode(pattern), ignoreCase ? std::uint32_t{UREGEX_CASE_INSENSITIVE} : 0U, status);
+  icu::RegexMatcher matcher(unicode(pattern), ignoreCase ? std::uint32_t{UREGEX_CASE_INSENSITIVE} : 0U,
+                            status);
   if (U_FAILURE(status)) return false;
   matcher.reset(input);
   matcher.setTimeLimit(kSearchStepsMax, status);

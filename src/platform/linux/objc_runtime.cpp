@@ -7,8 +7,8 @@
 
 namespace karno::platform::objc {
 
-// GNUstep learns the program's name only: it would take the first argument for a document, and show an alert when
-// it cannot open it before the application has launched.
+// GNUstep learns the program's name only: it would take the first argument for a document, and show an alert
+// when it cannot open it before the application has launched.
 void startRuntime(int argc, char** argv) {
   static const bool started = [&] {
     const AutoreleasePool pool;

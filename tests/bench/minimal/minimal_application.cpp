@@ -5,9 +5,9 @@
 
 #include <cstdlib>
 
-#include "platform/linux/appearance.h"
 #include "platform/cocoa/class_builder.h"
 #include "platform/cocoa/objc.h"
+#include "platform/linux/appearance.h"
 
 extern "C" int NSApplicationMain(int argc, const char** argv);
 

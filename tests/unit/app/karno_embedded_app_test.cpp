@@ -309,5 +309,16 @@ TEST(EmbeddedAppBundle, NeverChangesOnceItWasFound) {
   EXPECT_EQ(after, before);
 }
 
+TEST(EmbeddedAppAccessors, KeepWhatTheyAreGiven) {
+  FakePlatform machine;
+  KarnoEmbeddedApp& app = KarnoEmbeddedApp::manager();
+
+  app.setName("Other.app");
+  app.setArguments({"one", "two"});
+
+  EXPECT_EQ(app.name(), "Other.app");
+  EXPECT_EQ(app.arguments(), (std::vector<std::string>{"one", "two"}));
+}
+
 }  // namespace
 }  // namespace karno

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "app/karno_embedded_app.h"
 #include "app/startup_manager.h"
 #include "fake_platform.h"
 #include "launcher.h"
@@ -68,6 +69,22 @@ TEST(Launch, RunsWhollyOnItsCallersThreadAndCompletesOnceBeforeItReturns) {
   EXPECT_EQ(completion.error, std::nullopt);
   EXPECT_EQ(machine.tasks.launches().at(0).thread, "caller");
   EXPECT_THAT(machine.consoleMessages(), ElementsAre(kChosen, kLaunching, kLaunched));
+}
+
+TEST(Launch, KeepsTheIdentifierOfTheLastChildWhenTheBundleHasGone) {
+  FakePlatform machine;
+  machine.withEmbeddedBuilds();
+  Completion first;
+  StartupManager::instance().launchKarnoWithCompletion(first.note());
+  machine.bundles.removeHelper("Karno.app");
+  KarnoEmbeddedApp::manager().setBundle(nullptr);
+  Completion second;
+
+  StartupManager::instance().launchKarnoWithCompletion(second.note());
+
+  EXPECT_THAT(second.successes, ElementsAre(false));
+  EXPECT_EQ(second.error->code(), 2);
+  EXPECT_EQ(StartupManager::instance().embeddedKarnoProcessIdentifier(), 5001);
 }
 
 TEST(Launch, NamesTheBuildThatItStarts) {

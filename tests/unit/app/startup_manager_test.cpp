@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+
 #include "app/karno_embedded_app.h"
 #include "fake_platform.h"
 #include "launcher.h"
@@ -41,38 +43,46 @@ TEST(SystemCheckForFileProvider, SucceedsOnTheCallingThreadBeforeItReturns) {
                           Line("INFO", "Startup[CHECK] Using FileProvider")));
 }
 
-struct Version {
-  std::array<int, 3> number;
-  bool isRecent;
-};
+using Version = std::array<int, 3>;
 
-void PrintTo(const Version& version, std::ostream* out) {
-  *out << version.number[0] << "." << version.number[1] << "." << version.number[2];
-}
+class SystemCheckOnRecentVersion : public ::testing::TestWithParam<Version> {};
 
-class SystemCheckOnVersion : public ::testing::TestWithParam<Version> {};
-
-TEST_P(SystemCheckOnVersion, WantsMacOS12Point3) {
+TEST_P(SystemCheckOnRecentVersion, UsesFileProvider) {
   FakePlatform machine;
-  machine.systemVersion.running = GetParam().number;
+  machine.systemVersion.running = GetParam();
   const auto delegate = std::make_shared<StartupRecorder>(machine);
   StartupManager::instance().setDelegate(delegate);
 
   StartupManager::instance().checkSystem();
 
-  EXPECT_EQ(delegate->calls.size(), GetParam().isRecent ? 1U : 0U);
-  EXPECT_EQ(afterTheChoice(machine).at(1),
-            GetParam().isRecent ? Line("INFO", "Startup[CHECK] Using FileProvider")
-                                : Line("WARN",
-                                       "Startup[CHECK] *** Cannot *** use FileProvider (O/S version < 12.3). "
-                                       "Failing over to Fuse."));
+  EXPECT_THAT(delegate->calls, ElementsAre("checked on main"));
+  EXPECT_EQ(afterTheChoice(machine).at(1), Line("INFO", "Startup[CHECK] Using FileProvider"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Versions, SystemCheckOnVersion,
-                         ::testing::Values(Version{{12, 3, 0}, true}, Version{{12, 3, 1}, true},
-                                           Version{{13, 0, 0}, true}, Version{{26, 0, 0}, true},
-                                           Version{{12, 2, 9}, false}, Version{{12, 2, 0}, false},
-                                           Version{{11, 7, 10}, false}, Version{{10, 14, 6}, false}));
+INSTANTIATE_TEST_SUITE_P(From12Point3, SystemCheckOnRecentVersion,
+                         ::testing::Values(Version{12, 3, 0}, Version{12, 3, 1}, Version{13, 0, 0},
+                                           Version{26, 0, 0}));
+
+class SystemCheckOnOldVersion : public ::testing::TestWithParam<Version> {};
+
+TEST_P(SystemCheckOnOldVersion, FailsOverToFuse) {
+  FakePlatform machine;
+  machine.systemVersion.running = GetParam();
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  StartupManager::instance().setDelegate(delegate);
+
+  StartupManager::instance().checkSystem();
+
+  EXPECT_THAT(delegate->calls, IsEmpty());
+  EXPECT_EQ(
+      afterTheChoice(machine).at(1),
+      Line("WARN",
+           "Startup[CHECK] *** Cannot *** use FileProvider (O/S version < 12.3). Failing over to Fuse."));
+}
+
+INSTANTIATE_TEST_SUITE_P(Before12Point3, SystemCheckOnOldVersion,
+                         ::testing::Values(Version{12, 2, 9}, Version{12, 2, 0}, Version{11, 7, 10},
+                                           Version{10, 14, 6}));
 
 TEST(SystemCheckForFileProvider, OnAnOldSystemGoesOnToFuseAndKeepsTheChosenBuild) {
   FakePlatform machine;

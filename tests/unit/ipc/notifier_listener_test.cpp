@@ -231,6 +231,28 @@ INSTANTIATE_TEST_SUITE_P(
                       Unknown{{{"message", Value::Array{"user-selected-quit"}}},
                               "(\n    \"user-selected-quit\"\n)"}));
 
+class ListenerOnMessageItCannotActOn : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(ListenerOnMessageItCannotActOn, SaysSoAndDoesNothing) {
+  FakePlatform machine;
+  KarnoWrappperNotifierListener::manager().start();
+
+  machine.postMessage(GetParam());
+  machine.runFor(10);
+
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("INFO", "Notify[LISTEN] Received '" + GetParam() + "'"),
+                          Line("WARN", "Notify[LISTEN] This version of the launcher cannot act on '" +
+                                           GetParam() + "'")));
+  EXPECT_EQ(machine.application.terminations(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Messages, ListenerOnMessageItCannotActOn,
+                         ::testing::Values("check-for-updates", "enable-automatic-updates",
+                                           "disable-automatic-updates", "app-needs-restart",
+                                           "restart-wrapper-with-fuse", "restart-wrapper-with-file-provider",
+                                           "restart-wrapper"));
+
 TEST_F(Listener, DoesNotHearAnotherObjectOrNone) {
   machine.notifications.post(
       {.name = kName, .object = "somebody else", .userInfo = {{"message", "user-selected-quit"}}});
