@@ -1,5 +1,6 @@
 #include "log/karno_log.h"
 
+#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <utility>
@@ -60,7 +61,7 @@ void KarnoLog::logIfVerbose(std::string_view message, std::string_view level) {
 
 void KarnoLog::logMessage(std::string_view message, std::string_view level) {
   const std::string date = stringForLogDate(platform::host().clock.now());
-  std::string line = fmt::format("{} ({}) [{}] {}", date, processIdentifier_, level, message);
+  std::string line = fmt::format(FMT_COMPILE("{} ({}) [{}] {}"), date, processIdentifier_, level, message);
   platform::host().consoleLog.log(line);
   addEntry(std::move(line));
 }
