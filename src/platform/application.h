@@ -22,7 +22,8 @@ class Application {
   // Brings the launcher in front of whatever application is active now. Takes effect later.
   virtual void activateIgnoringOtherApps() = 0;
 
-  // Begins an orderly end: the delegate hears applicationWillTerminate(), then the process exits with 0.
+  // Begins an orderly end: the delegate hears applicationWillTerminate(); a quarter of a second later, in
+  // which threads can finish what that began, the process exits with 0.
   virtual void terminate() = 0;
 };
 

@@ -13,6 +13,7 @@ using objc::Id;
 using objc::send;
 
 constexpr int kNoApplicationStatus = 1;
+constexpr double kLastWordsSeconds = 0.25;
 
 // Lives as long as the process, also while exit() runs.
 std::shared_ptr<ApplicationDelegate>& theDelegate() {
@@ -21,7 +22,13 @@ std::shared_ptr<ApplicationDelegate>& theDelegate() {
 }
 
 void applicationDidFinishLaunching(Id, Id) { theDelegate()->applicationDidFinishLaunching(); }
-void applicationWillTerminate(Id, Id) { theDelegate()->applicationWillTerminate(); }
+
+// exit() comes next and takes every thread away: what the delegate's last words handed to one, such as a line
+// for the log's writer, is given the time to be done.
+void applicationWillTerminate(Id, Id) {
+  theDelegate()->applicationWillTerminate();
+  host().dispatch.sleep(kLastWordsSeconds);
+}
 
 Class delegateClass() {
   return objc::ClassBuilder("KarnoApplicationDelegate", objc::classNamed("NSObject"))
