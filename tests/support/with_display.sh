@@ -32,7 +32,8 @@ start_and_ask() {
   read -r -t 30 "$answer" <"$scratch/$answer" || fail "$1 does not start: $(tail -n 3 "$scratch/$answer.err")"
 }
 
-start_and_ask display_number Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp
+# Without -noreset the server starts anew whenever its last client leaves, and takes down whoever connects meanwhile.
+start_and_ask display_number Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset
 start_and_ask bus_address dbus-daemon --session --nofork --nopidfile --print-address=3
 
 export DISPLAY=":$display_number"
