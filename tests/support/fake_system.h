@@ -38,6 +38,14 @@ class FakeWorkspace final : public platform::Workspace {
     selected.emplace_back(path, rootFolder);
   }
 
+  void openURL(const std::string& url) override { opened.push_back({url, scheduler_.currentThreadName()}); }
+
+  struct Opened {
+    std::string url;
+    std::string thread;
+    bool operator==(const Opened&) const = default;
+  };
+  std::vector<Opened> opened;
   std::vector<std::pair<std::string, std::string>> selected;  // path and root folder
 
  private:
