@@ -36,7 +36,10 @@ FakePlatform::FakePlatform(std::optional<std::uint64_t> ofSeed)
                 .text = text,
                 .consoleLog = consoleLog,
                 .systemVersion = systemVersion,
-                .updater = updater} {
+                .updater = updater,
+                .shell = shell,
+                .urlLoading = network,
+                .identifiers = identifiers} {
   scheduler.setExceptionHandler([this](std::string_view what) {
     consoleLog.log("A block threw: " + std::string(what));
     ADD_FAILURE() << "a block on the thread " << scheduler.currentThreadName() << " threw: " << what;

@@ -17,9 +17,11 @@
 #include "fake_processes.h"
 #include "fake_property_lists.h"
 #include "fake_scheduler.h"
+#include "fake_shell.h"
 #include "fake_system.h"
 #include "fake_tasks.h"
 #include "fake_text.h"
+#include "fake_url_loading.h"
 #include "fake_user_defaults.h"
 #include "fake_windows.h"
 #include "platform/platform.h"
@@ -116,6 +118,9 @@ class FakePlatform {
   FakeConsoleLog consoleLog{scheduler};
   FakeSystemVersion systemVersion;
   FakeUpdater updater;
+  FakeShell shell{scheduler};
+  FakeURLLoading network{scheduler};
+  FakeIdentifiers identifiers;
 
  private:
   platform::Platform platform_;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "fake_scheduler.h"
+#include "platform/identifiers.h"
 #include "platform/system_version.h"
 #include "platform/updater.h"
 #include "platform/workspace.h"
@@ -27,6 +28,18 @@ class FakeUpdater final : public platform::Updater {
 
   bool inSession = false;
   bool canCheck = true;
+};
+
+// UUIDs that count up.
+class FakeIdentifiers final : public platform::Identifiers {
+ public:
+  std::string makeUUID() override {
+    const std::string number = std::to_string(++made_);
+    return "00000000-0000-4000-8000-" + std::string(12 - number.size(), '0') + number;
+  }
+
+ private:
+  int made_ = 0;
 };
 
 class FakeWorkspace final : public platform::Workspace {
