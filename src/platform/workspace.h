@@ -1,7 +1,15 @@
 #pragma once
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace karno::platform {
+
+struct RunningApplication {
+  std::int32_t processIdentifier = 0;
+  std::optional<std::string> bundleIdentifier;
+};
 
 class Workspace {
  public:
@@ -13,6 +21,9 @@ class Workspace {
   // Opens the URL in the user's web browser. Any thread; returns without waiting for it. A failure is not
   // told.
   virtual void openURL(const std::string& url) = 0;
+
+  // The applications that run now and were started from a bundle with that identifier. Any thread.
+  virtual std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) = 0;
 };
 
 }  // namespace karno::platform

@@ -107,7 +107,7 @@ class FakePlatform {
   FakeDispatch dispatch{scheduler};
   FakeClock clock{scheduler};
   FakeTasks tasks{scheduler};
-  FakeProcesses processes;
+  FakeProcesses processes{scheduler};
   FakeBundles bundles;
   FakeUserDefaultsStore userDefaults{scheduler};
   FakeManagedPreferences managedPreferences;

@@ -59,6 +59,24 @@ class FakeWorkspace final : public platform::Workspace {
     bool operator==(const Opened&) const = default;
   };
   std::vector<Opened> opened;
+
+  std::vector<platform::RunningApplication> runningApplications(
+      const std::string& bundleIdentifier) override {
+    asked.push_back({bundleIdentifier, scheduler_.secondsSinceStart()});
+    std::vector<platform::RunningApplication> found;
+    for (const auto& application : running) {
+      if (application.bundleIdentifier == bundleIdentifier) found.push_back(application);
+    }
+    return found;
+  }
+
+  struct Asked {
+    std::string bundleIdentifier;
+    double atSeconds;
+    bool operator==(const Asked&) const = default;
+  };
+  std::vector<Asked> asked;  // every question after running applications
+  std::vector<platform::RunningApplication> running;
   std::vector<std::pair<std::string, std::string>> selected;  // path and root folder
 
  private:
