@@ -25,6 +25,13 @@ class FakeUpdater final : public platform::Updater {
  public:
   bool sessionInProgress() const override { return inSession; }
   bool canCheckForUpdates() const override { return canCheck; }
+  void checkForUpdates() override { ++checks; }
+  void setAutomaticallyChecksForUpdates(bool automatically) override {
+    automaticChecks.push_back(automatically);
+  }
+
+  int checks = 0;
+  std::vector<bool> automaticChecks;
 
   bool inSession = false;
   bool canCheck = true;
