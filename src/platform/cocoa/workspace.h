@@ -3,10 +3,10 @@
 
 namespace karno::platform::cocoa {
 
-// The file viewer, reached through NSWorkspace.
-class CocoaWorkspace final : public Workspace {
+// The file viewer, reached through NSWorkspace. How a URL is opened differs from system to system.
+class CocoaWorkspace : public Workspace {
  public:
-  void selectFile(const std::string& path, const std::string& rootFolder) override;
+  void selectFile(const std::string& path, const std::string& rootFolder) final;
 };
 
 }  // namespace karno::platform::cocoa
