@@ -122,6 +122,9 @@ inline constexpr Message kMessages[] = {
     {"NSWorkspace", '+', "sharedWorkspace"},
     {"NSWorkspace", '-', "openURL:"},
     {"NSWorkspace", '-', "selectFile:inFileViewerRootedAtPath:"},
+    {"NSRunningApplication", '+', "runningApplicationsWithBundleIdentifier:", Where::Everywhere, {10, 6}},
+    {"NSRunningApplication", '-', "bundleIdentifier", Where::Everywhere, {10, 6}},
+    {"NSRunningApplication", '-', "processIdentifier", Where::Everywhere, {10, 6}},
 
     {"NSAlert", '-', "setAlertStyle:"},
     {"NSAlert", '-', "setMessageText:"},
