@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -13,6 +14,18 @@ class Queue {
  public:
   virtual ~Queue() = default;
   virtual void async(Block block) = 0;
+};
+
+// Counts work that somebody waits for. Safe from any thread. Each leave() belongs to an enter() before it.
+class DispatchGroup {
+ public:
+  virtual ~DispatchGroup() = default;
+  virtual void enter() = 0;
+  virtual void leave() = 0;
+
+  // Waits until as many have left as have entered, at most that long; a time of zero or less only looks.
+  // False when the time ran out first.
+  virtual bool wait(std::int64_t nanoseconds) = 0;
 };
 
 enum class QueuePriority : long { High = 2, Default = 0, Low = -2, Background = -32768 };
@@ -33,6 +46,9 @@ class Dispatch {
 
   // A new serial queue. It lives until its last block has run, also when the caller lets go of it earlier.
   virtual std::shared_ptr<Queue> makeSerialQueue(std::string label) = 0;
+
+  // A new, empty group.
+  virtual std::shared_ptr<DispatchGroup> makeGroup() = 0;
 
   // Suspends the calling thread.
   virtual void sleep(double seconds) = 0;

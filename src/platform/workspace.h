@@ -1,7 +1,15 @@
 #pragma once
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace karno::platform {
+
+struct RunningApplication {
+  std::int32_t processIdentifier = 0;  // -1 when its process has ended
+  std::optional<std::string> bundleIdentifier;
+};
 
 class Workspace {
  public:
@@ -9,6 +17,14 @@ class Workspace {
 
   // Shows the file in the file viewer, with the viewer rooted at that folder. Main thread only.
   virtual void selectFile(const std::string& path, const std::string& rootFolder) = 0;
+
+  // Opens the URL in the user's web browser. Any thread; returns without waiting for it. A failure is not
+  // told.
+  virtual void openURL(const std::string& url) = 0;
+
+  // The applications that run now and were started from a bundle with that identifier. Any thread; meant to
+  // be asked several times a second.
+  virtual std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) = 0;
 };
 
 }  // namespace karno::platform

@@ -1,5 +1,6 @@
 #include "fake_dispatch.h"
 
+#include <algorithm>
 #include <deque>
 #include <utility>
 
@@ -73,6 +74,27 @@ class FakeDispatch::SerialQueue final : public Queue, public std::enable_shared_
   bool busy_ = false;
 };
 
+// Looks a thousand times a second of virtual time.
+class FakeDispatch::Group final : public platform::DispatchGroup {
+ public:
+  explicit Group(FakeScheduler& scheduler) : scheduler_(scheduler) {}
+  void enter() override { ++inside_; }
+  void leave() override { --inside_; }
+
+  bool wait(std::int64_t nanoseconds) override {
+    const double deadline = scheduler_.secondsSinceStart() + static_cast<double>(nanoseconds) / 1e9;
+    while (inside_ > 0 && scheduler_.secondsSinceStart() < deadline) {
+      scheduler_.sleep(std::min(kLook, deadline - scheduler_.secondsSinceStart()));
+    }
+    return inside_ == 0;
+  }
+
+ private:
+  static constexpr double kLook = 0.001;
+  FakeScheduler& scheduler_;
+  int inside_ = 0;
+};
+
 FakeDispatch::FakeDispatch(FakeScheduler& scheduler)
     : scheduler_(scheduler),
       mainQueue_(std::make_unique<MainQueue>(scheduler, MainLane::DispatchQueue)),
@@ -99,6 +121,10 @@ Queue& FakeDispatch::globalQueue(QueuePriority priority) {
 std::shared_ptr<Queue> FakeDispatch::makeSerialQueue(std::string label) {
   serialQueues_.push_back(label);
   return std::make_shared<SerialQueue>(scheduler_, std::move(label));
+}
+
+std::shared_ptr<platform::DispatchGroup> FakeDispatch::makeGroup() {
+  return std::make_shared<Group>(scheduler_);
 }
 
 void FakeDispatch::sleep(double seconds) { scheduler_.sleep(seconds); }

@@ -19,6 +19,7 @@ class FakeDispatch final : public platform::Dispatch {
   platform::Queue& mainOperationQueue() override;
   platform::Queue& globalQueue(platform::QueuePriority priority) override;
   std::shared_ptr<platform::Queue> makeSerialQueue(std::string label) override;
+  std::shared_ptr<platform::DispatchGroup> makeGroup() override;
   void sleep(double seconds) override;
   bool isMainThread() const override;
 
@@ -29,6 +30,7 @@ class FakeDispatch final : public platform::Dispatch {
   class MainQueue;
   class GlobalQueue;
   class SerialQueue;
+  class Group;
 
   FakeScheduler& scheduler_;
   std::unique_ptr<MainQueue> mainQueue_;

@@ -89,6 +89,24 @@ FakePlatform& FakePlatform::withStrings(const std::string& json) {
   return *this;
 }
 
+FakePlatform& FakePlatform::withSystem(const std::string& macOS, const std::string& cpu) {
+  shell.outputs[kSwVersLine] =
+      "ProductName:\t\tmacOS\nProductVersion:\t\t" + macOS + "\nBuildVersion:\t\t23F79\n";
+  shell.outputs[kUnameLine] = cpu + "\n";
+  return *this;
+}
+
+FakePlatform& FakePlatform::withFuse(const std::string& version) {
+  return withFuseInformation(platform::Value::Dictionary{{"CFBundleVersion", version}});
+}
+
+FakePlatform& FakePlatform::withFuseInformation(platform::Value value) {
+  const std::string bytes = "information of macFUSE: " + value.description();
+  files.addFile(kFuseInformationFile, bytes);
+  propertyLists.parsed.insert_or_assign(bytes, std::move(value));
+  return *this;
+}
+
 std::vector<Line> FakePlatform::log() const {
   std::vector<Line> result;
   for (const std::string& line : fullLogLines()) result.push_back(Line::parse(line));

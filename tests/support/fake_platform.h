@@ -32,6 +32,11 @@ inline constexpr const char* kLogFolder = "/Users/tester/Library/Logs/Karno for 
 inline constexpr const char* kLogFile = "/Users/tester/Library/Logs/Karno for macOS/karno-wrapper.log";
 inline constexpr const char* kOldLogFile = "/Users/tester/Library/Logs/Karno for macOS/karno-wrapper.old.log";
 
+inline constexpr const char* kFuseInformationFile =
+    "/Library/Frameworks/macFUSE.framework/Resources/Info.plist";
+inline constexpr const char* kSwVersLine = R"(/bin/sh --noprofile -c "sw_vers")";
+inline constexpr const char* kUnameLine = R"(/bin/sh --noprofile -c "uname -m")";
+
 // The level and message of one line of the launcher's log.
 struct Line {
   std::string level;
@@ -82,6 +87,10 @@ class FakePlatform {
   FakePlatform& withArguments(std::vector<std::string> afterProgramPath);
   FakePlatform& withEmbeddedBuilds();                  // both, in Contents/Helpers
   FakePlatform& withStrings(const std::string& json);  // the base table of user-visible texts
+  FakePlatform& withSystem(const std::string& macOS,
+                           const std::string& cpu);          // as the shell commands tell it
+  FakePlatform& withFuse(const std::string& version);        // installs macFUSE, or another version of it
+  FakePlatform& withFuseInformation(platform::Value value);  // any content of its information file
 
   // The launcher's own suite.
   FakeUserDefaultsStore::Suite& settings() { return userDefaults.suite("it.vantul.karno"); }
@@ -107,7 +116,7 @@ class FakePlatform {
   FakeDispatch dispatch{scheduler};
   FakeClock clock{scheduler};
   FakeTasks tasks{scheduler};
-  FakeProcesses processes;
+  FakeProcesses processes{scheduler};
   FakeBundles bundles;
   FakeUserDefaultsStore userDefaults{scheduler};
   FakeManagedPreferences managedPreferences;

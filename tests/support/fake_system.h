@@ -25,6 +25,13 @@ class FakeUpdater final : public platform::Updater {
  public:
   bool sessionInProgress() const override { return inSession; }
   bool canCheckForUpdates() const override { return canCheck; }
+  void checkForUpdates() override { ++checks; }
+  void setAutomaticallyChecksForUpdates(bool automatically) override {
+    automaticChecks.push_back(automatically);
+  }
+
+  int checks = 0;
+  std::vector<bool> automaticChecks;
 
   bool inSession = false;
   bool canCheck = true;
@@ -51,6 +58,32 @@ class FakeWorkspace final : public platform::Workspace {
     selected.emplace_back(path, rootFolder);
   }
 
+  void openURL(const std::string& url) override { opened.push_back({url, scheduler_.currentThreadName()}); }
+
+  struct Opened {
+    std::string url;
+    std::string thread;
+    bool operator==(const Opened&) const = default;
+  };
+  std::vector<Opened> opened;
+
+  std::vector<platform::RunningApplication> runningApplications(
+      const std::string& bundleIdentifier) override {
+    asked.push_back({bundleIdentifier, scheduler_.secondsSinceStart()});
+    std::vector<platform::RunningApplication> found;
+    for (const auto& application : running) {
+      if (application.bundleIdentifier == bundleIdentifier) found.push_back(application);
+    }
+    return found;
+  }
+
+  struct Asked {
+    std::string bundleIdentifier;
+    double atSeconds;
+    bool operator==(const Asked&) const = default;
+  };
+  std::vector<Asked> asked;  // every question after running applications
+  std::vector<platform::RunningApplication> running;
   std::vector<std::pair<std::string, std::string>> selected;  // path and root folder
 
  private:

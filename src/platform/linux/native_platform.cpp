@@ -3,7 +3,6 @@
 #include "platform/cocoa/objc.h"
 #include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
-#include "platform/cocoa/workspace.h"
 #include "platform/linux/bundles.h"
 #include "platform/linux/console_log.h"
 #include "platform/linux/dispatch.h"
@@ -15,6 +14,7 @@
 #include "platform/linux/system_version.h"
 #include "platform/linux/url_loading.h"
 #include "platform/linux/user_defaults.h"
+#include "platform/linux/workspace.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
@@ -31,11 +31,11 @@ struct NativeServices {
   cocoa::CocoaApplication application;
   cocoa::CocoaAlerts alerts;
   cocoa::CocoaWindows windows;
-  cocoa::CocoaWorkspace workspace;
   cocoa::CocoaPropertyLists propertyLists;
   LinuxDispatch dispatch;
   SystemClock clock;
   PosixTasks tasks;
+  LinuxWorkspace workspace{tasks};
   PosixProcesses processes;
   PosixFiles files;
   LinuxBundles bundles{propertyLists};

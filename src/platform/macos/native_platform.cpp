@@ -3,7 +3,6 @@
 #include "platform/cocoa/objc.h"
 #include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
-#include "platform/cocoa/workspace.h"
 #include "platform/macos/bundles.h"
 #include "platform/macos/console_log.h"
 #include "platform/macos/dispatch.h"
@@ -14,6 +13,7 @@
 #include "platform/macos/text.h"
 #include "platform/macos/url_loading.h"
 #include "platform/macos/user_defaults.h"
+#include "platform/macos/workspace.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
@@ -31,7 +31,7 @@ struct NativeServices {
   cocoa::CocoaApplication application;
   cocoa::CocoaAlerts alerts;
   cocoa::CocoaWindows windows;
-  cocoa::CocoaWorkspace workspace;
+  MacWorkspace workspace;
   cocoa::CocoaPropertyLists propertyLists;
   MacDispatch dispatch;
   SystemClock clock;

@@ -5,12 +5,9 @@
 #include <mutex>
 #include <optional>
 
-namespace karno::platform {
+#include "platform/processes.h"
 
-struct WaitResult {
-  std::int32_t result = 0;  // what waitpid() returned
-  int error = 0;            // errno right after it when it returned -1
-};
+namespace karno::platform {
 
 // Shares the end of each child between its watcher and those who wait for it with waitpid(). A child's status
 // can be collected only once: the watcher leaves it to a pending waitpid() and hears of the status from
