@@ -33,8 +33,8 @@ class RegularExpression {
   // The text of the first match; absent when there is none.
   virtual std::optional<std::string> firstMatch(std::string_view text) const = 0;
 
-  // Every match replaced. In the template "$1" stands for the first group, "$0" for the match, and a backslash
-  // makes the next character literal. A group that does not exist stands for nothing.
+  // Every match replaced. In the template "$1" stands for the first group, "$0" for the match, and a
+  // backslash makes the next character literal. A group that does not exist stands for nothing.
   virtual std::string stringByReplacingMatches(std::string_view text,
                                                std::string_view replacementTemplate) const = 0;
 };
@@ -60,9 +60,9 @@ class Text {
   // Upper case without regard to the locale.
   virtual std::string uppercase(std::string_view text) const = 0;
 
-  // Below, equal to or above zero as `a` comes before, with or after `b`: from the left, a run of decimal digits
-  // against a run of digits by numeric value, any other character by its value; when all before was equal, the
-  // shorter text is the smaller, so "13.0" comes before "13.0.0".
+  // Below, equal to or above zero as `a` comes before, with or after `b`: from the left, a run of decimal
+  // digits against a run of digits by numeric value, any other character by its value; when all before was
+  // equal, the shorter text is the smaller, so "13.0" comes before "13.0.0".
   virtual int compareNumerically(std::string_view a, std::string_view b) const = 0;
 
   // The error says what is wrong with the pattern.
