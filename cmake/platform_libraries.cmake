@@ -7,9 +7,10 @@ else()
   find_path(KARNO_OBJC_INCLUDE objc/runtime.h
     PATHS /usr/lib/gcc/${CMAKE_LIBRARY_ARCHITECTURE}/12/include REQUIRED)
   find_library(KARNO_OBJC_LIBRARY objc PATHS /usr/lib/gcc/${CMAKE_LIBRARY_ARCHITECTURE}/12 REQUIRED)
-  target_include_directories(karno_platform SYSTEM PUBLIC ${KARNO_OBJC_INCLUDE})
+  # Only the headers of libcurl: the library is loaded when it is needed.
+  target_include_directories(karno_platform SYSTEM PUBLIC ${KARNO_OBJC_INCLUDE} ${CURL_INCLUDE_DIRS})
   # Classes are looked up by name at run time, so nothing refers to the libraries when the program is linked.
   target_link_libraries(karno_platform PUBLIC
     -Wl,--no-as-needed gnustep-gui gnustep-base ${KARNO_OBJC_LIBRARY} -Wl,--as-needed
-    SDBusCpp::sdbus-c++ CURL::libcurl ICU::i18n ICU::uc Threads::Threads)
+    SDBusCpp::sdbus-c++ ICU::i18n ICU::uc Threads::Threads ${CMAKE_DL_LIBS})
 endif()

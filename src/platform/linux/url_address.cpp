@@ -1,27 +1,35 @@
 #include "platform/linux/url_address.h"
 
-#include <curl/curl.h>
-
 #include <memory>
 
+#include "platform/linux/curl_library.h"
 #include "platform/linux/url_errors.h"
 
 namespace karno::platform {
 namespace {
 
-struct FreeURL {
-  void operator()(CURLU* url) const { ::curl_url_cleanup(url); }
-};
-struct FreeText {
-  void operator()(char* text) const { ::curl_free(text); }
-};
-using ParsedURL = std::unique_ptr<CURLU, FreeURL>;
+class ParsedURL {
+ public:
+  explicit ParsedURL(const CurlLibrary& curl) : curl_(curl), url_(curl.url()) {}
+  ParsedURL(const ParsedURL&) = delete;
+  ParsedURL& operator=(const ParsedURL&) = delete;
+  ~ParsedURL() { curl_.urlCleanup(url_); }
 
-std::string partOf(const ParsedURL& url, CURLUPart part, unsigned flags = 0) {
-  char* text = nullptr;
-  if (::curl_url_get(url.get(), part, &text, flags) != CURLUE_OK) return {};
-  return std::unique_ptr<char, FreeText>(text).get();
-}
+  bool parse(const std::string& text) {
+    return curl_.urlSet(url_, CURLUPART_URL, text.c_str(), CURLU_NON_SUPPORT_SCHEME) == CURLUE_OK;
+  }
+
+  std::string part(CURLUPart which, unsigned flags = 0) const {
+    char* text = nullptr;
+    if (curl_.urlGet(url_, which, &text, flags) != CURLUE_OK) return {};
+    const std::unique_ptr<char, decltype(curl_.free)> owned(text, curl_.free);
+    return owned.get();
+  }
+
+ private:
+  const CurlLibrary& curl_;
+  CURLU* const url_;
+};
 
 std::string lastComponentOf(std::string path) {
   while (path.size() > 1 && path.back() == '/') path.pop_back();
@@ -33,13 +41,14 @@ std::string lastComponentOf(std::string path) {
 Result<URLAddress> addressOf(const std::string& url) {
   if (url.find(':') == std::string::npos) return urlError(URLErrorCode::UnsupportedURL);
   if (url.find('\0') != std::string::npos) return urlError(URLErrorCode::BadURL);
-  const ParsedURL parsed(::curl_url());
-  const CURLUcode code = ::curl_url_set(parsed.get(), CURLUPART_URL, url.c_str(), CURLU_NON_SUPPORT_SCHEME);
-  if (code != CURLUE_OK) return urlError(URLErrorCode::BadURL);
+  const Result<CurlLibrary>& curl = CurlLibrary::instance();
+  if (!curl) return curl.error();
+  ParsedURL parsed(curl.value());
+  if (!parsed.parse(url)) return urlError(URLErrorCode::BadURL);
 
-  URLAddress address{.scheme = partOf(parsed, CURLUPART_SCHEME),
-                     .host = partOf(parsed, CURLUPART_HOST),
-                     .lastPathComponent = lastComponentOf(partOf(parsed, CURLUPART_PATH, CURLU_URLDECODE))};
+  URLAddress address{.scheme = parsed.part(CURLUPART_SCHEME),
+                     .host = parsed.part(CURLUPART_HOST),
+                     .lastPathComponent = lastComponentOf(parsed.part(CURLUPART_PATH, CURLU_URLDECODE))};
   if (address.scheme != "http" && address.scheme != "https") return urlError(URLErrorCode::UnsupportedURL);
   return address;
 }

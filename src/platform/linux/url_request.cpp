@@ -1,30 +1,49 @@
 #include "platform/linux/url_request.h"
 
-#include <curl/curl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <utility>
 
+#include "platform/linux/curl_library.h"
 #include "platform/linux/url_errors.h"
 #include "platform/system_path.h"
 
 namespace karno::platform {
 namespace {
 
-struct FreeHandle {
-  void operator()(CURL* handle) const { ::curl_easy_cleanup(handle); }
-};
-using Handle = std::unique_ptr<CURL, FreeHandle>;
+// One transfer of libcurl.
+class Transfer {
+ public:
+  explicit Transfer(const CurlLibrary& curl) : curl_(curl), handle_(curl.easyInit(), curl.easyCleanup) {}
 
-Handle makeHandle() {
-  static std::once_flag started;
-  std::call_once(started, [] { ::curl_global_init(CURL_GLOBAL_DEFAULT); });
-  return Handle(::curl_easy_init());
-}
+  explicit operator bool() const { return handle_ != nullptr; }
+
+  template <class Value>
+  void set(CURLoption option, Value value) {
+    curl_.easySetOption(handle_.get(), option, value);
+  }
+
+  CURLcode perform() { return curl_.easyPerform(handle_.get()); }
+
+  long number(CURLINFO info) const {
+    long number = 0;
+    curl_.easyGetInfo(handle_.get(), info, &number);
+    return number;
+  }
+
+  std::optional<std::string> text(CURLINFO info) const {
+    const char* text = nullptr;
+    curl_.easyGetInfo(handle_.get(), info, &text);
+    return text == nullptr ? std::nullopt : std::optional<std::string>(text);
+  }
+
+ private:
+  const CurlLibrary& curl_;
+  const std::unique_ptr<CURL, decltype(CurlLibrary::easyCleanup)> handle_;
+};
 
 struct Body {
   std::string bytes;
@@ -44,39 +63,28 @@ std::size_t take(const char* bytes, std::size_t size, std::size_t count, void* d
   return length;
 }
 
-template <class Value>
-void set(const Handle& handle, CURLoption option, Value value) {
-  ::curl_easy_setopt(handle.get(), option, value);
-}
-
-void setWhatIsTrusted(const Handle& handle) {
+void setWhatIsTrusted(Transfer& transfer) {
   const std::string authorities = systemPath("/etc/ssl/cert.pem");
   if (::access(authorities.c_str(), F_OK) != 0) return;
-  set(handle, CURLOPT_CAINFO, authorities.c_str());
-  set(handle, CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+  transfer.set(CURLOPT_CAINFO, authorities.c_str());
+  transfer.set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
 }
 
-void setLimits(const Handle& handle, const URLLimits& limits) {
-  set(handle, CURLOPT_NOSIGNAL, 1L);  // a time-out by SIGALRM would hit any thread
-  set(handle, CURLOPT_CONNECTTIMEOUT, static_cast<long>(limits.connecting.count()));
-  set(handle, CURLOPT_LOW_SPEED_LIMIT, 1L);
-  set(handle, CURLOPT_LOW_SPEED_TIME, static_cast<long>(limits.silence.count()));
-  set(handle, CURLOPT_TIMEOUT, static_cast<long>(limits.request.count()));
+void setLimits(Transfer& transfer, const URLLimits& limits) {
+  transfer.set(CURLOPT_NOSIGNAL, 1L);  // a time-out by SIGALRM would hit any thread
+  transfer.set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(limits.connecting.count()));
+  transfer.set(CURLOPT_LOW_SPEED_LIMIT, 1L);
+  transfer.set(CURLOPT_LOW_SPEED_TIME, static_cast<long>(limits.silence.count()));
+  transfer.set(CURLOPT_TIMEOUT, static_cast<long>(limits.request.count()));
 }
 
-long numberOf(const Handle& handle, CURLINFO info) {
-  long number = 0;
-  ::curl_easy_getinfo(handle.get(), info, &number);
-  return number;
-}
-
-URLErrorCode codeOfFailedConnection(const Handle& handle) {
-  const long error = numberOf(handle, CURLINFO_OS_ERRNO);
+URLErrorCode codeOfFailedConnection(Transfer& transfer) {
+  const long error = transfer.number(CURLINFO_OS_ERRNO);
   const bool isOffline = error == ENETUNREACH || error == ENETDOWN;
   return isOffline ? URLErrorCode::NotConnectedToInternet : URLErrorCode::CannotConnectToHost;
 }
 
-URLErrorCode codeOf(CURLcode failure, const Handle& handle) {
+URLErrorCode codeOf(CURLcode failure, Transfer& transfer) {
   switch (failure) {
     case CURLE_URL_MALFORMAT:
       return URLErrorCode::BadURL;
@@ -84,7 +92,7 @@ URLErrorCode codeOf(CURLcode failure, const Handle& handle) {
     case CURLE_COULDNT_RESOLVE_HOST:
       return URLErrorCode::CannotFindHost;
     case CURLE_COULDNT_CONNECT:
-      return codeOfFailedConnection(handle);
+      return codeOfFailedConnection(transfer);
     case CURLE_OPERATION_TIMEDOUT:
       return URLErrorCode::TimedOut;
     case CURLE_GOT_NOTHING:
@@ -113,25 +121,25 @@ URLErrorCode codeOf(CURLcode failure, const Handle& handle) {
 
 Result<URLAnswer> requestURL(const std::string& url, const URLAddress& address, const std::string& userAgent,
                              const URLLimits& limits) {
-  const Handle handle = makeHandle();
-  if (handle == nullptr) return urlError(URLErrorCode::Unknown);
+  const Result<CurlLibrary>& curl = CurlLibrary::instance();
+  if (!curl) return curl.error();
+  Transfer transfer(curl.value());
+  if (!transfer) return urlError(URLErrorCode::Unknown);
   Body body{.bytes = {}, .bytesMax = limits.bodyBytesMax};
-  set(handle, CURLOPT_URL, url.c_str());
-  set(handle, CURLOPT_PROTOCOLS_STR, "http,https");
-  set(handle, CURLOPT_USERAGENT, userAgent.c_str());
-  set(handle, CURLOPT_WRITEFUNCTION, &take);
-  set(handle, CURLOPT_WRITEDATA, static_cast<void*>(&body));
-  setWhatIsTrusted(handle);
-  setLimits(handle, limits);
+  transfer.set(CURLOPT_URL, url.c_str());
+  transfer.set(CURLOPT_PROTOCOLS_STR, "http,https");
+  transfer.set(CURLOPT_USERAGENT, userAgent.c_str());
+  transfer.set(CURLOPT_WRITEFUNCTION, &take);
+  transfer.set(CURLOPT_WRITEDATA, static_cast<void*>(&body));
+  setWhatIsTrusted(transfer);
+  setLimits(transfer, limits);
 
-  const CURLcode failure = ::curl_easy_perform(handle.get());
-  if (failure != CURLE_OK) return urlError(codeOf(failure, handle), address.host);
+  const CURLcode failure = transfer.perform();
+  if (failure != CURLE_OK) return urlError(codeOf(failure, transfer), address.host);
   URLAnswer answer;
-  answer.status = numberOf(handle, CURLINFO_RESPONSE_CODE);
+  answer.status = transfer.number(CURLINFO_RESPONSE_CODE);
   answer.body = std::move(body.bytes);
-  const char* target = nullptr;
-  ::curl_easy_getinfo(handle.get(), CURLINFO_REDIRECT_URL, &target);
-  if (target != nullptr) answer.redirectTarget = target;
+  answer.redirectTarget = transfer.text(CURLINFO_REDIRECT_URL);
   return answer;
 }
 
