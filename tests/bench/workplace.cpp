@@ -110,6 +110,19 @@ void Workplace::remove() {
 
 const fs::path& Workplace::home() { return homeFolder(); }
 
+void Workplace::layOutMachine() {
+  static const bool isDone = [] {
+    const fs::path build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().parent_path();
+    const std::string command = std::string("'" KARNO_MAKE_MACHINE "' '") + machine().string() +
+                                "' --user bench --bundle '" + (build / "Karno.app").string() +
+                                "' --macos 14.5 --cpu arm64 --fuse 4.4.1";
+    if (std::system(command.c_str()) != 0) throw std::runtime_error("the machine cannot be laid out");
+    setenv("PATH", ((machine() / "usr/bin").string() + ":" + std::getenv("PATH")).c_str(), 1);
+    return true;
+  }();
+  static_cast<void>(isDone);
+}
+
 FileCounts& fileCounts() {
   static FileCounts counts;
   return counts;

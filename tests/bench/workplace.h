@@ -15,6 +15,13 @@ class Workplace {
 
   static const std::filesystem::path& home();
 
+  // The machine root.
+  static std::filesystem::path machine() { return home().parent_path().parent_path(); }
+
+  // Puts a Mac's commands and a macFUSE that is recent enough into the machine root, once; its commands come
+  // first on the search path from then on. Throws std::runtime_error.
+  static void layOutMachine();
+
  private:
   std::filesystem::path folder_;
 };
