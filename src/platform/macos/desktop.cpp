@@ -10,6 +10,11 @@ void prepareApplication() {}
 
 int runApplication(int argc, char** argv) { return NSApplicationMain(argc, const_cast<const char**>(argv)); }
 
+objc::Id applicationIcon() {
+  return objc::send(objc::send(objc::classNamed("NSApplication"), "sharedApplication"),
+                    "applicationIconImage");
+}
+
 objc::Id sharedWorkspace() { return objc::send(objc::classNamed("NSWorkspace"), "sharedWorkspace"); }
 
 }  // namespace karno::platform::cocoa
