@@ -1,8 +1,8 @@
-#include "platform/cocoa/alerts.h"
 #include "platform/cocoa/application.h"
 #include "platform/cocoa/objc.h"
 #include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
+#include "platform/linux/alerts.h"
 #include "platform/linux/bundles.h"
 #include "platform/linux/console_log.h"
 #include "platform/linux/dispatch.h"
@@ -29,7 +29,7 @@ namespace {
 // The services of this system, in the order in which they need one another.
 struct NativeServices {
   cocoa::CocoaApplication application;
-  cocoa::CocoaAlerts alerts;
+  LinuxAlerts alerts;
   cocoa::CocoaWindows windows;
   cocoa::CocoaPropertyLists propertyLists;
   LinuxDispatch dispatch;
