@@ -107,6 +107,13 @@ FakePlatform& FakePlatform::withFuseInformation(platform::Value value) {
   return *this;
 }
 
+FakePlatform& FakePlatform::withResource(const std::string& resource, const std::string& content) {
+  const std::string path = "/Applications/Karno.app/Contents/Resources/" + resource;
+  files.addFile(path, content);
+  bundles.main().resources[resource] = path;
+  return *this;
+}
+
 std::vector<Line> FakePlatform::log() const {
   std::vector<Line> result;
   for (const std::string& line : fullLogLines()) result.push_back(Line::parse(line));

@@ -92,6 +92,10 @@ class FakePlatform {
   FakePlatform& withFuse(const std::string& version);        // installs macFUSE, or another version of it
   FakePlatform& withFuseInformation(platform::Value value);  // any content of its information file
 
+  // A file in the bundle's resources, which is found by its name: "Strings.json", as the copy for the user's
+  // language, or "Base.lproj/Strings.json".
+  FakePlatform& withResource(const std::string& resource, const std::string& content);
+
   // The launcher's own suite.
   FakeUserDefaultsStore::Suite& settings() { return userDefaults.suite("it.vantul.karno"); }
 
