@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAreArray;
 
 constexpr const char* kFuseClient = "Karno(Fuse).app";
-constexpr const char* kQuitSoon = "1:user-selected-quit";
+constexpr const char* kEndSoon = "1:exit=0";
 constexpr const char* kInformation = "Library/Frameworks/macFUSE.framework/Resources/Info.plist";
 
 struct FuseSystem {
@@ -30,9 +30,7 @@ std::vector<std::string> optionsFor(const FuseSystem& system, const std::string&
           "--fuse", system.fuse, "--admin", "USE_FILE_PROVIDER=" + useFileProvider};
 }
 
-Messages endingMessages() {
-  return joined({quittingMessages(), clientEndedMessages("status:0, reason:1"), {kTerminating}});
-}
+Messages endingMessages() { return joined({clientEndedMessages("status:0, reason:1"), {kTerminating}}); }
 
 class FuseRow : public ::testing::TestWithParam<FuseSystem> {};
 
@@ -40,7 +38,7 @@ TEST_P(FuseRow, LetsTheFuseBuildStart) {
   const FuseSystem& system = GetParam();
   Machine machine(builtTools(), optionsFor(system));
 
-  machine.startWithScript(kQuitSoon);
+  machine.startWithScript(kEndSoon);
 
   EXPECT_EQ(machine.waitForEnd(), 0);
   EXPECT_THAT(machine.console(),
@@ -58,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(Intel, FuseRow, ::testing::Values(FuseSystem{"x86_64", 
 TEST(FuseCheck, StandsInForAFileProviderThatTheSystemIsTooOldFor) {
   Machine machine(builtTools(), optionsFor({"arm64", "12.2", "4.0.4"}, "YES"));
 
-  machine.startWithScript(kQuitSoon);
+  machine.startWithScript(kEndSoon);
 
   EXPECT_EQ(machine.waitForEnd(), 0);
   EXPECT_THAT(
@@ -90,7 +88,7 @@ TEST(FuseCheck, ReadsABinaryPropertyList) {
       std::string("\x08\x0B\x1D\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x24", 35);
   writeFile(machine.root() / kInformation, list);
 
-  machine.startWithScript(kQuitSoon);
+  machine.startWithScript(kEndSoon);
 
   EXPECT_EQ(machine.waitForEnd(), 0);
   EXPECT_THAT(
@@ -214,7 +212,7 @@ TEST(FuseCheck, FindsTheVersionAfterTenMegabytesOfOtherLines) {
       machine, "sw_vers",
       "#!/bin/sh\nyes 'Some: thing: else' | head -c 10485760\nprintf '\\nProductVersion:\\t\\t14.5\\n'\n");
 
-  machine.startWithScript(kQuitSoon);
+  machine.startWithScript(kEndSoon);
 
   EXPECT_EQ(machine.waitForEnd(), 0);
   EXPECT_THAT(
