@@ -61,8 +61,9 @@ class Text {
   virtual std::string uppercase(std::string_view text) const = 0;
 
   // Below, equal to or above zero as `a` comes before, with or after `b`: from the left, a run of decimal
-  // digits against a run of digits by numeric value, any other character by its value; when all before was
-  // equal, the shorter text is the smaller, so "13.0" comes before "13.0.0".
+  // digits against a run of digits by numeric value ("01" is 1), any other character by its value and bytes
+  // that are not UTF-8 by theirs; when all before was equal, the text that ends first is the smaller, so
+  // "13.0" comes before "13.0.0".
   virtual int compareNumerically(std::string_view a, std::string_view b) const = 0;
 
   // The error says what is wrong with the pattern.

@@ -7,7 +7,7 @@
 namespace karno::platform {
 
 struct RunningApplication {
-  std::int32_t processIdentifier = 0;
+  std::int32_t processIdentifier = 0;  // -1 when its process has ended
   std::optional<std::string> bundleIdentifier;
 };
 
@@ -22,7 +22,8 @@ class Workspace {
   // told.
   virtual void openURL(const std::string& url) = 0;
 
-  // The applications that run now and were started from a bundle with that identifier. Any thread.
+  // The applications that run now and were started from a bundle with that identifier. Any thread; meant to
+  // be asked several times a second.
   virtual std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) = 0;
 };
 

@@ -7,6 +7,7 @@ namespace karno::platform::cocoa {
 class CocoaWorkspace : public Workspace {
  public:
   void selectFile(const std::string& path, const std::string& rootFolder) final;
+  std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) final;
 };
 
 }  // namespace karno::platform::cocoa
