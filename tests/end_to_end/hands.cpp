@@ -30,12 +30,20 @@ std::string exactPattern(const std::string& title) {
 
 std::optional<WindowOnScreen> findWindow(const Machine& machine, const std::string& title,
                                          std::chrono::seconds limit) {
+  return findNextWindow(machine, title, WindowOnScreen{}, limit);
+}
+
+std::optional<WindowOnScreen> findNextWindow(const Machine& machine, const std::string& title,
+                                             const WindowOnScreen& before, std::chrono::seconds limit) {
   WindowOnScreen window;
   const bool found = machine.waitUntil(
       [&] {
         const auto search = machine.in({"xdotool", "search", "--onlyvisible", "--name", exactPattern(title)});
-        std::istringstream(search.output) >> window.identifier;
-        return search.status == 0;
+        std::istringstream identifiers(search.output);
+        while (identifiers >> window.identifier) {
+          if (search.status == 0 && window.identifier != before.identifier) return true;
+        }
+        return false;
       },
       limit);
   if (!found) return std::nullopt;
