@@ -39,7 +39,9 @@ FakePlatform::FakePlatform(std::optional<std::uint64_t> ofSeed)
                 .updater = updater,
                 .shell = shell,
                 .urlLoading = network,
-                .identifiers = identifiers} {
+                .identifiers = identifiers,
+                .processList = processList,
+                .fileReading = fileReading} {
   scheduler.setExceptionHandler([this](std::string_view what) {
     consoleLog.log("A block threw: " + std::string(what));
     ADD_FAILURE() << "a block on the thread " << scheduler.currentThreadName() << " threw: " << what;

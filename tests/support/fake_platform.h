@@ -12,8 +12,10 @@
 #include "fake_console_log.h"
 #include "fake_dispatch.h"
 #include "fake_distributed_notifications.h"
+#include "fake_file_reading.h"
 #include "fake_files.h"
 #include "fake_managed_preferences.h"
+#include "fake_process_list.h"
 #include "fake_processes.h"
 #include "fake_property_lists.h"
 #include "fake_scheduler.h"
@@ -134,6 +136,8 @@ class FakePlatform {
   FakeShell shell{scheduler};
   FakeURLLoading network{scheduler};
   FakeIdentifiers identifiers;
+  FakeProcessList processList;
+  FakeFileReading fileReading{files};
 
  private:
   platform::Platform platform_;
