@@ -16,14 +16,15 @@ class Queue {
   virtual void async(Block block) = 0;
 };
 
-// Counts work that somebody waits for. Safe from any thread.
+// Counts work that somebody waits for. Safe from any thread. Each leave() belongs to an enter() before it.
 class DispatchGroup {
  public:
   virtual ~DispatchGroup() = default;
   virtual void enter() = 0;
   virtual void leave() = 0;
 
-  // Waits until as many have left as have entered, at most that long. False when the time ran out first.
+  // Waits until as many have left as have entered, at most that long; a time of zero or less only looks.
+  // False when the time ran out first.
   virtual bool wait(std::int64_t nanoseconds) = 0;
 };
 
@@ -46,6 +47,7 @@ class Dispatch {
   // A new serial queue. It lives until its last block has run, also when the caller lets go of it earlier.
   virtual std::shared_ptr<Queue> makeSerialQueue(std::string label) = 0;
 
+  // A new, empty group.
   virtual std::shared_ptr<DispatchGroup> makeGroup() = 0;
 
   // Suspends the calling thread.

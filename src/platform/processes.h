@@ -9,7 +9,7 @@ namespace karno::platform {
 // What waiting for a child came to.
 struct WaitResult {
   std::int32_t result = 0;  // what waitpid() returned
-  int error = 0;            // errno right after it
+  int error = 0;            // errno right after it when it returned -1
 };
 
 // What the kernel knows about processes. Safe from any thread.
@@ -26,11 +26,13 @@ class Processes {
   // The kernel's short name of a process; empty when there is no such process or it may not be asked.
   virtual std::string name(std::int32_t processIdentifier) const = 0;
 
-  // Sends the termination signal. 0, or the errno value of the failure.
+  // Sends the termination signal. 0, or the errno value of the failure: ESRCH when there is no such process
+  // or the identifier is not positive, EPERM when it may not be signalled.
   virtual int terminate(std::int32_t processIdentifier) = 0;
 
   // waitpid() without options: blocks until the child has ended and reaps it. A child of Tasks that ends
-  // while this waits is reaped here; its termination handler runs all the same.
+  // while this waits is reaped here; its termination handler runs all the same. ECHILD at once when there is
+  // no such child, it was reaped already or the identifier is not positive; interruptions are not reported.
   virtual WaitResult waitForChild(std::int32_t processIdentifier) = 0;
 };
 

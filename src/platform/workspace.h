@@ -7,7 +7,7 @@
 namespace karno::platform {
 
 struct RunningApplication {
-  std::int32_t processIdentifier = 0;
+  std::int32_t processIdentifier = 0;  // -1 when its process has ended
   std::optional<std::string> bundleIdentifier;
 };
 
@@ -18,7 +18,8 @@ class Workspace {
   // Shows the file in the file viewer, with the viewer rooted at that folder. Main thread only.
   virtual void selectFile(const std::string& path, const std::string& rootFolder) = 0;
 
-  // The applications that run now and were started from a bundle with that identifier. Any thread.
+  // The applications that run now and were started from a bundle with that identifier. Any thread; meant to
+  // be asked several times a second.
   virtual std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) = 0;
 };
 

@@ -116,6 +116,9 @@ inline constexpr Message kMessages[] = {
     {"GSServicesManager", '-', "registerAsServiceProvider", Where::GNUstepOnly},
     {"NSWorkspace", '+', "sharedWorkspace"},
     {"NSWorkspace", '-', "selectFile:inFileViewerRootedAtPath:"},
+    {"NSRunningApplication", '+', "runningApplicationsWithBundleIdentifier:", Where::Everywhere, {10, 6}},
+    {"NSRunningApplication", '-', "bundleIdentifier", Where::Everywhere, {10, 6}},
+    {"NSRunningApplication", '-', "processIdentifier", Where::Everywhere, {10, 6}},
 
     {"NSAlert", '-', "setAlertStyle:"},
     {"NSAlert", '-', "setMessageText:"},

@@ -2,6 +2,7 @@
 
 #include "platform/cocoa/desktop.h"
 #include "platform/cocoa/guarded.h"
+#include "platform/cocoa/running_applications.h"
 #include "platform/cocoa/strings.h"
 
 namespace karno::platform::cocoa {
@@ -12,6 +13,10 @@ void CocoaWorkspace::selectFile(const std::string& path, const std::string& root
     objc::send<bool>(sharedWorkspace(), "selectFile:inFileViewerRootedAtPath:", objc::string(path),
                      objc::string(rootFolder));
   });
+}
+
+std::vector<RunningApplication> CocoaWorkspace::runningApplications(const std::string& bundleIdentifier) {
+  return runningApplicationsWithIdentifier(bundleIdentifier);
 }
 
 }  // namespace karno::platform::cocoa

@@ -7,6 +7,7 @@ namespace karno::platform::cocoa {
 class CocoaWorkspace final : public Workspace {
  public:
   void selectFile(const std::string& path, const std::string& rootFolder) override;
+  std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) override;
 };
 
 }  // namespace karno::platform::cocoa

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/cocoa/threads.h"
+#include "platform/linux/counting_group.h"
 #include "platform/linux/serial_queue.h"
 
 namespace karno::platform {
@@ -47,6 +48,8 @@ Queue& LinuxDispatch::globalQueue(QueuePriority priority) {
 std::shared_ptr<Queue> LinuxDispatch::makeSerialQueue(std::string label) {
   return std::make_shared<SerialQueue>(pool_, std::move(label));
 }
+
+std::shared_ptr<DispatchGroup> LinuxDispatch::makeGroup() { return std::make_shared<CountingGroup>(); }
 
 void LinuxDispatch::sleep(double seconds) {
   if (!(seconds > 0)) return;

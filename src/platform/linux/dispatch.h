@@ -13,6 +13,7 @@ class LinuxDispatch final : public Dispatch {
   Queue& mainOperationQueue() override { return mainQueue_; }
   Queue& globalQueue(QueuePriority priority) override;
   std::shared_ptr<Queue> makeSerialQueue(std::string label) override;
+  std::shared_ptr<DispatchGroup> makeGroup() override;
   void sleep(double seconds) override;
   bool isMainThread() const override;
 

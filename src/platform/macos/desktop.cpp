@@ -1,4 +1,6 @@
 #include "platform/cocoa/desktop.h"
+#include "platform/cocoa/running_applications.h"
+#include "platform/macos/running_applications.h"
 
 extern "C" int NSApplicationMain(int argc, const char** argv);
 
@@ -11,5 +13,9 @@ void prepareApplication() {}
 int runApplication(int argc, char** argv) { return NSApplicationMain(argc, const_cast<const char**>(argv)); }
 
 objc::Id sharedWorkspace() { return objc::send(objc::classNamed("NSWorkspace"), "sharedWorkspace"); }
+
+std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::string& bundleIdentifier) {
+  return runningApplicationsOfAppKit(bundleIdentifier);
+}
 
 }  // namespace karno::platform::cocoa

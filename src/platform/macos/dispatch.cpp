@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/cocoa/threads.h"
+#include "platform/macos/gcd_group.h"
 #include "platform/posix/run_block.h"
 
 namespace karno::platform {
@@ -71,6 +72,8 @@ Queue& MacDispatch::globalQueue(QueuePriority priority) {
 std::shared_ptr<Queue> MacDispatch::makeSerialQueue(std::string label) {
   return std::make_shared<GCDSerialQueue>(std::move(label));
 }
+
+std::shared_ptr<DispatchGroup> MacDispatch::makeGroup() { return std::make_shared<GCDGroup>(); }
 
 void MacDispatch::sleep(double seconds) {
   if (!(seconds > 0)) return;

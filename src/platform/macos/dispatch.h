@@ -25,6 +25,7 @@ class MacDispatch final : public Dispatch {
   Queue& mainOperationQueue() override { return mainOperationQueue_; }
   Queue& globalQueue(QueuePriority priority) override;
   std::shared_ptr<Queue> makeSerialQueue(std::string label) override;
+  std::shared_ptr<DispatchGroup> makeGroup() override;
   void sleep(double seconds) override;
   bool isMainThread() const override;
 

@@ -1,7 +1,11 @@
 #include "platform/posix/processes.h"
 
+#include <signal.h>
 #include <unistd.h>
 
+#include <cerrno>
+
+#include "platform/posix/child_registry.h"
 #include "platform/posix/system_differences.h"
 
 namespace karno::platform {
@@ -14,6 +18,18 @@ std::vector<std::string> PosixProcesses::arguments() const { return programArgum
 
 std::string PosixProcesses::name(std::int32_t processIdentifier) const {
   return processIdentifier < 1 ? std::string() : shortNameOfProcess(processIdentifier);
+}
+
+int PosixProcesses::terminate(std::int32_t processIdentifier) {
+  // To kill() these are process groups, or every process of the user.
+  if (processIdentifier < 1) return ESRCH;
+  return ::kill(processIdentifier, SIGTERM) == 0 ? 0 : errno;
+}
+
+WaitResult PosixProcesses::waitForChild(std::int32_t processIdentifier) {
+  // To waitpid() these are any child, whose end would be taken from its watcher.
+  if (processIdentifier < 1) return {.result = -1, .error = ECHILD};
+  return waitpidRegistered(processIdentifier);
 }
 
 }  // namespace karno::platform

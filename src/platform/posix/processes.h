@@ -9,6 +9,8 @@ class PosixProcesses final : public Processes {
   std::int32_t parentProcessIdentifier() const override;
   std::vector<std::string> arguments() const override;
   std::string name(std::int32_t processIdentifier) const override;
+  int terminate(std::int32_t processIdentifier) override;
+  WaitResult waitForChild(std::int32_t processIdentifier) override;
 };
 
 }  // namespace karno::platform

@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace karno::test {
 
@@ -38,6 +39,10 @@ class TemporaryFolder {
  private:
   std::string path_;
 };
+
+inline void waitForFile(const std::string& path) {
+  while (!std::filesystem::exists(path)) std::this_thread::yield();
+}
 
 inline std::string contentOf(const std::string& path) {
   std::ostringstream content;

@@ -1,0 +1,13 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "platform/workspace.h"
+
+namespace karno::platform::cocoa {
+
+// The running applications from bundles with that identifier. AppKit knows them only on a Mac: GNUstep gui
+// 0.29 has the messages and answers nil. Any thread.
+std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::string& bundleIdentifier);
+
+}  // namespace karno::platform::cocoa

@@ -1,0 +1,99 @@
+#include "platform/cocoa/running_applications.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "platform/cocoa/property_lists.h"
+#include "platform/linux/property_list_file.h"
+
+namespace karno::platform::cocoa {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kDeletedSuffix = " (deleted)";  // as the kernel writes it, see proc(5)
+
+std::optional<std::int32_t> processIdentifierOf(const fs::path& entry) {
+  const std::string name = entry.filename().string();
+  std::int32_t number = 0;
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+  if (error != std::errc() || end != name.data() + name.size()) return std::nullopt;
+  return number;
+}
+
+bool belongsToThisUser(const fs::path& process) {
+  struct stat status = {};
+  return ::stat(process.c_str(), &status) == 0 && status.st_uid == ::geteuid();
+}
+
+// Absent for kernel threads, for zombies and for a process that has gone meanwhile, which have no link to
+// follow, and for a file that was removed since.
+std::optional<std::string> executableOf(const fs::path& process) {
+  std::error_code error;
+  std::string path = fs::read_symlink(process / "exe", error).string();
+  if (error) return std::nullopt;
+  if (path.ends_with(kDeletedSuffix) && !fs::exists(path, error)) return std::nullopt;
+  return path;
+}
+
+// The bundle of an executable in X.app/Contents/MacOS.
+std::optional<std::string> bundleOf(const std::string& executable) {
+  const fs::path programs = fs::path(executable).parent_path();
+  const fs::path contents = programs.parent_path();
+  const fs::path bundle = contents.parent_path();
+  if (programs.filename() != "MacOS" || contents.filename() != "Contents" || bundle.extension() != ".app") {
+    return std::nullopt;
+  }
+  return bundle.string();
+}
+
+// The identifiers of bundles, each Info.plist read once.
+class Identifiers {
+ public:
+  const std::optional<std::string>& of(const std::string& bundle) {
+    const auto known = known_.find(bundle);
+    if (known != known_.end()) return known->second;
+    return known_.emplace(bundle, read(bundle)).first->second;
+  }
+
+ private:
+  std::optional<std::string> read(const std::string& bundle) const {
+    const Result<Value::Dictionary> info = readDictionary(propertyLists_, bundle + "/Contents/Info.plist");
+    if (!info) return std::nullopt;
+    const auto entry = info.value().find("CFBundleIdentifier");
+    if (entry == info.value().end()) return std::nullopt;
+    const auto* identifier = entry->second.get<std::string>();
+    return identifier == nullptr ? std::nullopt : std::optional(*identifier);
+  }
+
+  const CocoaPropertyLists propertyLists_;
+  std::map<std::string, std::optional<std::string>> known_;
+};
+
+}  // namespace
+
+std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::string& bundleIdentifier) {
+  std::vector<RunningApplication> found;
+  Identifiers identifiers;
+  std::error_code error;
+  for (fs::directory_iterator entry("/proc", error); !error && entry != fs::directory_iterator();
+       entry.increment(error)) {
+    const std::optional<std::int32_t> process = processIdentifierOf(entry->path());
+    if (!process || !belongsToThisUser(entry->path())) continue;
+    const std::optional<std::string> executable = executableOf(entry->path());
+    const std::optional<std::string> bundle = executable ? bundleOf(*executable) : std::nullopt;
+    if (!bundle || identifiers.of(*bundle) != bundleIdentifier) continue;
+    found.push_back({.processIdentifier = *process, .bundleIdentifier = bundleIdentifier});
+  }
+  return found;
+}
+
+}  // namespace karno::platform::cocoa
