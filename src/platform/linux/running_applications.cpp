@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -13,6 +15,7 @@
 
 #include "platform/cocoa/property_lists.h"
 #include "platform/linux/property_list_file.h"
+#include "platform/posix/whole_file.h"
 
 namespace karno::platform::cocoa {
 namespace {
@@ -32,6 +35,24 @@ std::optional<std::int32_t> processIdentifierOf(const fs::path& entry) {
 bool belongsToThisUser(const fs::path& process) {
   struct stat status = {};
   return ::stat(process.c_str(), &status) == 0 && status.st_uid == ::geteuid();
+}
+
+std::string_view machineIn(std::string_view environment) {
+  constexpr std::string_view kVariable = "KARNO_MACHINE_ROOT=";
+  while (!environment.empty()) {
+    const std::string_view entry = environment.substr(0, environment.find('\0'));
+    if (entry.starts_with(kVariable)) return entry.substr(kVariable.size());
+    environment.remove_prefix(std::min(entry.size() + 1, environment.size()));
+  }
+  return {};
+}
+
+// Machines side by side on one computer know nothing of each other. What is started in one inherits the
+// variable that names its root.
+bool belongsToThisMachine(const fs::path& process) {
+  const Result<WholeFile> environment = readWholeFile(process / "environ");
+  const char* const own = std::getenv("KARNO_MACHINE_ROOT");
+  return environment && machineIn(environment.value().bytes) == (own == nullptr ? "" : own);
 }
 
 // Absent for kernel threads, for zombies and for a process that has gone meanwhile, which have no link to
@@ -91,6 +112,7 @@ std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::str
     const std::optional<std::string> executable = executableOf(entry->path());
     const std::optional<std::string> bundle = executable ? bundleOf(*executable) : std::nullopt;
     if (!bundle || identifiers.of(*bundle) != bundleIdentifier) continue;
+    if (!belongsToThisMachine(entry->path())) continue;
     found.push_back({.processIdentifier = *process, .bundleIdentifier = bundleIdentifier});
   }
   return found;

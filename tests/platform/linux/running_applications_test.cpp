@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../support/bundle_program.h"
+#include "../support/scoped_environment.h"
 #include "../support/started_task.h"
 #include "../support/temporary_folder.h"
 #include "platform/platform.h"
@@ -17,6 +18,7 @@ namespace karno::platform::cocoa {
 namespace {
 
 using test::makeSleepingBundle;
+using test::ScopedEnvironment;
 using test::SleepingProcess;
 using test::StartedTask;
 using test::TemporaryFolder;
@@ -65,6 +67,21 @@ TEST(RunningApplications, InsideAnotherBundleBelongToTheInnerOne) {
 
   EXPECT_THAT(processesOf("test.vantul.Inner"), ElementsAre(process.identifier()));
   EXPECT_THAT(processesOf("test.vantul.Outer"), IsEmpty());
+}
+
+TEST(RunningApplications, AreThoseOfTheOwnMachine) {
+  const TemporaryFolder folder;
+  const std::string executable = makeSleepingBundle(folder, "Karno", "test.vantul.Machine");
+  const ScopedEnvironment root("KARNO_MACHINE_ROOT", "/srv/first");
+  const SleepingProcess own(executable);
+  root.set("/srv/second");
+  const SleepingProcess neighbours(executable);
+  root.set(std::nullopt);
+  const SleepingProcess nobodys(executable);
+
+  EXPECT_THAT(processesOf("test.vantul.Machine"), ElementsAre(nobodys.identifier()));
+  root.set("/srv/first");
+  EXPECT_THAT(processesOf("test.vantul.Machine"), ElementsAre(own.identifier()));
 }
 
 TEST(RunningApplications, EndWithTheirProcess) {
