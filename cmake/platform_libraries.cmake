@@ -11,5 +11,5 @@ else()
   # Classes are looked up by name at run time, so nothing refers to the libraries when the program is linked.
   target_link_libraries(karno_platform PUBLIC
     -Wl,--no-as-needed gnustep-gui gnustep-base ${KARNO_OBJC_LIBRARY} -Wl,--as-needed
-    SDBusCpp::sdbus-c++ ICU::i18n ICU::uc Threads::Threads)
+    SDBusCpp::sdbus-c++ CURL::libcurl ICU::i18n ICU::uc Threads::Threads)
 endif()

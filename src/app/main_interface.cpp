@@ -12,6 +12,16 @@ struct Interface {
   std::shared_ptr<AppDelegate> delegate;
 };
 
+void connectButtons(const std::shared_ptr<MainWindow>& mainWindow) {
+  const std::weak_ptr<MainWindow> weak = mainWindow;
+  mainWindow->continueButton().setAction([weak] {
+    if (const auto self = weak.lock()) self->continueToInstallFusePressed();
+  });
+  mainWindow->cancelButton().setAction([weak] {
+    if (const auto self = weak.lock()) self->cancelInstallFusePressed();
+  });
+}
+
 }  // namespace
 
 std::shared_ptr<platform::ApplicationDelegate> loadMainInterface() {
@@ -19,6 +29,7 @@ std::shared_ptr<platform::ApplicationDelegate> loadMainInterface() {
       .mainWindow = std::make_shared<MainWindow>(platform::host().windows.promptWindow()),
       .delegate = std::make_shared<AppDelegate>(),
   });
+  connectButtons(objects->mainWindow);
   objects->delegate->setMainWindow(objects->mainWindow);
   return {objects, objects->delegate.get()};
 }

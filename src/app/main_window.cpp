@@ -57,11 +57,35 @@ void MainWindow::startupAppShouldTerminate(StartupManager&) {
   AppDelegate::terminateWithReason("App should terminate");
 }
 
-// The prompt that leads to the macFUSE web site is not built yet, so the start ends as if it had been
-// refused.
-void MainWindow::startUpNeedsToInstallFuse(StartupManager& manager, bool) {
+void MainWindow::startUpNeedsToInstallFuse(StartupManager&, bool isUpgrade) {
   KarnoLog::manager().logInfo("Main: Need to install Fuse");
-  startUpDidFailToSetupSystem(manager);
+  platform::host().dispatch.mainOperationQueue().async(
+      [self = shared_from_this(), isUpgrade] { self->showInstallFuseWindowWithUpgrading(isUpgrade); });
+}
+
+void MainWindow::showInstallFuseWindowWithUpgrading(bool upgrading) {
+  continueButton().setTitle(KarnoLocalise::localise("CONTINUE"));
+  cancelButton().setTitle(KarnoLocalise::localise("CANCEL"));
+  continueMessage().setStringValue(KarnoLocalise::localise("MESSAGE_FUSE_INSTALL_CONTINUE_TO_SITE"));
+  fuseMessage().setStringValue(
+      KarnoLocalise::localise(upgrading ? "MESSAGE_FUSE_UPGRADE_REQUIRED" : "MESSAGE_FUSE_INSTALL_REQUIRED"));
+  unregisterNotifications();
+  registerNotifications();
+  window_.makeKeyAndOrderFront();
+  platform::host().application.activateIgnoringOtherApps();
+}
+
+void MainWindow::continueToInstallFusePressed() {
+  KarnoLog::manager().logInfo("Main: User pressed continue to install Fuse");
+  window_.close();
+  StartupManager::instance().fuseNeedsInstalling();
+}
+
+void MainWindow::cancelInstallFusePressed() {
+  KarnoLog::manager().logInfo("Main: User pressed cancel - not installing Fuse");
+  window_.close();
+  KarnoSparkleManager::instance().resetSparkle();
+  AppDelegate::terminateWithReason("User cancelled install of Fuse");
 }
 
 void MainWindow::startUpDidFailToSetupSystem(StartupManager& manager) {

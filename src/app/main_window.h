@@ -22,6 +22,18 @@ class MainWindow : public StartupInterface, public std::enable_shared_from_this<
   // Closing the window neither quits the launcher nor answers a prompt.
   void onWindowClosed();
 
+  // The actions of the two buttons.
+  void continueToInstallFusePressed();
+  void cancelInstallFusePressed();
+
+  // Fills the prompt that leads to the macFUSE web site and brings it in front of everything.
+  void showInstallFuseWindowWithUpgrading(bool upgrading);
+
+  platform::TextLabel& fuseMessage() const { return window_.fuseMessage(); }
+  platform::TextLabel& continueMessage() const { return window_.continueMessage(); }
+  platform::PushButton& cancelButton() const { return window_.cancelButton(); }
+  platform::PushButton& continueButton() const { return window_.continueButton(); }
+
   void startUpDidCheckSystemSuccessfully(StartupManager& manager) override;
   void startUpDidLaunchKarnoSuccessfully(StartupManager& manager) override;
   void startupAppShouldTerminate(StartupManager& manager) override;

@@ -8,8 +8,9 @@
 namespace karno {
 
 StartupManager& StartupManager::instance() {
-  static platform::NeverDestroyed<StartupManager> manager;
-  return *manager;
+  static platform::NeverDestroyed<std::shared_ptr<StartupManager>> manager(
+      std::make_shared<StartupManager>());
+  return **manager;
 }
 
 // A File Provider choice on a system that is too old only brings in the FUSE check; the build that was chosen
@@ -27,15 +28,10 @@ void StartupManager::checkSystem() {
   }
   log.logInfo("Startup[CHECK] Checking system for Fuse...");
   platform::host().dispatch.globalQueue(platform::QueuePriority::Default).async([this] {
-    checkSystemForFuse();
+    FuseManager& fuse = FuseManager::instance();
+    fuse.setDelegate(weak_from_this());
+    fuse.checkSystemMeetsRequirements();
   });
-}
-
-// Whether macFUSE is fit cannot be told yet, so the start ends here instead of launching into a missing file
-// system.
-void StartupManager::checkSystemForFuse() {
-  KarnoLog::manager().logError("Startup[FUSE] This version of the launcher cannot check macFUSE");
-  if (const auto target = delegate()) target->startUpDidFailToSetupSystem(*this);
 }
 
 }  // namespace karno

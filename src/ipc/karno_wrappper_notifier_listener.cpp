@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <functional>
 
 #include "app/app_delegate.h"
 #include "app/startup_manager.h"
@@ -24,10 +26,6 @@ std::optional<Value> valueUnder(std::string_view key, const Value::Dictionary& u
   return entry == userInfo.end() ? std::nullopt : std::optional(entry->second);
 }
 
-bool isWrapperMessage(std::string_view message) {
-  return std::find(kWrapperMessages.begin(), kWrapperMessages.end(), message) != kWrapperMessages.end();
-}
-
 bool updateInProgress() { return KarnoSparkleManager::instance().isUpdateInProgress(); }
 
 void appIsTerminating() {
@@ -47,13 +45,48 @@ void appIsTerminatingAbnormally(const Value::Dictionary& userInfo) {
       valueUnder(kWrapperReasonKey, userInfo));
 }
 
+void appNeedsRestart() {
+  if (updateInProgress()) {
+    KarnoLog::manager().logInfo("Notify[LISTEN] Upgrade in progress - Not restarting Karno.app.");
+    return;
+  }
+  KarnoLog::manager().logInfo("Notify[LISTEN] Restarting Karno.app.");
+  StartupManager::instance().restartKarno();
+}
+
+void checkForUpdates() {
+  platform::host().application.activateIgnoringOtherApps();
+  KarnoSparkleManager::instance().checkForUpdates();
+}
+
+using Action = std::function<void(const Value::Dictionary& userInfo)>;
+
+// What each message makes the launcher do, in the order of kWrapperMessages. Only the messages by which the
+// embedded application goes away ask whether an update is the reason.
+const std::array<Action, kWrapperMessages.size()>& actions() {
+  static platform::NeverDestroyed<const std::array<Action, kWrapperMessages.size()>> table(
+      std::array<Action, kWrapperMessages.size()>{
+          [](const auto&) { checkForUpdates(); },
+          [](const auto&) { KarnoSparkleManager::instance().setCheckForUpdatesAutomatically(true); },
+          [](const auto&) { KarnoSparkleManager::instance().setCheckForUpdatesAutomatically(false); },
+          [](const auto&) { AppDelegate::terminateWithReason("User selected quit"); },
+          [](const auto&) { appIsTerminating(); },
+          appIsTerminatingAbnormally,
+          [](const auto&) { appNeedsRestart(); },
+          [](const auto&) { StartupManager::instance().restartWrapperForFuse(); },
+          [](const auto&) { StartupManager::instance().restartWrapperForFileProvider(); },
+          [](const auto&) { StartupManager::instance().restartWrapper(); },
+      });
+  return *table;
+}
+
 void askWhetherToRestart() {
   const long answer = platform::host().alerts.runModal({
       .style = platform::AlertStyle::Critical,
       .messageText = KarnoLocalise::localise("WHOOPS"),
       .informativeText = KarnoLocalise::localise("ERROR_FATAL"),
       .buttons = {{.title = KarnoLocalise::localise("YES"), .keyEquivalent = ""},
-                  {.title = KarnoLocalise::localise("NO"), .keyEquivalent = ""}},
+                  {.title = KarnoLocalise::localise("NO"), .keyEquivalent = "\033"}},
   });
   if (answer == platform::kAlertFirstButtonReturn) {
     KarnoLog::manager().logInfo(
@@ -90,18 +123,14 @@ void KarnoWrappperNotifierListener::receivedNotification(
   log.logInfo(fmt::format("Notify[LISTEN] Received '{}'", descriptionOrNull(message)));
 
   const std::string* const text = message ? message->get<std::string>() : nullptr;
-  if (text != nullptr && *text == kUserSelectedQuit) {
-    AppDelegate::terminateWithReason("User selected quit");
-  } else if (text != nullptr && *text == kAppIsTerminating) {
-    appIsTerminating();
-  } else if (text != nullptr && *text == kAppIsTerminatingAbnormally) {
-    appIsTerminatingAbnormally(notification.userInfo);
-  } else if (text != nullptr && isWrapperMessage(*text)) {
-    log.logWarn(fmt::format("Notify[LISTEN] This version of the launcher cannot act on '{}'", *text));
-  } else {
+  const auto known = std::find_if(kWrapperMessages.begin(), kWrapperMessages.end(),
+                                  [&](std::string_view one) { return text != nullptr && *text == one; });
+  if (known == kWrapperMessages.end()) {
     log.logWarn(
         fmt::format("Notify[LISTEN] Received an unknown notification '{}'", descriptionOrNull(message)));
+    return;
   }
+  actions().at(static_cast<std::size_t>(known - kWrapperMessages.begin()))(notification.userInfo);
 }
 
 void KarnoWrappperNotifierListener::processAbnormalTermination(const std::optional<Value>& reason) {

@@ -11,6 +11,7 @@ namespace karno::platform {
 
 inline constexpr std::string_view kPOSIXErrorDomain = "NSPOSIXErrorDomain";
 inline constexpr std::string_view kCocoaErrorDomain = "NSCocoaErrorDomain";
+inline constexpr std::string_view kURLErrorDomain = "NSURLErrorDomain";
 inline constexpr std::string_view kLocalizedDescriptionKey = "NSLocalizedDescription";
 
 // What went wrong: a domain, a code that means something in it, and texts for people. A value type;

@@ -40,6 +40,9 @@ class Files {
   virtual std::vector<std::string> searchPath(UserFolder folder) const = 0;
   virtual std::string homeDirectory() const = 0;
 
+  // The Library folders of the whole machine, most important first.
+  virtual std::vector<std::string> localLibraryFolders() const = 0;
+
   virtual bool fileExists(const std::string& path) const = 0;
   virtual std::optional<std::uint64_t> sizeInBytes(const std::string& path) const = 0;
   virtual Result<std::string> read(const std::string& path) const = 0;

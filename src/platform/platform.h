@@ -7,13 +7,16 @@
 #include "platform/dispatch.h"
 #include "platform/distributed_notifications.h"
 #include "platform/files.h"
+#include "platform/identifiers.h"
 #include "platform/managed_preferences.h"
 #include "platform/processes.h"
 #include "platform/property_lists.h"
+#include "platform/shell.h"
 #include "platform/system_version.h"
 #include "platform/tasks.h"
 #include "platform/text.h"
 #include "platform/updater.h"
+#include "platform/url_loading.h"
 #include "platform/user_defaults.h"
 #include "platform/windows.h"
 #include "platform/workspace.h"
@@ -40,6 +43,9 @@ struct Platform {
   ConsoleLog& consoleLog;
   SystemVersion& systemVersion;
   Updater& updater;
+  Shell& shell;
+  URLLoading& urlLoading;
+  Identifiers& identifiers;
 };
 
 // The one Platform of this process. Valid from install() on.

@@ -18,6 +18,10 @@ class Workspace {
   // Shows the file in the file viewer, with the viewer rooted at that folder. Main thread only.
   virtual void selectFile(const std::string& path, const std::string& rootFolder) = 0;
 
+  // Opens the URL in the user's web browser. Any thread; returns without waiting for it. A failure is not
+  // told.
+  virtual void openURL(const std::string& url) = 0;
+
   // The applications that run now and were started from a bundle with that identifier. Any thread; meant to
   // be asked several times a second.
   virtual std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) = 0;

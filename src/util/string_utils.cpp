@@ -15,6 +15,12 @@ namespace {
 constexpr std::string_view kUrlPathAllowed =
     "!$&'()*+,-./0123456789:=@ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz~";
 
+bool isWhitespaceOrNewline(char32_t c) {
+  return (c >= 0x09 && c <= 0x0D) || c == 0x20 || c == 0x85 || c == 0xA0 || c == 0x1680 ||
+         (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F ||
+         c == 0x3000;
+}
+
 std::string withCollapsedSlashes(std::string_view path) {
   std::string collapsed;
   for (const char c : path) {
@@ -107,6 +113,20 @@ std::string pathExtension(std::string_view path) {
   const std::size_t point = name.rfind('.');
   if (point == std::string::npos || point == 0) return "";
   return name.substr(point + 1);
+}
+
+std::string trimmingWhitespaceAndNewlines(std::string_view text) {
+  const char* const start = text.data();
+  std::string_view rest = text;
+  std::size_t begin = text.size();
+  std::size_t end = text.size();
+  while (!rest.empty()) {
+    const auto at = static_cast<std::size_t>(rest.data() - start);
+    if (isWhitespaceOrNewline(takeCodePoint(rest))) continue;
+    begin = std::min(begin, at);
+    end = static_cast<std::size_t>(rest.data() - start);
+  }
+  return std::string(text.substr(begin, end - begin));
 }
 
 std::string descriptionOrNull(const std::optional<platform::Value>& value) {

@@ -42,6 +42,9 @@ bool u_isEqualToCaseInsensitive(std::string_view text, std::string_view other);
 
 std::string u_stringForInteger(std::int64_t integer);
 
+// The text without the white space and newlines, of all of Unicode, at its ends.
+std::string trimmingWhitespaceAndNewlines(std::string_view text);
+
 // The last path component, ".." and "." included; trailing slashes do not count.
 std::string lastPathComponent(std::string_view path);
 

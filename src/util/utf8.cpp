@@ -41,4 +41,13 @@ char32_t takeCodePoint(std::string_view& text) {
   return valid ? codePoint : kReplacement;
 }
 
+bool isValidUtf8(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t before = text.size();
+    // The replacement character itself has three bytes.
+    if (takeCodePoint(text) == kReplacement && before - text.size() == 1) return false;
+  }
+  return true;
+}
+
 }  // namespace karno

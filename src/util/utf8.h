@@ -7,4 +7,6 @@ namespace karno {
 // and reads as U+FFFD.
 char32_t takeCodePoint(std::string_view& text);
 
+bool isValidUtf8(std::string_view text);
+
 }  // namespace karno

@@ -37,6 +37,7 @@ class CountingFiles final : public platform::Files {
     return files_.searchPath(folder);
   }
   std::string homeDirectory() const override { return files_.homeDirectory(); }
+  std::vector<std::string> localLibraryFolders() const override { return files_.localLibraryFolders(); }
   bool fileExists(const std::string& path) const override { return files_.fileExists(path); }
   std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override {
     return files_.sizeInBytes(path);
@@ -84,7 +85,10 @@ platform::Platform withFiles(const platform::Platform& native, platform::Files& 
           native.text,
           native.consoleLog,
           native.systemVersion,
-          native.updater};
+          native.updater,
+          native.shell,
+          native.urlLoading,
+          native.identifiers};
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ class FakeFiles final : public platform::Files {
     return folders.at(folder);
   }
   std::string homeDirectory() const override { return "/Users/tester"; }
+  std::vector<std::string> localLibraryFolders() const override { return localLibraries; }
   bool fileExists(const std::string& path) const override;
   std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override;
   platform::Result<std::string> read(const std::string& path) const override;
@@ -36,6 +37,8 @@ class FakeFiles final : public platform::Files {
       {platform::UserFolder::Downloads, {"/Users/tester/Downloads"}},
       {platform::UserFolder::Applications, {"/Users/tester/Applications"}},
       {platform::UserFolder::Trash, {"/Users/tester/.Trash"}}};
+
+  std::vector<std::string> localLibraries = {"/Library"};
 
   // Puts things in place, with the folders above them.
   void addFile(const std::string& path, std::string text);

@@ -36,7 +36,10 @@ FakePlatform::FakePlatform(std::optional<std::uint64_t> ofSeed)
                 .text = text,
                 .consoleLog = consoleLog,
                 .systemVersion = systemVersion,
-                .updater = updater} {
+                .updater = updater,
+                .shell = shell,
+                .urlLoading = network,
+                .identifiers = identifiers} {
   scheduler.setExceptionHandler([this](std::string_view what) {
     consoleLog.log("A block threw: " + std::string(what));
     ADD_FAILURE() << "a block on the thread " << scheduler.currentThreadName() << " threw: " << what;
@@ -83,6 +86,24 @@ FakePlatform& FakePlatform::withStrings(const std::string& json) {
   files.addFile(path, json);
   bundles.main().resources["Strings.json"] = path;
   bundles.main().resources["Base.lproj/Strings.json"] = path;
+  return *this;
+}
+
+FakePlatform& FakePlatform::withSystem(const std::string& macOS, const std::string& cpu) {
+  shell.outputs[kSwVersLine] =
+      "ProductName:\t\tmacOS\nProductVersion:\t\t" + macOS + "\nBuildVersion:\t\t23F79\n";
+  shell.outputs[kUnameLine] = cpu + "\n";
+  return *this;
+}
+
+FakePlatform& FakePlatform::withFuse(const std::string& version) {
+  return withFuseInformation(platform::Value::Dictionary{{"CFBundleVersion", version}});
+}
+
+FakePlatform& FakePlatform::withFuseInformation(platform::Value value) {
+  const std::string bytes = "information of macFUSE: " + value.description();
+  files.addFile(kFuseInformationFile, bytes);
+  propertyLists.parsed.insert_or_assign(bytes, std::move(value));
   return *this;
 }
 

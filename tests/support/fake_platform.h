@@ -17,9 +17,11 @@
 #include "fake_processes.h"
 #include "fake_property_lists.h"
 #include "fake_scheduler.h"
+#include "fake_shell.h"
 #include "fake_system.h"
 #include "fake_tasks.h"
 #include "fake_text.h"
+#include "fake_url_loading.h"
 #include "fake_user_defaults.h"
 #include "fake_windows.h"
 #include "platform/platform.h"
@@ -29,6 +31,11 @@ namespace karno::test {
 inline constexpr const char* kLogFolder = "/Users/tester/Library/Logs/Karno for macOS";
 inline constexpr const char* kLogFile = "/Users/tester/Library/Logs/Karno for macOS/karno-wrapper.log";
 inline constexpr const char* kOldLogFile = "/Users/tester/Library/Logs/Karno for macOS/karno-wrapper.old.log";
+
+inline constexpr const char* kFuseInformationFile =
+    "/Library/Frameworks/macFUSE.framework/Resources/Info.plist";
+inline constexpr const char* kSwVersLine = R"(/bin/sh --noprofile -c "sw_vers")";
+inline constexpr const char* kUnameLine = R"(/bin/sh --noprofile -c "uname -m")";
 
 // The level and message of one line of the launcher's log.
 struct Line {
@@ -80,6 +87,10 @@ class FakePlatform {
   FakePlatform& withArguments(std::vector<std::string> afterProgramPath);
   FakePlatform& withEmbeddedBuilds();                  // both, in Contents/Helpers
   FakePlatform& withStrings(const std::string& json);  // the base table of user-visible texts
+  FakePlatform& withSystem(const std::string& macOS,
+                           const std::string& cpu);          // as the shell commands tell it
+  FakePlatform& withFuse(const std::string& version);        // installs macFUSE, or another version of it
+  FakePlatform& withFuseInformation(platform::Value value);  // any content of its information file
 
   // The launcher's own suite.
   FakeUserDefaultsStore::Suite& settings() { return userDefaults.suite("it.vantul.karno"); }
@@ -116,6 +127,9 @@ class FakePlatform {
   FakeConsoleLog consoleLog{scheduler};
   FakeSystemVersion systemVersion;
   FakeUpdater updater;
+  FakeShell shell{scheduler};
+  FakeURLLoading network{scheduler};
+  FakeIdentifiers identifiers;
 
  private:
   platform::Platform platform_;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "fake_scheduler.h"
+#include "platform/identifiers.h"
 #include "platform/system_version.h"
 #include "platform/updater.h"
 #include "platform/workspace.h"
@@ -24,9 +25,28 @@ class FakeUpdater final : public platform::Updater {
  public:
   bool sessionInProgress() const override { return inSession; }
   bool canCheckForUpdates() const override { return canCheck; }
+  void checkForUpdates() override { ++checks; }
+  void setAutomaticallyChecksForUpdates(bool automatically) override {
+    automaticChecks.push_back(automatically);
+  }
+
+  int checks = 0;
+  std::vector<bool> automaticChecks;
 
   bool inSession = false;
   bool canCheck = true;
+};
+
+// UUIDs that count up.
+class FakeIdentifiers final : public platform::Identifiers {
+ public:
+  std::string makeUUID() override {
+    const std::string number = std::to_string(++made_);
+    return "00000000-0000-4000-8000-" + std::string(12 - number.size(), '0') + number;
+  }
+
+ private:
+  int made_ = 0;
 };
 
 class FakeWorkspace final : public platform::Workspace {
@@ -37,6 +57,15 @@ class FakeWorkspace final : public platform::Workspace {
     scheduler_.requireMainThread("Workspace::selectFile");
     selected.emplace_back(path, rootFolder);
   }
+
+  void openURL(const std::string& url) override { opened.push_back({url, scheduler_.currentThreadName()}); }
+
+  struct Opened {
+    std::string url;
+    std::string thread;
+    bool operator==(const Opened&) const = default;
+  };
+  std::vector<Opened> opened;
 
   std::vector<platform::RunningApplication> runningApplications(
       const std::string& bundleIdentifier) override {

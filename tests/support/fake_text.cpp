@@ -57,6 +57,17 @@ std::string FakeText::capitalise(std::string_view word) const { return rules_->t
 
 std::string FakeText::lowercase(std::string_view text) const { return rules_->text->lowercase(text); }
 
+std::string FakeText::uppercase(std::string_view text) const { return rules_->text->uppercase(text); }
+
+int FakeText::compareNumerically(std::string_view a, std::string_view b) const {
+  return rules_->text->compareNumerically(a, b);
+}
+
+platform::Result<std::shared_ptr<const platform::RegularExpression>> FakeText::makeRegularExpression(
+    const std::string& pattern) const {
+  return rules_->text->makeRegularExpression(pattern);
+}
+
 bool FakeText::isEqualCaseInsensitive(std::string_view a, std::string_view b) const {
   return rules_->text->isEqualCaseInsensitive(a, b);
 }

@@ -21,6 +21,10 @@ class FakeText final : public platform::Text {
   std::vector<platform::TextRange> wordRanges(std::string_view text) const override;
   std::string capitalise(std::string_view word) const override;
   std::string lowercase(std::string_view text) const override;
+  std::string uppercase(std::string_view text) const override;
+  int compareNumerically(std::string_view a, std::string_view b) const override;
+  platform::Result<std::shared_ptr<const platform::RegularExpression>> makeRegularExpression(
+      const std::string& pattern) const override;
   bool isEqualCaseInsensitive(std::string_view a, std::string_view b) const override;
   bool containsMatch(std::string_view pattern, std::string_view text, bool ignoreCase) const override;
 

@@ -12,7 +12,9 @@ constexpr const char* kAction = "karnoCall:";
 void call(objc::Id self, objc::Id argument) {
   const auto* const function = static_cast<const Callback::Function*>(objc::stateOf(self));
   if (function != nullptr) {
-    (*function)(argument);
+    // A copy: the function may destroy its Callback while it runs.
+    const Callback::Function running = *function;
+    running(argument);
   }
 }
 

@@ -7,8 +7,8 @@ namespace karno::platform::cocoa {
 
 // An Objective-C object with one method of one argument that calls a C++ function: the target of a button,
 // the observer of a notification, the receiver of a perform. What the function throws is written to the
-// console log. Whoever sends to target() does so on the thread that also destroys this; messages that come
-// later do nothing.
+// console log. Whoever sends to target() does so on the thread that also destroys this, which the function
+// itself may do; messages that come later do nothing.
 class Callback {
  public:
   using Function = std::function<void(objc::Id argument)>;

@@ -1,8 +1,8 @@
 #include "platform/cocoa/controls.h"
 
-#include <vector>
+#include <algorithm>
+#include <cmath>
 
-#include "platform/cocoa/callback.h"
 #include "platform/cocoa/strings.h"
 
 namespace karno::platform::cocoa {
@@ -10,136 +10,65 @@ namespace {
 
 using objc::send;
 
-constexpr objc::UInteger kTitled = 1;
-constexpr objc::UInteger kClosable = 2;
-constexpr objc::UInteger kMiniaturizable = 4;
-constexpr objc::UInteger kResizable = 8;
-constexpr objc::UInteger kBackingStoreBuffered = 2;
-constexpr objc::UInteger kBezelStyleRounded = 1;
-constexpr objc::UInteger kMomentaryPushIn = 7;
-constexpr const char* kWindowWillClose = "NSWindowWillCloseNotification";
-
-objc::Object allocated(objc::ClassName name, const Frame& frame) {
-  const objc::Rect rect{{frame.x, frame.y}, {frame.width, frame.height}};
-  return objc::Object::adopting(send(send(objc::classNamed(name), "alloc"), "initWithFrame:", rect));
-}
+// A text field keeps this much room on either side of its text; known of NSTextFieldCell, not documented.
+constexpr double kTextInset = 2;
+constexpr double kTallestText = 100000;
+constexpr objc::UInteger kUsesLineFragmentOrigin = 1;
+constexpr objc::UInteger kUsesFontLeading = 2;
 
 void setStringValue(const objc::Object& control, std::string_view text) {
   send<void>(control, "setStringValue:", objc::string(text));
 }
 
-objc::Object makeField(const Frame& frame, std::string_view text) {
-  objc::Object field = allocated("NSTextField", frame);
-  setStringValue(field, text);
-  return field;
-}
-
-objc::Object makeWindow(double width, double height, Window::Options options) {
-  const objc::Rect content{{0, 0}, {width, height}};
-  const objc::UInteger style = kTitled | kClosable | (options.miniaturizable ? kMiniaturizable : 0) |
-                               (options.resizable ? kResizable : 0);
-  objc::Object window = objc::Object::adopting(send(send(objc::classNamed("NSWindow"), "alloc"),
-                                                    "initWithContentRect:styleMask:backing:defer:", content,
-                                                    style, kBackingStoreBuffered, true));
-  send<void>(window, "setReleasedWhenClosed:", false);
-  return window;
+std::string stringValue(const objc::Object& control) {
+  const objc::AutoreleasePool pool;
+  return objc::text(send(control, "stringValue"));
 }
 
 }  // namespace
 
-void Label::setText(std::string_view text) { setStringValue(field_, text); }
-std::string Label::text() const { return objc::text(send(field_, "stringValue")); }
+void Control::setFrame(const Frame& frame) {
+  send<void>(view_, "setFrame:", objc::Rect{{frame.x, frame.y}, {frame.width, frame.height}});
+}
 
-void TextField::setText(std::string_view text) { setStringValue(field_, text); }
-std::string TextField::text() const { return objc::text(send(field_, "stringValue")); }
+void Label::setText(std::string_view text) { setStringValue(view(), text); }
+std::string Label::text() const { return stringValue(view()); }
 
-void Button::setTitle(std::string_view title) { send<void>(button_, "setTitle:", objc::string(title)); }
-std::string Button::title() const { return objc::text(send(button_, "title")); }
-void Button::setEnabled(bool enabled) { send<void>(button_, "setEnabled:", enabled); }
-void Button::performClick() { send<void>(button_, "performClick:", nullptr); }
-
-struct Window::State {
-  State(double width, double height, Options options)
-      : window(makeWindow(width, height, options)), willClose([this](objc::Id) { tellWillClose(); }) {}
-
-  void tellWillClose() {
-    // A copy: the handler may set another one while it runs.
-    const auto handler = willCloseHandler;
-    if (handler) {
-      handler();
-    }
-  }
-
-  void add(const objc::Object& view) { send<void>(send(window, "contentView"), "addSubview:", view); }
-
-  objc::Object window;
-  std::function<void()> willCloseHandler;
-  Callback willClose;
-  std::vector<std::unique_ptr<Callback>> buttonCallbacks;  // a button does not own its target
-};
-
-Window::Window(std::string_view title, double width, double height, Options options) {
+double Label::heightForWidth(double width) const {
   const objc::AutoreleasePool pool;
-  state_ = std::make_unique<State>(width, height, options);
-  setTitle(title);
-  const objc::Sel action = Callback::action();
-  send<void>(send(objc::classNamed("NSNotificationCenter"), "defaultCenter"),
-             "addObserver:selector:name:object:", state_->willClose.target(), action,
-             objc::string(kWindowWillClose), state_->window);
+  const objc::Size room{std::max(width - 2 * kTextInset, 1.0), kTallestText};
+  const auto text =
+      send<objc::Rect>(send(view(), "attributedStringValue"), "boundingRectWithSize:options:", room,
+                       kUsesLineFragmentOrigin | kUsesFontLeading);
+  const auto line = send<objc::Size>(send(view(), "cell"), "cellSize");
+  return std::ceil(std::max(text.size.height, line.height));
 }
 
-Window::~Window() {
+void TextField::setText(std::string_view text) { setStringValue(view(), text); }
+std::string TextField::text() const { return stringValue(view()); }
+
+void Button::setTitle(std::string_view title) { send<void>(view(), "setTitle:", objc::string(title)); }
+
+std::string Button::title() const {
   const objc::AutoreleasePool pool;
-  send<void>(send(objc::classNamed("NSNotificationCenter"), "defaultCenter"),
-             "removeObserver:", state_->willClose.target());
-  send<void>(state_->window, "orderOut:", nullptr);
+  return objc::text(send(view(), "title"));
 }
 
-void Window::setTitle(std::string_view title) {
-  send<void>(state_->window, "setTitle:", objc::string(title));
-}
-std::string Window::title() const { return objc::text(send(state_->window, "title")); }
-void Window::center() { send<void>(state_->window, "center"); }
-void Window::show() { send<void>(state_->window, "makeKeyAndOrderFront:", nullptr); }
-void Window::close() { send<void>(state_->window, "close"); }
-bool Window::isVisible() const { return send<bool>(state_->window, "isVisible"); }
-void Window::setWillClose(std::function<void()> handler) { state_->willCloseHandler = std::move(handler); }
+void Button::setEnabled(bool enabled) { send<void>(view(), "setEnabled:", enabled); }
+void Button::performClick() { send<void>(view(), "performClick:", nullptr); }
 
-Label Window::addLabel(const Frame& frame, std::string_view text, bool selectable) {
+double Button::fittingWidth() const {
   const objc::AutoreleasePool pool;
-  objc::Object field = makeField(frame, text);
-  send<void>(field, "setEditable:", false);
-  send<void>(field, "setSelectable:", selectable);
-  send<void>(field, "setBezeled:", false);
-  send<void>(field, "setBordered:", false);
-  send<void>(field, "setDrawsBackground:", false);
-  send<void>(send(field, "cell"), "setWraps:", true);
-  state_->add(field);
-  return Label(std::move(field));
+  constexpr double kRoomBesideTitle = 8;
+  return std::ceil(send<objc::Size>(send(view(), "cell"), "cellSize").width) + 2 * kRoomBesideTitle;
 }
 
-TextField Window::addTextField(const Frame& frame, std::string_view text) {
-  const objc::AutoreleasePool pool;
-  objc::Object field = makeField(frame, text);
-  state_->add(field);
-  return TextField(std::move(field));
+void ProgressBar::setRange(double lowest, double highest) {
+  send<void>(view(), "setMinValue:", lowest);
+  send<void>(view(), "setMaxValue:", highest);
 }
 
-Button Window::addButton(const Frame& frame, std::string_view title, std::string_view keyEquivalent,
-                         std::function<void()> onClick) {
-  const objc::AutoreleasePool pool;
-  const auto& callback = state_->buttonCallbacks.emplace_back(
-      std::make_unique<Callback>([onClick = std::move(onClick)](objc::Id) { onClick(); }));
-  objc::Object native = allocated("NSButton", frame);
-  send<void>(native, "setBezelStyle:", kBezelStyleRounded);
-  send<void>(native, "setButtonType:", kMomentaryPushIn);
-  send<void>(native, "setTarget:", callback->target());
-  send<void>(native, "setAction:", Callback::action());
-  send<void>(native, "setKeyEquivalent:", objc::string(keyEquivalent));
-  Button button(native);
-  button.setTitle(title);
-  state_->add(native);
-  return button;
-}
+void ProgressBar::setValue(double value) { send<void>(view(), "setDoubleValue:", value); }
+void ProgressBar::stopAnimation() { send<void>(view(), "stopAnimation:", nullptr); }
 
 }  // namespace karno::platform::cocoa

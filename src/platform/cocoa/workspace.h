@@ -3,11 +3,11 @@
 
 namespace karno::platform::cocoa {
 
-// The file viewer, reached through NSWorkspace.
-class CocoaWorkspace final : public Workspace {
+// The file viewer, reached through NSWorkspace. How a URL is opened differs from system to system.
+class CocoaWorkspace : public Workspace {
  public:
-  void selectFile(const std::string& path, const std::string& rootFolder) override;
-  std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) override;
+  void selectFile(const std::string& path, const std::string& rootFolder) final;
+  std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) final;
 };
 
 }  // namespace karno::platform::cocoa

@@ -3,18 +3,18 @@
 #include <unicode/brkiter.h>
 #include <unicode/casemap.h>
 #include <unicode/normlzr.h>
-#include <unicode/regex.h>
 #include <unicode/ubrk.h>
 #include <unicode/utext.h>
 
 #include <utility>
 
 #include "platform/linux/icu_date_formatter.h"
+#include "platform/linux/icu_regular_expression.h"
+#include "platform/linux/icu_strings.h"
+#include "platform/numeric_order.h"
 
 namespace karno::platform {
 namespace {
-
-constexpr std::int32_t kSearchStepsMax = 1000;  // ICU counts in steps of about a millisecond
 
 struct CloseText {
   void operator()(UText* text) const { ::utext_close(text); }
@@ -22,16 +22,6 @@ struct CloseText {
 
 icu::Locale localeOf(const std::optional<std::string>& identifier) {
   return identifier ? icu::Locale(identifier->c_str()) : icu::Locale::getDefault();
-}
-
-// Each wrong byte sequence becomes U+FFFD.
-icu::UnicodeString unicode(std::string_view text) {
-  return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-}
-
-std::string utf8(const icu::UnicodeString& text) {
-  std::string result;
-  return text.toUTF8String(result);
 }
 
 }  // namespace
@@ -66,28 +56,34 @@ std::vector<TextRange> IcuText::wordRanges(std::string_view text) const {
 }
 
 std::string IcuText::capitalise(std::string_view word) const {
-  return utf8(unicode(word).toTitle(nullptr, localeOf(locale_), U_TITLECASE_WHOLE_STRING));
+  return utf8Of(unicodeOf(word).toTitle(nullptr, localeOf(locale_), U_TITLECASE_WHOLE_STRING));
 }
 
 std::string IcuText::lowercase(std::string_view text) const {
-  return utf8(unicode(text).toLower(icu::Locale::getRoot()));
+  return utf8Of(unicodeOf(text).toLower(icu::Locale::getRoot()));
+}
+
+std::string IcuText::uppercase(std::string_view text) const {
+  return utf8Of(unicodeOf(text).toUpper(icu::Locale::getRoot()));
+}
+
+int IcuText::compareNumerically(std::string_view a, std::string_view b) const { return numericOrder(a, b); }
+
+Result<std::shared_ptr<const RegularExpression>> IcuText::makeRegularExpression(
+    const std::string& pattern) const {
+  return IcuRegularExpression::make(pattern, false);
 }
 
 bool IcuText::isEqualCaseInsensitive(std::string_view a, std::string_view b) const {
   UErrorCode status = U_ZERO_ERROR;
-  const std::int32_t order = icu::Normalizer::compare(unicode(a), unicode(b), U_COMPARE_IGNORE_CASE, status);
+  const std::int32_t order =
+      icu::Normalizer::compare(unicodeOf(a), unicodeOf(b), U_COMPARE_IGNORE_CASE, status);
   return U_SUCCESS(status) && order == 0;
 }
 
 bool IcuText::containsMatch(std::string_view pattern, std::string_view text, bool ignoreCase) const {
-  UErrorCode status = U_ZERO_ERROR;
-  const icu::UnicodeString input = unicode(text);  // the matcher refers to it
-  icu::RegexMatcher matcher(unicode(pattern), ignoreCase ? std::uint32_t{UREGEX_CASE_INSENSITIVE} : 0U,
-                            status);
-  if (U_FAILURE(status)) return false;
-  matcher.reset(input);
-  matcher.setTimeLimit(kSearchStepsMax, status);
-  return matcher.find(status) != 0 && U_SUCCESS(status);
+  const auto expression = IcuRegularExpression::make(pattern, ignoreCase);
+  return expression && expression.value()->firstMatch(text).has_value();
 }
 
 }  // namespace karno::platform

@@ -3,15 +3,18 @@
 #include "platform/cocoa/objc.h"
 #include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
-#include "platform/cocoa/workspace.h"
 #include "platform/linux/bundles.h"
 #include "platform/linux/console_log.h"
 #include "platform/linux/dispatch.h"
 #include "platform/linux/distributed_notifications.h"
 #include "platform/linux/icu_text.h"
+#include "platform/linux/identifiers.h"
+#include "platform/linux/machine_shell.h"
 #include "platform/linux/managed_preferences.h"
 #include "platform/linux/system_version.h"
+#include "platform/linux/url_loading.h"
 #include "platform/linux/user_defaults.h"
+#include "platform/linux/workspace.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
@@ -28,11 +31,11 @@ struct NativeServices {
   cocoa::CocoaApplication application;
   cocoa::CocoaAlerts alerts;
   cocoa::CocoaWindows windows;
-  cocoa::CocoaWorkspace workspace;
   cocoa::CocoaPropertyLists propertyLists;
   LinuxDispatch dispatch;
   SystemClock clock;
   PosixTasks tasks;
+  LinuxWorkspace workspace{tasks};
   PosixProcesses processes;
   PosixFiles files;
   LinuxBundles bundles{propertyLists};
@@ -43,6 +46,9 @@ struct NativeServices {
   StandardErrorLog consoleLog;
   LinuxSystemVersion systemVersion{propertyLists};
   NoUpdater updater;
+  MachineShell shell;
+  CurlURLLoading urlLoading{bundles};
+  RandomIdentifiers identifiers;
 
   Platform platform{.application = application,
                     .alerts = alerts,
@@ -61,7 +67,10 @@ struct NativeServices {
                     .text = text,
                     .consoleLog = consoleLog,
                     .systemVersion = systemVersion,
-                    .updater = updater};
+                    .updater = updater,
+                    .shell = shell,
+                    .urlLoading = urlLoading,
+                    .identifiers = identifiers};
 };
 
 void startProcess(int argc, char** argv) {

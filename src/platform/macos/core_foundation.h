@@ -23,6 +23,7 @@ CFTypeRef CFLocaleCopyCurrent();
 CFTypeRef CFStringCreateMutableCopy(CFTypeRef allocator, CFIndex maxLength, CFTypeRef string);
 void CFStringCapitalize(CFTypeRef mutableString, CFTypeRef locale);
 void CFStringLowercase(CFTypeRef mutableString, CFTypeRef locale);
+void CFStringUppercase(CFTypeRef mutableString, CFTypeRef locale);
 
 CFTypeRef CFStringTokenizerCreate(CFTypeRef allocator, CFTypeRef string, CFRange range, unsigned long options,
                                   CFTypeRef locale);

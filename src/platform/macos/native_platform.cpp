@@ -3,19 +3,22 @@
 #include "platform/cocoa/objc.h"
 #include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
-#include "platform/cocoa/workspace.h"
 #include "platform/macos/bundles.h"
 #include "platform/macos/console_log.h"
 #include "platform/macos/dispatch.h"
 #include "platform/macos/distributed_notifications.h"
+#include "platform/macos/identifiers.h"
 #include "platform/macos/managed_preferences.h"
 #include "platform/macos/system_version.h"
 #include "platform/macos/text.h"
+#include "platform/macos/url_loading.h"
 #include "platform/macos/user_defaults.h"
+#include "platform/macos/workspace.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
 #include "platform/posix/files.h"
+#include "platform/posix/popen_shell.h"
 #include "platform/posix/process_setup.h"
 #include "platform/posix/processes.h"
 #include "platform/posix/tasks.h"
@@ -28,7 +31,7 @@ struct NativeServices {
   cocoa::CocoaApplication application;
   cocoa::CocoaAlerts alerts;
   cocoa::CocoaWindows windows;
-  cocoa::CocoaWorkspace workspace;
+  MacWorkspace workspace;
   cocoa::CocoaPropertyLists propertyLists;
   MacDispatch dispatch;
   SystemClock clock;
@@ -43,6 +46,9 @@ struct NativeServices {
   NSLogConsole consoleLog;
   FoundationSystemVersion systemVersion;
   NoUpdater updater;
+  PopenShell shell;
+  FoundationURLLoading urlLoading;
+  FoundationIdentifiers identifiers;
 
   Platform platform{.application = application,
                     .alerts = alerts,
@@ -61,7 +67,10 @@ struct NativeServices {
                     .text = text,
                     .consoleLog = consoleLog,
                     .systemVersion = systemVersion,
-                    .updater = updater};
+                    .updater = updater,
+                    .shell = shell,
+                    .urlLoading = urlLoading,
+                    .identifiers = identifiers};
 };
 
 void startProcess(int argc, char** argv) {

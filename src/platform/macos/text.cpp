@@ -4,8 +4,10 @@
 #include "platform/cocoa/strings.h"
 #include "platform/macos/core_foundation.h"
 #include "platform/macos/date_formatter.h"
+#include "platform/macos/regular_expression.h"
 #include "platform/macos/text_matching.h"
 #include "platform/macos/utf16_positions.h"
+#include "platform/numeric_order.h"
 
 namespace karno::platform {
 namespace {
@@ -57,6 +59,19 @@ std::string FoundationText::capitalise(std::string_view word) const {
 
 std::string FoundationText::lowercase(std::string_view text) const {
   return changed(text, CFStringLowercase, nullptr);
+}
+
+std::string FoundationText::uppercase(std::string_view text) const {
+  return changed(text, CFStringUppercase, nullptr);
+}
+
+int FoundationText::compareNumerically(std::string_view a, std::string_view b) const {
+  return numericOrder(a, b);
+}
+
+Result<std::shared_ptr<const RegularExpression>> FoundationText::makeRegularExpression(
+    const std::string& pattern) const {
+  return FoundationRegularExpression::make(pattern, false);
 }
 
 bool FoundationText::isEqualCaseInsensitive(std::string_view a, std::string_view b) const {

@@ -12,6 +12,7 @@
 #include "platform/posix/folder_walk.h"
 #include "platform/posix/home.h"
 #include "platform/posix/whole_file.h"
+#include "platform/system_path.h"
 
 namespace karno::platform {
 namespace {
@@ -47,6 +48,8 @@ std::vector<std::string> PosixFiles::searchPath(UserFolder folder) const {
 }
 
 std::string PosixFiles::homeDirectory() const { return homeFolder(); }
+
+std::vector<std::string> PosixFiles::localLibraryFolders() const { return {systemPath("/Library")}; }
 
 bool PosixFiles::fileExists(const std::string& path) const {
   struct stat status = {};

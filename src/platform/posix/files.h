@@ -10,6 +10,7 @@ class PosixFiles final : public Files {
  public:
   std::vector<std::string> searchPath(UserFolder folder) const override;
   std::string homeDirectory() const override;
+  std::vector<std::string> localLibraryFolders() const override;
 
   bool fileExists(const std::string& path) const override;
   std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override;

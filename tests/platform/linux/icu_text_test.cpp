@@ -135,6 +135,20 @@ TEST(IcuCase, LowersWithoutRegardToTheLocale) {
   EXPECT_EQ(IcuText("tr_TR").lowercase("ZIP ÄÖÜ ΑΣ"), "zip äöü ας");
 }
 
+TEST(IcuCase, UppersWithoutRegardToTheLocale) {
+  EXPECT_EQ(IcuText("tr_TR").uppercase("istanbul äöü straße ας"), "ISTANBUL ÄÖÜ STRASSE ΑΣ");
+  EXPECT_EQ(IcuText("el_GR").uppercase("ά"), "Ά");
+  EXPECT_EQ(IcuText("en_US").uppercase(""), "");
+}
+
+TEST(IcuText, OrdersDigitsByTheirValue) {
+  const IcuText text("en_US");
+
+  EXPECT_LT(text.compareNumerically("4.4.1", "4.10.0"), 0);
+  EXPECT_EQ(text.compareNumerically("13.0", "13.00"), 0);
+  EXPECT_GT(text.compareNumerically("13.0.0", "13.0"), 0);
+}
+
 TEST(IcuCase, ComparesWithoutRegardToCase) {
   const IcuText text("en_US");
 

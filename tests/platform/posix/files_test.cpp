@@ -55,6 +55,12 @@ TEST(PosixFiles, TakesTheHomeFolderOfTheAccountWithoutHOME) {
   EXPECT_TRUE(files.fileExists(files.homeDirectory()));
 }
 
+TEST(PosixFiles, FindsTheLibraryOfTheWholeMachineInItsRoot) {
+  const ScopedEnvironment root("KARNO_MACHINE_ROOT", "/some/machine");
+
+  EXPECT_EQ(PosixFiles().localLibraryFolders(), std::vector<std::string>{"/some/machine/Library"});
+}
+
 TEST(PosixFiles, ReadsAFileWithAnyBytes) {
   const TemporaryFolder folder;
   const std::string content("a\0b\xFF\n", 5);

@@ -196,15 +196,5 @@ TEST(MainWindowCallbacks, QuitWhenTheManagerSaysSo) {
   EXPECT_EQ(machine.application.terminations(), 1);
 }
 
-TEST(MainWindowCallbacks, SayThatFuseMustBeInstalled) {
-  FakePlatform machine;
-  machine.withStrings(kStrings);
-  const auto window = makeWindow(machine);
-
-  window->startUpNeedsToInstallFuse(manager(), true);
-
-  EXPECT_EQ(machine.consoleMessages().at(0), Line("INFO", "Main: Need to install Fuse"));
-}
-
 }  // namespace
 }  // namespace karno

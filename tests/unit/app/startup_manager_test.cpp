@@ -113,10 +113,9 @@ TEST(SystemCheckForFuse, ReturnsAtOnce) {
   EXPECT_THAT(delegate->calls, IsEmpty());
 }
 
-// As long as macFUSE cannot be looked at, the start must end and say why, not hang.
-TEST(SystemCheckForFuse, EndsInAFailureOnAGlobalQueueWhileItCannotBeMade) {
+TEST(SystemCheckForFuse, SucceedsOnAGlobalQueueWhenMacFUSEIsGood) {
   FakePlatform machine;
-  machine.withFirstStartup(false);
+  machine.withFirstStartup(false).withSystem("14.5", "arm64").withFuse("4.4.1");
   const auto delegate = std::make_shared<StartupRecorder>(machine);
   StartupManager::instance().setDelegate(delegate);
 
@@ -126,8 +125,54 @@ TEST(SystemCheckForFuse, EndsInAFailureOnAGlobalQueueWhileItCannotBeMade) {
   EXPECT_THAT(
       afterTheChoice(machine),
       ElementsAre(Line("INFO", "Startup[CHECK] Checking system for Fuse..."),
-                  Line("*** ERROR ***", "Startup[FUSE] This version of the launcher cannot check macFUSE")));
-  EXPECT_THAT(delegate->calls, ElementsAre("setup failed on global(0)"));
+                  Line("INFO", "Fuse[SYSTEM] CPU: 'arm64'"), Line("INFO", "Fuse[SYSTEM] O/S Version: '14.5'"),
+                  Line("INFO", "Fuse[SYSTEM] Fuse Version: '4.4.1'"),
+                  Line("INFO", "FuseRequirements: System requirements have been met"),
+                  Line("INFO", "Startup[FUSE] Fuse is installed")));
+  EXPECT_THAT(delegate->calls, ElementsAre("checked on global(0)"));
+}
+
+TEST(SystemCheckForFuse, AsksForAnInstallationOnAGlobalQueueWithoutALineOfItsOwn) {
+  FakePlatform machine;
+  machine.withFirstStartup(false).withSystem("14.5", "arm64");
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  StartupManager::instance().setDelegate(delegate);
+
+  StartupManager::instance().checkSystem();
+  machine.runUntilIdle();
+
+  EXPECT_EQ(machine.consoleMessages().back(), Line("WARN", "Fuse[SYSTEM] Fuse is not installed"));
+  EXPECT_THAT(delegate->calls, ElementsAre("needs install on global(0)"));
+}
+
+TEST(SystemCheckForFuse, AsksForAnUpgradeOfAnOldMacFUSE) {
+  FakePlatform machine;
+  machine.withFirstStartup(false).withSystem("14.5", "arm64").withFuse("4.0.4");
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  StartupManager::instance().setDelegate(delegate);
+
+  StartupManager::instance().checkSystem();
+  machine.runUntilIdle();
+
+  EXPECT_EQ(machine.consoleMessages().back(), Line("WARN", "FuseRequirements: System requirements not met"));
+  EXPECT_THAT(delegate->calls, ElementsAre("needs upgrade on global(0)"));
+}
+
+TEST(SystemCheckForFileProvider, OnAnOldSystemStillLaunchesTheFileProviderBuild) {
+  FakePlatform machine;
+  machine.systemVersion.running = {12, 2, 0};
+  machine.withEmbeddedBuilds().withSystem("12.2", "arm64").withFuse("4.0.4");
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  StartupManager::instance().setDelegate(delegate);
+
+  StartupManager::instance().checkSystem();
+  machine.runUntilIdle();
+  StartupManager::instance().launchKarno();
+  machine.runUntilIdle();
+
+  EXPECT_EQ(delegate->calls.at(0), "checked on global(0)");
+  EXPECT_EQ(machine.tasks.launches().at(0).executablePath,
+            "/Applications/Karno.app/Contents/Helpers/Karno.app/Contents/MacOS/Karno");
 }
 
 TEST(StartupManagerDelegate, IsHeldWeakly) {

@@ -23,7 +23,7 @@ const platform::Alert kCrashAlert{
     .style = platform::AlertStyle::Critical,
     .messageText = "Whoops!",
     .informativeText = "Karno has crashed.",
-    .buttons = {{.title = "Ja", .keyEquivalent = ""}, {.title = "Nein", .keyEquivalent = ""}}};
+    .buttons = {{.title = "Ja", .keyEquivalent = ""}, {.title = "Nein", .keyEquivalent = "\033"}}};
 
 // A machine whose launcher listens and has both builds at hand.
 class Listener : public ::testing::Test {
@@ -231,27 +231,126 @@ INSTANTIATE_TEST_SUITE_P(
                       Unknown{{{"message", Value::Array{"user-selected-quit"}}},
                               "(\n    \"user-selected-quit\"\n)"}));
 
-class ListenerOnMessageItCannotActOn : public ::testing::TestWithParam<std::string> {};
+TEST_F(Listener, ComesToTheFrontBeforeItChecksForUpdates) {
+  int checksAtActivation = -1;
+  machine.application.whenActivated = [&] { checksAtActivation = machine.updater.checks; };
 
-TEST_P(ListenerOnMessageItCannotActOn, SaysSoAndDoesNothing) {
-  FakePlatform machine;
-  KarnoWrappperNotifierListener::manager().start();
+  machine.postMessage("check-for-updates");
+  machine.runUntilIdle();
 
-  machine.postMessage(GetParam());
+  EXPECT_EQ(checksAtActivation, 0);
+  EXPECT_EQ(machine.application.activations(), 1);
+  EXPECT_EQ(machine.updater.checks, 1);
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("INFO", "Notify[LISTEN] Received 'check-for-updates'"),
+                          Line("INFO",
+                               "Sparkle[CHECK] Checking for updates "
+                               "(https://updates.vantul.it/updates/macos/appcast.eddsa.xml)")));
+}
+
+TEST_F(Listener, IgnoresARequestToCheckDuringASession) {
+  machine.updater.inSession = true;
+
+  machine.postMessage("check-for-updates");
+  machine.runUntilIdle();
+
+  EXPECT_EQ(machine.application.activations(), 1);
+  EXPECT_EQ(machine.updater.checks, 0);
+  EXPECT_EQ(machine.consoleMessages().back(),
+            Line("WARN", "Sparkle[CHECK] Ignoring check for updates when already in progress"));
+}
+
+TEST_F(Listener, SwitchesAutomaticUpdatesOnAndOff) {
+  machine.postMessage("enable-automatic-updates");
+  machine.runUntilIdle();
+  machine.postMessage("disable-automatic-updates");
+  machine.runUntilIdle();
+
+  EXPECT_THAT(machine.updater.automaticChecks, ElementsAre(true, false));
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("INFO", "Notify[LISTEN] Received 'enable-automatic-updates'"),
+                          Line("INFO", "Sparkle[CONFIG] Check updates automatically=1"),
+                          Line("INFO", "Notify[LISTEN] Received 'disable-automatic-updates'"),
+                          Line("INFO", "Sparkle[CONFIG] Check updates automatically=0")));
+}
+
+TEST_F(Listener, RestartsTheApplicationWhenItNeedsTo) {
+  machine.postMessage("app-needs-restart");
+  machine.runFor(1);
+
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("INFO", "Notify[LISTEN] Received 'app-needs-restart'"),
+                          Line("INFO", "Notify[LISTEN] Restarting Karno.app."),
+                          Line("INFO", "EmbeddedApp[CONFIGURE] Use File Provider = Yes (first startup)"),
+                          Line("INFO", "ProcessUtils: Waiting for 'it.vantul.Karno' to terminate"),
+                          Line("WARN", "ProcessUtils: 'it.vantul.Karno terminated (0.2 seconds)"),
+                          Line("INFO", "Startup[LAUNCH] Launching Karno.app"),
+                          Line("INFO", "Startup[LAUNCH] Launched Karno.app (pid: 5001)")));
+}
+
+class UpdateInProgress : public Listener, public ::testing::WithParamInterface<bool> {
+ protected:
+  // Either of the two signs of an update.
+  UpdateInProgress() {
+    machine.updater.inSession = GetParam();
+    machine.updater.canCheck = GetParam();
+  }
+};
+
+TEST_P(UpdateInProgress, KeepsTheApplicationFromBeingRestarted) {
+  machine.postMessage("app-needs-restart");
   machine.runFor(10);
 
   EXPECT_THAT(machine.consoleMessages(),
-              ElementsAre(Line("INFO", "Notify[LISTEN] Received '" + GetParam() + "'"),
-                          Line("WARN", "Notify[LISTEN] This version of the launcher cannot act on '" +
-                                           GetParam() + "'")));
-  EXPECT_EQ(machine.application.terminations(), 0);
+              ElementsAre(Line("INFO", "Notify[LISTEN] Received 'app-needs-restart'"),
+                          Line("INFO", "Notify[LISTEN] Upgrade in progress - Not restarting Karno.app.")));
+  EXPECT_FALSE(StartupManager::instance().restartingEmbeddedKarnoApp());
 }
 
-INSTANTIATE_TEST_SUITE_P(Messages, ListenerOnMessageItCannotActOn,
-                         ::testing::Values("check-for-updates", "enable-automatic-updates",
-                                           "disable-automatic-updates", "app-needs-restart",
-                                           "restart-wrapper-with-fuse", "restart-wrapper-with-file-provider",
-                                           "restart-wrapper"));
+TEST_P(UpdateInProgress, DoesNotKeepTheLauncherFromBeingRestarted) {
+  machine.postMessage("restart-wrapper");
+  machine.runFor(10);
+
+  EXPECT_EQ(machine.tasks.launches().at(0).executablePath, "/usr/bin/open");
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(BothSigns, UpdateInProgress, ::testing::Bool());
+
+struct Relaunch {
+  std::string message;
+  bool runsFuse;
+  std::string target;
+};
+
+void PrintTo(const Relaunch& relaunch, std::ostream* out) {
+  *out << relaunch.message << " from the " << (relaunch.runsFuse ? "FUSE" : "File Provider") << " build";
+}
+
+class ListenerOnRelaunch : public ::testing::TestWithParam<Relaunch> {};
+
+TEST_P(ListenerOnRelaunch, OpensTheLauncherAnewWithTheBuild) {
+  FakePlatform machine;
+  machine.withEmbeddedBuilds().withAdmin("USE_FILE_PROVIDER", GetParam().runsFuse ? "false" : "true");
+  KarnoWrappperNotifierListener::manager().start();
+
+  machine.postMessage(GetParam().message);
+  machine.runFor(10);
+
+  EXPECT_THAT(machine.tasks.launches().at(0).arguments,
+              ElementsAre("-n", "/Applications/Karno.app", "--args", "-launch", GetParam().target));
+  EXPECT_EQ(machine.consoleMessages().at(0),
+            Line("INFO", "Notify[LISTEN] Received '" + GetParam().message + "'"));
+  EXPECT_EQ(machine.log().back(), Line("INFO", "AppDelegate[TERMINATE] Reason: Restart Wrapper"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Messages, ListenerOnRelaunch,
+                         ::testing::Values(Relaunch{"restart-wrapper-with-fuse", false, "Karno(Fuse).app"},
+                                           Relaunch{"restart-wrapper-with-fuse", true, "Karno(Fuse).app"},
+                                           Relaunch{"restart-wrapper-with-file-provider", true, "Karno.app"},
+                                           Relaunch{"restart-wrapper-with-file-provider", false, "Karno.app"},
+                                           Relaunch{"restart-wrapper", true, "Karno(Fuse).app"},
+                                           Relaunch{"restart-wrapper", false, "Karno.app"}));
 
 TEST_F(Listener, DoesNotHearAnotherObjectOrNone) {
   machine.notifications.post(

@@ -15,6 +15,10 @@ int main(int argc, char** argv) {
         karno::test::runQueueScenario(name);
       } else if (group == "window") {
         karno::test::runWindowScenario(name);
+      } else if (group == "prompt") {
+        karno::test::runPromptScenario(name);
+      } else if (group == "progress") {
+        karno::test::runProgressScenario(name);
       } else {
         karno::test::runApplicationScenario(name);
       }

@@ -45,9 +45,11 @@ void SayingDelegate::applicationWillTerminate() { say("will terminate"); }
 
 void later(std::function<void()> block) { platform::host().dispatch.mainQueue().async(std::move(block)); }
 
-void pressWhenActive(const std::string& key) {
-  onceActive([command = "xdotool key " + key] { static_cast<void>(std::system(command.c_str())); });
+void runWhenActive(const std::string& command) {
+  onceActive([command] { static_cast<void>(std::system(command.c_str())); });
 }
+
+void pressWhenActive(const std::string& keys) { runWhenActive("xdotool key --delay 100 " + keys); }
 
 void signalWhenActive(int number) {
   onceActive([number] { ::kill(::getpid(), number); });

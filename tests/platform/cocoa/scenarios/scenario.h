@@ -24,8 +24,12 @@ class SayingDelegate final : public platform::ApplicationDelegate {
 // Adds a block to the main queue.
 void later(std::function<void()> block);
 
-// Presses the key, named as xdotool does, once a window of this process is the active one.
-void pressWhenActive(const std::string& key);
+// Presses the keys one after the other, named as xdotool does, once a window of this process is the active
+// one.
+void pressWhenActive(const std::string& keys);
+
+// Runs a shell command once a window of this process is the active one.
+void runWhenActive(const std::string& command);
 
 // Sends this process the signal, as another process would, once a window of it is the active one.
 void signalWhenActive(int number);
@@ -36,6 +40,8 @@ void terminate();
 void runAlertScenario(std::string_view name);
 void runQueueScenario(std::string_view name);
 void runWindowScenario(std::string_view name);
+void runPromptScenario(std::string_view name);
+void runProgressScenario(std::string_view name);
 void runApplicationScenario(std::string_view name);
 
 }  // namespace karno::test

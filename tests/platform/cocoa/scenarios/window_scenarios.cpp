@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 
-#include "platform/cocoa/controls.h"
+#include "platform/cocoa/window.h"
 #include "platform/never_destroyed.h"
 #include "scenario.h"
 

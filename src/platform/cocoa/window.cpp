@@ -1,0 +1,203 @@
+#include "platform/cocoa/window.h"
+
+#include "platform/cocoa/callback.h"
+#include "platform/cocoa/strings.h"
+
+namespace karno::platform::cocoa {
+namespace {
+
+using objc::Id;
+using objc::send;
+
+constexpr objc::UInteger kTitled = 1;
+constexpr objc::UInteger kClosable = 2;
+constexpr objc::UInteger kMiniaturizable = 4;
+constexpr objc::UInteger kResizable = 8;
+constexpr objc::UInteger kBackingStoreBuffered = 2;
+constexpr objc::UInteger kBezelStyleRounded = 1;
+constexpr objc::UInteger kMomentaryPushIn = 7;
+constexpr objc::UInteger kProgressBar = 0;
+constexpr objc::UInteger kScaleProportionallyUpOrDown = 3;
+constexpr double kSystemFontSize = 13;
+constexpr double kSmallFontSize = 12;
+constexpr const char* kWindowWillClose = "NSWindowWillCloseNotification";
+
+objc::Object allocated(objc::ClassName name, const Frame& frame) {
+  const objc::Rect rect{{frame.x, frame.y}, {frame.width, frame.height}};
+  return objc::Object::adopting(send(send(objc::classNamed(name), "alloc"), "initWithFrame:", rect));
+}
+
+objc::Object makeField(const Frame& frame, std::string_view text) {
+  objc::Object field = allocated("NSTextField", frame);
+  send<void>(field, "setStringValue:", objc::string(text));
+  return field;
+}
+
+Id fontOf(TextStyle style) {
+  const Class fonts = objc::classNamed("NSFont");
+  switch (style) {
+    case TextStyle::Headline:
+      return send(fonts, "boldSystemFontOfSize:", kSystemFontSize);
+    case TextStyle::Small:
+      return send(fonts, "systemFontOfSize:", kSmallFontSize);
+    case TextStyle::Plain:
+      break;
+  }
+  return send(fonts, "systemFontOfSize:", kSystemFontSize);
+}
+
+objc::Object makeWindow(double width, double height, Window::Options options) {
+  const objc::Rect content{{0, 0}, {width, height}};
+  const objc::UInteger style = kTitled | (options.closable ? kClosable : 0) |
+                               (options.miniaturizable ? kMiniaturizable : 0) |
+                               (options.resizable ? kResizable : 0);
+  objc::Object window = objc::Object::adopting(send(send(objc::classNamed("NSWindow"), "alloc"),
+                                                    "initWithContentRect:styleMask:backing:defer:", content,
+                                                    style, kBackingStoreBuffered, true));
+  send<void>(window, "setReleasedWhenClosed:", false);
+  return window;
+}
+
+Id notificationCenter() { return send(objc::classNamed("NSNotificationCenter"), "defaultCenter"); }
+Id sharedApplication() { return send(objc::classNamed("NSApplication"), "sharedApplication"); }
+
+}  // namespace
+
+struct Window::State {
+  State(double width, double height, Options options)
+      : window(makeWindow(width, height, options)), willClose([this](Id) { tellWillClose(); }) {}
+
+  void tellWillClose() {
+    // A copy: the handler may set another one while it runs.
+    const auto handler = willCloseHandler;
+    if (handler) {
+      handler();
+    }
+  }
+
+  void add(const objc::Object& view) { send<void>(send(window, "contentView"), "addSubview:", view); }
+
+  objc::Object window;
+  std::function<void()> willCloseHandler;
+  Callback willClose;
+  std::vector<std::unique_ptr<Callback>> buttonCallbacks;  // a button does not own its target
+};
+
+Window::Window(std::string_view title, double width, double height, Options options) {
+  const objc::AutoreleasePool pool;
+  state_ = std::make_unique<State>(width, height, options);
+  setTitle(title);
+  const objc::Sel action = Callback::action();
+  send<void>(notificationCenter(), "addObserver:selector:name:object:", state_->willClose.target(), action,
+             objc::string(kWindowWillClose), state_->window);
+}
+
+Window::~Window() {
+  {
+    const objc::AutoreleasePool pool;
+    send<void>(notificationCenter(), "removeObserver:", state_->willClose.target());
+    send<void>(state_->window, "orderOut:", nullptr);
+  }
+  // A button whose press led here is still at work: the native window stays until the event is done.
+  const objc::Object window = state_->window;
+  send(send(window, "retain"), "autorelease");
+}
+
+void Window::setTitle(std::string_view title) {
+  send<void>(state_->window, "setTitle:", objc::string(title));
+}
+
+std::string Window::title() const {
+  const objc::AutoreleasePool pool;
+  return objc::text(send(state_->window, "title"));
+}
+
+void Window::center() { send<void>(state_->window, "center"); }
+
+void Window::setContentSize(double width, double height) {
+  const auto before = send<objc::Rect>(state_->window, "frame");
+  send<void>(state_->window, "setContentSize:", objc::Size{width, height});
+  send<void>(state_->window,
+             "setFrameTopLeftPoint:", objc::Point{before.origin.x, before.origin.y + before.size.height});
+}
+
+void Window::show() { send<void>(state_->window, "makeKeyAndOrderFront:", nullptr); }
+void Window::close() { send<void>(state_->window, "close"); }
+bool Window::isVisible() const { return send<bool>(state_->window, "isVisible"); }
+void Window::setWillClose(std::function<void()> handler) { state_->willCloseHandler = std::move(handler); }
+
+long Window::runModal() {
+  return send<objc::Integer>(sharedApplication(), "runModalForWindow:", state_->window);
+}
+
+void Window::stopModal(long code) {
+  send<void>(sharedApplication(), "stopModalWithCode:", objc::Integer{code});
+}
+
+Label Window::addLabel(const Frame& frame, std::string_view text, bool selectable, TextStyle style) {
+  const objc::AutoreleasePool pool;
+  objc::Object field = makeField(frame, text);
+  send<void>(field, "setEditable:", false);
+  send<void>(field, "setSelectable:", selectable);
+  send<void>(field, "setBezeled:", false);
+  send<void>(field, "setBordered:", false);
+  send<void>(field, "setDrawsBackground:", false);
+  send<void>(field, "setFont:", fontOf(style));
+  send<void>(send(field, "cell"), "setWraps:", true);
+  state_->add(field);
+  return Label(std::move(field));
+}
+
+TextField Window::addTextField(const Frame& frame, std::string_view text) {
+  const objc::AutoreleasePool pool;
+  objc::Object field = makeField(frame, text);
+  state_->add(field);
+  return TextField(std::move(field));
+}
+
+ProgressBar Window::addProgressBar(const Frame& frame) {
+  const objc::AutoreleasePool pool;
+  objc::Object bar = allocated("NSProgressIndicator", frame);
+  send<void>(bar, "setStyle:", kProgressBar);
+  send<void>(bar, "setIndeterminate:", false);
+  state_->add(bar);
+  return ProgressBar(std::move(bar));
+}
+
+Icon Window::addApplicationIcon(const Frame& frame) {
+  const objc::AutoreleasePool pool;
+  objc::Object view = allocated("NSImageView", frame);
+  send<void>(view, "setImageScaling:", kScaleProportionallyUpOrDown);
+  send<void>(view, "setImage:", send(sharedApplication(), "applicationIconImage"));
+  state_->add(view);
+  return Icon(std::move(view));
+}
+
+Button Window::addButton(const Frame& frame, std::string_view title, std::string_view keyEquivalent,
+                         std::function<void()> onClick) {
+  const objc::AutoreleasePool pool;
+  const auto& callback = state_->buttonCallbacks.emplace_back(
+      std::make_unique<Callback>([onClick = std::move(onClick)](Id) { onClick(); }));
+  objc::Object native = allocated("NSButton", frame);
+  send<void>(native, "setBezelStyle:", kBezelStyleRounded);
+  send<void>(native, "setButtonType:", kMomentaryPushIn);
+  send<void>(native, "setTarget:", callback->target());
+  send<void>(native, "setAction:", Callback::action());
+  send<void>(native, "setKeyEquivalent:", objc::string(keyEquivalent));
+  Button button(native);
+  button.setTitle(title);
+  state_->add(native);
+  return button;
+}
+
+void Window::setTabOrder(const std::vector<Button>& buttons) {
+  for (std::size_t i = 0; i < buttons.size(); ++i) {
+    const Button& next = buttons[(i + 1) % buttons.size()];
+    send<void>(buttons[i].view(), "setNextKeyView:", next.view());
+  }
+  if (!buttons.empty()) {
+    send<void>(state_->window, "setInitialFirstResponder:", buttons.front().view());
+  }
+}
+
+}  // namespace karno::platform::cocoa

@@ -1,0 +1,177 @@
+#include "look.h"
+
+#include <fmt/format.h>
+#include <objc/runtime.h>
+
+#include "platform/cocoa/strings.h"
+#include "scenario.h"
+
+namespace karno::test {
+namespace {
+
+namespace objc = platform::objc;
+using objc::Id;
+
+constexpr double kButtonWidthMin = 82;
+constexpr double kTextInset = 2;
+constexpr double kRounding = 0.5;
+
+// Messages that only tests send, and which the launcher's table does not have.
+template <class R = Id, class... Args>
+R ask(Id receiver, const char* selector, Args... arguments) {
+  const objc::Sel message = sel_registerName(selector);
+  const auto method = reinterpret_cast<R (*)(Id, objc::Sel, Args...)>(
+      objc::detail::messageFunction(receiver, message, sizeof(objc::Rect) == sizeof(R)));
+  return method(receiver, message, arguments...);
+}
+
+Id application() { return reinterpret_cast<Id>(objc_getClass("NSApplication")); }
+Id allWindows() { return ask(ask(application(), "sharedApplication"), "windows"); }
+
+std::vector<Id> elements(Id array) {
+  std::vector<Id> found;
+  for (objc::UInteger i = 0; i < ask<objc::UInteger>(array, "count"); ++i) {
+    found.push_back(ask(array, "objectAtIndex:", i));
+  }
+  return found;
+}
+
+std::string textOf(Id view, const std::string& className) {
+  if (className == "NSButton") return objc::text(ask(view, "title"));
+  if (className == "NSTextField") return objc::text(ask(view, "stringValue"));
+  return "";
+}
+
+SeenView seen(Id view) {
+  const std::string className = object_getClassName(view);
+  return {.className = className,
+          .text = textOf(view, className),
+          .frame = ask<objc::Rect>(view, "frame"),
+          .view = objc::Object::retaining(view)};
+}
+
+SeenWindow seenWindow(Id window) {
+  const Id content = ask(window, "contentView");
+  SeenWindow result{.title = objc::text(ask(window, "title")),
+                    .contentSize = ask<objc::Rect>(content, "frame").size,
+                    .views = {}};
+  for (const Id view : elements(ask(content, "subviews"))) result.views.push_back(seen(view));
+  return result;
+}
+
+SeenWindow theWindow() {
+  const auto windows = visibleWindows();
+  return windows.size() == 1 ? windows.front() : SeenWindow{};
+}
+
+bool isOutside(const objc::Rect& frame, const objc::Size& content) {
+  return frame.origin.x < 0 || frame.origin.y < 0 || frame.origin.x + frame.size.width > content.width ||
+         frame.origin.y + frame.size.height > content.height;
+}
+
+bool overlap(const objc::Rect& a, const objc::Rect& b) {
+  return a.origin.x + kRounding < b.origin.x + b.size.width &&
+         b.origin.x + kRounding < a.origin.x + a.size.width &&
+         a.origin.y + kRounding < b.origin.y + b.size.height &&
+         b.origin.y + kRounding < a.origin.y + a.size.height;
+}
+
+bool isCut(const SeenView& label) {
+  const objc::Size room{label.frame.size.width - 2 * kTextInset, 100000};
+  const auto needed = ask<objc::Rect>(ask(label.view.get(), "attributedStringValue"),
+                                      "boundingRectWithSize:options:", room, objc::UInteger{3});
+  return needed.size.height > label.frame.size.height + kRounding ||
+         needed.size.width > room.width + kRounding;
+}
+
+double titleWidth(const SeenView& button) {
+  return ask<objc::Size>(ask(button.view.get(), "cell"), "cellSize").width;
+}
+
+std::string complaintsAbout(const SeenView& view, const objc::Size& content) {
+  std::string found;
+  if (isOutside(view.frame, content)) found += fmt::format("outside: {} {}\n", view.className, view.text);
+  if (view.className == "NSTextField" && !view.text.empty() && isCut(view)) {
+    found += fmt::format("cut: {}\n", view.text);
+  }
+  if (view.className == "NSButton" && titleWidth(view) > view.frame.size.width) {
+    found += fmt::format("too narrow: {}\n", view.text);
+  }
+  if (view.className == "NSButton" && view.frame.size.width < kButtonWidthMin) {
+    found += fmt::format("hard to hit: {}\n", view.text);
+  }
+  return found;
+}
+
+// With the mouse held for a moment, as a person holds it.
+std::string clickCommand(double x, double y) {
+  return fmt::format(
+      "xdotool mousemove --window $(xdotool getactivewindow) {:.0f} {:.0f} && xdotool mousedown 1 && sleep "
+      "0.2 && "
+      "xdotool mouseup 1",
+      x, y);
+}
+
+}  // namespace
+
+std::vector<SeenWindow> visibleWindows() {
+  const objc::AutoreleasePool pool;
+  std::vector<SeenWindow> found;
+  for (const Id window : elements(allWindows())) {
+    if (ask<objc::Boolean>(window, "isVisible") != 0) found.push_back(seenWindow(window));
+  }
+  return found;
+}
+
+std::size_t windowCount() {
+  const objc::AutoreleasePool pool;
+  return elements(allWindows()).size();
+}
+
+std::string textsOnScreen() {
+  std::string texts;
+  for (const SeenView& view : theWindow().views) {
+    if (!view.text.empty()) texts += view.text + "\n";
+  }
+  return texts;
+}
+
+std::string barOnScreen() {
+  const objc::AutoreleasePool pool;
+  for (const SeenView& view : theWindow().views) {
+    if (view.className == "NSProgressIndicator") {
+      const Id bar = view.view.get();
+      return fmt::format("{} to {}, at {}", ask<double>(bar, "minValue"), ask<double>(bar, "maxValue"),
+                         ask<double>(bar, "doubleValue"));
+    }
+  }
+  return "no bar";
+}
+
+std::string complaints() {
+  const objc::AutoreleasePool pool;
+  const SeenWindow window = theWindow();
+  std::string found = window.views.empty() ? "no window\n" : "";
+  for (std::size_t i = 0; i < window.views.size(); ++i) {
+    found += complaintsAbout(window.views[i], window.contentSize);
+    for (std::size_t j = 0; j < i; ++j) {
+      if (overlap(window.views[i].frame, window.views[j].frame)) {
+        found += fmt::format("on top of another: {} / {}\n", window.views[i].text, window.views[j].text);
+      }
+    }
+  }
+  return found.empty() ? "nothing" : found;
+}
+
+void clickWhenActive(std::string_view title) {
+  const SeenWindow window = theWindow();
+  for (const SeenView& view : window.views) {
+    if (view.className == "NSButton" && view.text == title) {
+      const double x = view.frame.origin.x + view.frame.size.width / 2;
+      const double y = window.contentSize.height - view.frame.origin.y - view.frame.size.height / 2;
+      runWhenActive(clickCommand(x, y));
+    }
+  }
+}
+
+}  // namespace karno::test

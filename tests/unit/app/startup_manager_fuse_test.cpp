@@ -1,0 +1,287 @@
+#include <gmock/gmock.h>
+
+#include "app/startup_manager.h"
+#include "fake_platform.h"
+#include "launcher.h"
+#include "printing.h"
+
+namespace karno {
+namespace {
+
+using test::FakePlatform;
+using test::Line;
+using test::StartupRecorder;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr const char* kStrings = R"({"MESSAGE_FUSE_INSTALL_REQUIRED": "macFUSE is needed.",
+  "MESSAGE_FUSE_INSTALL": "Install it.", "MESSAGE_FUSE_INSTALL_CONTINUE": "Have you installed it?",
+  "OK": "Fine", "CONTINUE": "Go on", "CANCEL": "Stop"})";
+
+const platform::Alert kInstallAlert{.style = platform::AlertStyle::Critical,
+                                    .messageText = "macFUSE is needed.",
+                                    .informativeText = "Install it.",
+                                    .buttons = {{.title = "Fine", .keyEquivalent = ""}}};
+
+const platform::Alert kContinueAlert{
+    .style = platform::AlertStyle::Critical,
+    .messageText = "macFUSE is needed.",
+    .informativeText = "Have you installed it?",
+    .buttons = {{.title = "Go on", .keyEquivalent = ""}, {.title = "Stop", .keyEquivalent = "\033"}}};
+
+StartupManager& manager() { return StartupManager::instance(); }
+
+std::shared_ptr<StartupRecorder> recordCallsOf(FakePlatform& machine) {
+  machine.withFirstStartup(false).withStrings(kStrings).withSystem("14.5", "arm64");
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  manager().setDelegate(delegate);
+  return delegate;
+}
+
+TEST(FuseDownload, OpensTheWebSiteOnAGlobalQueue) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+
+  manager().fuseNeedsInstalling();
+  EXPECT_THAT(machine.workspace.opened, IsEmpty());
+  machine.runUntilIdle();
+
+  EXPECT_THAT(machine.workspace.opened,
+              ElementsAre(test::FakeWorkspace::Opened{"https://macfuse.github.io", "global(0)"}));
+  EXPECT_THAT(
+      machine.consoleMessages(),
+      ElementsAre(Line("INFO", "Startup[FUSE] Showing macFuse website and asking user to install Fuse")));
+}
+
+TEST(FuseDownload, TakesTheWebSiteFromTheBundle) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.bundles.main().info.insert_or_assign("KarnoMacFUSESite", "fuse.example.org");
+
+  manager().informUserToDownloadFuse();
+
+  EXPECT_EQ(machine.workspace.opened.at(0).url, "https://fuse.example.org");
+}
+
+TEST(FuseDownload, AnEmptyWebSiteInTheBundleIsThePublicOne) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.bundles.main().info.insert_or_assign("KarnoMacFUSESite", "");
+
+  manager().informUserToDownloadFuse();
+
+  EXPECT_EQ(machine.workspace.opened.at(0).url, "https://macfuse.github.io");
+}
+
+TEST(FuseDownload, ShowsTheAlertTwoSecondsLater) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+
+  manager().informUserToDownloadFuse();
+  machine.runFor(1.9);
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+  machine.runFor(0.2);
+
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kInstallAlert));
+  EXPECT_THAT(
+      machine.consoleMessages(),
+      ElementsAre(Line("INFO", "Startup[FUSE] Showing macFuse website and asking user to install Fuse"),
+                  Line("INFO", "Startup[FUSE] Waiting for Fuse to install")));
+}
+
+TEST(FuseDownload, WaitsWhileTheAlertIsStillUp) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  std::vector<std::string> callsWhileUp;
+  machine.alerts.answerNext(1000, [&] {
+    machine.withFuse("4.4.1");
+    machine.runFor(10);
+    callsWhileUp = delegate->calls;
+  });
+
+  manager().informUserToDownloadFuse();
+  machine.runFor(3);
+
+  EXPECT_THAT(callsWhileUp, ElementsAre("checked on it.vantul.KarnoWrapper.download-wait"));
+}
+
+TEST(FuseDownload, AnyAnswerToTheAlertIsIgnored) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.alerts.answerNext(1001);
+
+  manager().informUserToDownloadFuse();
+  machine.runFor(60);
+
+  EXPECT_THAT(delegate->calls, IsEmpty());
+  EXPECT_EQ(machine.application.terminations(), 0);
+}
+
+TEST(FuseDownload, PollsForTheFirstTimeTwoSecondsAfterTheWaitBegan) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.withFuse("4.4.1");
+
+  manager().informUserToDownloadFuse();
+  machine.runFor(3.9);
+  EXPECT_THAT(delegate->calls, IsEmpty());
+  machine.runFor(0.2);
+
+  EXPECT_THAT(delegate->calls, ElementsAre("checked on it.vantul.KarnoWrapper.download-wait"));
+}
+
+TEST(FuseDownload, PollsQuietlyEveryTwoSecondsUntilMacFUSEIsGood) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+
+  manager().informUserToDownloadFuse();
+  machine.runFor(3600.5);
+  machine.withFuse("4.0.4");
+  machine.runFor(2);
+  machine.withFuse("4.4.1");
+  machine.runFor(2);
+
+  EXPECT_THAT(
+      machine.consoleMessages(),
+      ElementsAre(Line("INFO", "Startup[FUSE] Showing macFuse website and asking user to install Fuse"),
+                  Line("INFO", "Startup[FUSE] Waiting for Fuse to install"),
+                  Line("WARN", "FuseRequirements: System requirements not met"),
+                  Line("INFO", "FuseRequirements: System requirements have been met"),
+                  Line("INFO", "Startup[FUSE] Fuse is installed")));
+  EXPECT_THAT(delegate->calls, ElementsAre("checked on it.vantul.KarnoWrapper.download-wait"));
+}
+
+TEST(FuseDownload, StopsPollingOnceMacFUSEIsThere) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.withFuse("4.4.1");
+
+  manager().informUserToDownloadFuse();
+  machine.runFor(100);
+
+  EXPECT_EQ(delegate->calls.size(), 1U);
+  EXPECT_EQ(machine.consoleMessages().back(), Line("INFO", "Startup[FUSE] Fuse is installed"));
+}
+
+TEST(FuseDownload, DoesNotLookAtACancel) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  manager().setCancelled(true);
+
+  manager().informUserToDownloadFuse();
+  machine.runFor(60);
+  machine.withFuse("4.4.1");
+  machine.runFor(2);
+
+  EXPECT_THAT(delegate->calls, ElementsAre("checked on it.vantul.KarnoWrapper.download-wait"));
+}
+
+TEST(FuseDownload, UsesOneQueueForEveryWait) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+
+  manager().informUserToDownloadFuse();
+  manager().informUserToDownloadFuse();
+  machine.runFor(10);
+
+  EXPECT_EQ(std::ranges::count(machine.dispatch.serialQueues(), "it.vantul.KarnoWrapper.download-wait"), 1);
+  EXPECT_EQ(machine.alerts.shown().size(), 1U);
+}
+
+TEST(ManualInstall, AsksAfterTwoSeconds) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.alerts.answerNext(1002);
+
+  manager().continueAfterManualInstall();
+  machine.runFor(1.9);
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+  machine.runFor(0.2);
+
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kContinueAlert));
+  EXPECT_EQ(std::ranges::count(machine.dispatch.serialQueues(), "it.vantul.KarnoWrapper.fuse.install.wait"),
+            1);
+}
+
+TEST(ManualInstall, AnotherAnswerDoesNothing) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.alerts.answerNext(1002);
+
+  manager().continueAfterManualInstall();
+  machine.runFor(60);
+
+  EXPECT_THAT(delegate->calls, IsEmpty());
+  EXPECT_THAT(machine.console(), IsEmpty());
+}
+
+TEST(ManualInstall, CancelEndsTheSetup) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.alerts.answerNext(1001);
+
+  manager().continueAfterManualInstall();
+  machine.runFor(3);
+
+  EXPECT_THAT(delegate->calls, ElementsAre("setup failed on main"));
+  EXPECT_THAT(machine.console(), IsEmpty());
+}
+
+TEST(ManualInstall, ContinueChecksTheSystemAgain) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.withFuse("4.4.1");
+  machine.alerts.answerNext(1000);
+
+  manager().continueAfterManualInstall();
+  machine.runFor(3);
+
+  EXPECT_EQ(machine.consoleMessages().at(0),
+            Line("INFO", "Startup[FUSE] User has continued after installing Fuse"));
+  EXPECT_THAT(delegate->calls, ElementsAre("checked on global(0)"));
+}
+
+TEST(ProgressCancel, ClosesTheWindowOnTheMainThreadAndEndsTheSetup) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  const auto controller = ProgressWindowController::make();
+  controller->setDelegate(manager().weak_from_this());
+  manager().setProgressController(controller);
+  controller->showWindow();
+  EXPECT_FALSE(manager().cancelled());
+
+  machine.windows.progress.at(0)->cancelButton.press();
+
+  EXPECT_TRUE(manager().cancelled());
+  EXPECT_THAT(delegate->calls, ElementsAre("setup failed on main"));
+  EXPECT_EQ(manager().progressController(), controller);
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("WARN", "Startup[FUSE] User decided not to install fuse")));
+  machine.runUntilIdle();
+  EXPECT_EQ(manager().progressController(), nullptr);
+  EXPECT_THAT(machine.windows.progress.at(0)->calls, ElementsAre("show", "close"));
+}
+
+TEST(HideProgress, HopsToTheMainThread) {
+  FakePlatform machine;
+  manager().setProgressController(ProgressWindowController::make());
+
+  machine.onThread([] { manager().hideProgress(); });
+  machine.runUntilIdle();
+
+  EXPECT_EQ(manager().progressController(), nullptr);
+  EXPECT_THAT(machine.windows.progress.at(0)->calls, ElementsAre("close"));
+}
+
+TEST(HideProgress, WithoutAWindowDoesNothing) {
+  FakePlatform machine;
+
+  manager().hideProgress();
+  machine.runUntilIdle();
+
+  EXPECT_EQ(manager().progressController(), nullptr);
+  EXPECT_THAT(machine.console(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace karno

@@ -1,0 +1,212 @@
+#include <gmock/gmock.h>
+
+#include "app/karno_embedded_app.h"
+#include "app/startup_manager.h"
+#include "fake_platform.h"
+#include "launcher.h"
+#include "printing.h"
+
+namespace karno {
+namespace {
+
+using test::FakePlatform;
+using test::Line;
+using test::StartupRecorder;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+const Error kRefused("NSCocoaErrorDomain", 4, {{"NSLocalizedDescription", "The file is damaged."}});
+
+StartupManager& manager() { return StartupManager::instance(); }
+
+std::vector<std::string> messagesOf(const FakePlatform& machine) {
+  std::vector<std::string> messages;
+  for (const Line& line : machine.consoleMessages()) messages.push_back(line.message);
+  return messages;
+}
+
+// A launcher whose File Provider build runs as process 5001.
+class Restart : public ::testing::Test {
+ protected:
+  Restart() : delegate(std::make_shared<StartupRecorder>(machine)) {
+    machine.withEmbeddedBuilds().withAdmin("USE_FILE_PROVIDER", "true");
+    manager().setDelegate(delegate);
+    manager().launchKarnoWithCompletion([](bool, const std::optional<Error>&) {});
+    machine.workspace.running = {{.processIdentifier = 5001, .bundleIdentifier = "it.vantul.Karno"}};
+  }
+
+  void endChild() {
+    machine.workspace.running.clear();
+    machine.tasks.end(5001);
+  }
+
+  FakePlatform machine;
+  std::shared_ptr<StartupRecorder> delegate;
+};
+
+TEST_F(Restart, SetsTheFlagBeforeItReturns) {
+  manager().restartKarno();
+
+  EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_THAT(machine.workspace.asked, IsEmpty());
+}
+
+TEST_F(Restart, LaunchesTheApplicationAgainOnceItHasQuit) {
+  manager().restartKarno();
+  machine.runFor(1.1);
+  endChild();
+  machine.runFor(2);
+
+  EXPECT_THAT(machine.tasks.running(), ElementsAre(5002));
+  EXPECT_EQ(manager().embeddedKarnoProcessIdentifier(), 5002);
+  EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_THAT(delegate->calls, ElementsAre("launched on global(0)"));
+  EXPECT_EQ(machine.application.terminations(), 0);
+  EXPECT_THAT(messagesOf(machine),
+              Contains("Startup[TERMINATED] Embedded Karno.app terminated. Reason: Being restarted"));
+}
+
+TEST_F(Restart, DoesNotStartTheUpdaterAgain) {
+  manager().restartKarno();
+  endChild();
+  machine.runFor(2);
+
+  EXPECT_THAT(machine.tasks.running(), ElementsAre(5002));
+  EXPECT_THAT(messagesOf(machine), Not(Contains("Sparkle[START] Starting Up")));
+}
+
+TEST_F(Restart, FailsWhenTheApplicationStays) {
+  manager().restartKarno();
+  machine.runFor(4.9);
+  EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
+  machine.runFor(0.2);
+
+  EXPECT_EQ(machine.consoleMessages().back(),
+            Line("*** ERROR ***", "Startup[RESTART] Failed to restart Karno - because it has not exited"));
+  EXPECT_THAT(delegate->calls, ElementsAre("launch failed on global(0)"));
+  EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_THAT(machine.tasks.running(), ElementsAre(5001));
+  EXPECT_THAT(machine.processes.signalled, IsEmpty());
+}
+
+TEST_F(Restart, TellsWhenTheNewLaunchFails) {
+  machine.tasks.failNextLaunch(kRefused);
+
+  manager().restartKarno();
+  endChild();
+  machine.runFor(2);
+
+  EXPECT_EQ(machine.consoleMessages().back(),
+            Line("*** ERROR ***", "Startup[RESTART] Failed to restart Karno. Reason: The file is damaged."));
+  EXPECT_THAT(delegate->calls, ElementsAre("launch failed on global(0)"));
+}
+
+TEST_F(Restart, TakesAnEndThatIsToldLateForUnplanned) {
+  machine.workspace.running.clear();
+
+  manager().restartKarno();
+  machine.runFor(0.6);
+  machine.tasks.end(5001);
+  machine.runFor(6);
+
+  EXPECT_THAT(messagesOf(machine), Contains("Startup[TERMINATED] Embedded Karno.app terminated - quitting"));
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST(RestartWithoutABundle, LaunchesAtOnceAndFails) {
+  FakePlatform machine;
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  manager().setDelegate(delegate);
+
+  manager().restartKarno();
+  machine.runUntilIdle();
+
+  EXPECT_THAT(machine.workspace.asked, IsEmpty());
+  EXPECT_EQ(machine.consoleMessages().back(),
+            Line("*** ERROR ***",
+                 "Startup[RESTART] Failed to restart Karno. Reason: Could not find embedded Karno app"));
+  EXPECT_THAT(delegate->calls, ElementsAre("launch failed on global(0)"));
+}
+
+TEST_F(Restart, OfTheLauncherOpensItAnewAndQuits) {
+  manager().restartWrapperForFuse();
+  EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
+  endChild();
+  machine.runFor(10);
+
+  const auto& opened = machine.tasks.launches().at(1);
+  EXPECT_EQ(opened.executablePath, "/usr/bin/open");
+  EXPECT_THAT(opened.arguments,
+              ElementsAre("-n", "/Applications/Karno.app", "--args", "-launch", "Karno(Fuse).app"));
+  EXPECT_EQ(opened.thread, "main");
+  const std::vector<std::string> messages = messagesOf(machine);
+  EXPECT_THAT(messages,
+              Contains("Startup[RESTART] Karno has quit - restarting wrapper (-launch Karno(Fuse).app)"));
+  EXPECT_EQ(machine.log().back(), Line("INFO", "AppDelegate[TERMINATE] Reason: Restart Wrapper"));
+  EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_EQ(machine.application.terminations(), 1);
+  EXPECT_THAT(delegate->calls, IsEmpty());
+}
+
+TEST_F(Restart, OfTheLauncherWaitsForTheBuildThatRunsNow) {
+  manager().restartWrapperForFuse();
+  machine.runFor(1);
+
+  EXPECT_EQ(machine.workspace.asked.at(0).bundleIdentifier, "it.vantul.Karno");
+  EXPECT_EQ(machine.tasks.launches().size(), 1U);
+}
+
+TEST_F(Restart, OfTheLauncherFailsWhenTheApplicationStays) {
+  manager().restartWrapperForFileProvider();
+  machine.runFor(6);
+
+  EXPECT_EQ(
+      machine.consoleMessages().back(),
+      Line("*** ERROR ***", "Startup[RESTART] Failed to restart Wrapper - because Karno has not exited"));
+  EXPECT_THAT(delegate->calls, ElementsAre("launch failed on global(0)"));
+  EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_EQ(machine.application.terminations(), 0);
+}
+
+TEST_F(Restart, OfTheLauncherQuitsAlsoWhenItCannotBeOpened) {
+  machine.tasks.failNextLaunch(kRefused);
+
+  manager().restartWrapperForAppEmbeddedName("Other.app");
+  endChild();
+  machine.runFor(10);
+
+  EXPECT_THAT(messagesOf(machine),
+              Contains("Startup[RESTART] Failed to restart wrapper. Reason: " + kRefused.description()));
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST_F(Restart, OfTheLauncherKeepsTheBuild) {
+  manager().restartWrapper();
+  endChild();
+  machine.runFor(10);
+
+  EXPECT_EQ(machine.tasks.launches().at(1).arguments.back(), "Karno.app");
+}
+
+class AppType : public ::testing::TestWithParam<std::pair<KarnoAppType, std::string>> {};
+
+TEST_P(AppType, DecidesWhatTheLauncherIsRestartedWith) {
+  FakePlatform machine;
+  KarnoEmbeddedApp::manager().setAppType(GetParam().first);
+
+  manager().restartWrapper();
+  machine.runFor(10);
+
+  EXPECT_EQ(machine.tasks.launches().at(0).arguments.back(), GetParam().second);
+}
+
+INSTANTIATE_TEST_SUITE_P(RestartWrapper, AppType,
+                         ::testing::Values(std::pair{KarnoAppType::FileProvider, "Karno.app"},
+                                           std::pair{KarnoAppType::Fuse, "Karno(Fuse).app"},
+                                           std::pair{KarnoAppType{2}, "Karno(Fuse).app"},
+                                           std::pair{KarnoAppType{-1}, "Karno(Fuse).app"}));
+
+}  // namespace
+}  // namespace karno
