@@ -15,6 +15,7 @@
 
 #include "platform/cocoa/property_lists.h"
 #include "platform/linux/property_list_file.h"
+#include "platform/posix/running_children.h"
 #include "platform/posix/whole_file.h"
 
 namespace karno::platform::cocoa {
@@ -99,21 +100,33 @@ class Identifiers {
   std::map<std::string, std::optional<std::string>> known_;
 };
 
+bool isOfBundle(const std::string& executable, const std::string& bundleIdentifier,
+                Identifiers& identifiers) {
+  const std::optional<std::string> bundle = bundleOf(executable);
+  return bundle && identifiers.of(*bundle) == bundleIdentifier;
+}
+
 }  // namespace
 
 std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::string& bundleIdentifier) {
   std::vector<RunningApplication> found;
+  const auto add = [&](std::int32_t process) {
+    found.push_back({.processIdentifier = process, .bundleIdentifier = bundleIdentifier});
+  };
   Identifiers identifiers;
+  const std::map<std::int32_t, std::string> children = RunningChildren::instance().all();
+  for (const auto& [process, executable] : children) {
+    if (isOfBundle(executable, bundleIdentifier, identifiers)) add(process);
+  }
+
   std::error_code error;
   for (fs::directory_iterator entry("/proc", error); !error && entry != fs::directory_iterator();
        entry.increment(error)) {
     const std::optional<std::int32_t> process = processIdentifierOf(entry->path());
-    if (!process || !belongsToThisUser(entry->path())) continue;
+    if (!process || children.contains(*process) || !belongsToThisUser(entry->path())) continue;
     const std::optional<std::string> executable = executableOf(entry->path());
-    const std::optional<std::string> bundle = executable ? bundleOf(*executable) : std::nullopt;
-    if (!bundle || identifiers.of(*bundle) != bundleIdentifier) continue;
-    if (!belongsToThisMachine(entry->path())) continue;
-    found.push_back({.processIdentifier = *process, .bundleIdentifier = bundleIdentifier});
+    if (!executable || !isOfBundle(*executable, bundleIdentifier, identifiers)) continue;
+    if (belongsToThisMachine(entry->path())) add(*process);
   }
   return found;
 }

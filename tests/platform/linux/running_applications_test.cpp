@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -100,6 +101,27 @@ TEST(RunningApplications, AreNoZombies) {
   process.becomeZombie();
 
   EXPECT_THAT(processesOf("test.vantul.Zombie"), IsEmpty());
+}
+
+// Whoever sees that a child has gone can rely on its end having been told.
+TEST(RunningApplications, AmongTheOwnChildrenStayUntilTheirEndHasBeenHandled) {
+  const TemporaryFolder folder;
+  const std::string executable = makeSleepingBundle(folder, "Karno", "test.vantul.Handled");
+  std::promise<void> told;
+  std::promise<void> release;
+  const auto child =
+      host().tasks.launch({.executablePath = executable, .arguments = {"0"}}, [&](const TaskEnd&) {
+        told.set_value();
+        release.get_future().wait();
+      });
+
+  ASSERT_TRUE(child);
+  told.get_future().wait();
+  const std::vector<int> whileHandled = processesOf("test.vantul.Handled");
+  release.set_value();
+  while (!processesOf("test.vantul.Handled").empty()) std::this_thread::yield();
+
+  EXPECT_THAT(whileHandled, ElementsAre(child.value()));
 }
 
 TEST(RunningApplications, HaveAnExecutableThatIsStillThere) {
