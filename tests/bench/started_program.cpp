@@ -12,18 +12,13 @@
 #include <sstream>
 #include <thread>
 
+#include "spoken_program.h"
 #include "workplace.h"
 
 namespace karno::bench {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::int64_t monotonicNanoseconds() {
-  timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return 1'000'000'000LL * now.tv_sec + now.tv_nsec;
-}
 
 // The value of a line such as "VmRSS:     1234 kB" of a /proc status file.
 std::uint64_t statusValue(const fs::path& file, const std::string& key) {
@@ -55,7 +50,11 @@ Programs stage() {
   std::ofstream(version)
       << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
          "<plist version=\"1.0\"><dict><key>ProductVersion</key><string>14.5</string></dict></plist>\n";
-  return {bundle / "Contents" / "MacOS" / "Karno", bench / "minimal_application", bench / "start_probe"};
+  return {.launcher = bundle / "Contents" / "MacOS" / "Karno",
+          .minimal = bench / "minimal_application",
+          .probe = bench / "start_probe",
+          .bareObserver = bench / "bare_observer",
+          .bareWaiter = bench / "bare_waiter"};
 }
 
 }  // namespace

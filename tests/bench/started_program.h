@@ -8,12 +8,14 @@
 
 namespace karno::bench {
 
-// A bundle whose embedded application is the start probe, and the minimal program that stands beside the
+// A bundle whose embedded application is the start probe, and the minimal programs that stand beside the
 // launcher.
 struct Programs {
   std::filesystem::path launcher;
   std::filesystem::path minimal;
   std::filesystem::path probe;
+  std::filesystem::path bareObserver;
+  std::filesystem::path bareWaiter;
 
   // Stages them in the workplace, once.
   static const Programs& staged();

@@ -14,4 +14,10 @@ MachineTools builtTools() {
 
 std::filesystem::path postNotification() { return ownFolder() / "karno_post_notification"; }
 
+std::filesystem::path childStorm() { return ownFolder() / "karno_child_storm"; }
+
+std::filesystem::path stormClient() { return ownFolder() / "karno_storm_client"; }
+
+std::filesystem::path withDisplay() { return std::filesystem::canonical(ownFolder() / KARNO_WITH_DISPLAY); }
+
 }  // namespace karno::test

@@ -11,4 +11,11 @@ MachineTools builtTools();
 // The program that posts notifications of any kind.
 std::filesystem::path postNotification();
 
+// The program that ends children in random ways, and the one that its children run.
+std::filesystem::path childStorm();
+std::filesystem::path stormClient();
+
+// The command that gives another one a display and a session bus of its own.
+std::filesystem::path withDisplay();
+
 }  // namespace karno::test

@@ -1,13 +1,14 @@
 // Posts distributed notifications that no well-behaved client would:
 //   karno_post_notification NAME OBJECT COUNT [KEY=STRING | KEY:=INTEGER]...
 // An OBJECT of "-" posts without an object. In a STRING, "%" becomes the number of the notification, from 1
-// to COUNT, in five digits.
+// to COUNT, in five digits; of texts with "|" between them each is posted in its turn.
 #include <fmt/format.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,18 @@ namespace {
 using karno::platform::DistributedNotification;
 using karno::platform::Value;
 
+std::string textInTurn(const std::string& texts, int number) {
+  std::vector<std::string> all;
+  std::istringstream stream(texts);
+  for (std::string text; std::getline(stream, text, '|');) all.push_back(text);
+  if (all.empty()) return {};
+  std::string text = all[static_cast<std::size_t>(number - 1) % all.size()];
+  if (const std::size_t mark = text.find('%'); mark != std::string::npos) {
+    text.replace(mark, 1, fmt::format("{:05}", number));
+  }
+  return text;
+}
+
 Value::Dictionary userInfo(const std::vector<std::string>& words, int number) {
   Value::Dictionary result;
   for (const std::string& word : words) {
@@ -26,11 +39,7 @@ Value::Dictionary userInfo(const std::vector<std::string>& words, int number) {
       result.emplace(word.substr(0, equals - 1), std::int64_t{std::stoll(word.substr(equals + 1))});
       continue;
     }
-    std::string text = word.substr(equals + 1);
-    if (const std::size_t mark = text.find('%'); mark != std::string::npos) {
-      text.replace(mark, 1, fmt::format("{:05}", number));
-    }
-    result.emplace(word.substr(0, equals), text);
+    result.emplace(word.substr(0, equals), textInTurn(word.substr(equals + 1), number));
   }
   return result;
 }

@@ -93,11 +93,31 @@ bool Machine::waitUntil(const std::function<bool()>& condition, std::chrono::sec
   return true;
 }
 
-bool Machine::waitForMessage(const std::string& message, std::chrono::seconds limit) const {
+std::vector<std::vector<std::string>> Machine::logsByProcess() const {
+  static const std::regex kProcess(R"(^\S+ \S+ \((\d+)\) )");
+  std::vector<std::string> processes;
+  std::vector<std::vector<std::string>> logs;
+  std::istringstream lines(contentsOf(logFile()));
+  for (std::string line; std::getline(lines, line);) {
+    std::smatch parts;
+    const std::string process = std::regex_search(line, parts, kProcess) ? parts[1].str() : "";
+    const auto place = std::find(processes.begin(), processes.end(), process);
+    const auto index = static_cast<std::size_t>(place - processes.begin());
+    if (place == processes.end()) {
+      processes.push_back(process);
+      logs.emplace_back();
+    }
+    logs[index].push_back(messageOf(line));
+  }
+  return logs;
+}
+
+bool Machine::waitForMessages(std::ptrdiff_t count, const std::string& message,
+                              std::chrono::seconds limit) const {
   return waitUntil(
       [&] {
         const auto seen = console();
-        return std::find(seen.begin(), seen.end(), message) != seen.end();
+        return std::count(seen.begin(), seen.end(), message) >= count;
       },
       limit);
 }

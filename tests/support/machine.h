@@ -1,5 +1,6 @@
 #pragma once
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -60,9 +61,17 @@ class Machine {
 
   std::filesystem::path logFile() const { return home() / "Library/Logs/Karno for macOS/karno-wrapper.log"; }
 
-  // Waits until the console has that message; false at the limit.
+  // The messages of the log file by the process that wrote them, in the order in which the processes first
+  // appear in it.
+  std::vector<std::vector<std::string>> logsByProcess() const;
+
+  // Waits until the console has that message so many times; false at the limit.
+  bool waitForMessages(std::ptrdiff_t count, const std::string& message,
+                       std::chrono::seconds limit = std::chrono::seconds(30)) const;
   bool waitForMessage(const std::string& message,
-                      std::chrono::seconds limit = std::chrono::seconds(30)) const;
+                      std::chrono::seconds limit = std::chrono::seconds(30)) const {
+    return waitForMessages(1, message, limit);
+  }
   bool waitUntil(const std::function<bool()>& condition, std::chrono::seconds limit) const;
 
   // Process identifiers of the machine's processes whose executable lies at that place.

@@ -7,7 +7,9 @@
 namespace karno::platform::cocoa {
 
 // The running applications from bundles with that identifier. AppKit knows them only on a Mac: GNUstep gui
-// 0.29 has the messages and answers nil. Any thread.
+// 0.29 has the messages and answers nil. On Linux they are the processes of this user and this machine root
+// whose executable lies in X.app/Contents/MacOS; a child of Tasks counts until its termination handler has
+// run. Any thread.
 std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::string& bundleIdentifier);
 
 }  // namespace karno::platform::cocoa

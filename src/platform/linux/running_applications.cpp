@@ -1,48 +1,20 @@
 #include "platform/cocoa/running_applications.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <charconv>
 #include <filesystem>
 #include <map>
 #include <optional>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "platform/cocoa/property_lists.h"
+#include "platform/linux/process_list.h"
 #include "platform/linux/property_list_file.h"
+#include "platform/posix/running_children.h"
 
 namespace karno::platform::cocoa {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::string_view kDeletedSuffix = " (deleted)";  // as the kernel writes it, see proc(5)
-
-std::optional<std::int32_t> processIdentifierOf(const fs::path& entry) {
-  const std::string name = entry.filename().string();
-  std::int32_t number = 0;
-  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
-  if (error != std::errc() || end != name.data() + name.size()) return std::nullopt;
-  return number;
-}
-
-bool belongsToThisUser(const fs::path& process) {
-  struct stat status = {};
-  return ::stat(process.c_str(), &status) == 0 && status.st_uid == ::geteuid();
-}
-
-// Absent for kernel threads, for zombies and for a process that has gone meanwhile, which have no link to
-// follow, and for a file that was removed since.
-std::optional<std::string> executableOf(const fs::path& process) {
-  std::error_code error;
-  std::string path = fs::read_symlink(process / "exe", error).string();
-  if (error) return std::nullopt;
-  if (path.ends_with(kDeletedSuffix) && !fs::exists(path, error)) return std::nullopt;
-  return path;
-}
 
 // The bundle of an executable in X.app/Contents/MacOS.
 std::optional<std::string> bundleOf(const std::string& executable) {
@@ -78,20 +50,30 @@ class Identifiers {
   std::map<std::string, std::optional<std::string>> known_;
 };
 
+bool isOfBundle(const std::string& executable, const std::string& bundleIdentifier,
+                Identifiers& identifiers) {
+  const std::optional<std::string> bundle = bundleOf(executable);
+  return bundle && identifiers.of(*bundle) == bundleIdentifier;
+}
+
 }  // namespace
 
 std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::string& bundleIdentifier) {
   std::vector<RunningApplication> found;
+  const auto add = [&](std::int32_t process) {
+    found.push_back({.processIdentifier = process, .bundleIdentifier = bundleIdentifier});
+  };
   Identifiers identifiers;
-  std::error_code error;
-  for (fs::directory_iterator entry("/proc", error); !error && entry != fs::directory_iterator();
-       entry.increment(error)) {
-    const std::optional<std::int32_t> process = processIdentifierOf(entry->path());
-    if (!process || !belongsToThisUser(entry->path())) continue;
-    const std::optional<std::string> executable = executableOf(entry->path());
-    const std::optional<std::string> bundle = executable ? bundleOf(*executable) : std::nullopt;
-    if (!bundle || identifiers.of(*bundle) != bundleIdentifier) continue;
-    found.push_back({.processIdentifier = *process, .bundleIdentifier = bundleIdentifier});
+  const std::map<std::int32_t, std::string> children = RunningChildren::instance().all();
+  for (const auto& [process, executable] : children) {
+    if (isOfBundle(executable, bundleIdentifier, identifiers)) add(process);
+  }
+
+  std::error_code ignored;
+  for (const RunningProcess& process : LinuxProcessList().runningProcesses()) {
+    if (children.contains(process.processIdentifier)) continue;
+    if (!isOfBundle(process.executablePath, bundleIdentifier, identifiers)) continue;
+    if (fs::exists(process.executablePath, ignored)) add(process.processIdentifier);
   }
   return found;
 }

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <future>
 #include <memory>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -11,6 +12,7 @@
 
 #include "platform/posix/child_registry.h"
 #include "platform/posix/run_block.h"
+#include "platform/posix/running_children.h"
 #include "platform/posix/spawn.h"
 #include "platform/posix/system_differences.h"
 
@@ -56,7 +58,11 @@ class Supervision {
     Result<std::int32_t> child = spawn(task_);
     const bool isRunning = static_cast<bool>(child);
     const std::int32_t processIdentifier = isRunning ? child.value() : 0;
-    if (isRunning) ChildRegistry::instance().beginWatching(processIdentifier);
+    std::optional<RunningChildren::Entry> listed;
+    if (isRunning) {
+      ChildRegistry::instance().beginWatching(processIdentifier);
+      listed.emplace(processIdentifier, task_.executablePath);
+    }
     started_.set_value(std::move(child));
     if (!isRunning) return;
 

@@ -5,10 +5,12 @@
 
 #include <atomic>
 #include <filesystem>
+#include <future>
 #include <thread>
 #include <vector>
 
 #include "../support/bundle_program.h"
+#include "../support/scoped_environment.h"
 #include "../support/started_task.h"
 #include "../support/temporary_folder.h"
 #include "platform/platform.h"
@@ -17,6 +19,7 @@ namespace karno::platform::cocoa {
 namespace {
 
 using test::makeSleepingBundle;
+using test::ScopedEnvironment;
 using test::SleepingProcess;
 using test::StartedTask;
 using test::TemporaryFolder;
@@ -67,6 +70,21 @@ TEST(RunningApplications, InsideAnotherBundleBelongToTheInnerOne) {
   EXPECT_THAT(processesOf("test.vantul.Outer"), IsEmpty());
 }
 
+TEST(RunningApplications, AreThoseOfTheOwnMachine) {
+  const TemporaryFolder folder;
+  const std::string executable = makeSleepingBundle(folder, "Karno", "test.vantul.Machine");
+  const ScopedEnvironment root("KARNO_MACHINE_ROOT", "/srv/first");
+  const SleepingProcess own(executable);
+  root.set("/srv/second");
+  const SleepingProcess neighbours(executable);
+  root.set(std::nullopt);
+  const SleepingProcess nobodys(executable);
+
+  EXPECT_THAT(processesOf("test.vantul.Machine"), ElementsAre(nobodys.identifier()));
+  root.set("/srv/first");
+  EXPECT_THAT(processesOf("test.vantul.Machine"), ElementsAre(own.identifier()));
+}
+
 TEST(RunningApplications, EndWithTheirProcess) {
   const TemporaryFolder folder;
   const std::string executable = makeSleepingBundle(folder, "Karno", "test.vantul.Ends");
@@ -83,6 +101,27 @@ TEST(RunningApplications, AreNoZombies) {
   process.becomeZombie();
 
   EXPECT_THAT(processesOf("test.vantul.Zombie"), IsEmpty());
+}
+
+// Whoever sees that a child has gone can rely on its end having been told.
+TEST(RunningApplications, AmongTheOwnChildrenStayUntilTheirEndHasBeenHandled) {
+  const TemporaryFolder folder;
+  const std::string executable = makeSleepingBundle(folder, "Karno", "test.vantul.Handled");
+  std::promise<void> told;
+  std::promise<void> release;
+  const auto child =
+      host().tasks.launch({.executablePath = executable, .arguments = {"0"}}, [&](const TaskEnd&) {
+        told.set_value();
+        release.get_future().wait();
+      });
+
+  ASSERT_TRUE(child);
+  told.get_future().wait();
+  const std::vector<int> whileHandled = processesOf("test.vantul.Handled");
+  release.set_value();
+  while (!processesOf("test.vantul.Handled").empty()) std::this_thread::yield();
+
+  EXPECT_THAT(whileHandled, ElementsAre(child.value()));
 }
 
 TEST(RunningApplications, HaveAnExecutableThatIsStillThere) {

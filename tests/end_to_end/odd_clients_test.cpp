@@ -1,0 +1,89 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+
+#include "expected_logs.h"
+#include "places.h"
+
+namespace karno::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::ElementsAreArray;
+using ::testing::SizeIs;
+using ::testing::UnorderedElementsAreArray;
+
+Messages runUntilClientEnded(const std::string& statusAndReason) {
+  return joined({openingMessages(),
+                 {kFirstStartup},
+                 fileProviderMessages(),
+                 clientEndedMessages(statusAndReason),
+                 {kTerminating}});
+}
+
+fs::path clientOf(const Machine& machine) { return machine.helper() / "Contents/MacOS/Karno"; }
+
+// Puts a shell script in the place of the client.
+void replaceClient(const Machine& machine, const std::string& script) {
+  fs::remove(clientOf(machine));
+  std::ofstream(clientOf(machine)) << "#!/bin/sh\n" << script;
+  fs::permissions(clientOf(machine), fs::perms::owner_all);
+}
+
+TEST(OddClient, MayCloseItsStandardStreams) {
+  Machine machine(builtTools());
+  replaceClient(machine, "exec 0<&- 1>&- 2>&-\nsleep 2\nexit 4\n");
+
+  machine.start();
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilClientEnded("status:4, reason:1")));
+}
+
+TEST(OddClient, HasEndedAlthoughAProcessThatItStartedRunsOn) {
+  Machine machine(builtTools());
+  replaceClient(machine, "sleep 600 &\nsleep 2\nexit 5\n");
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage("WARN Startup[TERMINATED] Child terminated (status:5, reason:1)"));
+
+  const auto grandchildren = machine.processesOf("/bin/sleep");
+
+  EXPECT_THAT(grandchildren, SizeIs(1));
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilClientEnded("status:5, reason:1")));
+}
+
+// Its end may be told before the line that says it was launched.
+TEST(OddClient, MayEndBeforeTheLauncherHasNotedItsIdentifier) {
+  Machine machine(builtTools());
+  fs::copy_file("/bin/true", clientOf(machine), fs::copy_options::overwrite_existing);
+
+  machine.start();
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(), UnorderedElementsAreArray(runUntilClientEnded("status:0, reason:1")));
+}
+
+TEST(OddClient, RunsOnWhenItIgnoresTerminationAndEndsWhenItIsKilled) {
+  Machine machine(builtTools());
+  machine.startWithScript("0:ignore-term");
+  ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  const auto clients = machine.processesOf(clientOf(machine));
+  ASSERT_THAT(clients, SizeIs(1));
+  std::this_thread::sleep_for(std::chrono::seconds(2));
+
+  ::kill(clients[0], SIGTERM);
+  const bool endedByRequest =
+      machine.waitForMessage(clientEndedMessages("status:15, reason:2").front(), std::chrono::seconds(1));
+  ::kill(clients[0], SIGKILL);
+
+  EXPECT_FALSE(endedByRequest);
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilClientEnded("status:9, reason:2")));
+}
+
+}  // namespace
+}  // namespace karno::test
