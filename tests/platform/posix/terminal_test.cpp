@@ -1,0 +1,71 @@
+#include "platform/terminal.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <functional>
+#include <string>
+
+#include "../support/forked_process.h"
+#include "../support/scoped_environment.h"
+#include "platform/posix/scoped_descriptor.h"
+
+namespace karno::platform {
+namespace {
+
+using test::ForkedProcess;
+using test::ScopedEnvironment;
+
+// Asks in a process whose standard output is that file.
+bool askedWithOutputTo(const std::string& path, const std::function<bool()>& question) {
+  ForkedProcess process([&] {
+    const ScopedDescriptor output(::open(path.c_str(), O_RDWR | O_NOCTTY));
+    if (::dup2(output.get(), STDOUT_FILENO) != STDOUT_FILENO) return 2;
+    return question() ? 1 : 0;
+  });
+  const int answer = process.exitStatus();
+  EXPECT_NE(answer, 2) << "cannot write to " << path;
+  return answer == 1;
+}
+
+class Terminal : public testing::Test {
+ protected:
+  Terminal() {
+    EXPECT_EQ(::grantpt(device.get()), 0);
+    EXPECT_EQ(::unlockpt(device.get()), 0);
+  }
+
+  bool wantsColours() const { return askedWithOutputTo(::ptsname(device.get()), standardOutputWantsColours); }
+
+  const ScopedDescriptor device{::posix_openpt(O_RDWR | O_NOCTTY)};
+  const ScopedEnvironment term{"TERM", "xterm"};
+  const ScopedEnvironment noColor{"NO_COLOR", std::nullopt};
+};
+
+TEST_F(Terminal, IsKnownAsOne) {
+  EXPECT_TRUE(askedWithOutputTo(::ptsname(device.get()), standardOutputIsTerminal));
+  EXPECT_FALSE(askedWithOutputTo("/dev/null", standardOutputIsTerminal));
+}
+
+TEST_F(Terminal, WantsColours) {
+  EXPECT_TRUE(wantsColours());
+  EXPECT_FALSE(askedWithOutputTo("/dev/null", standardOutputWantsColours));
+}
+
+TEST_F(Terminal, WantsNoColoursWhenTheEnvironmentSaysSo) {
+  {
+    const ScopedEnvironment dumb("TERM", "dumb");
+    EXPECT_FALSE(wantsColours());
+  }
+  {
+    const ScopedEnvironment set("NO_COLOR", "1");
+    EXPECT_FALSE(wantsColours());
+  }
+  const ScopedEnvironment empty("NO_COLOR", "");
+  EXPECT_TRUE(wantsColours());
+}
+
+}  // namespace
+}  // namespace karno::platform
