@@ -13,13 +13,14 @@ inline constexpr const char* kFirstStartup =
 inline constexpr const char* kVerified = "INFO EmbeddedApp[CONFIGURE] Use File Provider = Yes (verified)";
 inline constexpr const char* kTerminating = "INFO AppDelegate:: Terminating";
 
-// What the log of a start begins with, up to the choice of the build.
-inline Messages openingMessages() {
+// What the log of a start begins with, up to the choice of the build. `parent` started it: "bash" when "open"
+// did.
+inline Messages openingMessages(const std::string& parent = "start") {
   return {
       "STARTUP ===================================================",
       "STARTUP Karno Log Started (defaults verboseLogging=0)",
       "STARTUP Karno Version: " KARNO_VERSION,
-      "STARTUP Parent Process: start (N)",
+      "STARTUP Parent Process: " + parent + " (N)",
       "INFO AppDelegate[MOVE] Check whether app needs to be moved",
       "INFO AppDelegate[MOVE] Karno does not need to be moved. Continuing...",
   };
@@ -33,6 +34,23 @@ inline Messages fileProviderMessages() {
       "INFO Main: System is okay - launching Karno",
       "INFO Startup[LAUNCH] Launching Karno.app",
       "INFO Startup[LAUNCH] Launched Karno.app (pid: N)",
+      "INFO Main: Started Karno successfully",
+      kStarted,
+  };
+}
+
+// The same for the macFUSE build on an arm64 Mac with macOS 14.5 and macFUSE 4.4.1.
+inline Messages fuseMessages() {
+  return {
+      "INFO Startup[CHECK] Checking system for Fuse...",
+      "INFO Fuse[SYSTEM] CPU: 'arm64'",
+      "INFO Fuse[SYSTEM] O/S Version: '14.5'",
+      "INFO Fuse[SYSTEM] Fuse Version: '4.4.1'",
+      "INFO FuseRequirements: System requirements have been met",
+      "INFO Startup[FUSE] Fuse is installed",
+      "INFO Main: System is okay - launching Karno",
+      "INFO Startup[LAUNCH] Launching Karno(Fuse).app",
+      "INFO Startup[LAUNCH] Launched Karno(Fuse).app (pid: N)",
       "INFO Main: Started Karno successfully",
       kStarted,
   };
@@ -53,6 +71,24 @@ inline Messages clientEndedMessages(const std::string& statusAndReason) {
       "WARN Startup[TERMINATED] Child terminated (" + statusAndReason + ")",
       "WARN Startup[TERMINATED] Embedded Karno.app terminated - quitting",
       "INFO AppDelegate[TERMINATE] Reason: Embedded Karno.app terminated",
+  };
+}
+
+// What follows while the launcher waits for the client to leave, which it does.
+inline Messages leavingMessages(const std::string& bundleIdentifier) {
+  return {
+      "INFO ProcessUtils: Waiting for '" + bundleIdentifier + "' to terminate",
+      "WARN Startup[TERMINATED] Child terminated (status:0, reason:1)",
+      "WARN Startup[TERMINATED] Embedded Karno.app terminated. Reason: Being restarted",
+      "WARN ProcessUtils: '" + bundleIdentifier + " terminated (S seconds)",
+  };
+}
+
+// What follows while the launcher waits for the client to leave, which stays.
+inline Messages stayingMessages(const std::string& bundleIdentifier) {
+  return {
+      "INFO ProcessUtils: Waiting for '" + bundleIdentifier + "' to terminate",
+      "WARN ProcessUtils: '" + bundleIdentifier + "' has not terminated (timed-out after 5.0 seconds)",
   };
 }
 

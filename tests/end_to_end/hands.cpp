@@ -61,6 +61,14 @@ void pressMessageButton(const Machine& machine, const WindowOnScreen& window, st
   pressAt(machine, window, static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y)));
 }
 
+// The row of buttons at the lower right of an alert of GNUstep gui 0.29, whose texts are short here.
+void pressAlertButton(const Machine& machine, const WindowOnScreen& alert, int index) {
+  constexpr int kFirstFromRight = 44;
+  constexpr int kNextFromRight = 82;
+  constexpr int kFromBottom = 20;
+  pressAt(machine, alert, alert.width - kFirstFromRight - index * kNextFromRight, alert.height - kFromBottom);
+}
+
 void pressKey(const Machine& machine, const WindowOnScreen& window, const std::string& key) {
   machine.in({"xdotool", "windowactivate", "--sync", window.identifier, "key", key});
 }
