@@ -44,10 +44,21 @@ foreach(resource IN LISTS localised_resources)
   karno_stage(${resources}/${resource} "" Contents/Resources/${resource})
 endforeach()
 
+# The icon is drawn once, as vectors. macOS reads its own kind of file.
+if(NOT APPLE)
+  find_program(KARNO_RSVG_CONVERT rsvg-convert REQUIRED)
+  set(icon ${bundle_texts}/karno.png)
+  add_custom_command(OUTPUT ${icon}
+    COMMAND ${KARNO_RSVG_CONVERT} --width 128 --height 128 --output ${icon} ${resources}/icon/karno.svg
+    DEPENDS ${resources}/icon/karno.svg COMMENT "Drawing karno.png" VERBATIM)
+  karno_stage(${icon} "" Contents/Resources/karno.png)
+  set(other_resources karno.png)
+endif()
+
 # A resource that is gone from the sources must not stay behind in the bundle.
 set(staged_resources ${bundle_folder}/Contents/Resources)
 file(GLOB_RECURSE old_resources RELATIVE ${staged_resources} ${staged_resources}/*)
-list(REMOVE_ITEM old_resources ${localised_resources} "")
+list(REMOVE_ITEM old_resources ${localised_resources} ${other_resources} "")
 list(TRANSFORM old_resources PREPEND ${staged_resources}/)
 if(old_resources)
   file(REMOVE ${old_resources})

@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "log/date_texts.h"
+#include "log/log_files.h"
 #include "platform/platform.h"
 #include "settings/karno_settings.h"
-#include "util/string_utils.h"
 
 namespace karno {
 namespace {
@@ -19,11 +19,6 @@ constexpr int kFlushLooksMax = 5;
 constexpr std::uint64_t kLinesPerSizeCheck = 10;
 constexpr std::uint64_t kRotationSizeBytes = 10'000'000;
 
-std::string userLogDirectory() {
-  const std::vector<std::string> libraries = platform::host().files.searchPath(platform::UserFolder::Library);
-  return u_stringByAppendingPathComponents(libraries.front(), {"Logs/Karno for macOS"});
-}
-
 }  // namespace
 
 KarnoLog& KarnoLog::manager() {
@@ -33,9 +28,9 @@ KarnoLog& KarnoLog::manager() {
 
 KarnoLog::KarnoLog()
     : processIdentifier_(platform::host().processes.currentProcessIdentifier()),
-      logDirectory_(userLogDirectory()),
-      filename_(u_stringByAppendingPathComponents(logDirectory_, {"karno-wrapper.log"})),
-      oldFilename_(u_stringByAppendingPathComponents(logDirectory_, {"karno-wrapper.old.log"})) {
+      logDirectory_(wrapperLogDirectory()),
+      filename_(wrapperLogFile()),
+      oldFilename_(wrapperOldLogFile()) {
   if (platform::host().files.createDirectory(logDirectory_)) return;
   platform::Dispatch& dispatch = platform::host().dispatch;
   queue_ = dispatch.makeSerialQueue("it.vantul.KarnoWrapper.Logger");

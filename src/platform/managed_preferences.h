@@ -15,6 +15,9 @@ class ManagedPreferences {
   // first, then the user's, then those for every user of the machine. Absent when nobody set it or a file
   // that might hold it cannot be read.
   virtual std::optional<Value> copyAppValue(const std::string& key, const std::string& applicationID) = 0;
+
+  // Whether the value that copyAppValue() answers is a forced one.
+  virtual bool isAppValueForced(const std::string& key, const std::string& applicationID) = 0;
 };
 
 }  // namespace karno::platform

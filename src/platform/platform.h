@@ -6,9 +6,11 @@
 #include "platform/console_log.h"
 #include "platform/dispatch.h"
 #include "platform/distributed_notifications.h"
+#include "platform/file_reading.h"
 #include "platform/files.h"
 #include "platform/identifiers.h"
 #include "platform/managed_preferences.h"
+#include "platform/process_list.h"
 #include "platform/processes.h"
 #include "platform/property_lists.h"
 #include "platform/shell.h"
@@ -46,6 +48,8 @@ struct Platform {
   Shell& shell;
   URLLoading& urlLoading;
   Identifiers& identifiers;
+  ProcessList& processList;
+  FileReading& fileReading;
 };
 
 // The one Platform of this process. Valid from install() on.

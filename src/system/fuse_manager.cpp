@@ -69,16 +69,21 @@ bool FuseManager::checkFuseIsInstalledInSystem(bool quiet) {
   return FuseRequirementsManager::instance().doesMeetRequirementsForSystemCPU(*cpu, *fuse, *os);
 }
 
+std::optional<std::string> FuseManager::pathOfPlistForFrameworkNamed(const std::string& name) {
+  const std::vector<std::string> libraries = platform::host().files.localLibraryFolders();
+  if (libraries.empty() || libraries.front().empty()) return std::nullopt;
+  return u_stringByAppendingPathComponents(libraries.front(),
+                                           {"Frameworks", name, "Resources", "Info.plist"});
+}
+
 std::optional<platform::Value::Dictionary> FuseManager::plistForFrameworkNamed(
     const std::string& name) const {
-  const std::vector<std::string> libraries = platform::host().files.localLibraryFolders();
-  if (libraries.empty() || libraries.front().empty()) {
+  const std::optional<std::string> path = pathOfPlistForFrameworkNamed(name);
+  if (!path) {
     KarnoLog::manager().logWarn("Fuse: Failed to determine system /Library path");
     return std::nullopt;
   }
-  const std::string path =
-      u_stringByAppendingPathComponents(libraries.front(), {"Frameworks", name, "Resources", "Info.plist"});
-  const auto bytes = platform::host().files.read(path);
+  const auto bytes = platform::host().files.read(*path);
   if (!bytes) return std::nullopt;
   const auto list = platform::host().propertyLists.parse(bytes.value());
   if (!list) return std::nullopt;
@@ -87,7 +92,7 @@ std::optional<platform::Value::Dictionary> FuseManager::plistForFrameworkNamed(
 }
 
 std::optional<platform::Value::Dictionary> FuseManager::fuseFrameworkPList() const {
-  return plistForFrameworkNamed("macFUSE.framework");
+  return plistForFrameworkNamed(kFuseFramework);
 }
 
 // A version that is no string counts as none.

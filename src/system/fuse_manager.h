@@ -39,8 +39,14 @@ class FuseManager {
   // that are no errors, but for the one of the requirements table.
   bool checkFuseIsInstalledInSystem(bool quiet);
 
-  // The information file of a framework in the machine's Library; absent when it is missing or none.
+  // Where the information file of a framework in the machine's Library lies, or would lie. Absent when the
+  // machine has no Library.
+  static std::optional<std::string> pathOfPlistForFrameworkNamed(const std::string& name);
+
+  // What that file holds; absent when it is missing or none.
   std::optional<platform::Value::Dictionary> plistForFrameworkNamed(const std::string& name) const;
+
+  static constexpr const char* kFuseFramework = "macFUSE.framework";
 
   // Read afresh at every call.
   std::optional<platform::Value::Dictionary> fuseFrameworkPList() const;

@@ -5,6 +5,7 @@
 #include "log/karno_log.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
+#include "update/feed_marker.h"
 #include "util/error.h"
 #include "util/string_utils.h"
 #include "util/utf8.h"
@@ -38,7 +39,7 @@ bool KarnoSparkleManager::isUpdateInProgress() const {
 
 std::string KarnoSparkleManager::feedURL() const {
   const platform::Platform& host = platform::host();
-  const std::string marker = host.files.homeDirectory() + "/KARNOUPGRADE.debug";
+  const std::string marker = feedMarkerPath();
   if (!host.files.fileExists(marker)) return feedOnHost("/updates/macos/appcast.eddsa.xml");
 
   const std::string debugFeed = feedOnHost("/updates/macos/appcast.eddsa.debug.xml");

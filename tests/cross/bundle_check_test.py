@@ -30,6 +30,19 @@ class BundleCheck(unittest.TestCase):
 
         self.assert_finding("Contents/Helpers/Karno(Fuse).app/Contents/MacOS/Karno(Fuse) is missing.")
 
+    def test_misses_the_texts_of_a_language(self):
+        self.bundle.remove("Contents/Resources/zh-Hant.lproj/Strings.json")
+
+        self.assert_finding("Contents/Resources/zh-Hant.lproj/Strings.json is missing.")
+
+    def test_misses_a_language_in_the_info_plist(self):
+        self.bundle.replace_text(INFO, "    <string>ko</string>\n", "")
+
+        self.assert_finding(
+            "Contents/Info.plist has ['en', 'de', 'es', 'fr', 'it', 'ja', 'nl', 'pt-BR', 'zh-Hans', 'zh-Hant'] for "
+            "CFBundleLocalizations instead of ['en', 'de', 'es', 'fr', 'it', 'ja', 'ko', 'nl', 'pt-BR', 'zh-Hans', "
+            "'zh-Hant'].")
+
     def test_misses_the_folder_for_frameworks(self):
         self.bundle.remove("Contents/Frameworks")
 

@@ -39,21 +39,50 @@ inline Messages fileProviderMessages() {
   };
 }
 
-// The same for the macFUSE build on an arm64 Mac with macOS 14.5 and macFUSE 4.4.1.
-inline Messages fuseMessages() {
+// The choice of the FUSE build that `--admin USE_FILE_PROVIDER=NO` makes. The administrator's value is read
+// twice.
+inline Messages fuseChosenMessages() {
+  return {"WARN Object=NO", "INFO EmbeddedApp[CONFIGURE] Use File Provider = No (admin)", "WARN Object=NO"};
+}
+
+// What the machine is found to be, up to where macFUSE is looked for.
+inline Messages fuseSystemMessages(const std::string& cpu, const std::string& macOS) {
+  return {"INFO Startup[CHECK] Checking system for Fuse...", "INFO Fuse[SYSTEM] CPU: '" + cpu + "'",
+          "INFO Fuse[SYSTEM] O/S Version: '" + macOS + "'"};
+}
+
+// macFUSE was found and is recent enough.
+inline Messages fuseMetMessages(const std::string& version) {
+  return {"INFO Fuse[SYSTEM] Fuse Version: '" + version + "'",
+          "INFO FuseRequirements: System requirements have been met", "INFO Startup[FUSE] Fuse is installed"};
+}
+
+// From a system that is in order to the running client.
+inline Messages launchMessages(const std::string& client) {
   return {
-      "INFO Startup[CHECK] Checking system for Fuse...",
-      "INFO Fuse[SYSTEM] CPU: 'arm64'",
-      "INFO Fuse[SYSTEM] O/S Version: '14.5'",
-      "INFO Fuse[SYSTEM] Fuse Version: '4.4.1'",
-      "INFO FuseRequirements: System requirements have been met",
-      "INFO Startup[FUSE] Fuse is installed",
       "INFO Main: System is okay - launching Karno",
-      "INFO Startup[LAUNCH] Launching Karno(Fuse).app",
-      "INFO Startup[LAUNCH] Launched Karno(Fuse).app (pid: N)",
+      "INFO Startup[LAUNCH] Launching " + client,
+      "INFO Startup[LAUNCH] Launched " + client + " (pid: N)",
       "INFO Main: Started Karno successfully",
       kStarted,
   };
+}
+
+inline constexpr const char* kFuseMissing = "WARN Fuse[SYSTEM] Fuse is not installed";
+inline constexpr const char* kFuseUnmet = "WARN FuseRequirements: System requirements not met";
+inline constexpr const char* kFuseNeeded = "INFO Main: Need to install Fuse";
+inline constexpr const char* kWaitingForFuse = "INFO Startup[FUSE] Waiting for Fuse to install";
+
+// What follows when the user goes on to the web site, up to the wait for macFUSE.
+inline Messages fuseDownloadMessages() {
+  return {"INFO Main: User pressed continue to install Fuse",
+          "INFO Startup[FUSE] Showing macFuse website and asking user to install Fuse", kWaitingForFuse};
+}
+
+// What follows when the user does not want macFUSE.
+inline Messages fuseCancelledMessages() {
+  return {"INFO Main: User pressed cancel - not installing Fuse",
+          "INFO AppDelegate[TERMINATE] Reason: User cancelled install of Fuse", kTerminating};
 }
 
 // What follows when the client asks for the end. It ends half a second later itself, the launcher a second

@@ -30,12 +30,20 @@ std::string exactPattern(const std::string& title) {
 
 std::optional<WindowOnScreen> findWindow(const Machine& machine, const std::string& title,
                                          std::chrono::seconds limit) {
+  return findNextWindow(machine, title, WindowOnScreen{}, limit);
+}
+
+std::optional<WindowOnScreen> findNextWindow(const Machine& machine, const std::string& title,
+                                             const WindowOnScreen& before, std::chrono::seconds limit) {
   WindowOnScreen window;
   const bool found = machine.waitUntil(
       [&] {
         const auto search = machine.in({"xdotool", "search", "--onlyvisible", "--name", exactPattern(title)});
-        std::istringstream(search.output) >> window.identifier;
-        return search.status == 0;
+        std::istringstream identifiers(search.output);
+        while (identifiers >> window.identifier) {
+          if (search.status == 0 && window.identifier != before.identifier) return true;
+        }
+        return false;
       },
       limit);
   if (!found) return std::nullopt;
@@ -61,12 +69,15 @@ void pressMessageButton(const Machine& machine, const WindowOnScreen& window, st
   pressAt(machine, window, static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y)));
 }
 
-// The row of buttons at the lower right of an alert of GNUstep gui 0.29, whose texts are short here.
+// The buttons stand at the lower right, the first one outermost; a short title leaves them at their least
+// width.
 void pressAlertButton(const Machine& machine, const WindowOnScreen& alert, int index) {
-  constexpr int kFirstFromRight = 44;
-  constexpr int kNextFromRight = 82;
-  constexpr int kFromBottom = 20;
-  pressAt(machine, alert, alert.width - kFirstFromRight - index * kNextFromRight, alert.height - kFromBottom);
+  constexpr int kMargin = 20;
+  constexpr int kWidth = 82;
+  constexpr int kGap = 10;
+  constexpr int kHalfHeight = 14;
+  const int fromRight = kMargin + kWidth / 2 + index * (kWidth + kGap);
+  pressAt(machine, alert, alert.width - fromRight, alert.height - kMargin - kHalfHeight);
 }
 
 void pressKey(const Machine& machine, const WindowOnScreen& window, const std::string& key) {

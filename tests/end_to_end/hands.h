@@ -16,9 +16,17 @@ struct WindowOnScreen {
   int height = 0;
 };
 
+// The title of the launcher's own windows and alerts.
+inline constexpr const char* kLauncherTitle = "Karno";
+
 // The visible window with exactly that title; absent when none appears within the limit.
 std::optional<WindowOnScreen> findWindow(const Machine& machine, const std::string& title,
                                          std::chrono::seconds limit = std::chrono::seconds(30));
+
+// The same for another window than the one before, which may be about to go.
+std::optional<WindowOnScreen> findNextWindow(const Machine& machine, const std::string& title,
+                                             const WindowOnScreen& before,
+                                             std::chrono::seconds limit = std::chrono::seconds(30));
 
 // Presses the mouse at a place counted from the window's upper left corner.
 void pressAt(const Machine& machine, const WindowOnScreen& window, int x, int y);

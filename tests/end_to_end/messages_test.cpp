@@ -66,7 +66,7 @@ TEST(Messages, ThatTheClientIsTerminatingEndTheLauncher) {
 TEST(CrashAlert, EndsTheLauncherByItsSecondButton) {
   Machine machine(builtTools());
   machine.startWithScript("1:app-is-terminating-abnormally=disk full");
-  const auto alert = findWindow(machine, "Critical");
+  const auto alert = findWindow(machine, kLauncherTitle);
   ASSERT_TRUE(alert) << machine.consoleText();
 
   pressAlertButton(machine, *alert, 1);
@@ -87,7 +87,7 @@ TEST(CrashAlert, EndsTheLauncherByEscape) {
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
   machine.in({"karnoctl", "post", "app-is-terminating-abnormally"});
-  const auto alert = findWindow(machine, "Critical");
+  const auto alert = findWindow(machine, kLauncherTitle);
   ASSERT_TRUE(alert) << machine.consoleText();
 
   pressKey(machine, *alert, "Escape");
@@ -129,7 +129,7 @@ TEST(Restart, FailsWhenTheClientStays) {
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
   machine.in({"karnoctl", "post", "app-needs-restart"});
-  const auto alert = findWindow(machine, "Critical");
+  const auto alert = findWindow(machine, kLauncherTitle);
   ASSERT_TRUE(alert) << machine.consoleText();
 
   const auto clients = machine.processesOf(clientOf(machine));

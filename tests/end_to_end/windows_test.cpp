@@ -58,7 +58,7 @@ TEST(FailureAlert, EndsTheLauncherWhenTheClientHasNoExecutable) {
   Machine machine(builtTools());
   std::filesystem::remove(machine.helper() / "Contents/MacOS/Karno");
   machine.start();
-  const auto alert = findWindow(machine, "Critical");
+  const auto alert = findWindow(machine, "Karno");
   ASSERT_TRUE(alert) << machine.consoleText();
 
   pressKey(machine, *alert, "Return");
@@ -84,7 +84,7 @@ TEST(FailureAlert, EndsTheLauncherWhenTheClientIsMissing) {
   Machine machine(builtTools());
   std::filesystem::remove_all(machine.helper());
   machine.start();
-  const auto alert = findWindow(machine, "Critical");
+  const auto alert = findWindow(machine, "Karno");
   ASSERT_TRUE(alert) << machine.consoleText();
 
   pressKey(machine, *alert, "Return");
@@ -109,7 +109,7 @@ TEST(CrashAlert, StartsTheClientAgainWhenTheUserWantsIt) {
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
   machine.in({"karnoctl", "post", "app-is-terminating-abnormally", "--reason", "disk full"});
-  const auto alert = findWindow(machine, "Critical");
+  const auto alert = findWindow(machine, "Karno");
   ASSERT_TRUE(alert) << machine.consoleText();
 
   pressKey(machine, *alert, "Return");

@@ -34,6 +34,11 @@ std::string lastOpened(const Machine& machine) {
   return last;
 }
 
+// A start of the macFUSE build on the machine below.
+Messages fuseMessages() {
+  return joined({fuseSystemMessages("arm64", "14.5"), fuseMetMessages("4.4.1"), launchMessages(kFuse)});
+}
+
 // What the launcher that goes away logs from the message on.
 Messages handingOver(const std::string& message, const std::string& bundleIdentifier,
                      const std::string& build) {
@@ -118,7 +123,7 @@ TEST_F(WrapperRestart, FailsWhenTheClientStays) {
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
   machine.in({"karnoctl", "post", "restart-wrapper"});
-  const auto alert = findWindow(machine, "Critical");
+  const auto alert = findWindow(machine, kLauncherTitle);
   ASSERT_TRUE(alert) << machine.consoleText();
 
   pressKey(machine, *alert, "Return");

@@ -165,6 +165,11 @@ std::vector<std::string> FakeFiles::lines(const std::string& path) const {
   return result;
 }
 
+std::shared_ptr<const FakeFiles::Content> FakeFiles::content(const std::string& path) const {
+  const Node* node = find(path);
+  return node == nullptr ? nullptr : node->content;
+}
+
 int FakeFiles::opens(const std::string& path) const {
   const auto found = opens_.find(path);
   return found == opens_.end() ? 0 : found->second;

@@ -73,6 +73,14 @@ class FakeFiles final : public platform::Files {
     std::string text;
   };
 
+  // What an open file refers to, also after a rename; null when there is no such regular file.
+  std::shared_ptr<const Content> content(const std::string& path) const;
+
+  // Replaces what the file holds, as a program that opens it for writing does.
+  void overwrite(const std::string& path, std::string text) {
+    nodes_.at(path).content->text = std::move(text);
+  }
+
  private:
   struct Node {
     platform::FileType type = platform::FileType::Regular;

@@ -1,5 +1,6 @@
 #pragma once
 #include <map>
+#include <set>
 #include <string>
 
 #include "platform/managed_preferences.h"
@@ -17,7 +18,12 @@ class FakeManagedPreferences final : public platform::ManagedPreferences {
     return found->second;
   }
 
+  bool isAppValueForced(const std::string& key, const std::string& applicationID) override {
+    return copyAppValue(key, applicationID) && !unforced.contains(key);
+  }
+
   std::map<std::string, platform::Value::Dictionary> domains;
+  std::set<std::string> unforced;  // keys that lie in the user's or the machine's own preferences
 };
 
 }  // namespace karno::test

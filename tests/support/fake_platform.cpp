@@ -39,7 +39,9 @@ FakePlatform::FakePlatform(std::optional<std::uint64_t> ofSeed)
                 .updater = updater,
                 .shell = shell,
                 .urlLoading = network,
-                .identifiers = identifiers} {
+                .identifiers = identifiers,
+                .processList = processList,
+                .fileReading = fileReading} {
   scheduler.setExceptionHandler([this](std::string_view what) {
     consoleLog.log("A block threw: " + std::string(what));
     ADD_FAILURE() << "a block on the thread " << scheduler.currentThreadName() << " threw: " << what;
@@ -104,6 +106,13 @@ FakePlatform& FakePlatform::withFuseInformation(platform::Value value) {
   const std::string bytes = "information of macFUSE: " + value.description();
   files.addFile(kFuseInformationFile, bytes);
   propertyLists.parsed.insert_or_assign(bytes, std::move(value));
+  return *this;
+}
+
+FakePlatform& FakePlatform::withResource(const std::string& resource, const std::string& content) {
+  const std::string path = "/Applications/Karno.app/Contents/Resources/" + resource;
+  files.addFile(path, content);
+  bundles.main().resources[resource] = path;
   return *this;
 }
 

@@ -12,8 +12,10 @@
 #include "fake_console_log.h"
 #include "fake_dispatch.h"
 #include "fake_distributed_notifications.h"
+#include "fake_file_reading.h"
 #include "fake_files.h"
 #include "fake_managed_preferences.h"
+#include "fake_process_list.h"
 #include "fake_processes.h"
 #include "fake_property_lists.h"
 #include "fake_scheduler.h"
@@ -92,6 +94,10 @@ class FakePlatform {
   FakePlatform& withFuse(const std::string& version);        // installs macFUSE, or another version of it
   FakePlatform& withFuseInformation(platform::Value value);  // any content of its information file
 
+  // A file in the bundle's resources, which is found by its name: "Strings.json", as the copy for the user's
+  // language, or "Base.lproj/Strings.json".
+  FakePlatform& withResource(const std::string& resource, const std::string& content);
+
   // The launcher's own suite.
   FakeUserDefaultsStore::Suite& settings() { return userDefaults.suite("it.vantul.karno"); }
 
@@ -130,6 +136,8 @@ class FakePlatform {
   FakeShell shell{scheduler};
   FakeURLLoading network{scheduler};
   FakeIdentifiers identifiers;
+  FakeProcessList processList;
+  FakeFileReading fileReading{files};
 
  private:
   platform::Platform platform_;

@@ -1,5 +1,5 @@
 #pragma once
-#include <deque>
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -45,12 +45,12 @@ class FakeShell final : public platform::Shell {
         : shell_(shell), line_(std::move(line)), output_(std::move(output)) {}
 
     std::optional<std::string> readPiece() override {
-      if (output_.empty()) return std::nullopt;
-      const std::size_t newline = output_.find('\n');
-      const std::size_t length = std::min<std::size_t>(
-          {newline == std::string::npos ? output_.size() : newline + 1, kLongestPiece, output_.size()});
-      std::string piece = output_.substr(0, length);
-      output_.erase(0, length);
+      if (read_ == output_.size()) return std::nullopt;
+      const std::size_t newline = output_.find('\n', read_);
+      const std::size_t end = std::min({newline == std::string::npos ? output_.size() : newline + 1,
+                                        read_ + kLongestPiece, output_.size()});
+      std::string piece = output_.substr(read_, end - read_);
+      read_ = end;
       piece.resize(std::min(piece.find('\0'), piece.size()));
       return piece;
     }
@@ -64,7 +64,8 @@ class FakeShell final : public platform::Shell {
     static constexpr std::size_t kLongestPiece = 4095;
     FakeShell& shell_;
     const std::string line_;
-    std::string output_;
+    const std::string output_;
+    std::size_t read_ = 0;
   };
 
   FakeScheduler& scheduler_;

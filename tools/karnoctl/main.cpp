@@ -4,15 +4,37 @@
 #include <vector>
 
 #include "karnoctl/command_line.h"
+#include "platform/terminal.h"
+
+namespace {
+
+using karno::platform::Platform;
+
+Platform& installedPlatform(int argc, char** argv) {
+  static Platform& platform = [argc, argv]() -> Platform& {
+    Platform& native = karno::platform::nativePlatform(argc, argv);
+    karno::platform::endWithTheReaderOfTheOutput();
+    karno::platform::install(native);
+    return native;
+  }();
+  return platform;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   using karno::karnoctl::Context;
   try {
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-    Context context{std::cout, std::cerr, [argc, argv]() -> karno::platform::Platform& {
-                      return karno::platform::nativePlatform(argc, argv);
-                    }};
-    return karno::karnoctl::run(arguments, KARNO_VERSION, context);
+    Context context{.out = std::cout,
+                    .err = std::cerr,
+                    .platform = [argc, argv]() -> Platform& { return installedPlatform(argc, argv); },
+                    .outputIsTerminal = karno::platform::standardOutputIsTerminal(),
+                    .outputWantsColours = karno::platform::standardOutputWantsColours()};
+    const int status = karno::karnoctl::run(arguments, KARNO_VERSION, context);
+    if (std::cout.flush()) return status;
+    std::cerr << "karnoctl: cannot write the output\n";
+    return karno::karnoctl::kExitFailed;
   } catch (const std::exception& error) {
     std::cerr << "karnoctl: " << error.what() << '\n';
     return karno::karnoctl::kExitFailed;

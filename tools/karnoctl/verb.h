@@ -11,13 +11,16 @@ namespace karno::karnoctl {
 
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitFailed = 1;
+inline constexpr int kExitNotRunning = 3;
 inline constexpr int kExitUsage = 64;
 
-// What a verb works with. The platform is only made when a verb asks for it.
+// What a verb works with. The platform is only made, and installed, when a verb asks for it.
 struct Context {
   std::ostream& out;
   std::ostream& err;
   std::function<platform::Platform&()> platform;
+  bool outputIsTerminal = false;
+  bool outputWantsColours = false;
 };
 
 // One thing that karnoctl can do. Each stands in a file of its own and in the table of verbs.cpp.

@@ -6,12 +6,15 @@
 #include <ostream>
 #include <vector>
 
+#include "karnoctl/explain_verb.h"
+#include "karnoctl/log_verb.h"
 #include "karnoctl/post_verb.h"
+#include "karnoctl/status_verb.h"
 
 namespace karno::karnoctl {
 
 std::span<const Verb> allVerbs() {
-  static const std::vector<Verb> verbs{postVerb()};
+  static const std::vector<Verb> verbs{statusVerb(), logVerb(), explainVerb(), postVerb()};
   return verbs;
 }
 
@@ -39,11 +42,12 @@ void printGeneralHelp(std::ostream& out) {
   for (const Verb& verb : allVerbs()) out << fmt::format("  {:<10} {}\n", verb.name, verb.summary);
   out << fmt::format("  {:<10} {}\n", "help", "say how a verb is used")
       << "\n"
-         "Exit status: 0 done, 1 failed, 64 wrong usage.\n";
+         "Exit status: 0 done, 1 failed, 3 no launcher runs (status), 64 wrong usage.\n";
 }
 
 void printVerbHelp(const Verb& verb, std::ostream& out) {
-  out << "Usage: karnoctl " << verb.name << ' ' << verb.synopsis << "\n\n" << verb.help();
+  out << "Usage: karnoctl " << verb.name << (verb.synopsis.empty() ? "" : " ") << verb.synopsis << "\n\n"
+      << verb.help();
 }
 
 }  // namespace karno::karnoctl

@@ -9,6 +9,8 @@ namespace {
 
 using objc::send;
 
+constexpr const char* kEscape = "\033";
+
 objc::Object makeAlert(const Alert& alert) {
   objc::Object native = objc::make("NSAlert");
   send<void>(native, "setAlertStyle:", static_cast<objc::UInteger>(alert.style));
@@ -25,10 +27,19 @@ objc::Object makeAlert(const Alert& alert) {
 
 }  // namespace
 
+Alert withUsualKeys(Alert alert) {
+  if (alert.buttons.size() == 2 && alert.buttons[1].keyEquivalent.empty() &&
+      alert.buttons[0].keyEquivalent != kEscape) {
+    alert.buttons[1].keyEquivalent = kEscape;
+  }
+  return alert;
+}
+
 long CocoaAlerts::runModal(const Alert& alert) {
   const objc::AutoreleasePool pool;
-  const auto answer = objc::guarded("alert", [&alert] {
-    const objc::Object native = makeAlert(alert);
+  const Alert complete = withUsualKeys(alert);
+  const auto answer = objc::guarded("alert", [&complete] {
+    const objc::Object native = makeAlert(complete);
     return send<objc::Integer>(native, "runModal");
   });
   if (!answer) {

@@ -12,4 +12,8 @@ class CocoaAlerts final : public Alerts {
 
 inline constexpr long kAlertNotShown = -1001;  // NSModalResponseAbort
 
+// The alert with Escape for the second of two buttons when neither was given it: an alert that asks for yes
+// or no, in whatever language, can be answered from the keyboard both ways.
+Alert withUsualKeys(Alert alert);
+
 }  // namespace karno::platform::cocoa

@@ -14,6 +14,9 @@ void prepareApplication();
 // Runs the application object; ends with exit(), so what it returns is the status of a failed start.
 int runApplication(int argc, char** argv);
 
+// The application's icon, NSImage. Read when first asked for: most starts show no window.
+objc::Id applicationIcon();
+
 // The shared NSWorkspace, made when first asked for.
 objc::Id sharedWorkspace();
 

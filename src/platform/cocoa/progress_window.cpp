@@ -31,11 +31,12 @@ struct CocoaProgressWindow::Native {
   explicit Native(const ButtonOutlet& cancelButton)
       : cancel{window.addButton({}, "", "\033", [&cancelButton] { cancelButton.press(); })} {
     window.setTabOrder(cancel);
+    // Only the cancel button ends what the window waits for.
+    window.setCloseRequest([&cancelButton] { cancelButton.press(); });
   }
 
-  // No close button: only the cancel button ends what the window waits for.
   Window window{kApplicationName, kWidths.front() + 2 * kMargin, kMessageBottom + kMargin,
-                Window::Options{.miniaturizable = false, .closable = false}};
+                Window::Options{.miniaturizable = false}};
   Label message = window.addLabel({}, "", true);
   ProgressBar bar = window.addProgressBar({});
   std::vector<Button> cancel;  // the one button of the row

@@ -1,6 +1,8 @@
 #include "platform/cocoa/window.h"
 
 #include "platform/cocoa/callback.h"
+#include "platform/cocoa/class_builder.h"
+#include "platform/cocoa/desktop.h"
 #include "platform/cocoa/strings.h"
 
 namespace karno::platform::cocoa {
@@ -48,14 +50,32 @@ Id fontOf(TextStyle style) {
 
 objc::Object makeWindow(double width, double height, Window::Options options) {
   const objc::Rect content{{0, 0}, {width, height}};
-  const objc::UInteger style = kTitled | (options.closable ? kClosable : 0) |
-                               (options.miniaturizable ? kMiniaturizable : 0) |
+  const objc::UInteger style = kTitled | kClosable | (options.miniaturizable ? kMiniaturizable : 0) |
                                (options.resizable ? kResizable : 0);
   objc::Object window = objc::Object::adopting(send(send(objc::classNamed("NSWindow"), "alloc"),
                                                     "initWithContentRect:styleMask:backing:defer:", content,
                                                     style, kBackingStoreBuffered, true));
   send<void>(window, "setReleasedWhenClosed:", false);
   return window;
+}
+
+objc::Boolean shouldClose(Id self, Id) {
+  const auto* const request = static_cast<const std::function<void()>*>(objc::stateOf(self));
+  if (request == nullptr || !*request) return true;
+  // A copy: the handler may set another one, or destroy the window.
+  const auto running = *request;
+  running();
+  return false;
+}
+
+// Every window can be closed, since a window manager under Linux ends the whole process when the user closes
+// one that cannot; what closing it means is the delegate's to say.
+objc::Object makeDelegate() {
+  static const Class made = objc::ClassBuilder("KarnoWindowDelegate", objc::classNamed("NSObject"))
+                                .state()
+                                .method<shouldClose>("windowShouldClose:")
+                                .registerClass();
+  return objc::Object::adopting(send(send(made, "alloc"), "init"));
 }
 
 Id notificationCenter() { return send(objc::classNamed("NSNotificationCenter"), "defaultCenter"); }
@@ -65,7 +85,12 @@ Id sharedApplication() { return send(objc::classNamed("NSApplication"), "sharedA
 
 struct Window::State {
   State(double width, double height, Options options)
-      : window(makeWindow(width, height, options)), willClose([this](Id) { tellWillClose(); }) {}
+      : window(makeWindow(width, height, options)),
+        delegate(makeDelegate()),
+        willClose([this](Id) { tellWillClose(); }) {
+    objc::setState(delegate.get(), &closeRequest);
+    send<void>(window, "setDelegate:", delegate);
+  }
 
   void tellWillClose() {
     // A copy: the handler may set another one while it runs.
@@ -75,9 +100,14 @@ struct Window::State {
     }
   }
 
+  // GNUstep (gui 0.29) throws away what was drawn when the window manager is slower than a change of size.
+  void redraw() { send<void>(send(window, "contentView"), "setNeedsDisplay:", true); }
+
   void add(const objc::Object& view) { send<void>(send(window, "contentView"), "addSubview:", view); }
 
   objc::Object window;
+  objc::Object delegate;  // a window does not own it
+  std::function<void()> closeRequest;
   std::function<void()> willCloseHandler;
   Callback willClose;
   std::vector<std::unique_ptr<Callback>> buttonCallbacks;  // a button does not own its target
@@ -96,6 +126,8 @@ Window::~Window() {
   {
     const objc::AutoreleasePool pool;
     send<void>(notificationCenter(), "removeObserver:", state_->willClose.target());
+    send<void>(state_->window, "setDelegate:", nullptr);
+    objc::setState(state_->delegate.get(), nullptr);
     send<void>(state_->window, "orderOut:", nullptr);
   }
   // A button whose press led here is still at work: the native window stays until the event is done.
@@ -119,12 +151,18 @@ void Window::setContentSize(double width, double height) {
   send<void>(state_->window, "setContentSize:", objc::Size{width, height});
   send<void>(state_->window,
              "setFrameTopLeftPoint:", objc::Point{before.origin.x, before.origin.y + before.size.height});
+  state_->redraw();
 }
 
-void Window::show() { send<void>(state_->window, "makeKeyAndOrderFront:", nullptr); }
+void Window::show() {
+  send<void>(state_->window, "makeKeyAndOrderFront:", nullptr);
+  state_->redraw();
+}
 void Window::close() { send<void>(state_->window, "close"); }
 bool Window::isVisible() const { return send<bool>(state_->window, "isVisible"); }
 void Window::setWillClose(std::function<void()> handler) { state_->willCloseHandler = std::move(handler); }
+
+void Window::setCloseRequest(std::function<void()> handler) { state_->closeRequest = std::move(handler); }
 
 long Window::runModal() {
   return send<objc::Integer>(sharedApplication(), "runModalForWindow:", state_->window);
@@ -168,7 +206,7 @@ Icon Window::addApplicationIcon(const Frame& frame) {
   const objc::AutoreleasePool pool;
   objc::Object view = allocated("NSImageView", frame);
   send<void>(view, "setImageScaling:", kScaleProportionallyUpOrDown);
-  send<void>(view, "setImage:", send(sharedApplication(), "applicationIconImage"));
+  send<void>(view, "setImage:", applicationIcon());
   state_->add(view);
   return Icon(std::move(view));
 }

@@ -18,7 +18,6 @@ class Window {
   struct Options {
     bool resizable = false;
     bool miniaturizable = true;
-    bool closable = true;
   };
 
   Window(std::string_view title, double width, double height, Options options);
@@ -44,6 +43,9 @@ class Window {
   // Called whenever the window is about to close, by close() or by the user; an empty one calls nothing.
   // To quit when it closes, let the handler call platform::host().application.terminate().
   void setWillClose(std::function<void()> handler);
+
+  // What the user's wish to close it calls in place of closing it; with an empty one it closes.
+  void setCloseRequest(std::function<void()> handler);
 
   // Shows it and lets the user do nothing else in this application until stopModal(), whose code it answers.
   // Other main-thread work goes on.

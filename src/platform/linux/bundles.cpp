@@ -8,6 +8,7 @@
 
 #include "platform/linux/file_url.h"
 #include "platform/linux/language_folders.h"
+#include "platform/linux/preferred_languages.h"
 #include "platform/linux/property_list_file.h"
 #include "platform/posix/system_differences.h"
 
@@ -35,6 +36,18 @@ bool isRegularFile(const std::string& path) {
   return mode && S_ISREG(*mode);
 }
 
+// The names of the folders in it; none when it cannot be read.
+std::vector<std::string> foldersIn(const std::string& path) {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code ignored;
+    if (entry->is_directory(ignored)) names.push_back(entry->path().filename().string());
+  }
+  return names;
+}
+
 Value::Dictionary infoDictionary(const PropertyLists& propertyLists, const std::string& bundle) {
   Result<Value::Dictionary> info = readDictionary(propertyLists, bundle + "/Contents/Info.plist");
   return info ? std::move(info.value()) : Value::Dictionary();
@@ -49,7 +62,9 @@ std::string mainBundlePath() {
 }  // namespace
 
 LinuxBundle::LinuxBundle(const PropertyLists& propertyLists, std::string path)
-    : path_(withoutSlashesAtEnd(std::move(path))), info_(infoDictionary(propertyLists, path_)) {}
+    : propertyLists_(propertyLists),
+      path_(withoutSlashesAtEnd(std::move(path))),
+      info_(infoDictionary(propertyLists, path_)) {}
 
 std::string LinuxBundle::bundlePath() const { return path_; }
 
@@ -87,7 +102,11 @@ std::optional<std::string> LinuxBundle::pathForResource(std::string_view name, s
   std::vector<std::string> candidates;
   if (directory.empty()) {
     candidates.push_back(resources + file);
-    for (const std::string& folder : languageFolders()) candidates.push_back(resources + folder + "/" + file);
+    // Only a folder that is there can be named, so a language cannot lead out of the resources.
+    for (const std::string& folder :
+         languageFolders(foldersIn(resources), preferredLanguages(propertyLists_))) {
+      candidates.push_back(resources + folder + "/" + file);
+    }
   } else {
     candidates.push_back(resources + std::string(directory) + "/" + file);
   }

@@ -22,6 +22,7 @@ class LinuxBundle final : public Bundle {
  private:
   std::optional<std::string> infoString(std::string_view key) const;
 
+  const PropertyLists& propertyLists_;
   const std::string path_;
   const Value::Dictionary info_;
 };

@@ -3,11 +3,26 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "platform/cocoa/strings.h"
 #include "platform/linux/appearance.h"
 #include "platform/linux/desktop_services.h"
 #include "platform/linux/termination_signal.h"
+#include "platform/linux/theme.h"
+#include "platform/platform.h"
 
 namespace karno::platform::cocoa {
+namespace {
+
+// The framework does not find the icon in a bundle of a Mac's layout. Without one its own picture stands.
+objc::Object loadIcon() {
+  const objc::AutoreleasePool pool;
+  const auto path = host().bundles.mainBundle().pathForResource("karno", "png", "");
+  if (!path) return {};
+  const objc::Id allocated = objc::send(objc::classNamed("NSImage"), "alloc");
+  return objc::Object::adopting(objc::send(allocated, "initWithContentsOfFile:", objc::string(*path)));
+}
+
+}  // namespace
 
 void prepareForApplication() {
   // The application object raises without one, and an exception of its kind tells C++ nothing.
@@ -15,6 +30,7 @@ void prepareForApplication() {
     throw std::runtime_error("there is no display (DISPLAY is not set)");
   }
   registerAppearance();
+  installTheme();
   keepDesktopServicesAway();
 }
 
@@ -26,6 +42,17 @@ void prepareApplication() { terminateOnSignal(); }
 int runApplication(int /*argc*/, char** /*argv*/) {
   objc::send<void>(objc::send(objc::classNamed("NSApplication"), "sharedApplication"), "run");
   return 0;
+}
+
+objc::Id applicationIcon() {
+  const objc::Id application = objc::send(objc::classNamed("NSApplication"), "sharedApplication");
+  static const bool isSet = [application] {
+    const objc::Object icon = loadIcon();
+    if (icon) objc::send<void>(application, "setApplicationIconImage:", icon);
+    return true;
+  }();
+  static_cast<void>(isSet);
+  return objc::send(application, "applicationIconImage");
 }
 
 objc::Id sharedWorkspace() {

@@ -1,8 +1,6 @@
 #include "platform/linux/desktop_services.h"
 
-#include <objc/runtime.h>
-
-#include "platform/cocoa/objc.h"
+#include "platform/linux/method_replacement.h"
 
 // GNUstep's application object (gui 0.29) is a citizen of a GNUstep desktop, which the launcher does not run
 // on. No default turns that off, so the messages that begin it are answered here:
@@ -36,16 +34,6 @@ void doNothing(Id, Sel) {}
 
 objc::Boolean sayDone(Id, Sel) { return 1; }
 
-// Answers the function that the class had before.
-template <class Result>
-auto replace(Class owner, objc::Selector selector, Result (*replacement)(Id, Sel), const char* encoding) {
-  // By way of the type that stands for any function, since these have types of their own.
-  using objc::detail::Function;
-  const auto added = reinterpret_cast<IMP>(reinterpret_cast<Function>(replacement));
-  const IMP before = class_replaceMethod(owner, objc::registered(selector), added, encoding);
-  return reinterpret_cast<Result (*)(Id, Sel)>(reinterpret_cast<Function>(before));
-}
-
 Class metaclassOf(objc::ClassName name) {
   return object_getClass(reinterpret_cast<Id>(objc::classNamed(name)));
 }
@@ -59,11 +47,11 @@ void keepDesktopServicesAway() {
   // The user's settings are read when these are made, before their storing is replaced.
   const Id userDefaults = objc::send(objc::classNamed("NSUserDefaults"), "standardUserDefaults");
   originalSharedWorkspace =
-      replace(metaclassOf("NSWorkspace"), "sharedWorkspace", sharedWorkspaceWhenWanted, "@@:");
-  replace(objc::classNamed("GSServicesManager"), "registerAsServiceProvider", doNothing, "v@:");
-  replace(objc::classNamed("NSTextView"), "copySelection", doNothing, "v@:");
-  replace(object_getClass(userDefaults), "synchronize", sayDone, "C@:");
-  replace(metaclassOf("NSDistributedNotificationCenter"), "defaultCenter", answerNil, "@@:");
+      replaceMethod(metaclassOf("NSWorkspace"), "sharedWorkspace", sharedWorkspaceWhenWanted);
+  replaceMethod(objc::classNamed("GSServicesManager"), "registerAsServiceProvider", doNothing);
+  replaceMethod(objc::classNamed("NSTextView"), "copySelection", doNothing);
+  replaceMethod(object_getClass(userDefaults), "synchronize", sayDone);
+  replaceMethod(metaclassOf("NSDistributedNotificationCenter"), "defaultCenter", answerNil);
 }
 
 void allowWorkspace() { isWorkspaceWanted = true; }

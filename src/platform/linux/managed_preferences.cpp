@@ -1,5 +1,7 @@
 #include "platform/linux/managed_preferences.h"
 
+#include <utility>
+
 #include "platform/linux/property_list_file.h"
 #include "platform/posix/home.h"
 #include "platform/system_path.h"
@@ -8,21 +10,34 @@ namespace karno::platform {
 
 std::optional<Value> LinuxManagedPreferences::copyAppValue(const std::string& key,
                                                            const std::string& applicationID) {
+  std::optional<Found> found = find(key, applicationID);
+  return found ? std::optional(std::move(found->value)) : std::nullopt;
+}
+
+bool LinuxManagedPreferences::isAppValueForced(const std::string& key, const std::string& applicationID) {
+  const std::optional<Found> found = find(key, applicationID);
+  return found && found->isForced;
+}
+
+std::optional<LinuxManagedPreferences::Found> LinuxManagedPreferences::find(
+    const std::string& key, const std::string& applicationID) const {
   // A "/" would lead out of the preferences folders.
   if (applicationID.empty() || applicationID.find('/') != std::string::npos) return std::nullopt;
 
   const std::string file = "/" + applicationID + ".plist";
-  const std::string paths[] = {
-      systemPath("/Library/Managed Preferences/" + userName() + file),
-      systemPath("/Library/Managed Preferences" + file),
-      homeFolder() + "/Library/Preferences" + file,
-      systemPath("/Library/Preferences" + file),
+  const std::pair<std::string, bool> places[] = {
+      {systemPath("/Library/Managed Preferences/" + userName() + file), true},
+      {systemPath("/Library/Managed Preferences" + file), true},
+      {homeFolder() + "/Library/Preferences" + file, false},
+      {systemPath("/Library/Preferences" + file), false},
   };
-  for (const std::string& path : paths) {
+  for (const auto& [path, isForced] : places) {
     const Result<Value::Dictionary> values = readDictionary(propertyLists_, path);
     if (!values && saysMissing(values.error())) continue;
     if (!values) return std::nullopt;  // it might hold a value that must win over the following ones
-    if (const auto entry = values.value().find(key); entry != values.value().end()) return entry->second;
+    if (const auto entry = values.value().find(key); entry != values.value().end()) {
+      return Found{.value = entry->second, .isForced = isForced};
+    }
   }
   return std::nullopt;
 }

@@ -10,8 +10,16 @@ class LinuxManagedPreferences final : public ManagedPreferences {
   explicit LinuxManagedPreferences(const PropertyLists& propertyLists) : propertyLists_(propertyLists) {}
 
   std::optional<Value> copyAppValue(const std::string& key, const std::string& applicationID) override;
+  bool isAppValueForced(const std::string& key, const std::string& applicationID) override;
 
  private:
+  struct Found {
+    Value value;
+    bool isForced = false;
+  };
+
+  std::optional<Found> find(const std::string& key, const std::string& applicationID) const;
+
   const PropertyLists& propertyLists_;
 };
 

@@ -1,8 +1,8 @@
-#include "platform/cocoa/alerts.h"
 #include "platform/cocoa/application.h"
 #include "platform/cocoa/objc.h"
 #include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
+#include "platform/linux/alerts.h"
 #include "platform/linux/bundles.h"
 #include "platform/linux/console_log.h"
 #include "platform/linux/dispatch.h"
@@ -11,6 +11,7 @@
 #include "platform/linux/identifiers.h"
 #include "platform/linux/machine_shell.h"
 #include "platform/linux/managed_preferences.h"
+#include "platform/linux/process_list.h"
 #include "platform/linux/system_version.h"
 #include "platform/linux/url_loading.h"
 #include "platform/linux/user_defaults.h"
@@ -18,6 +19,7 @@
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
+#include "platform/posix/file_reading.h"
 #include "platform/posix/files.h"
 #include "platform/posix/process_setup.h"
 #include "platform/posix/processes.h"
@@ -29,7 +31,7 @@ namespace {
 // The services of this system, in the order in which they need one another.
 struct NativeServices {
   cocoa::CocoaApplication application;
-  cocoa::CocoaAlerts alerts;
+  LinuxAlerts alerts;
   cocoa::CocoaWindows windows;
   cocoa::CocoaPropertyLists propertyLists;
   LinuxDispatch dispatch;
@@ -49,6 +51,8 @@ struct NativeServices {
   MachineShell shell;
   CurlURLLoading urlLoading{bundles};
   RandomIdentifiers identifiers;
+  LinuxProcessList processList;
+  PosixFileReading fileReading;
 
   Platform platform{.application = application,
                     .alerts = alerts,
@@ -70,7 +74,9 @@ struct NativeServices {
                     .updater = updater,
                     .shell = shell,
                     .urlLoading = urlLoading,
-                    .identifiers = identifiers};
+                    .identifiers = identifiers,
+                    .processList = processList,
+                    .fileReading = fileReading};
 };
 
 void startProcess(int argc, char** argv) {

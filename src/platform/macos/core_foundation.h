@@ -18,6 +18,7 @@ struct CFRange {
 void CFRelease(CFTypeRef object);
 
 CFTypeRef CFPreferencesCopyAppValue(CFTypeRef key, CFTypeRef applicationID);
+unsigned char CFPreferencesAppValueIsForced(CFTypeRef key, CFTypeRef applicationID);
 
 CFTypeRef CFLocaleCopyCurrent();
 CFTypeRef CFStringCreateMutableCopy(CFTypeRef allocator, CFIndex maxLength, CFTypeRef string);

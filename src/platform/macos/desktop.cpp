@@ -12,6 +12,11 @@ void prepareApplication() {}
 
 int runApplication(int argc, char** argv) { return NSApplicationMain(argc, const_cast<const char**>(argv)); }
 
+objc::Id applicationIcon() {
+  return objc::send(objc::send(objc::classNamed("NSApplication"), "sharedApplication"),
+                    "applicationIconImage");
+}
+
 objc::Id sharedWorkspace() { return objc::send(objc::classNamed("NSWorkspace"), "sharedWorkspace"); }
 
 std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::string& bundleIdentifier) {

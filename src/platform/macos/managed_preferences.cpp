@@ -19,4 +19,14 @@ std::optional<Value> MacManagedPreferences::copyAppValue(const std::string& key,
   return read ? read.value() : std::nullopt;
 }
 
+bool MacManagedPreferences::isAppValueForced(const std::string& key, const std::string& applicationID) {
+  const objc::AutoreleasePool pool;
+  const auto forced = objc::guarded("asking whether a preference is managed", [&] {
+    const objc::Object name = objc::string(key);
+    const objc::Object domain = objc::string(applicationID);
+    return CFPreferencesAppValueIsForced(name.get(), domain.get()) != 0;
+  });
+  return forced && forced.value();
+}
+
 }  // namespace karno::platform

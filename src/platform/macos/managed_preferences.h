@@ -7,6 +7,7 @@ namespace karno::platform {
 class MacManagedPreferences final : public ManagedPreferences {
  public:
   std::optional<Value> copyAppValue(const std::string& key, const std::string& applicationID) override;
+  bool isAppValueForced(const std::string& key, const std::string& applicationID) override;
 };
 
 }  // namespace karno::platform

@@ -9,6 +9,7 @@
 #include "platform/macos/distributed_notifications.h"
 #include "platform/macos/identifiers.h"
 #include "platform/macos/managed_preferences.h"
+#include "platform/macos/process_list.h"
 #include "platform/macos/system_version.h"
 #include "platform/macos/text.h"
 #include "platform/macos/url_loading.h"
@@ -17,6 +18,7 @@
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
+#include "platform/posix/file_reading.h"
 #include "platform/posix/files.h"
 #include "platform/posix/popen_shell.h"
 #include "platform/posix/process_setup.h"
@@ -49,6 +51,8 @@ struct NativeServices {
   PopenShell shell;
   FoundationURLLoading urlLoading;
   FoundationIdentifiers identifiers;
+  MacProcessList processList;
+  PosixFileReading fileReading;
 
   Platform platform{.application = application,
                     .alerts = alerts,
@@ -70,7 +74,9 @@ struct NativeServices {
                     .updater = updater,
                     .shell = shell,
                     .urlLoading = urlLoading,
-                    .identifiers = identifiers};
+                    .identifiers = identifiers,
+                    .processList = processList,
+                    .fileReading = fileReading};
 };
 
 void startProcess(int argc, char** argv) {

@@ -49,8 +49,17 @@ TEST(ProgressWindowOnScreen, TheSpaceBarPressesCancel) {
   EXPECT_EQ(onScreen("progress/key-space").output, launchedAndEnded("cancel\n"));
 }
 
+TEST(ProgressWindowOnScreen, ClosingItPressesCancel) {
+  EXPECT_EQ(onScreen("progress/close-button").output, launchedAndEnded("cancel\n"));
+}
+
 TEST(ProgressWindowOnScreen, ItsButtonCanBeClicked) {
   EXPECT_EQ(onScreen("progress/click").output, launchedAndEnded("cancel\n"));
+}
+
+TEST(ProgressWindowOnScreen, IsPaintedWhenItIsShownAndWhenItGrows) {
+  EXPECT_EQ(onScreen("progress/painted").output, launchedAndEnded("F3F3F3\n"));
+  EXPECT_EQ(onScreen("progress/painted-anew").output, launchedAndEnded("F3F3F3\n"));
 }
 
 TEST(ProgressWindowOnScreen, MayBeDestroyedByThePressOfItsButton) {

@@ -66,6 +66,10 @@ TEST(PromptWindowOnScreen, ShowsTheTextsItHasNowUnderTheApplicationsName) {
           "\n"));
 }
 
+TEST(PromptWindowOnScreen, IsPainted) {
+  EXPECT_EQ(onScreen("prompt/painted").output, launchedAndEnded("F3F3F3\n"));
+}
+
 TEST(PromptWindowOnScreen, IsLargeEnoughForEveryText) {
   EXPECT_EQ(onScreen("prompt/sizes").output, launchedAndEnded("nothing: nothing\n"
                                                               "one letter: nothing\n"

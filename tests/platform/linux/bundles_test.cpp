@@ -24,6 +24,8 @@ class LinuxBundlesTest : public testing::Test {
   }
 
   TemporaryFolder folder;
+  const ScopedEnvironment home{"HOME", folder.path()};  // without preferences
+  const ScopedEnvironment list{"LANGUAGE", std::nullopt};
   cocoa::CocoaPropertyLists propertyLists;
   LinuxBundles bundles{propertyLists};
 };
@@ -137,6 +139,42 @@ TEST_F(LinuxBundlesTest, FindsTheResourceOfTheUsersLanguageThenBaseThenEnglish) 
   EXPECT_EQ(bundle("A.app")->pathForResource("Text", "strings", ""), resources + "en.lproj/Text.strings");
   std::filesystem::remove(resources + "en.lproj/Text.strings");
   EXPECT_EQ(bundle("A.app")->pathForResource("Text", "strings", ""), std::nullopt);
+}
+
+TEST_F(LinuxBundlesTest, FollowsTheLanguagesOfTheUsersPreferences) {
+  folder.write("A.app/Contents/Resources/zh-Hant.lproj/Text.strings", "");
+  folder.write("A.app/Contents/Resources/Base.lproj/Text.strings", "");
+  folder.write("Library/Preferences/.GlobalPreferences.plist",
+               propertyList("<key>AppleLanguages</key><array><string>zh-HK</string></array>"));
+
+  EXPECT_EQ(bundle("A.app")->pathForResource("Text", "strings", ""),
+            folder / "A.app/Contents/Resources/zh-Hant.lproj/Text.strings");
+}
+
+TEST_F(LinuxBundlesTest, TakesTheNextFolderWhenTheBestHasNoSuchResource) {
+  folder.write("A.app/Contents/Resources/de-AT.lproj/Other.strings", "");
+  folder.write("A.app/Contents/Resources/de.lproj/Text.strings", "");
+  const ScopedEnvironment language("LC_ALL", "de_AT.UTF-8");
+
+  EXPECT_EQ(bundle("A.app")->pathForResource("Text", "strings", ""),
+            folder / "A.app/Contents/Resources/de.lproj/Text.strings");
+}
+
+TEST_F(LinuxBundlesTest, AreNotLedOutOfTheirResourcesByALanguage) {
+  folder.write("A.app/Contents/outside.lproj/Text.strings", "");
+  std::filesystem::create_directories(folder / "A.app/Contents/Resources/x");
+  const ScopedEnvironment language("LC_ALL", "../outside");
+
+  EXPECT_EQ(bundle("A.app")->pathForResource("Text", "strings", ""), std::nullopt);
+}
+
+TEST_F(LinuxBundlesTest, PassOverAFileThatIsNamedLikeALanguageFolder) {
+  folder.write("A.app/Contents/Resources/de.lproj", "");
+  folder.write("A.app/Contents/Resources/Base.lproj/Text.strings", "");
+  const ScopedEnvironment language("LC_ALL", "de_AT.UTF-8");
+
+  EXPECT_EQ(bundle("A.app")->pathForResource("Text", "strings", ""),
+            folder / "A.app/Contents/Resources/Base.lproj/Text.strings");
 }
 
 TEST_F(LinuxBundlesTest, LooksInADirectoryExactly) {

@@ -50,6 +50,16 @@ TEST_F(LinuxManagedPreferencesTest, PreferForcedValuesThenTheUsersThenThoseOfThe
   EXPECT_EQ(value("KEY"), Value("forced for this user"));
 }
 
+TEST_F(LinuxManagedPreferencesTest, TellForcedValuesFromTheOthers) {
+  EXPECT_FALSE(preferences.isAppValueForced("KEY", kDomain));
+
+  set("home/Library/Preferences", stringEntry("KEY", "user"));
+  EXPECT_FALSE(preferences.isAppValueForced("KEY", kDomain));
+
+  set("root/Library/Managed Preferences", stringEntry("KEY", "forced"));
+  EXPECT_TRUE(preferences.isAppValueForced("KEY", kDomain));
+}
+
 TEST_F(LinuxManagedPreferencesTest, LookFurtherWhenAFileLacksTheKey) {
   set("root/Library/Managed Preferences", stringEntry("OTHER", "forced"));
   set("root/Library/Preferences", stringEntry("KEY", "machine"));

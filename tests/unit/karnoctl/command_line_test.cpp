@@ -3,22 +3,24 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "fake_platform.h"
 #include "ipc/wrapper_protocol.h"
+#include "terminal.h"
 
 namespace karno::karnoctl {
 namespace {
 
 using ::testing::StartsWith;
 
-// karnoctl on a machine of its own; what the launcher there would receive is kept.
-class Terminal {
+using test::Terminal;
+
+// A machine that keeps what a launcher there would receive.
+class Listener {
  public:
-  Terminal() {
+  Listener() {
     machine_.notifications.addObserver(this, std::string(kWrapperNotificationName),
                                        std::string(kWrapperNotificationObject),
                                        [this](const platform::DistributedNotification& notification) {
@@ -26,31 +28,24 @@ class Terminal {
                                        });
   }
 
-  int run(const std::vector<std::string>& arguments) {
-    Context context{out_, err_, [] { return std::ref(platform::host()); }};
-    const int status = karnoctl::run(arguments, "1.2.3", context);
+  const std::vector<platform::Value::Dictionary>& received() {
     machine_.runUntilIdle();
-    return status;
+    return received_;
   }
-
-  std::string out() const { return out_.str(); }
-  std::string err() const { return err_.str(); }
-  const std::vector<platform::Value::Dictionary>& received() const { return received_; }
 
  private:
   test::FakePlatform machine_;
-  std::ostringstream out_;
-  std::ostringstream err_;
   std::vector<platform::Value::Dictionary> received_;
 };
 
 TEST(Karnoctl, PostsWhatTheEmbeddedApplicationWouldPost) {
+  Listener launcher;
   Terminal terminal;
 
   const int status = terminal.run({"post", "app-is-terminating-abnormally", "--reason", "disk full"});
 
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(terminal.received(),
+  EXPECT_EQ(launcher.received(),
             (std::vector<platform::Value::Dictionary>{
                 {{"message", "app-is-terminating-abnormally"}, {"reason", "disk full"}}}));
   EXPECT_EQ(terminal.out(), "");
@@ -58,16 +53,18 @@ TEST(Karnoctl, PostsWhatTheEmbeddedApplicationWouldPost) {
 }
 
 TEST(Karnoctl, PostsNoReasonWhenNoneIsGiven) {
+  Listener launcher;
   Terminal terminal;
 
   const int status = terminal.run({"post", "user-selected-quit"});
 
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(terminal.received(),
+  EXPECT_EQ(launcher.received(),
             (std::vector<platform::Value::Dictionary>{{{"message", "user-selected-quit"}}}));
 }
 
 TEST(Karnoctl, PostsNothingWhenTheMessageIsUnknown) {
+  Listener launcher;
   Terminal terminal;
 
   const int status = terminal.run({"post", "user-selected-quti"});
@@ -76,7 +73,7 @@ TEST(Karnoctl, PostsNothingWhenTheMessageIsUnknown) {
   EXPECT_EQ(terminal.err(),
             "karnoctl: unknown message 'user-selected-quti'; did you mean 'user-selected-quit'?\n"
             "Try \"karnoctl help post\".\n");
-  EXPECT_TRUE(terminal.received().empty());
+  EXPECT_TRUE(launcher.received().empty());
 }
 
 TEST(Karnoctl, TellsItsVersion) {
@@ -110,6 +107,28 @@ TEST(Karnoctl, ExplainsAVerbByEitherName) {
   EXPECT_THAT(asked.out(), StartsWith("Usage: karnoctl post MESSAGE [--reason TEXT]\n"));
 }
 
+TEST(Karnoctl, ListsWhatItCanDo) {
+  Terminal terminal;
+
+  terminal.run({"--help"});
+
+  EXPECT_EQ(terminal.out(),
+            "Usage: karnoctl VERB [ARGUMENT...]\n"
+            "       karnoctl help [VERB]\n"
+            "       karnoctl --help | --version\n"
+            "\n"
+            "Talks to the Karno launcher that runs in your session.\n"
+            "\n"
+            "Verbs:\n"
+            "  status     say whether the launcher and its client run\n"
+            "  log        show what the launcher has logged\n"
+            "  explain    say which build the launcher runs next, and why\n"
+            "  post       tell the launcher what its client would tell it\n"
+            "  help       say how a verb is used\n"
+            "\n"
+            "Exit status: 0 done, 1 failed, 3 no launcher runs (status), 64 wrong usage.\n");
+}
+
 TEST(Karnoctl, SuggestsTheVerbThatWasMeant) {
   Terminal terminal;
 
@@ -129,6 +148,17 @@ TEST(Karnoctl, WantsAVerb) {
   EXPECT_EQ(terminal.err(), "karnoctl: what is to be done? (no verb given)\nTry \"karnoctl --help\".\n");
 }
 
+TEST(Karnoctl, RefusesArgumentsOfAVerbThatTakesNone) {
+  Terminal terminal;
+
+  EXPECT_EQ(terminal.run({"status", "--now"}), 64);
+  EXPECT_EQ(terminal.run({"explain", "why"}), 64);
+
+  EXPECT_EQ(terminal.err(),
+            "karnoctl: unknown option '--now'\nTry \"karnoctl help status\".\n"
+            "karnoctl: explain takes no argument 'why'\nTry \"karnoctl help explain\".\n");
+}
+
 TEST(Karnoctl, RefusesOptionsItDoesNotKnow) {
   Terminal terminal;
 
@@ -137,6 +167,21 @@ TEST(Karnoctl, RefusesOptionsItDoesNotKnow) {
   EXPECT_EQ(status, 64);
   EXPECT_EQ(terminal.err(), "karnoctl: unknown option '-v'\nTry \"karnoctl --help\".\n");
 }
+
+class KarnoctlMessage : public testing::TestWithParam<std::string_view> {};
+
+TEST_P(KarnoctlMessage, ReachesTheLauncher) {
+  Listener launcher;
+  Terminal terminal;
+  const std::string message(GetParam());
+
+  const int status = terminal.run({"post", message});
+
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(launcher.received(), (std::vector<platform::Value::Dictionary>{{{"message", message}}}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, KarnoctlMessage, testing::ValuesIn(kWrapperMessages));
 
 }  // namespace
 }  // namespace karno::karnoctl

@@ -4,37 +4,26 @@
 
 #include "fake_platform.h"
 #include "printing.h"
-#include "util/error.h"
 
 namespace karno {
 namespace {
 
 using test::FakePlatform;
-using test::Line;
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr const char* kFolder = "/Applications/Karno.app/Contents/Resources/";
-
-FakePlatform& withTable(FakePlatform& machine, const std::string& resource, const std::string& json) {
-  machine.files.addFile(kFolder + resource, json);
-  machine.bundles.main().resources[resource] = kFolder + resource;
-  return machine;
-}
-
 TEST(Localise, PrefersTheTableOfTheUsersLanguage) {
   FakePlatform machine;
-  withTable(machine, "Strings.json", R"({"OK": "In Ordnung"})");
-  withTable(machine, "Base.lproj/Strings.json", R"({"OK": "OK"})");
+  machine.withResource("Strings.json", R"({"OK": "In Ordnung"})");
+  machine.withResource("Base.lproj/Strings.json", R"({"OK": "OK"})");
 
   EXPECT_EQ(KarnoLocalise::localise("OK"), "In Ordnung");
 }
 
 TEST(Localise, FallsBackToTheBaseTableForAMissingOrEmptyText) {
   FakePlatform machine;
-  withTable(machine, "Strings.json", R"({"YES": ""})");
-  withTable(machine, "Base.lproj/Strings.json", R"({"YES": "Yes", "NO": "No"})");
+  machine.withResource("Strings.json", R"({"YES": ""})");
+  machine.withResource("Base.lproj/Strings.json", R"({"YES": "Yes", "NO": "No"})");
 
   EXPECT_EQ(KarnoLocalise::localise("YES"), "Yes");
   EXPECT_EQ(KarnoLocalise::localise("NO"), "No");
@@ -66,60 +55,101 @@ TEST(Localise, TurnsTheTwoEscapesIntoALineBreakAndASingleQuote) {
   EXPECT_EQ(KarnoLocalise::localise("TEXT"), "Line one\nLine 'two'");
 }
 
-TEST(Localise, PassesOverMembersThatAreNoStrings) {
+TEST(Localise, LooksForEscapesFromLeftToRightAndLineBreaksFirst) {
   FakePlatform machine;
-  machine.withStrings(R"({"OK": 1, "YES": ["Yes"], "NO": "No"})");
+  machine.withStrings(R"({"TEXT": "\\\\n|\\\\\"|\\n\\n|\n|\"|\\t"})");
 
-  EXPECT_EQ(KarnoLocalise::localise("OK"), "OK");
-  EXPECT_EQ(KarnoLocalise::localise("YES"), "YES");
-  EXPECT_EQ(KarnoLocalise::localise("NO"), "No");
+  EXPECT_EQ(KarnoLocalise::localise("TEXT"), "\\\n|\\'|\n\n|\n|\"|\\t");
 }
 
-TEST(Localise, WarnsOnceAboutEachTableThatIsNotThere) {
+TEST(Localise, IgnoresTheCaseOfNoToken) {
   FakePlatform machine;
+  machine.withStrings(R"({"OK": "OK", "ok": "small"})");
+
+  EXPECT_EQ(KarnoLocalise::localise("ok"), "small");
+  EXPECT_EQ(KarnoLocalise::localise("Ok"), "Ok");
+}
+
+TEST(Localise, TellsTheConsoleEachTimeThatATokenIsNotThere) {
+  FakePlatform machine;
+  machine.withStrings("{}");
 
   KarnoLocalise::localise("OK");
   KarnoLocalise::localise("OK");
-  machine.runFor(1);
 
-  EXPECT_THAT(
-      machine.log(),
-      ElementsAre(Line("WARN", "KarnoLocalise: Failed to build path for 'Locale: Strings.json'"),
-                  Line("WARN", "KarnoLocalise: Failed to build path for 'Base.lproj: Strings.json'")));
+  EXPECT_THAT(machine.console(), ElementsAre("--- KarnoLocalise token 'OK' not found",
+                                             "--- KarnoLocalise token 'OK' not found"));
 }
 
-TEST(Localise, WarnsAboutATableThatCannotBeRead) {
+TEST(Localise, FillsPlaceholdersInTheTextOfAToken) {
   FakePlatform machine;
-  withTable(machine, "Strings.json", "{}");
-  withTable(machine, "Base.lproj/Strings.json", R"({"OK": "OK"})");
-  machine.files.failRead(std::string(kFolder) + "Strings.json", 13);
+  machine.withStrings(R"({"ITEMS": "{{ name }} and {{n}} more"})");
 
-  EXPECT_EQ(KarnoLocalise::localise("OK"), "OK");
-
-  machine.runFor(1);
-  EXPECT_THAT(
-      machine.log(),
-      ElementsAre(Line("WARN", "KarnoLocalise: Failed to load data for 'Locale: Strings.json'. Error=" +
-                                   Error::posix(13).localizedDescription())));
+  EXPECT_EQ(KarnoLocalise::localise("ITEMS", {{"name", "a.txt"}, {"n", "3"}}), "a.txt and 3 more");
 }
 
-class LocaliseWithABrokenTable : public ::testing::TestWithParam<std::string> {};
-
-TEST_P(LocaliseWithABrokenTable, WarnsAndUsesTheOtherOne) {
+TEST(Localise, KeepsPlaceholdersWithoutAParameterAndPassesOverParametersWithoutAPlaceholder) {
   FakePlatform machine;
-  withTable(machine, "Strings.json", GetParam());
-  withTable(machine, "Base.lproj/Strings.json", R"({"OK": "OK from the base"})");
+  machine.withStrings(R"({"ITEMS": "{{ name }} and {{n}} more"})");
 
-  EXPECT_EQ(KarnoLocalise::localise("OK"), "OK from the base");
-
-  machine.runFor(1);
-  EXPECT_THAT(machine.console(),
-              Contains(::testing::HasSubstr(
-                  "[WARN] KarnoLocalise: Failed to serialise data for 'Locale: Strings.json'. Error=")));
+  EXPECT_EQ(KarnoLocalise::localise("ITEMS"), "{{ name }} and {{n}} more");
+  EXPECT_EQ(KarnoLocalise::localise("ITEMS", {{"n", "3"}, {"other", "x"}}), "{{ name }} and 3 more");
 }
 
-INSTANTIATE_TEST_SUITE_P(Tables, LocaliseWithABrokenTable,
-                         ::testing::Values("", "{", "[\"OK\"]", "\"OK\"", "\xFF\xFE", R"({"OK": "x"} y)"));
+TEST(Localise, FillsParametersByNameAlsoInWhatAnEarlierOneHasPutIn) {
+  FakePlatform machine;
+  machine.withStrings(R"({"TEXT": "{{a}}{{b}}"})");
+
+  EXPECT_EQ(KarnoLocalise::localise("TEXT", {{"b", "{{a}}"}, {"a", "{{b}}"}}), "{{a}}{{a}}");
+}
+
+TEST(Localise, FillsPlaceholdersOfATokenThatNoTableHas) {
+  FakePlatform machine;
+  machine.withStrings("{}");
+
+  EXPECT_EQ(KarnoLocalise::localise("NO {{ name }}", {{"name", "TOKEN"}}), "NO TOKEN");
+}
+
+TEST(Localise, AppliesOptionsToTheFilledText) {
+  FakePlatform machine;
+  machine.withStrings(R"({"QUIT": "quit {{name}}"})");
+
+  EXPECT_EQ(KarnoLocalise::localise("QUIT", {{"name", "karno"}}, LocaliseOptionQuestionMark), "quit karno?");
+  EXPECT_EQ(KarnoLocalise::localise("QUIT", LocaliseOptionFirstLetterUppercase), "Quit {{name}}");
+  EXPECT_EQ(
+      KarnoLocalise::localise("QUIT", {{"name", "it"}}, LocaliseOptionUppercase | LocaliseOptionEllipsis),
+      "QUIT IT...");
+}
+
+TEST(LocaliseItem, NamesOneItemAndHowManyMoreThereAre) {
+  FakePlatform machine;
+  machine.withStrings(
+      R"({"ITEM_AND_N_MORE": "{{ name }} and {{ n }} more", "UPLOADED_FILE": "Got {{ file }}"})");
+
+  EXPECT_EQ(KarnoLocalise::item("a.txt", 3), "a.txt and 3 more");
+  EXPECT_EQ(KarnoLocalise::item("a.txt", 0), "Got a.txt");
+  EXPECT_EQ(KarnoLocalise::item("a.txt", -1), "a.txt and -1 more");
+  EXPECT_EQ(KarnoLocalise::item("a.txt", INT64_MIN), "a.txt and -9223372036854775808 more");
+}
+
+// The name is a replacement template, so what it says of groups is taken at its word.
+TEST(LocaliseItem, ReadsTheNameAsAReplacementTemplate) {
+  FakePlatform machine;
+  machine.withStrings(R"({"UPLOADED_FILE": "Got {{ file }}"})");
+
+  EXPECT_EQ(KarnoLocalise::item("$1 bill", 0), "Got  bill");
+  EXPECT_EQ(KarnoLocalise::item("a\\b", 0), "Got ab");
+}
+
+TEST(Localise, LoadsTheTablesOnceAndNeverAgain) {
+  FakePlatform machine;
+  machine.withStrings(R"({"OK": "first"})");
+  KarnoLocalise::localise("OK");
+
+  machine.withStrings(R"({"OK": "second"})");
+
+  EXPECT_EQ(KarnoLocalise::localise("OK"), "first");
+}
 
 }  // namespace
 }  // namespace karno

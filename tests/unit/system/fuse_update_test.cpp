@@ -151,7 +151,7 @@ TEST_P(BadHost, IsNeverAskedFor) {
 }
 
 INSTANTIATE_TEST_SUITE_P(LatestVersionHost, BadHost,
-                         ::testing::Values("two words", "host:port", "user@host", "host/path?", "ex\"ample"));
+                         ::testing::Values("two words", "host:port", "user@host", "ex\"ample"));
 
 TEST(LatestVersionHost, ThatIsNoTextIsThePublicOne) {
   FakePlatform machine;

@@ -108,8 +108,8 @@ TEST(NeedsToUpdateToVersion, NeverWithoutAMainLineOfItsOwn) {
 }
 
 TEST(NeedsToUpdateToVersion, AMissingMainLineOfTheOtherCountsAsZero) {
-  EXPECT_FALSE(needsToUpdateToVersion("0.0.1", "5", 2));
-  EXPECT_TRUE(needsToUpdateToVersion("0.0", "5", 2));
+  EXPECT_FALSE(needsToUpdateToVersion("0.1.0", "5", 2));
+  EXPECT_TRUE(needsToUpdateToVersion("0.0.1", "5", 2));
 }
 
 }  // namespace

@@ -11,7 +11,12 @@ PROGRAMS = (
     "Contents/MacOS/karnoctl",
     *(f"Contents/Helpers/{name}.app/Contents/MacOS/{name}" for name in HELPERS),
 )
-OTHER_FILES = ("Contents/PkgInfo", "Contents/Resources/Base.lproj/Strings.json")
+# Those of the texts, beside English, which is the base.
+LANGUAGES = ("de", "es", "fr", "it", "ja", "ko", "nl", "pt-BR", "zh-Hans", "zh-Hant")
+OTHER_FILES = (
+    "Contents/PkgInfo",
+    *(f"Contents/Resources/{language}.lproj/Strings.json" for language in ("Base", *LANGUAGES)),
+)
 FOLDERS = ("Contents/Frameworks",)
 
 # None: any text that is not empty.
@@ -33,6 +38,7 @@ def plists():
     launcher = {
         "CFBundleExecutable": "Karno",
         "CFBundleIdentifier": "it.vantul.KarnoWrapper",
+        "CFBundleLocalizations": ["en", *LANGUAGES],
         "CFBundleName": "Karno",
         "NSHumanReadableCopyright": None,
     }

@@ -1,7 +1,9 @@
 #include <fmt/format.h>
 #include <signal.h>
 
+#include "look.h"
 #include "scenario.h"
+#include "texts.h"
 
 namespace karno::test {
 namespace {
@@ -13,39 +15,102 @@ platform::Alert question() {
           .buttons = {{"Ja", "\r"}, {"Nein", "\033"}}};
 }
 
-void showAndEnd(const platform::Alert& alert) {
-  say(fmt::format("answer {}", platform::host().alerts.runModal(alert)));
+void showAndEnd(platform::Alerts& alerts, const platform::Alert& alert) {
+  say(fmt::format("answer {}", alerts.runModal(alert)));
   terminate();
+}
+
+void showLookAndEnd(platform::Alerts& alerts, const platform::Alert& alert) {
+  later([] {
+    say(visibleWindows().front().title);
+    say(textsOnScreen());
+    say(fmt::format("{}", complaints()));
+    pressWhenActive("Return");
+  });
+  showAndEnd(alerts, alert);
+}
+
+platform::Alert alertOf(const PromptTexts& texts) {
+  return {.messageText = texts.message,
+          .informativeText = texts.explanation,
+          .buttons = {{texts.continueTitle, ""}, {texts.cancelTitle, ""}}};
+}
+
+// Each is answered from the keyboard before the next one comes.
+void measureAlerts(platform::Alerts& alerts) {
+  for (const auto& [language, texts] : promptsOfManyLengths()) {
+    later([name = language] {
+      say(fmt::format("{}: {}", name, complaints()));
+      pressWhenActive("Return");
+    });
+    alerts.runModal(alertOf(texts));
+  }
+  terminate();
+}
+
+void showOneFromAnother(platform::Alerts& alerts) {
+  later([&alerts] {
+    pressWhenActive("Escape");
+    say(fmt::format("inner answer {}", alerts.runModal(question())));
+    pressWhenActive("Return");
+  });
+  showAndEnd(alerts, question());
 }
 
 }  // namespace
 
-void runAlertScenario(std::string_view name) {
+void runAlertScenario(platform::Alerts& alerts, std::string_view name) {
   if (name == "return") {
     pressWhenActive("Return");
-    showAndEnd(question());
+    showAndEnd(alerts, question());
   } else if (name == "escape") {
     pressWhenActive("Escape");
-    showAndEnd(question());
+    showAndEnd(alerts, question());
   } else if (name == "default-keys") {
     pressWhenActive("Return");
     showAndEnd(
+        alerts,
         {.messageText = "Update", .informativeText = "", .buttons = {{"Continue", ""}, {"Not now", ""}}});
   } else if (name == "three-buttons") {
     pressWhenActive("Escape");
     showAndEnd(
+        alerts,
         {.messageText = "Pick", .informativeText = "", .buttons = {{"A", ""}, {"B", ""}, {"C", "\033"}}});
   } else if (name == "no-button") {
     pressWhenActive("Return");
-    showAndEnd({.messageText = "Could not move", .informativeText = "", .buttons = {}});
+    showAndEnd(alerts, {.messageText = "Could not move", .informativeText = "", .buttons = {}});
   } else if (name == "from-main-queue") {
-    later([] {
+    later([&alerts] {
       pressWhenActive("Return");
-      showAndEnd(question());
+      showAndEnd(alerts, question());
     });
+  } else if (name == "escape-without-keys") {
+    pressWhenActive("Escape");
+    showAndEnd(alerts, alertOf(englishPrompt()));
+  } else if (name == "tab-space") {
+    pressWhenActive("Tab space");
+    showAndEnd(alerts, alertOf(englishPrompt()));
+  } else if (name == "click") {
+    later([] { clickWhenActive("Nein"); });
+    showAndEnd(alerts, question());
+  } else if (name == "close-button") {
+    pressWhenActive("alt+F4");
+    showAndEnd(alerts, question());
+  } else if (name == "close-button-of-one") {
+    pressWhenActive("alt+F4");
+    showAndEnd(alerts, {.messageText = "Karno", .informativeText = "", .buttons = {{"OK", ""}}});
+  } else if (name == "look") {
+    showLookAndEnd(alerts, question());
+  } else if (name == "painted") {
+    later(sayColourAndEnd);
+    showAndEnd(alerts, question());
+  } else if (name == "sizes") {
+    measureAlerts(alerts);
+  } else if (name == "nested") {
+    showOneFromAnother(alerts);
   } else if (name == "signal") {
     signalWhenActive(SIGTERM);
-    showAndEnd(question());
+    showAndEnd(alerts, question());
   }
 }
 

@@ -174,4 +174,11 @@ void clickWhenActive(std::string_view title) {
   }
 }
 
+void sayColourAndEnd() {
+  runWhenActive(
+      "sleep 0.5; import -window $(xdotool getactivewindow) png:- | "
+      "convert - -gravity SouthWest -crop 1x1+6+6 -depth 8 -format '%[hex:p{0,0}]\\n' info:; kill -TERM "
+      "$PPID");
+}
+
 }  // namespace karno::test

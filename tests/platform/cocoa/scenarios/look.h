@@ -44,4 +44,8 @@ std::string complaints();
 // Presses the mouse on the button of that title once its window is the active one.
 void clickWhenActive(std::string_view title);
 
+// Says what colour the window has near its lower left corner, where nothing stands, once it is the active
+// one, and ends the process. A window that was not painted is black there.
+void sayColourAndEnd();
+
 }  // namespace karno::test

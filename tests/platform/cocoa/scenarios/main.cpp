@@ -1,5 +1,6 @@
 #include <string>
 
+#include "platform/cocoa/alerts.h"
 #include "scenario.h"
 
 // Runs one scenario, named "group/name", in a real application and says on standard output what happens.
@@ -10,7 +11,11 @@ int main(int argc, char** argv) {
   return karno::platform::applicationMain(argc, argv, [group, name] {
     return std::make_shared<karno::test::SayingDelegate>([group, name] {
       if (group == "alert") {
-        karno::test::runAlertScenario(name);
+        karno::test::runAlertScenario(karno::platform::host().alerts, name);
+      } else if (group == "framework-alert") {
+        // The alerts of macOS, on what GNUstep has of them.
+        static karno::platform::cocoa::CocoaAlerts alerts;
+        karno::test::runAlertScenario(alerts, name);
       } else if (group == "queue") {
         karno::test::runQueueScenario(name);
       } else if (group == "window") {

@@ -78,6 +78,14 @@ void destroyInItsOwnAction() {
   clickWhenActive("Cancel");
 }
 
+void growOnScreen() {
+  showFilled();
+  later([] {
+    progress()->textField().setStringValue(germanPrompt().explanation);
+    sayColourAndEnd();
+  });
+}
+
 }  // namespace
 
 void runProgressScenario(std::string_view name) {
@@ -91,8 +99,15 @@ void runProgressScenario(std::string_view name) {
     cancel([] { pressWhenActive("Escape"); });
   } else if (name == "key-space") {
     cancel([] { pressWhenActive("space"); });
+  } else if (name == "close-button") {
+    cancel([] { pressWhenActive("alt+F4"); });
   } else if (name == "click") {
     cancel([] { clickWhenActive("Cancel"); });
+  } else if (name == "painted") {
+    showFilled();
+    sayColourAndEnd();
+  } else if (name == "painted-anew") {
+    growOnScreen();
   } else if (name == "destroyed-by-cancel") {
     destroyInItsOwnAction();
   }

@@ -119,6 +119,10 @@ void runPromptScenario(std::string_view name) {
     closeWithoutHavingBeenShown();
   } else if (name == "show-again") {
     showAgain();
+  } else if (name == "painted") {
+    fill(englishPrompt());
+    show();
+    sayColourAndEnd();
   } else if (name == "texts") {
     readTexts();
   } else if (name == "sizes") {

@@ -37,7 +37,7 @@ void signalWhenActive(int number);
 void terminate();
 
 // Each begins when the application has launched.
-void runAlertScenario(std::string_view name);
+void runAlertScenario(platform::Alerts& alerts, std::string_view name);
 void runQueueScenario(std::string_view name);
 void runWindowScenario(std::string_view name);
 void runPromptScenario(std::string_view name);

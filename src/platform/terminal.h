@@ -1,0 +1,18 @@
+#pragma once
+
+namespace karno::platform {
+
+// For command-line tools. Safe from any thread.
+
+// Whether the standard output is a terminal.
+bool standardOutputIsTerminal();
+
+// Whether the standard output is a terminal whose user wants colours: neither NO_COLOR nor a "dumb" TERM is
+// in the environment.
+bool standardOutputWantsColours();
+
+// Lets this process end by SIGPIPE when whoever reads its output has gone, as other tools do. The platform
+// ignores that signal for the launcher's sake, so this is called after nativePlatform().
+void endWithTheReaderOfTheOutput();
+
+}  // namespace karno::platform

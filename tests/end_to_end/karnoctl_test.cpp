@@ -1,0 +1,181 @@
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+#include "expected_logs.h"
+#include "places.h"
+
+namespace karno::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+
+constexpr std::chrono::seconds kToolLimit{30};
+
+// karnoctl's command line on a machine whether or not its launcher runs.
+std::vector<std::string> karnoctlCommand(const Machine& machine, const std::vector<std::string>& arguments) {
+  std::vector<std::string> command{"/usr/bin/env", "HOME=" + machine.home().string(),
+                                   "KARNO_MACHINE_ROOT=" + machine.root().string(),
+                                   machine.bundle() / "Contents/MacOS/karnoctl"};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return command;
+}
+
+CommandResult karnoctl(const Machine& machine, const std::vector<std::string>& arguments) {
+  return runCommand(karnoctlCommand(machine, arguments), kToolLimit);
+}
+
+std::string contentOf(const fs::path& file) {
+  std::ostringstream text;
+  text << std::ifstream(file, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+void append(const fs::path& file, const std::string& text) {
+  fs::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::app) << text;
+}
+
+// The launcher may have been up for a second or two by now.
+std::string withoutSeconds(const std::string& text) {
+  return std::regex_replace(text, std::regex(R"(up \d+ s\n)"), "up N s\n");
+}
+
+TEST(KarnoctlStatus, ShowsTheRealLauncherAndItsClient) {
+  Machine machine(builtTools());
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  const auto launchers = machine.processesOf(machine.bundle() / "Contents/MacOS/Karno");
+  const auto clients = machine.processesOf(machine.helper() / "Contents/MacOS/Karno");
+  ASSERT_THAT(launchers, SizeIs(1));
+  ASSERT_THAT(clients, SizeIs(1));
+
+  const CommandResult result = machine.in({"karnoctl", "status"});
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(withoutSeconds(result.output),
+            fmt::format("Karno " KARNO_VERSION " runs, process {}, up N s\n"
+                        "  bundle  {}\n"
+                        "  client  the File Provider build, process {}, up N s\n"
+                        "          {}\n",
+                        launchers[0], machine.bundle().string(), clients[0], machine.helper().string()));
+}
+
+TEST(KarnoctlStatus, FindsNoLauncherOnAMachineThatIsOff) {
+  const Machine machine(builtTools());
+
+  const CommandResult result = karnoctl(machine, {"status"});
+
+  EXPECT_EQ(result.status, 3);
+  EXPECT_EQ(result.output, "No Karno launcher runs.\n");
+}
+
+TEST(KarnoctlLog, ShowsTheLinesThatTheLauncherWrote) {
+  Machine machine(builtTools());
+  machine.startWithScript("1:user-selected-quit");
+  ASSERT_EQ(machine.waitForEnd(), 0);
+
+  const CommandResult result = karnoctl(machine, {"log", "--lines", "all"});
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, contentOf(machine.logFile()));
+  EXPECT_THAT(result.output, HasSubstr("[INFO] AppDelegate:: Terminating\n"));
+}
+
+TEST(KarnoctlLog, FollowsTheLauncherUntilItIsInterrupted) {
+  Machine machine(builtTools());
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  const fs::path seen = machine.root() / "seen.txt";
+  Subprocess follower(karnoctlCommand(machine, {"log", "--follow", "--lines", "0"}), seen);
+
+  machine.in({"karnoctl", "post", "user-selected-quit"});
+  ASSERT_EQ(machine.waitForEnd(), 0);
+
+  EXPECT_TRUE(machine.waitUntil(
+      [&] { return contentOf(seen).find("AppDelegate:: Terminating\n") != std::string::npos; }, kToolLimit))
+      << contentOf(seen);
+  EXPECT_THAT(contentOf(seen), HasSubstr("[INFO] Notify[LISTEN] Received 'user-selected-quit'\n"));
+  follower.signal(SIGINT);
+  EXPECT_EQ(follower.waitForEnd(kToolLimit), 130);
+}
+
+TEST(KarnoctlLog, FollowsThroughARotation) {
+  const Machine machine(builtTools());
+  append(machine.logFile(), "one\n");
+  const fs::path seen = machine.root() / "seen.txt";
+  const Subprocess follower(karnoctlCommand(machine, {"log", "--follow"}), seen);
+  ASSERT_TRUE(machine.waitUntil([&] { return contentOf(seen) == "one\n"; }, kToolLimit)) << contentOf(seen);
+
+  append(machine.logFile(), "two\n");
+  fs::rename(machine.logFile(), machine.logFile().parent_path() / "karno-wrapper.old.log");
+  append(machine.logFile(), "three\n");
+
+  EXPECT_TRUE(machine.waitUntil([&] { return contentOf(seen) == "one\ntwo\nthree\n"; }, kToolLimit))
+      << contentOf(seen);
+}
+
+// As "karnoctl log | head -1" does.
+TEST(KarnoctlLog, EndsQuietlyWithTheReaderOfItsOutput) {
+  const Machine machine(builtTools());
+  append(machine.logFile(), std::string(1'000'000, '\n'));
+  const std::string tool = machine.bundle() / "Contents/MacOS/karnoctl";
+
+  const CommandResult result =
+      runCommand({"/usr/bin/env", "HOME=" + machine.home().string(), "/bin/bash", "-c",
+                  "'" + tool + "' log --lines all | head -1; echo ${PIPESTATUS[0]}"},
+                 kToolLimit);
+
+  EXPECT_EQ(result.output, "\n141\n");
+}
+
+TEST(KarnoctlExplain, ForetellsTheNextStartAndLeavesNoTrace) {
+  Machine machine(builtTools(), {"--macos", "14.5", "--cpu", "arm64", "--admin", "USE_FILE_PROVIDER=YES"});
+
+  const CommandResult result = karnoctl(machine, {"explain"});
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(
+      result.output,
+      StartsWith("The next start runs the File Provider build, Karno.app: the administrator has chosen "
+                 "it.\n"
+                 "The system check passes: macOS has File Provider from version 12.3 on.\n"
+                 "\n"
+                 "Choice of the build (\">\" decides)\n"
+                 "  > administrator   USE_FILE_PROVIDER = \"YES\": on\n"));
+  EXPECT_THAT(result.output, HasSubstr("  USE_FILE_PROVIDER        \"YES\": on        managed preferences "
+                                       "(it.vantul.KarnoAdmin)\n"));
+  EXPECT_FALSE(fs::exists(machine.logFile().parent_path()));
+  EXPECT_FALSE(fs::exists(machine.home() / "Library/Preferences/it.vantul.karno.plist"));
+
+  machine.startWithScript("1:user-selected-quit");
+  ASSERT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.log(), Contains("INFO EmbeddedApp[CONFIGURE] Use File Provider = Yes (admin)"));
+}
+
+TEST(KarnoctlExplain, ReadsTheFactsOfTheMachine) {
+  const Machine machine(builtTools(), {"--macos", "12.2.1", "--cpu", "x86_64", "--fuse", "3.11.2"});
+
+  const CommandResult result = karnoctl(machine, {"explain"});
+
+  EXPECT_THAT(result.output,
+              HasSubstr("The system check passes, by macFUSE: macOS is older than 12.3, so File "
+                        "Provider cannot be used.\n"));
+  EXPECT_THAT(result.output,
+              HasSubstr("  processor  x86_64\n  macFUSE    3.11.2, read from " + machine.root().string() +
+                        "/Library/Frameworks/macFUSE.framework/Resources/Info.plist\n"));
+  EXPECT_THAT(result.output, HasSubstr("  ✓ x86_64  3.11.2+   any macOS\n"));
+}
+
+}  // namespace
+}  // namespace karno::test

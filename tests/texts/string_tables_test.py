@@ -1,0 +1,50 @@
+"""Every table of user-visible texts is complete, agrees with the base and is well typeset."""
+
+import plistlib
+import unittest
+from pathlib import Path
+
+import table_check
+
+PROJECT = Path(__file__).resolve().parents[2]
+RESOURCES = PROJECT / "resources"
+LANGUAGES = ["Base", "de", "es", "fr", "it", "ja", "ko", "nl", "pt-BR", "zh-Hans", "zh-Hant"]
+
+
+class StringTables(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.tables = table_check.tables(RESOURCES)
+
+    def test_are_there_for_every_language(self):
+        self.assertEqual(LANGUAGES, sorted(self.tables))
+
+    def test_are_named_by_the_info_plist(self):
+        info = plistlib.loads((RESOURCES / "Info.plist.in").read_bytes())
+
+        self.assertEqual(["en", *LANGUAGES[1:]], info["CFBundleLocalizations"])
+
+    def test_have_every_token_that_the_sources_ask_for(self):
+        asked = table_check.tokens_asked_for(PROJECT / "src")
+
+        self.assertLessEqual({"CANCEL", "OK", "ITEM_AND_N_MORE", "MESSAGE_ARE_YOU_SURE_CONTINUE"}, asked)
+        self.assertEqual(set(), asked - self.tables["Base"].keys())
+
+    def test_are_without_a_fault(self):
+        base = self.tables["Base"]
+        found = [f"{language}: {sentence}"
+                 for language, table in self.tables.items()
+                 for sentence in table_check.findings(language, table, base)]
+
+        self.assertEqual([], found)
+
+    def test_have_the_placeholders_that_the_sources_fill(self):
+        base = self.tables["Base"]
+
+        self.assertEqual(["name", "n"], table_check.PLACEHOLDER.findall(base["ITEM_AND_N_MORE"]))
+        self.assertEqual(["file"], table_check.PLACEHOLDER.findall(base["UPLOADED_FILE"]))
+
+
+if __name__ == "__main__":
+    unittest.main()

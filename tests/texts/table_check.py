@@ -1,0 +1,144 @@
+"""Judges the tables of user-visible texts. Each finding is one sentence."""
+
+import json
+import re
+import unicodedata
+
+BASE = "Base"
+NARROW_BLANK = "\u202f"
+PLACEHOLDER = re.compile(r"\{\{ (\w+) \}\}")
+PRODUCTS = ("Karno", "macFUSE", "macOS")
+IDEOGRAPHIC = ("ja", "zh-Hans", "zh-Hant")
+
+# Opening and closing quotation mark of each language, and whether ’ is its apostrophe.
+QUOTATION_MARKS = {
+    BASE: ("“”", True),
+    "de": ("„“", False),
+    "es": ("“”", False),
+    "fr": ("«»", True),
+    "it": ("“”", True),
+    "ja": ("“”", False),
+    "ko": ("‘’", False),
+    "nl": ("‘’", False),
+    "pt-BR": ("“”", False),
+    "zh-Hans": ("“”", False),
+    "zh-Hant": ("「」", False),
+}
+ALL_QUOTATION_MARKS = set("“”„‟‘’‚‛«»‹›「」『』\"'`´")
+
+
+class Unreadable(ValueError):
+    pass
+
+
+def read(file):
+    """Token to text, or Unreadable."""
+    def unique(members):
+        names = [name for name, _ in members]
+        if names != sorted(set(names)):
+            raise Unreadable("its tokens are not in order, each once")
+        return dict(members)
+
+    try:
+        table = json.loads(file.read_bytes().decode("utf-8"), object_pairs_hook=unique)
+    except (UnicodeDecodeError, json.JSONDecodeError) as problem:
+        raise Unreadable(str(problem)) from problem
+    if not isinstance(table, dict) or not all(isinstance(text, str) for text in table.values()):
+        raise Unreadable("it is not an object of texts")
+    return table
+
+
+def tables(resources):
+    return {folder.stem: read(folder / "Strings.json") for folder in sorted(resources.glob("*.lproj"))}
+
+
+def tokens_asked_for(sources):
+    """The tokens that stand as literals in the calls that look texts up."""
+    call = re.compile(r'(?:\blocalise|\btextLookedUpOnce|\blocalisedStringForToken)\([^;"]*"([A-Z][A-Z0-9_]*)"')
+    return {token for file in sources.rglob("*.cpp") for token in call.findall(file.read_text(encoding="utf-8"))}
+
+
+def token_findings(table, base):
+    for token in sorted(base.keys() - table.keys()):
+        yield f"{token} is missing."
+    for token in sorted(table.keys() - base.keys()):
+        yield f"{token} is not in the base."
+
+
+def placeholder_findings(token, text, base_text):
+    if "{" in PLACEHOLDER.sub("", text) or "}" in PLACEHOLDER.sub("", text):
+        yield f"{token} has a brace that belongs to no placeholder."
+    if sorted(PLACEHOLDER.findall(text)) != sorted(PLACEHOLDER.findall(base_text)):
+        yield f"{token} has other placeholders than the base."
+
+
+def product_findings(token, text, base_text):
+    for product in PRODUCTS:
+        if (product in text) != (product in base_text):
+            yield f"{token} and the base do not both name {product}."
+
+
+def typesetting_findings(token, text):
+    if not text or text != text.strip():
+        yield f"{token} is empty, or begins or ends with white space."
+    if unicodedata.normalize("NFC", text) != text:
+        yield f"{token} is not composed (NFC)."
+    if any(unicodedata.category(character) in ("Cc", "Cf", "Co", "Cn") for character in text):
+        yield f"{token} has a character that cannot be seen."
+    if re.search(r"\\(?!n)", text):
+        yield f"{token} has a backslash that is no line break."
+    if re.search(r"\s\s| \\n|\\n ", text):
+        yield f"{token} has a blank too many."
+    if re.search(r"<|%[@\d]|&\w+;|\.\.", text):
+        yield f"{token} has markup or points in a row."
+
+
+def quotation_findings(token, text, language):
+    (opening, closing), has_apostrophe = QUOTATION_MARKS[language]
+    if has_apostrophe and closing != "’":
+        text = re.sub(r"(?<=\w)’(?=\w)", "", text)
+    marks = [mark for mark in text if mark in ALL_QUOTATION_MARKS]
+    if marks != [opening, closing] * (len(marks) // 2):
+        yield f"{token} has quotation marks that are not its language's."
+
+
+def punctuation_findings(token, text, language):
+    if language == "fr":
+        yield from french_findings(token, text)
+    elif re.search(r"\s[?!:;,.]", text):
+        yield f"{token} has a blank before a mark."
+    if language == "es" and (text.count("¿"), text.count("¡")) != (text.count("?"), text.count("!")):
+        yield f"{token} does not open a question or an exclamation."
+    if language in IDEOGRAPHIC and re.search(r"[?!,;:.]", text):
+        yield f"{token} has a narrow mark between wide characters."
+
+
+def french_findings(token, text):
+    without = re.sub(f"{NARROW_BLANK}(?=[?!:;»])|(?<=«){NARROW_BLANK}", "", text)
+    marks = len(re.findall("[?!:;«»]", text))
+    if len(text) - len(without) != marks or NARROW_BLANK in without or "\u00a0" in without:
+        yield f"{token} lacks a narrow blank at a mark."
+
+
+def sentence_findings(token, text, base_text):
+    if sentence_end(text) != sentence_end(base_text):
+        yield f"{token} and the base do not end alike."
+
+
+def sentence_end(text):
+    """"?" of a question in any script, "." of a statement, nothing without a mark. An exclamation is a matter of taste."""
+    return unicodedata.normalize("NFKC", text[-1:]).replace("。", ".").rstrip("!") if text[-1:] in ".。?？!！" else ""
+
+
+def findings(language, table, base):
+    yield from token_findings(table, base)
+    for token in sorted(table.keys() & base.keys()):
+        text = table[token]
+        yield from placeholder_findings(token, text, base[token])
+        yield from product_findings(token, text, base[token])
+        yield from typesetting_findings(token, text)
+        yield from quotation_findings(token, text, language)
+        yield from punctuation_findings(token, text, language)
+        yield from sentence_findings(token, text, base[token])
+        if language != BASE and len(text.split()) > 2 and text == base[token]:
+            yield f"{token} is not translated."

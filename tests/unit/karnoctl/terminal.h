@@ -1,0 +1,43 @@
+#pragma once
+#include <functional>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "fake_platform.h"
+#include "karnoctl/command_line.h"
+
+namespace karno::test {
+
+// A person who types karnoctl's command lines on a machine of the test's.
+class Terminal {
+ public:
+  int run(const std::vector<std::string>& arguments) { return karnoctl::run(arguments, "1.2.3", context_); }
+
+  // From now on the output goes to a screen.
+  void becomeScreen(bool withColours) {
+    context_.outputIsTerminal = true;
+    context_.outputWantsColours = withColours;
+  }
+
+  // From now on nothing can be printed any more.
+  void close() { out_.setstate(std::ios::badbit); }
+
+  std::string out() const { return out_.str(); }
+  std::string err() const { return err_.str(); }
+
+  // What has been printed since the last call.
+  std::string newOut() {
+    std::string text = out_.str();
+    out_.str("");
+    return text;
+  }
+
+ private:
+  std::ostringstream out_;
+  std::ostringstream err_;
+  karnoctl::Context context_{.out = out_, .err = err_, .platform = [] { return std::ref(platform::host()); }};
+};
+
+}  // namespace karno::test

@@ -1,0 +1,65 @@
+#pragma once
+#include "platform/platform.h"
+
+namespace karno::karnoctl {
+
+class SilentConsole final : public platform::ConsoleLog {
+ public:
+  void log(std::string_view) override {}
+};
+
+// Every change fails as on a read-only disk.
+class ReadOnlyFiles final : public platform::Files {
+ public:
+  explicit ReadOnlyFiles(platform::Files& files) : files_(files) {}
+
+  std::vector<std::string> searchPath(platform::UserFolder folder) const override;
+  std::string homeDirectory() const override;
+  std::vector<std::string> localLibraryFolders() const override;
+  bool fileExists(const std::string& path) const override;
+  std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override;
+  platform::Result<std::string> read(const std::string& path) const override;
+  platform::Result<std::string> destinationOfSymbolicLink(const std::string& path) const override;
+  void enumerate(const std::string& folder, const Visitor& visit) const override;
+
+  std::optional<platform::Error> createDirectory(const std::string& path) override;
+  std::optional<platform::Error> remove(const std::string& path) override;
+  std::optional<platform::Error> move(const std::string& from, const std::string& to) override;
+  std::unique_ptr<platform::AppendStream> openForAppending(const std::string& path) override;
+
+ private:
+  platform::Files& files_;
+};
+
+// What is set is dropped.
+class ReadOnlyUserDefaultsStore final : public platform::UserDefaultsStore {
+ public:
+  explicit ReadOnlyUserDefaultsStore(platform::UserDefaultsStore& store);
+
+  platform::UserDefaults& standardUserDefaults() override { return *standardUserDefaults_; }
+  std::unique_ptr<platform::UserDefaults> makeSuite(const std::string& suiteName) override;
+
+ private:
+  platform::UserDefaultsStore& store_;
+  const std::unique_ptr<platform::UserDefaults> standardUserDefaults_;
+};
+
+// Lets a tool ask the launcher's own code, which logs and could write: while this lives, the installed
+// platform is the given one without a console, with files that cannot be changed (so that there is no log
+// file either) and with user defaults that stay as they are.
+class ReadOnlyPlatform {
+ public:
+  explicit ReadOnlyPlatform(platform::Platform& real);
+  ~ReadOnlyPlatform();
+  ReadOnlyPlatform(const ReadOnlyPlatform&) = delete;
+  ReadOnlyPlatform& operator=(const ReadOnlyPlatform&) = delete;
+
+ private:
+  platform::Platform& real_;
+  SilentConsole console_;
+  ReadOnlyFiles files_;
+  ReadOnlyUserDefaultsStore userDefaults_;
+  platform::Platform platform_;
+};
+
+}  // namespace karno::karnoctl
