@@ -30,6 +30,7 @@ BurstTally tallyOf(const std::string& console) {
     const std::string_view text = messageOf(line);
     if (!text.starts_with(kReceived)) continue;
     const std::string message(text.substr(kReceived.size(), text.size() - kReceived.size() - 1));
+    if (message == kUserSelectedQuit) break;
     const std::size_t dash = message.rfind('-');
     if (message == kEnableAutomaticUpdates) {
       ++tally.switchedOn;

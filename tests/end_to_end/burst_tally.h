@@ -6,7 +6,7 @@
 
 namespace karno::test {
 
-// What a launcher's console says of a burst of notifications.
+// What a launcher's console says of a burst of notifications, up to the user's wish to quit.
 struct BurstTally {
   // Of unknown messages such as "north-00017": the numbers in the order in which they were received, by
   // sender.

@@ -17,7 +17,7 @@ using ::testing::SizeIs;
 
 constexpr int kSenders = 4;
 constexpr int kEach = 25'000;
-constexpr int kResidentMebibytesMax = 256;
+constexpr int kResidentMebibytesMax = 128;
 
 // The most that was ever resident.
 int peakMebibytes(int process) {

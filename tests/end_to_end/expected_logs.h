@@ -13,13 +13,14 @@ inline constexpr const char* kFirstStartup =
 inline constexpr const char* kVerified = "INFO EmbeddedApp[CONFIGURE] Use File Provider = Yes (verified)";
 inline constexpr const char* kTerminating = "INFO AppDelegate:: Terminating";
 
-// What the log of a start begins with, up to the choice of the build.
-inline Messages openingMessages() {
+// What the log of a start begins with, up to the choice of the build. `parent` started it: "bash" when "open"
+// did.
+inline Messages openingMessages(const std::string& parent = "start") {
   return {
       "STARTUP ===================================================",
       "STARTUP Karno Log Started (defaults verboseLogging=0)",
       "STARTUP Karno Version: " KARNO_VERSION,
-      "STARTUP Parent Process: start (N)",
+      "STARTUP Parent Process: " + parent + " (N)",
       "INFO AppDelegate[MOVE] Check whether app needs to be moved",
       "INFO AppDelegate[MOVE] Karno does not need to be moved. Continuing...",
   };
@@ -99,6 +100,24 @@ inline Messages clientEndedMessages(const std::string& statusAndReason) {
       "WARN Startup[TERMINATED] Child terminated (" + statusAndReason + ")",
       "WARN Startup[TERMINATED] Embedded Karno.app terminated - quitting",
       "INFO AppDelegate[TERMINATE] Reason: Embedded Karno.app terminated",
+  };
+}
+
+// What follows while the launcher waits for the client to leave, which it does.
+inline Messages leavingMessages(const std::string& bundleIdentifier) {
+  return {
+      "INFO ProcessUtils: Waiting for '" + bundleIdentifier + "' to terminate",
+      "WARN Startup[TERMINATED] Child terminated (status:0, reason:1)",
+      "WARN Startup[TERMINATED] Embedded Karno.app terminated. Reason: Being restarted",
+      "WARN ProcessUtils: '" + bundleIdentifier + " terminated (S seconds)",
+  };
+}
+
+// What follows while the launcher waits for the client to leave, which stays.
+inline Messages stayingMessages(const std::string& bundleIdentifier) {
+  return {
+      "INFO ProcessUtils: Waiting for '" + bundleIdentifier + "' to terminate",
+      "WARN ProcessUtils: '" + bundleIdentifier + "' has not terminated (timed-out after 5.0 seconds)",
   };
 }
 

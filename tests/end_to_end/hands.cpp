@@ -69,6 +69,17 @@ void pressMessageButton(const Machine& machine, const WindowOnScreen& window, st
   pressAt(machine, window, static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y)));
 }
 
+// The buttons stand at the lower right, the first one outermost; a short title leaves them at their least
+// width.
+void pressAlertButton(const Machine& machine, const WindowOnScreen& alert, int index) {
+  constexpr int kMargin = 20;
+  constexpr int kWidth = 82;
+  constexpr int kGap = 10;
+  constexpr int kHalfHeight = 14;
+  const int fromRight = kMargin + kWidth / 2 + index * (kWidth + kGap);
+  pressAt(machine, alert, alert.width - fromRight, alert.height - kMargin - kHalfHeight);
+}
+
 void pressKey(const Machine& machine, const WindowOnScreen& window, const std::string& key) {
   machine.in({"xdotool", "windowactivate", "--sync", window.identifier, "key", key});
 }

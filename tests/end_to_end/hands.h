@@ -34,6 +34,9 @@ void pressAt(const Machine& machine, const WindowOnScreen& window, int x, int y)
 // Presses the button of that message in the client's window.
 void pressMessageButton(const Machine& machine, const WindowOnScreen& window, std::string_view message);
 
+// Presses a button of a modal alert; 0 is the first and outermost one.
+void pressAlertButton(const Machine& machine, const WindowOnScreen& alert, int index);
+
 // Presses a key, such as "Return", in that window.
 void pressKey(const Machine& machine, const WindowOnScreen& window, const std::string& key);
 

@@ -33,6 +33,15 @@ void replaceClient(const Machine& machine, const std::string& script) {
   fs::permissions(clientOf(machine), fs::perms::owner_all);
 }
 
+bool ignoresTermination(int process) {
+  std::ifstream status("/proc/" + std::to_string(process) + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (!line.starts_with("SigIgn:")) continue;
+    return (std::stoull(line.substr(7), nullptr, 16) >> (SIGTERM - 1) & 1U) != 0;
+  }
+  return false;
+}
+
 TEST(OddClient, MayCloseItsStandardStreams) {
   Machine machine(builtTools());
   replaceClient(machine, "exec 0<&- 1>&- 2>&-\nsleep 2\nexit 4\n");
@@ -73,7 +82,7 @@ TEST(OddClient, RunsOnWhenItIgnoresTerminationAndEndsWhenItIsKilled) {
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
   const auto clients = machine.processesOf(clientOf(machine));
   ASSERT_THAT(clients, SizeIs(1));
-  std::this_thread::sleep_for(std::chrono::seconds(2));
+  ASSERT_TRUE(machine.waitUntil([&] { return ignoresTermination(clients[0]); }, std::chrono::seconds(20)));
 
   ::kill(clients[0], SIGTERM);
   const bool endedByRequest =

@@ -35,9 +35,11 @@ std::string messageOf(const std::string& line) {
   static const std::regex kLogLine(
       R"(\d{4}-\d{2}-\d{2} \d{2}:\d{2}:\d{2}:\d{3}[+-]\d{4} \(\d+\) \[([^\]]+)\] (.*))");
   static const std::regex kProcess(R"(\((pid: )?\d+\))");
+  static const std::regex kElapsed(R"(\(\d+\.\d seconds\))");
   std::smatch parts;
   if (!std::regex_match(line, parts, kLogLine)) return line;
-  return parts[1].str() + " " + std::regex_replace(parts[2].str(), kProcess, "($1N)");
+  const std::string message = std::regex_replace(parts[2].str(), kProcess, "($1N)");
+  return parts[1].str() + " " + std::regex_replace(message, kElapsed, "(S seconds)");
 }
 
 }  // namespace

@@ -51,8 +51,8 @@ class Machine {
   // Runs a command inside.
   CommandResult in(const std::vector<std::string>& command) const;
 
-  // The messages of the log file as "LEVEL message", with process identifiers written as N. A physical line
-  // that is none of a log's stands as it is.
+  // The messages of the log file as "LEVEL message", with process identifiers written as N and the time that
+  // a wait took as S. A physical line that is none of a log's stands as it is.
   std::vector<std::string> log() const { return messages(logFile()); }
 
   // The same of what start printed, where lines of other programs may stand between.

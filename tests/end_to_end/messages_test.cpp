@@ -1,0 +1,152 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "expected_logs.h"
+#include "hands.h"
+#include "places.h"
+
+namespace karno::test {
+namespace {
+
+using ::testing::ElementsAreArray;
+using ::testing::SizeIs;
+
+constexpr const char* kStartedAgain = "INFO Main: Started Karno successfully";
+constexpr const char* kFailedToStart = "*** ERROR *** Main: Failed to start Karno";
+
+Messages startMessages() { return joined({openingMessages(), {kFirstStartup}, fileProviderMessages()}); }
+
+std::filesystem::path clientOf(const Machine& machine) { return machine.helper() / "Contents/MacOS/Karno"; }
+
+// Starts the launcher and presses that message's button in the client's window, after which the client
+// leaves.
+void startAndPress(Machine& machine, const std::string& message) {
+  machine.start();
+  const auto window = findWindow(machine, "Karno.app");
+  ASSERT_TRUE(window) << machine.consoleText();
+  pressMessageButton(machine, *window, message);
+}
+
+TEST(Messages, OfTheClientSteerTheUpdaterAndEndTheLauncher) {
+  Machine machine(builtTools());
+
+  machine.startWithScript(
+      "1:check-for-updates,1.2:enable-automatic-updates,1.4:disable-automatic-updates,1.6:user-selected-"
+      "quit");
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(),
+              ElementsAreArray(joined({startMessages(),
+                                       {"INFO Notify[LISTEN] Received 'check-for-updates'",
+                                        "INFO Sparkle[CHECK] Checking for updates "
+                                        "(https://updates.vantul.it/updates/macos/appcast.eddsa.xml)",
+                                        "INFO Notify[LISTEN] Received 'enable-automatic-updates'",
+                                        "INFO Sparkle[CONFIG] Check updates automatically=1",
+                                        "INFO Notify[LISTEN] Received 'disable-automatic-updates'",
+                                        "INFO Sparkle[CONFIG] Check updates automatically=0"},
+                                       quittingMessages(),
+                                       clientEndedMessages("status:0, reason:1"),
+                                       {kTerminating}})));
+}
+
+TEST(Messages, ThatTheClientIsTerminatingEndTheLauncher) {
+  Machine machine(builtTools());
+
+  machine.startWithScript("1:app-is-terminating");
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(),
+              ElementsAreArray(joined({startMessages(),
+                                       {"INFO Notify[LISTEN] Received 'app-is-terminating'",
+                                        "INFO AppDelegate[TERMINATE] Reason: Karno.app is terminated"},
+                                       clientEndedMessages("status:0, reason:1"),
+                                       {kTerminating}})));
+}
+
+TEST(CrashAlert, EndsTheLauncherByItsSecondButton) {
+  Machine machine(builtTools());
+  machine.startWithScript("1:app-is-terminating-abnormally=disk full");
+  const auto alert = findWindow(machine, kLauncherTitle);
+  ASSERT_TRUE(alert) << machine.consoleText();
+
+  pressAlertButton(machine, *alert, 1);
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(
+      machine.console(),
+      ElementsAreArray(joined(
+          {startMessages(),
+           {"INFO Notify[LISTEN] Received 'app-is-terminating-abnormally'",
+            "*** ERROR *** Abnormal[TERMINATION] Karno.app terminated abnormally. (reason=disk full)",
+            "INFO Abnormal[TERMINATION] User elected not to restart Karno after terminating abnormally.",
+            "INFO AppDelegate[TERMINATE] Reason: User selected quit for crash", kTerminating}})));
+}
+
+TEST(CrashAlert, EndsTheLauncherByEscape) {
+  Machine machine(builtTools());
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  machine.in({"karnoctl", "post", "app-is-terminating-abnormally"});
+  const auto alert = findWindow(machine, kLauncherTitle);
+  ASSERT_TRUE(alert) << machine.consoleText();
+
+  pressKey(machine, *alert, "Escape");
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(
+      machine.console(),
+      ElementsAreArray(joined(
+          {startMessages(),
+           {"INFO Notify[LISTEN] Received 'app-is-terminating-abnormally'",
+            "*** ERROR *** Abnormal[TERMINATION] Karno.app terminated abnormally. (reason=(null))",
+            "INFO Abnormal[TERMINATION] User elected not to restart Karno after terminating abnormally.",
+            "INFO AppDelegate[TERMINATE] Reason: User selected quit for crash", kTerminating}})));
+}
+
+TEST(Restart, StartsANewClientOnceTheOldOneHasLeft) {
+  Machine machine(builtTools());
+  startAndPress(machine, "app-needs-restart");
+  ASSERT_TRUE(machine.waitForMessages(2, kStartedAgain)) << machine.consoleText();
+
+  const auto clients = machine.processesOf(clientOf(machine));
+  machine.in({"karnoctl", "post", "user-selected-quit"});
+
+  EXPECT_THAT(clients, SizeIs(1));
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(),
+              ElementsAreArray(joined({startMessages(),
+                                       {"INFO Notify[LISTEN] Received 'app-needs-restart'",
+                                        "INFO Notify[LISTEN] Restarting Karno.app."},
+                                       leavingMessages("it.vantul.Karno"),
+                                       {"INFO Startup[LAUNCH] Launching Karno.app",
+                                        "INFO Startup[LAUNCH] Launched Karno.app (pid: N)", kStartedAgain},
+                                       quittingMessages(),
+                                       {kTerminating}})));
+}
+
+TEST(Restart, FailsWhenTheClientStays) {
+  Machine machine(builtTools());
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  machine.in({"karnoctl", "post", "app-needs-restart"});
+  const auto alert = findWindow(machine, kLauncherTitle);
+  ASSERT_TRUE(alert) << machine.consoleText();
+
+  const auto clients = machine.processesOf(clientOf(machine));
+  pressKey(machine, *alert, "Return");
+
+  EXPECT_THAT(clients, SizeIs(1));
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(
+      machine.console(),
+      ElementsAreArray(joined(
+          {startMessages(),
+           {"INFO Notify[LISTEN] Received 'app-needs-restart'", "INFO Notify[LISTEN] Restarting Karno.app."},
+           stayingMessages("it.vantul.Karno"),
+           {"*** ERROR *** Startup[RESTART] Failed to restart Karno - because it has not exited",
+            kFailedToStart, "INFO AppDelegate[TERMINATE] Reason: Failed to start Karno.app",
+            kTerminating}})));
+}
+
+}  // namespace
+}  // namespace karno::test
