@@ -67,7 +67,25 @@ class CountingFiles final : public platform::Files {
   platform::Files& files_;
 };
 
-platform::Platform withFiles(const platform::Platform& native, platform::Files& files) {
+class LaunchersBundles final : public platform::Bundles {
+ public:
+  explicit LaunchersBundles(const platform::Bundles& bundles)
+      : bundles_(bundles), main_(bundles.bundleAtPath(builtBundle())) {
+    if (!main_) throw std::runtime_error("the launcher's bundle is not built");
+  }
+
+  const platform::Bundle& mainBundle() const override { return *main_; }
+  std::shared_ptr<const platform::Bundle> bundleAtPath(const std::string& path) const override {
+    return bundles_.bundleAtPath(path);
+  }
+
+ private:
+  const platform::Bundles& bundles_;
+  const std::shared_ptr<const platform::Bundle> main_;
+};
+
+platform::Platform withServices(const platform::Platform& native, platform::Files& files,
+                                platform::Bundles& bundles) {
   return {native.application,
           native.alerts,
           native.windows,
@@ -76,7 +94,7 @@ platform::Platform withFiles(const platform::Platform& native, platform::Files& 
           native.clock,
           native.tasks,
           native.processes,
-          native.bundles,
+          bundles,
           native.userDefaults,
           native.managedPreferences,
           native.distributedNotifications,
@@ -101,6 +119,7 @@ Workplace::Workplace() {
   fs::create_directories(homeFolder());
   setenv("HOME", homeFolder().c_str(), 1);
   setenv("KARNO_MACHINE_ROOT", folder_.c_str(), 1);
+  setenv("LC_ALL", "C.UTF-8", 1);
 }
 
 void Workplace::remove() {
@@ -110,6 +129,11 @@ void Workplace::remove() {
 
 const fs::path& Workplace::home() { return homeFolder(); }
 
+fs::path builtBundle() {
+  const fs::path bench = fs::read_symlink("/proc/self/exe").parent_path();
+  return bench.parent_path().parent_path() / "Karno.app";
+}
+
 FileCounts& fileCounts() {
   static FileCounts counts;
   return counts;
@@ -117,7 +141,8 @@ FileCounts& fileCounts() {
 
 platform::Platform& countingPlatform(platform::Platform& native) {
   static CountingFiles files(native.files);
-  static platform::Platform platform = withFiles(native, files);
+  static LaunchersBundles bundles(native.bundles);
+  static platform::Platform platform = withServices(native, files, bundles);
   return platform;
 }
 
