@@ -30,11 +30,22 @@ ExpressionCache& expressions() {
   return *cache;
 }
 
-// Null for an absent or empty text.
-const std::string* textIn(const std::optional<StringTable>& table, std::string_view token) {
-  if (!table) return nullptr;
+// A table whose texts can be shown: with its escapes replaced, line breaks first.
+std::optional<StringTable> readyToShow(std::optional<StringTable> table) {
+  if (!table) return table;
+  for (auto& [token, text] : *table) {
+    replaceAll(text, "\\n", "\n");
+    replaceAll(text, "\\\"", "'");
+  }
+  return table;
+}
+
+// An empty text counts as absent.
+std::optional<std::string_view> textIn(const std::optional<StringTable>& table, std::string_view token) {
+  if (!table) return std::nullopt;
   const auto entry = table->find(token);
-  return entry == table->end() || entry->second.empty() ? nullptr : &entry->second;
+  if (entry == table->end() || entry->second.empty()) return std::nullopt;
+  return entry->second;
 }
 
 }  // namespace
@@ -45,43 +56,46 @@ KarnoLocalise& KarnoLocalise::instance() {
 }
 
 KarnoLocalise::KarnoLocalise()
-    : localisedStrings_(loadStringsForResource("Strings", "json", "")),
-      defaultStrings_(loadStringsForResource("Strings", "json", "Base.lproj")) {}
+    : localisedStrings_(readyToShow(loadStringsForResource("Strings", "json", ""))),
+      defaultStrings_(readyToShow(loadStringsForResource("Strings", "json", "Base.lproj"))) {}
 
-std::string KarnoLocalise::localise(std::string_view token) { return localise(token, Params()); }
+std::string KarnoLocalise::localise(std::string_view token) { return localisedStringForToken(token); }
 
-std::string KarnoLocalise::localise(std::string_view token, const Params& params) {
-  std::string text = localisedStringForToken(token);
-  for (const auto& [key, value] : params) text = stringByReplacingKey(key, value, text);
+std::string KarnoLocalise::localise(std::string_view token, Params params) {
+  const std::string_view found = textForToken(token);
+  if (params.size() == 0) return std::string(found);
+  std::string text;
+  const Param* const first = params.begin();
+  for (const Param& param : params) {
+    text = stringByReplacingKey(param.key, param.value, &param == first ? found : text);
+  }
   return text;
 }
 
 std::string KarnoLocalise::localise(std::string_view token, Options options) {
-  return localise(token, Params(), options);
+  return localise(token, {}, options);
 }
 
-std::string KarnoLocalise::localise(std::string_view token, const Params& params, Options options) {
+std::string KarnoLocalise::localise(std::string_view token, Params params, Options options) {
   return applyOptionsToString(localise(token, params), options);
 }
 
 std::string KarnoLocalise::item(std::string_view name, std::int64_t andMore) {
-  if (andMore == 0) return localise("UPLOADED_FILE", {{"file", std::string(name)}});
-  return localise("ITEM_AND_N_MORE", {{"name", std::string(name)}, {"n", u_stringForInteger(andMore)}});
+  if (andMore == 0) return localise("UPLOADED_FILE", {{"file", name}});
+  return localise("ITEM_AND_N_MORE", {{"name", name}, {"n", u_stringForInteger(andMore)}});
 }
 
 std::string KarnoLocalise::localisedStringForToken(std::string_view token) {
-  if (token.empty()) return "";
+  return std::string(textForToken(token));
+}
+
+std::string_view KarnoLocalise::textForToken(std::string_view token) {
+  if (token.empty()) return token;
   const KarnoLocalise& tables = instance();
-  const std::string* found = textIn(tables.localisedStrings_, token);
-  if (found == nullptr) found = textIn(tables.defaultStrings_, token);
-  if (found == nullptr) {
-    platform::host().consoleLog.log(fmt::format("--- KarnoLocalise token '{}' not found", token));
-    return std::string(token);
-  }
-  std::string text = *found;
-  replaceAll(text, "\\n", "\n");
-  replaceAll(text, "\\\"", "'");
-  return text;
+  if (const auto text = textIn(tables.localisedStrings_, token)) return *text;
+  if (const auto text = textIn(tables.defaultStrings_, token)) return *text;
+  platform::host().consoleLog.log(fmt::format("--- KarnoLocalise token '{}' not found", token));
+  return token;
 }
 
 std::string KarnoLocalise::stringByReplacingKey(std::string_view key, std::string_view value,

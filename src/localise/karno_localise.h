@@ -1,6 +1,6 @@
 #pragma once
 #include <cstdint>
-#include <map>
+#include <initializer_list>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -28,17 +28,21 @@ enum LocaliseOption : std::uint32_t {
 // then the base table. The tables are loaded once and never again. Safe from any thread.
 class KarnoLocalise {
  public:
-  using Params = std::map<std::string, std::string, std::less<>>;
+  struct Param {
+    std::string_view key;
+    std::string_view value;
+  };
+  using Params = std::initializer_list<Param>;
   using Options = std::uint32_t;  // any of LocaliseOption
 
   // The text for the token; the token itself when no table has it, nothing for an empty token.
   static std::string localise(std::string_view token);
 
-  // Placeholders are filled in the order of the parameters' names, each one also in what those before it have
-  // put in. A placeholder without a parameter stays.
-  static std::string localise(std::string_view token, const Params& params);
+  // Placeholders are filled in the order of the parameters, each one also in what those before it have put
+  // in. A placeholder without a parameter stays.
+  static std::string localise(std::string_view token, Params params);
   static std::string localise(std::string_view token, Options options);
-  static std::string localise(std::string_view token, const Params& params, Options options);
+  static std::string localise(std::string_view token, Params params, Options options);
 
   static std::string applyOptionsToString(std::string text, Options options);
 
@@ -65,10 +69,15 @@ class KarnoLocalise {
   friend class platform::NeverDestroyed<KarnoLocalise>;
 
   KarnoLocalise();
+
+  // The text lives as long as the tables, or as the token when no table has it.
+  static std::string_view textForToken(std::string_view token);
+
   std::string optionAreYouSure();
   std::string optionContactSysAdmin();
   std::string textLookedUpOnce(std::optional<std::string>& text, std::string_view token);
 
+  // Without the escapes of the table files.
   const std::optional<StringTable> localisedStrings_;
   const std::optional<StringTable> defaultStrings_;
 

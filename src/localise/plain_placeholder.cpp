@@ -13,32 +13,41 @@ bool isWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 bool isASCII(char c) { return static_cast<unsigned char>(c) < 0x80; }
 
-enum class Match { Yes, No, Unknown };
+// Two searches for one character each are many times faster than one for either.
+bool meansSomethingInATemplate(std::string_view value) {
+  return value.find('$') != std::string_view::npos || value.find('\\') != std::string_view::npos;
+}
 
-// Takes the parts of a placeholder off the front of a text. Unknown when a part is missing before a character
-// that is not ASCII, since that could be white space.
+// Takes the parts of a placeholder off the front of a text, with the white space between them.
 class PlaceholderReader {
  public:
   explicit PlaceholderReader(std::string_view rest) : rest_(rest) {}
 
-  Match read(std::string_view key) {
-    for (const std::string_view part :
-         {std::string_view("{"), std::string_view("{"), key, std::string_view("}"), std::string_view("}")}) {
-      if (const Match match = take(part); match != Match::Yes) return match;
-    }
-    return Match::Yes;
-  }
+  bool read(std::string_view key) { return take('{') && take('{') && takeKey(key) && take('}') && take('}'); }
+
+  // Whether it is not known if a placeholder is there: a part was missing before a character that is not
+  // ASCII, which could be white space.
+  bool isUncertain() const { return !rest_.empty() && !isASCII(rest_.front()); }
 
   std::string_view rest() const { return rest_; }
 
  private:
-  Match take(std::string_view part) {
-    const auto end = std::find_if_not(rest_.begin(), rest_.end(), isWhiteSpace);
-    rest_.remove_prefix(static_cast<std::size_t>(end - rest_.begin()));
-    if (!rest_.empty() && !isASCII(rest_.front())) return Match::Unknown;
-    if (!rest_.starts_with(part)) return Match::No;
-    rest_.remove_prefix(part.size());
-    return Match::Yes;
+  bool take(char brace) {
+    skipWhiteSpace();
+    if (!rest_.starts_with(brace)) return false;
+    rest_.remove_prefix(1);
+    return true;
+  }
+
+  bool takeKey(std::string_view key) {
+    skipWhiteSpace();
+    if (!rest_.starts_with(key)) return false;
+    rest_.remove_prefix(key.size());
+    return true;
+  }
+
+  void skipWhiteSpace() {
+    while (!rest_.empty() && isWhiteSpace(rest_.front())) rest_.remove_prefix(1);
   }
 
   std::string_view rest_;
@@ -49,20 +58,20 @@ class PlaceholderReader {
 std::optional<std::string> textWithPlainPlaceholdersFilled(std::string_view key, std::string_view value,
                                                            std::string_view text) {
   if (key.empty() || !std::all_of(key.begin(), key.end(), isKeyCharacter)) return std::nullopt;
-  if (value.find_first_of("$\\") != std::string_view::npos) return std::nullopt;
+  if (meansSomethingInATemplate(value)) return std::nullopt;
 
   std::string filled;
+  filled.reserve(text.size() + value.size());
   for (std::size_t brace = text.find('{'); brace != std::string_view::npos;) {
     PlaceholderReader reader(text.substr(brace));
-    const Match match = reader.read(key);
-    if (match == Match::Unknown) return std::nullopt;
-    if (match == Match::No) {
+    if (reader.read(key)) {
+      filled.append(text.substr(0, brace)).append(value);
+      text = reader.rest();
+      brace = text.find('{');
+    } else {
+      if (reader.isUncertain()) return std::nullopt;
       brace = text.find('{', brace + 1);
-      continue;
     }
-    filled.append(text.substr(0, brace)).append(value);
-    text = reader.rest();
-    brace = text.find('{');
   }
   return filled.append(text);
 }

@@ -36,11 +36,10 @@ void replaceExecutable(const fs::path& helper, const fs::path& probe) {
 }
 
 Programs stage() {
-  const fs::path build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().parent_path();
-  const fs::path bench = build / "tests" / "bench";
+  const fs::path bench = fs::read_symlink("/proc/self/exe").parent_path();
   const fs::path bundle = Workplace::home() / "Applications" / "Karno.app";
   fs::create_directories(bundle.parent_path());
-  fs::copy(build / "Karno.app", bundle, fs::copy_options::recursive);
+  fs::copy(builtBundle(), bundle, fs::copy_options::recursive);
   for (const fs::directory_entry& helper : fs::directory_iterator(bundle / "Contents" / "Helpers")) {
     replaceExecutable(helper.path(), bench / "start_probe");
   }

@@ -67,7 +67,25 @@ class CountingFiles final : public platform::Files {
   platform::Files& files_;
 };
 
-platform::Platform withFiles(const platform::Platform& native, platform::Files& files) {
+class LaunchersBundles final : public platform::Bundles {
+ public:
+  explicit LaunchersBundles(const platform::Bundles& bundles)
+      : bundles_(bundles), main_(bundles.bundleAtPath(builtBundle())) {
+    if (!main_) throw std::runtime_error("the launcher's bundle is not built");
+  }
+
+  const platform::Bundle& mainBundle() const override { return *main_; }
+  std::shared_ptr<const platform::Bundle> bundleAtPath(const std::string& path) const override {
+    return bundles_.bundleAtPath(path);
+  }
+
+ private:
+  const platform::Bundles& bundles_;
+  const std::shared_ptr<const platform::Bundle> main_;
+};
+
+platform::Platform withServices(const platform::Platform& native, platform::Files& files,
+                                platform::Bundles& bundles) {
   return {native.application,
           native.alerts,
           native.windows,
@@ -76,7 +94,7 @@ platform::Platform withFiles(const platform::Platform& native, platform::Files& 
           native.clock,
           native.tasks,
           native.processes,
-          native.bundles,
+          bundles,
           native.userDefaults,
           native.managedPreferences,
           native.distributedNotifications,
@@ -101,6 +119,7 @@ Workplace::Workplace() {
   fs::create_directories(homeFolder());
   setenv("HOME", homeFolder().c_str(), 1);
   setenv("KARNO_MACHINE_ROOT", folder_.c_str(), 1);
+  setenv("LC_ALL", "C.UTF-8", 1);
 }
 
 void Workplace::remove() {
@@ -112,15 +131,19 @@ const fs::path& Workplace::home() { return homeFolder(); }
 
 void Workplace::layOutMachine() {
   static const bool isDone = [] {
-    const fs::path build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().parent_path();
     const std::string command = std::string("'" KARNO_MAKE_MACHINE "' '") + machine().string() +
-                                "' --user bench --bundle '" + (build / "Karno.app").string() +
+                                "' --user bench --bundle '" + builtBundle().string() +
                                 "' --macos 14.5 --cpu arm64 --fuse 4.4.1";
     if (std::system(command.c_str()) != 0) throw std::runtime_error("the machine cannot be laid out");
     setenv("PATH", ((machine() / "usr/bin").string() + ":" + std::getenv("PATH")).c_str(), 1);
     return true;
   }();
   static_cast<void>(isDone);
+}
+
+fs::path builtBundle() {
+  const fs::path bench = fs::read_symlink("/proc/self/exe").parent_path();
+  return bench.parent_path().parent_path() / "Karno.app";
 }
 
 FileCounts& fileCounts() {
@@ -130,7 +153,8 @@ FileCounts& fileCounts() {
 
 platform::Platform& countingPlatform(platform::Platform& native) {
   static CountingFiles files(native.files);
-  static platform::Platform platform = withFiles(native, files);
+  static LaunchersBundles bundles(native.bundles);
+  static platform::Platform platform = withServices(native, files, bundles);
   return platform;
 }
 

@@ -7,7 +7,7 @@
 
 namespace karno::bench {
 
-// A temporary home folder and machine root for the whole run; set in the environment.
+// A temporary home folder and machine root for the whole run, and the C locale; set in the environment.
 class Workplace {
  public:
   Workplace();
@@ -26,6 +26,9 @@ class Workplace {
   std::filesystem::path folder_;
 };
 
+// The launcher's bundle beside which the benchmarks were built.
+std::filesystem::path builtBundle();
+
 // What the log's files have seen since the program started.
 struct FileCounts {
   std::atomic<std::uint64_t> linesWritten{0};
@@ -34,7 +37,8 @@ struct FileCounts {
 
 FileCounts& fileCounts();
 
-// The native platform with its files wrapped, so that lines that reached the file and rotations are counted.
+// The native platform with its files wrapped, so that lines that reached the file and rotations are counted,
+// and with the launcher's bundle for its own.
 platform::Platform& countingPlatform(platform::Platform& native);
 
 }  // namespace karno::bench

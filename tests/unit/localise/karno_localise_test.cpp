@@ -96,11 +96,12 @@ TEST(Localise, KeepsPlaceholdersWithoutAParameterAndPassesOverParametersWithoutA
   EXPECT_EQ(KarnoLocalise::localise("ITEMS", {{"n", "3"}, {"other", "x"}}), "{{ name }} and 3 more");
 }
 
-TEST(Localise, FillsParametersByNameAlsoInWhatAnEarlierOneHasPutIn) {
+TEST(Localise, FillsParametersInTheirOrderAlsoInWhatAnEarlierOneHasPutIn) {
   FakePlatform machine;
   machine.withStrings(R"({"TEXT": "{{a}}{{b}}"})");
 
-  EXPECT_EQ(KarnoLocalise::localise("TEXT", {{"b", "{{a}}"}, {"a", "{{b}}"}}), "{{a}}{{a}}");
+  EXPECT_EQ(KarnoLocalise::localise("TEXT", {{"b", "{{a}}"}, {"a", "{{b}}"}}), "{{b}}{{b}}");
+  EXPECT_EQ(KarnoLocalise::localise("TEXT", {{"a", "{{b}}"}, {"b", "{{a}}"}}), "{{a}}{{a}}");
 }
 
 TEST(Localise, FillsPlaceholdersOfATokenThatNoTableHas) {
