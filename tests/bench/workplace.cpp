@@ -106,7 +106,9 @@ platform::Platform withServices(const platform::Platform& native, platform::File
           native.updater,
           native.shell,
           native.urlLoading,
-          native.identifiers};
+          native.identifiers,
+          native.processList,
+          native.fileReading};
 }
 
 }  // namespace
