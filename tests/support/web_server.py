@@ -7,7 +7,8 @@ Makes a certificate authority for this run. Writes into FOLDER:
   authority.pem   what a client must trust
   requests.log    a line for each request: METHOD PATH, a tab, the User-Agent
   ports           the https port and the http port, once the server answers
-Serves the files below FOLDER/www; the paths of BEHAVIOURS misbehave instead.
+Serves the files below FOLDER/www; the paths of BEHAVIOURS misbehave instead, and so does a file that only says
+"behave as PATH".
 """
 import http.server
 import os
@@ -47,7 +48,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def do_GET(self):
         with open(os.path.join(FOLDER, "requests.log"), "a") as log:
             log.write(f"{self.command} {self.path}\t{self.headers.get('User-Agent', '')}\n")
-        behaviour = BEHAVIOURS.get(self.path)
+        behaviour = BEHAVIOURS.get(self.model())
         if behaviour is None:
             return self.serve_file()
         self.close_connection = True
@@ -55,6 +56,15 @@ class Handler(http.server.BaseHTTPRequestHandler):
             behaviour(self)
         except OSError:
             pass  # the client has gone, which is what these paths are for
+
+    def model(self):
+        path = os.path.join(FOLDER, "www", self.path.lstrip("/"))
+        if os.path.isfile(path):
+            with open(path, "rb") as file:
+                words = file.read(200).split()
+            if words[:2] == [b"behave", b"as"]:
+                return words[2].decode()
+        return self.path
 
     def serve_file(self):
         path = os.path.join(FOLDER, "www", self.path.lstrip("/"))
