@@ -13,7 +13,7 @@ namespace {
 // Shows its scene when the application has launched and leaves it there until the process is ended.
 class SceneDelegate final : public platform::ApplicationDelegate {
  public:
-  SceneDelegate(const Scene& scene, Table table) : scene_(scene), table_(std::move(table)) {}
+  explicit SceneDelegate(const Scene& scene) : scene_(scene) {}
 
   // Through the queue, since an alert holds up its caller until it is answered.
   void applicationDidFinishLaunching() override {
@@ -25,7 +25,7 @@ class SceneDelegate final : public platform::ApplicationDelegate {
  private:
   void show() {
     try {
-      scene_.show(table_);
+      scene_.show();
     } catch (const std::exception& failure) {
       std::fprintf(stderr, "screenshots: %s\n", failure.what());
       platform::host().application.terminate();
@@ -33,7 +33,6 @@ class SceneDelegate final : public platform::ApplicationDelegate {
   }
 
   const Scene& scene_;
-  Table table_;
 };
 
 int run(int argc, char** argv) {
@@ -42,12 +41,10 @@ int run(int argc, char** argv) {
     for (const Scene& scene : scenes) std::printf("%s\n", scene.name.c_str());
     return 0;
   }
-  const std::string name = argc == 3 ? argv[1] : "";
+  const std::string name = argc == 2 ? argv[1] : "";
   const auto scene = std::ranges::find(scenes, name, &Scene::name);
-  if (scene == scenes.end()) throw std::runtime_error("usage: karno_screenshots --list | SCENE TABLE");
-  return platform::applicationMain(argc, argv, [&scene, table = Table(argv[2])] {
-    return std::make_shared<SceneDelegate>(*scene, table);
-  });
+  if (scene == scenes.end()) throw std::runtime_error("usage: karno_screenshots --list | SCENE");
+  return platform::applicationMain(argc, argv, [&scene] { return std::make_shared<SceneDelegate>(*scene); });
 }
 
 }  // namespace

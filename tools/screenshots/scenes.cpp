@@ -1,73 +1,55 @@
 #include "scenes.h"
 
+#include <fmt/format.h>
+
+#include "app/main_window.h"
+#include "app/progress_window_controller.h"
+#include "app/startup_manager.h"
+#include "ipc/karno_wrappper_notifier_listener.h"
+#include "localise/karno_localise.h"
 #include "platform/platform.h"
 
 namespace karno::screenshots {
 namespace {
 
-using platform::Alert;
-using platform::AlertStyle;
-using platform::host;
-
-void showPrompt(const Table& table, const std::string& messageToken) {
-  platform::PromptWindow& prompt = host().windows.promptWindow();
-  prompt.continueButton().setTitle(table.text("CONTINUE"));
-  prompt.cancelButton().setTitle(table.text("CANCEL"));
-  prompt.continueMessage().setStringValue(table.text("MESSAGE_FUSE_INSTALL_CONTINUE_TO_SITE"));
-  prompt.fuseMessage().setStringValue(table.text(messageToken));
-  prompt.makeKeyAndOrderFront();
+// Lives as long as the process, like the launcher's.
+const std::shared_ptr<MainWindow>& mainWindow() {
+  static const auto window = std::make_shared<MainWindow>(platform::host().windows.promptWindow());
+  return window;
 }
 
-void showProgress(const Table& table) {
-  static const std::unique_ptr<platform::ProgressWindow> window = host().windows.makeProgressWindow();
-  window->setTitle("Karno");
-  window->textField().setStringValue(table.text("MESSAGE_FUSE_INSTALL_REQUIRED"));
-  window->cancelButton().setTitle(table.text("CANCEL"));
-  window->progressIndicator().setDoubleValue(42);
-  window->show();
+void showProgress() {
+  static const std::shared_ptr<ProgressWindowController> controller = ProgressWindowController::make();
+  controller->setTitle("Karno");
+  controller->setMessage(KarnoLocalise::localise("MESSAGE_FUSE_INSTALL_REQUIRED"));
+  controller->showWindow();
+  controller->setProgress(42);
 }
 
-void showAlert(const Alert& alert) { host().alerts.runModal(alert); }
-
-void showMountFailure(const Table& table) {
-  showAlert({.style = AlertStyle::Critical,
-             .messageText = "Karno",
-             .informativeText = table.text("DRIVE_MOUNT_FAILED"),
-             .buttons = {{table.text("OK"), ""}}});
-}
-
-void showInstallAlert(const Table& table) {
-  showAlert({.style = AlertStyle::Critical,
-             .messageText = table.text("MESSAGE_FUSE_INSTALL_REQUIRED"),
-             .informativeText = table.text("MESSAGE_FUSE_INSTALL"),
-             .buttons = {{table.text("OK"), ""}}});
-}
-
-void showContinueAlert(const Table& table) {
-  showAlert({.style = AlertStyle::Critical,
-             .messageText = table.text("MESSAGE_FUSE_INSTALL_REQUIRED"),
-             .informativeText = table.text("MESSAGE_FUSE_INSTALL_CONTINUE"),
-             .buttons = {{table.text("CONTINUE"), ""}, {table.text("CANCEL"), ""}}});
-}
-
-void showUpdateAlert(const Table& table) {
-  showAlert({.style = AlertStyle::Informational,
-             .messageText = table.text("UPDATE"),
-             .informativeText = table.text("MESSAGE_FUSE_UPGRADE_REQUIRED") + "\n\n" +
-                                table.text("WHAT_WOULD_YOU_LIKE_TO_DO"),
-             .buttons = {{table.text("CONTINUE"), ""}, {table.text("NOT_NOW"), ""}}});
+// The launcher comes to this one only after the network has told of a newer macFUSE.
+void showUpdateAlert() {
+  platform::host().alerts.runModal(
+      {.style = platform::AlertStyle::Informational,
+       .messageText = KarnoLocalise::localise("UPDATE"),
+       .informativeText = fmt::format("{}\n\n{}", KarnoLocalise::localise("MESSAGE_FUSE_UPGRADE_REQUIRED"),
+                                      KarnoLocalise::localise("WHAT_WOULD_YOU_LIKE_TO_DO")),
+       .buttons = {{.title = KarnoLocalise::localise("CONTINUE"), .keyEquivalent = ""},
+                   {.title = KarnoLocalise::localise("NOT_NOW"), .keyEquivalent = "\033"}}});
 }
 
 }  // namespace
 
 const std::vector<Scene>& allScenes() {
   static const std::vector<Scene> scenes = {
-      {"prompt-install", [](const Table& table) { showPrompt(table, "MESSAGE_FUSE_INSTALL_REQUIRED"); }},
-      {"prompt-upgrade", [](const Table& table) { showPrompt(table, "MESSAGE_FUSE_UPGRADE_REQUIRED"); }},
+      {"prompt-install", [] { mainWindow()->showInstallFuseWindowWithUpgrading(false); }},
+      {"prompt-upgrade", [] { mainWindow()->showInstallFuseWindowWithUpgrading(true); }},
       {"progress", showProgress},
-      {"alert-drive-mount-failed", showMountFailure},
-      {"alert-fuse-install", showInstallAlert},
-      {"alert-fuse-continue", showContinueAlert},
+      {"alert-crash",
+       [] { KarnoWrappperNotifierListener::manager().processAbnormalTermination("a picture"); }},
+      {"alert-drive-mount-failed",
+       [] { mainWindow()->startUpDidFailToLaunchKarno(StartupManager::instance()); }},
+      {"alert-fuse-install", [] { StartupManager::instance().informUserToDownloadFuse(); }},
+      {"alert-fuse-continue", [] { StartupManager::instance().continueAfterManualInstall(); }},
       {"alert-fuse-update", showUpdateAlert},
   };
   return scenes;

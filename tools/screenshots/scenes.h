@@ -3,18 +3,16 @@
 #include <string>
 #include <vector>
 
-#include "table.h"
-
 namespace karno::screenshots {
 
 // One window or alert of the launcher as a user meets it.
 struct Scene {
   std::string name;  // also the name of its picture
-  std::function<void(const Table&)> show;
+  std::function<void()> show;
 };
 
-// On the main thread of an application that has launched. A window stays; an alert returns when it was
-// answered.
+// Shown by the launcher's own code, on the main thread of an application that has launched. Some come up a
+// little later. The texts are in the language of the environment.
 const std::vector<Scene>& allScenes();
 
 }  // namespace karno::screenshots
