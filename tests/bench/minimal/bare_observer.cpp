@@ -1,13 +1,12 @@
-// The least program that hears a notification: reads the session bus and writes a line for each. Says
-// "listening" when it does.
-#include <sdbus-c++/sdbus-c++.h>
+// The least application that hears a notification: an observer on the main thread, where an application is
+// told, that writes a line for each. Says "listening" when it does.
 #include <unistd.h>
 
 #include <memory>
 #include <string>
 
 #include "ipc/wrapper_protocol.h"
-#include "platform/linux/notification_signal.h"
+#include "platform/platform.h"
 
 namespace {
 
@@ -16,20 +15,22 @@ void say(std::string line) {
   if (write(STDERR_FILENO, line.data(), line.size()) < 0) _exit(74);
 }
 
-void tell(sdbus::Message& message) {
-  const auto notification = karno::platform::notificationFromMessage(message);
-  if (!notification) return;
-  const auto text = notification->userInfo.find(karno::kWrapperMessageKey);
-  if (text != notification->userInfo.end()) say("Received '" + text->second.description() + "'");
-}
+class Observer final : public karno::platform::ApplicationDelegate {
+ public:
+  void applicationDidFinishLaunching() override {
+    karno::platform::host().distributedNotifications.addObserver(
+        this, std::string(karno::kWrapperNotificationName), std::string(karno::kWrapperNotificationObject),
+        [](const karno::platform::DistributedNotification& notification) {
+          const auto text = notification.userInfo.find(karno::kWrapperMessageKey);
+          if (text != notification.userInfo.end()) say("Received '" + text->second.description() + "'");
+        });
+    say("listening");
+  }
+  void applicationWillTerminate() override {}
+};
 
 }  // namespace
 
-int main() {
-  const std::unique_ptr<sdbus::IConnection> bus = sdbus::createSessionBusConnection();
-  const std::string rule = karno::platform::matchRule(std::string(karno::kWrapperNotificationName),
-                                                      std::string(karno::kWrapperNotificationObject));
-  const sdbus::Slot slot = bus->addMatch(rule, tell);
-  say("listening");
-  bus->enterEventLoop();
+int main(int argc, char** argv) {
+  return karno::platform::applicationMain(argc, argv, [] { return std::make_shared<Observer>(); });
 }

@@ -293,7 +293,7 @@ class UpdateInProgress : public Listener, public ::testing::WithParamInterface<b
   // Either of the two signs of an update.
   UpdateInProgress() {
     machine.updater.inSession = GetParam();
-    machine.updater.canCheck = GetParam();
+    machine.updater.canCheck = GetParam();  // false is the other sign
   }
 };
 
@@ -313,6 +313,24 @@ TEST_P(UpdateInProgress, DoesNotKeepTheLauncherFromBeingRestarted) {
 
   EXPECT_EQ(machine.tasks.launches().at(0).executablePath, "/usr/bin/open");
   EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST_P(UpdateInProgress, DoesNotKeepAutomaticChecksFromBeingSwitched) {
+  machine.postMessage("enable-automatic-updates");
+  machine.postMessage("disable-automatic-updates");
+  machine.runUntilIdle();
+
+  EXPECT_THAT(machine.updater.automaticChecks, ElementsAre(true, false));
+}
+
+TEST_P(UpdateInProgress, DoesNotKeepTheLauncherFromChangingTheBuild) {
+  machine.postMessage("restart-wrapper-with-fuse");
+  machine.runFor(10);
+  machine.postMessage("restart-wrapper-with-file-provider");
+  machine.runFor(10);
+
+  EXPECT_EQ(machine.tasks.launches().at(0).arguments.back(), "Karno(Fuse).app");
+  EXPECT_EQ(machine.tasks.launches().at(1).arguments.back(), "Karno.app");
 }
 
 INSTANTIATE_TEST_SUITE_P(BothSigns, UpdateInProgress, ::testing::Bool());
