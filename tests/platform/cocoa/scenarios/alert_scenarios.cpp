@@ -1,6 +1,8 @@
 #include <fmt/format.h>
 #include <signal.h>
 
+#include <atomic>
+
 #include "look.h"
 #include "scenario.h"
 #include "texts.h"
@@ -15,8 +17,25 @@ platform::Alert question() {
           .buttons = {{"Ja", "\r"}, {"Nein", "\033"}}};
 }
 
+std::atomic<int>& answers() {
+  static std::atomic<int> count{0};
+  return count;
+}
+
+long answerOf(platform::Alerts& alerts, const platform::Alert& alert) {
+  const long answer = alerts.runModal(alert);
+  ++answers();
+  return answer;
+}
+
+// A key can go to the window before, which is only just leaving: it is pressed again until the alert is
+// answered.
+void answerWhenActive(const std::string& key) {
+  pressUntil(key, [before = answers().load()] { return answers().load() != before; });
+}
+
 void showAndEnd(platform::Alerts& alerts, const platform::Alert& alert) {
-  say(fmt::format("answer {}", alerts.runModal(alert)));
+  say(fmt::format("answer {}", answerOf(alerts, alert)));
   terminate();
 }
 
@@ -25,7 +44,7 @@ void showLookAndEnd(platform::Alerts& alerts, const platform::Alert& alert) {
     say(visibleWindows().front().title);
     say(textsOnScreen());
     say(fmt::format("{}", complaints()));
-    pressWhenActive("Return");
+    answerWhenActive("Return");
   });
   showAndEnd(alerts, alert);
 }
@@ -41,18 +60,18 @@ void measureAlerts(platform::Alerts& alerts) {
   for (const auto& [language, texts] : promptsOfManyLengths()) {
     later([name = language] {
       say(fmt::format("{}: {}", name, complaints()));
-      pressWhenActive("Return");
+      answerWhenActive("Return");
     });
-    alerts.runModal(alertOf(texts));
+    answerOf(alerts, alertOf(texts));
   }
   terminate();
 }
 
 void showOneFromAnother(platform::Alerts& alerts) {
   later([&alerts] {
-    pressWhenActive("Escape");
-    say(fmt::format("inner answer {}", alerts.runModal(question())));
-    pressWhenActive("Return");
+    answerWhenActive("Escape");
+    say(fmt::format("inner answer {}", answerOf(alerts, question())));
+    answerWhenActive("Return");
   });
   showAndEnd(alerts, question());
 }
@@ -61,31 +80,31 @@ void showOneFromAnother(platform::Alerts& alerts) {
 
 void runAlertScenario(platform::Alerts& alerts, std::string_view name) {
   if (name == "return") {
-    pressWhenActive("Return");
+    answerWhenActive("Return");
     showAndEnd(alerts, question());
   } else if (name == "escape") {
-    pressWhenActive("Escape");
+    answerWhenActive("Escape");
     showAndEnd(alerts, question());
   } else if (name == "default-keys") {
-    pressWhenActive("Return");
+    answerWhenActive("Return");
     showAndEnd(
         alerts,
         {.messageText = "Update", .informativeText = "", .buttons = {{"Continue", ""}, {"Not now", ""}}});
   } else if (name == "three-buttons") {
-    pressWhenActive("Escape");
+    answerWhenActive("Escape");
     showAndEnd(
         alerts,
         {.messageText = "Pick", .informativeText = "", .buttons = {{"A", ""}, {"B", ""}, {"C", "\033"}}});
   } else if (name == "no-button") {
-    pressWhenActive("Return");
+    answerWhenActive("Return");
     showAndEnd(alerts, {.messageText = "Could not move", .informativeText = "", .buttons = {}});
   } else if (name == "from-main-queue") {
     later([&alerts] {
-      pressWhenActive("Return");
+      answerWhenActive("Return");
       showAndEnd(alerts, question());
     });
   } else if (name == "escape-without-keys") {
-    pressWhenActive("Escape");
+    answerWhenActive("Escape");
     showAndEnd(alerts, alertOf(englishPrompt()));
   } else if (name == "tab-space") {
     pressWhenActive("Tab space");

@@ -51,6 +51,17 @@ void runWhenActive(const std::string& command) {
 
 void pressWhenActive(const std::string& keys) { runWhenActive("xdotool key --delay 100 " + keys); }
 
+void pressUntil(const std::string& key, std::function<bool()> isDone) {
+  onceActive([command = "xdotool key " + key, isDone = std::move(isDone)] {
+    while (!isDone()) {
+      static_cast<void>(std::system(command.c_str()));
+      for (int look = 0; look < 30 && !isDone(); ++look) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      }
+    }
+  });
+}
+
 void signalWhenActive(int number) {
   onceActive([number] { ::kill(::getpid(), number); });
 }

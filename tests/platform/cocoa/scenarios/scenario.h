@@ -28,6 +28,10 @@ void later(std::function<void()> block);
 // one.
 void pressWhenActive(const std::string& keys);
 
+// Presses the key once a window of this process is the active one, and again every three seconds until it is
+// done. `isDone` is asked on a thread of its own.
+void pressUntil(const std::string& key, std::function<bool()> isDone);
+
 // Runs a shell command once a window of this process is the active one.
 void runWhenActive(const std::string& command);
 
