@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <system_error>
 
@@ -14,9 +13,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// What could be read: a process can be gone between the opening of its file and the reading, which is then an
+// error of its own.
 std::string contentsOf(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(stream), {});
+  std::ostringstream text;
+  text << std::ifstream(file, std::ios::binary).rdbuf();
+  return text.str();
 }
 
 bool isNumber(const std::string& name) {
@@ -42,10 +44,13 @@ ClientProcess processAt(const fs::path& folder) {
 std::vector<ClientProcess> clientProcesses(const fs::path& client, pid_t launcher) {
   std::vector<ClientProcess> found;
   std::error_code ignored;
-  for (const fs::directory_entry& entry : fs::directory_iterator("/proc", ignored)) {
-    if (!isNumber(entry.path().filename().string())) continue;
-    const ClientProcess process = processAt(entry.path());
-    const bool isClient = fs::read_symlink(entry.path() / "exe", ignored) == client;
+  std::error_code error;
+  for (fs::directory_iterator entry("/proc", error); !error && entry != fs::directory_iterator();
+       entry.increment(error)) {
+    const fs::path folder = entry->path();
+    if (!isNumber(folder.filename().string())) continue;
+    const ClientProcess process = processAt(folder);
+    const bool isClient = fs::read_symlink(folder / "exe", ignored) == client;
     if (isClient || (process.isZombie && process.parent == launcher)) found.push_back(process);
   }
   return found;
