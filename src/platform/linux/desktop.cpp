@@ -2,8 +2,10 @@
 
 #include <cstdlib>
 #include <stdexcept>
+#include <thread>
 
 #include "platform/cocoa/strings.h"
+#include "platform/cocoa/threads.h"
 #include "platform/linux/appearance.h"
 #include "platform/linux/desktop_services.h"
 #include "platform/linux/termination_signal.h"
@@ -22,6 +24,13 @@ objc::Object loadIcon() {
   return objc::Object::adopting(objc::send(allocated, "initWithContentsOfFile:", objc::string(*path)));
 }
 
+// GNUstep's text drawing changes its ways when the first other thread becomes known to it, and calls into
+// nothing when the main thread is drawing at that moment. So a thread becomes known before there is anything
+// to draw.
+void becomeMultiThreaded() {
+  std::thread([] { const ThreadPoolScope known; }).join();
+}
+
 }  // namespace
 
 void prepareForApplication() {
@@ -29,6 +38,7 @@ void prepareForApplication() {
   if (std::getenv("DISPLAY") == nullptr) {
     throw std::runtime_error("there is no display (DISPLAY is not set)");
   }
+  becomeMultiThreaded();
   registerAppearance();
   installTheme();
   keepDesktopServicesAway();
