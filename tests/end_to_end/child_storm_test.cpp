@@ -29,7 +29,7 @@ class StormyMachine {
                                      report());
   }
 
-  std::optional<int> waitForEnd() { return storm_->waitForEnd(std::chrono::seconds(150)); }
+  std::optional<int> waitForEnd() { return storm_->waitForEnd(std::chrono::seconds(400)); }
   std::string reportText() const { return runCommand({"cat", report()}, std::chrono::seconds(10)).output; }
 
  private:

@@ -71,10 +71,10 @@ void Machine::start(const std::vector<std::string>& options) {
 
 std::optional<int> Machine::waitForEnd(std::chrono::seconds limit) { return launcher_->waitForEnd(limit); }
 
-CommandResult Machine::in(const std::vector<std::string>& command) const {
+CommandResult Machine::in(const std::vector<std::string>& command, std::chrono::seconds limit) const {
   std::vector<std::string> words{tools_.commands / "in", root_};
   words.insert(words.end(), command.begin(), command.end());
-  return runCommand(words, kCommandLimit);
+  return runCommand(words, limit);
 }
 
 std::string Machine::consoleText() const { return contentsOf(consoleFile()); }

@@ -49,7 +49,8 @@ class Machine {
   void signalStart(int number) const { launcher_->signal(number); }
 
   // Runs a command inside.
-  CommandResult in(const std::vector<std::string>& command) const;
+  CommandResult in(const std::vector<std::string>& command,
+                   std::chrono::seconds limit = std::chrono::seconds(60)) const;
 
   // The messages of the log file as "LEVEL message", with process identifiers written as N and the time that
   // a wait took as S. A physical line that is none of a log's stands as it is.

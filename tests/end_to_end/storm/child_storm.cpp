@@ -35,8 +35,8 @@ using std::chrono::seconds;
 constexpr std::array kSignals = {SIGKILL, SIGTERM, SIGINT, SIGHUP, SIGSEGV, SIGABRT, SIGFPE, SIGALRM};
 constexpr int kRestartsMax = 9;
 constexpr int kDelayMaxMilliseconds = 250;
-constexpr seconds kEndMax{20};
-constexpr seconds kLeaveMax{5};
+constexpr seconds kEndMax{40};
+constexpr seconds kLeaveMax{20};
 
 struct Figures {
   std::size_t launchers = 0;

@@ -17,8 +17,8 @@ namespace karno::test {
 namespace {
 
 constexpr std::chrono::milliseconds kLookInterval{10};
-constexpr std::chrono::milliseconds kZombieMax{500};
-constexpr std::chrono::seconds kChildMax{20};
+constexpr std::chrono::milliseconds kZombieMax{3000};
+constexpr std::chrono::seconds kChildMax{40};
 
 // The launcher dies with the process that tests it.
 pid_t spawn(const std::string& launcher, const std::string& console) {
