@@ -14,6 +14,12 @@ class ApplicationDelegate {
   virtual void applicationWillTerminate() = 0;
 };
 
+// Regular: with a place in the Dock, and windows that can come to the front. Accessory: without the place.
+enum class ActivationPolicy : long { Regular = 0, Accessory = 1 };
+
+// Critical: goes on until the application is activated.
+enum class AttentionRequest : unsigned long { Critical = 0, Informational = 10 };
+
 // The process-wide application object. Main thread only.
 class Application {
  public:
@@ -21,6 +27,11 @@ class Application {
 
   // Brings the launcher in front of whatever application is active now. Takes effect later.
   virtual void activateIgnoringOtherApps() = 0;
+
+  virtual void setActivationPolicy(ActivationPolicy policy) = 0;
+
+  // Asks for the user's attention, by the icon in the Dock. Nothing happens while the application is active.
+  virtual void requestUserAttention(AttentionRequest request) = 0;
 
   // Begins an orderly end: the delegate hears applicationWillTerminate(); a quarter of a second later, in
   // which threads can finish what that began, the process exits with 0.

@@ -48,6 +48,9 @@ class Files {
   virtual Result<std::string> read(const std::string& path) const = 0;
   virtual Result<std::string> destinationOfSymbolicLink(const std::string& path) const = 0;
 
+  // An empty file with default attributes, in place of one that is there. The folder must exist.
+  virtual std::optional<Error> createFile(const std::string& path) = 0;
+
   // With the folders above it. A folder that is there already is a success.
   virtual std::optional<Error> createDirectory(const std::string& path) = 0;
   virtual std::optional<Error> remove(const std::string& path) = 0;  // a folder goes with all it holds

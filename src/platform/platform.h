@@ -44,7 +44,7 @@ struct Platform {
   Text& text;
   ConsoleLog& consoleLog;
   SystemVersion& systemVersion;
-  Updater& updater;
+  Updaters& updaters;
   Shell& shell;
   URLLoading& urlLoading;
   Identifiers& identifiers;
@@ -55,8 +55,8 @@ struct Platform {
 // The one Platform of this process. Valid from install() on.
 Platform& host();
 
-// Makes `platform` what host() answers: once, before any other thread exists, by the main routine, a tool or a
-// test. A tool without work of its own may put another in its place for a while. It must outlive every use.
+// Makes `platform` what host() answers: once, before any other thread exists, by the main routine, a tool or
+// a test. A tool without work of its own may put another in its place for a while. It must outlive every use.
 void install(Platform& platform);
 
 // This system's real services, made on the first call and kept for the life of the process. No window and no

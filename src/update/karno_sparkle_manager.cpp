@@ -2,13 +2,19 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
+#include <limits>
+
 #include "log/karno_log.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
+#include "settings/karno_admin_settings.h"
+#include "system/fuse_manager.h"
 #include "update/feed_marker.h"
 #include "util/error.h"
 #include "util/string_utils.h"
 #include "util/utf8.h"
+#include "util/utilities.h"
 
 namespace karno {
 namespace {
@@ -23,6 +29,16 @@ std::string feedOnHost(std::string_view path) {
   return fmt::format("https://{}{}", host != nullptr && !host->empty() ? *host : kPublicFeedHost, path);
 }
 
+void runOnMainQueueAndWait(const platform::Block& block) {
+  const std::shared_ptr<platform::DispatchGroup> done = platform::host().dispatch.makeGroup();
+  done->enter();
+  platform::host().dispatch.mainQueue().async([&block, done] {
+    const std::shared_ptr<void> leaving(nullptr, [done](void*) { done->leave(); });
+    block();
+  });
+  done->wait(std::numeric_limits<std::int64_t>::max());
+}
+
 }  // namespace
 
 KarnoSparkleManager& KarnoSparkleManager::instance() {
@@ -30,10 +46,32 @@ KarnoSparkleManager& KarnoSparkleManager::instance() {
   return *manager;
 }
 
-void KarnoSparkleManager::start() { KarnoLog::manager().logInfo("Sparkle[START] Starting Up"); }
+platform::Updater& KarnoSparkleManager::sparkleUpdater() {
+  const std::lock_guard lock(buildLock_);
+  if (!sparkleUpdater_) sparkleUpdater_ = platform::host().updaters.makeUpdater(*this);
+  return *sparkleUpdater_;
+}
 
-bool KarnoSparkleManager::isUpdateInProgress() const {
-  const platform::Updater& updater = platform::host().updater;
+void KarnoSparkleManager::start() {
+  KarnoLog& log = KarnoLog::manager();
+  KarnoSparkleManager& manager = instance();
+  log.logInfo("Sparkle[START] Starting Up");
+  runOnMainQueueAndWait([&] {
+    manager.sparkleUpdater().clearFeedURLFromUserDefaults();
+    if (const auto error = manager.sparkleUpdater().startUpdater())
+      log.logError(fmt::format("Sparkle[INIT] Failed to start. Reason: {}", error->description()));
+  });
+  manager.checkFuseFollowingAnUpdate();
+
+  const KarnoTristate updatesEnabled = KarnoAdminSettings::instance().updatesEnabled();
+  if (updatesEnabled == KarnoTristate::NotSet) return;
+  const bool enabled = updatesEnabled == KarnoTristate::On;
+  log.logInfo(fmt::format("Sparkle[CONFIG] Updates {} by admin", enabled ? "enabled" : "disabled"));
+  manager.sparkleUpdater().setAutomaticallyChecksForUpdates(enabled);
+}
+
+bool KarnoSparkleManager::isUpdateInProgress() {
+  const platform::Updater& updater = sparkleUpdater();
   return updater.sessionInProgress() || !updater.canCheckForUpdates();
 }
 
@@ -53,25 +91,51 @@ std::string KarnoSparkleManager::feedURL() const {
 }
 
 void KarnoSparkleManager::checkForUpdates() {
-  platform::Updater& updater = platform::host().updater;
+  platform::Updater& updater = sparkleUpdater();
   if (updater.sessionInProgress()) {
     KarnoLog::manager().logWarn("Sparkle[CHECK] Ignoring check for updates when already in progress");
     return;
   }
   KarnoLog::manager().logInfo(fmt::format("Sparkle[CHECK] Checking for updates ({})", feedURL()));
+  platform::host().application.setActivationPolicy(platform::ActivationPolicy::Regular);
   updater.checkForUpdates();
 }
 
 void KarnoSparkleManager::setCheckForUpdatesAutomatically(bool automatically) {
   KarnoLog::manager().logInfo(
       fmt::format("Sparkle[CONFIG] Check updates automatically={}", automatically ? 1 : 0));
-  platform::host().updater.setAutomaticallyChecksForUpdates(automatically);
+  sparkleUpdater().setAutomaticallyChecksForUpdates(automatically);
 }
 
 void KarnoSparkleManager::resetSparkle() {
   platform::UserDefaults& defaults = platform::host().userDefaults.standardUserDefaults();
   defaults.setBool(false, "SUHasLaunchedBefore");
   defaults.synchronize();
+}
+
+const std::string& KarnoSparkleManager::updatedTouchfile() {
+  const std::lock_guard lock(buildLock_);
+  if (updatedTouchfile_.empty()) updatedTouchfile_ = Utilities::karnoCacheDirectory() + "/.karnoUpdated";
+  return updatedTouchfile_;
+}
+
+void KarnoSparkleManager::recordKarnoHasBeenUpdated() {
+  KarnoLog& log = KarnoLog::manager();
+  log.logInfo("Sparkle[INSTALL] Creating 'updated' touchfile");
+  if (platform::host().files.createFile(updatedTouchfile()))
+    log.logError(
+        fmt::format("Sparkle[INSTALL] Failed to create 'updated' touchfile ({})", updatedTouchfile()));
+}
+
+void KarnoSparkleManager::checkFuseFollowingAnUpdate() {
+  if (!platform::host().files.fileExists(updatedTouchfile())) return;
+  KarnoLog::manager().logInfo("Sparkle[START] Checking Fuse following a Karno update");
+  FuseManager::instance().promptUserIfUpdateIsAvailable([this] {
+    const auto error = platform::host().files.remove(updatedTouchfile());
+    if (!error) return;
+    KarnoLog::manager().logError(fmt::format("Sparkle[START] Failed to remove '{}'. Reason:{}",
+                                             updatedTouchfile(), error->description()));
+  });
 }
 
 }  // namespace karno

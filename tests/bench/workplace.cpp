@@ -46,6 +46,9 @@ class CountingFiles final : public platform::Files {
   platform::Result<std::string> destinationOfSymbolicLink(const std::string& path) const override {
     return files_.destinationOfSymbolicLink(path);
   }
+  std::optional<platform::Error> createFile(const std::string& path) override {
+    return files_.createFile(path);
+  }
   std::optional<platform::Error> createDirectory(const std::string& path) override {
     return files_.createDirectory(path);
   }
@@ -103,7 +106,7 @@ platform::Platform withServices(const platform::Platform& native, platform::File
           native.text,
           native.consoleLog,
           native.systemVersion,
-          native.updater,
+          native.updaters,
           native.shell,
           native.urlLoading,
           native.identifiers,

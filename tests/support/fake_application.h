@@ -1,5 +1,6 @@
 #pragma once
 #include <functional>
+#include <vector>
 
 #include "fake_scheduler.h"
 #include "platform/application.h"
@@ -17,6 +18,16 @@ class FakeApplication final : public platform::Application {
     if (whenActivated) whenActivated();
   }
 
+  void setActivationPolicy(platform::ActivationPolicy policy) override {
+    scheduler_.requireMainThread("Application::setActivationPolicy");
+    policies.push_back(policy);
+  }
+
+  void requestUserAttention(platform::AttentionRequest request) override {
+    scheduler_.requireMainThread("Application::requestUserAttention");
+    attentionRequests.push_back(request);
+  }
+
   void terminate() override {
     scheduler_.requireMainThread("Application::terminate");
     ++terminations_;
@@ -27,7 +38,9 @@ class FakeApplication final : public platform::Application {
   // Who hears applicationWillTerminate(); not owned.
   void setDelegate(platform::ApplicationDelegate* delegate) { delegate_ = delegate; }
 
-  std::function<void()> whenActivated;  // runs inside every activation
+  std::vector<platform::ActivationPolicy> policies;           // in the order set
+  std::vector<platform::AttentionRequest> attentionRequests;  // in the order made
+  std::function<void()> whenActivated;                        // runs inside every activation
 
   int activations() const { return activations_; }
   int terminations() const { return terminations_; }

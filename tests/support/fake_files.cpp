@@ -74,6 +74,13 @@ platform::Result<std::string> FakeFiles::destinationOfSymbolicLink(const std::st
   return node->destination;
 }
 
+std::optional<Error> FakeFiles::createFile(const std::string& path) {
+  if (const auto error = failure("createFile " + path)) return error;
+  if (find(parentOf(path)) == nullptr) return Error::posix(ENOENT);
+  addFile(path, "");
+  return std::nullopt;
+}
+
 std::optional<Error> FakeFiles::createDirectory(const std::string& path) {
   if (const auto error = failure("createDirectory " + path)) return error;
   const Node* node = find(path);

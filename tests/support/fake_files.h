@@ -24,6 +24,7 @@ class FakeFiles final : public platform::Files {
   std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override;
   platform::Result<std::string> read(const std::string& path) const override;
   platform::Result<std::string> destinationOfSymbolicLink(const std::string& path) const override;
+  std::optional<platform::Error> createFile(const std::string& path) override;
   std::optional<platform::Error> createDirectory(const std::string& path) override;
   std::optional<platform::Error> remove(const std::string& path) override;
   std::optional<platform::Error> move(const std::string& from, const std::string& to) override;
@@ -54,6 +55,7 @@ class FakeFiles final : public platform::Files {
   std::vector<std::string> lines(const std::string& path) const;
 
   // Each operation fails for exactly this path, with this errno.
+  void failCreateFile(const std::string& path, int code) { failures_["createFile " + path] = code; }
   void failCreateDirectory(const std::string& path, int code) { failures_["createDirectory " + path] = code; }
   void failRemove(const std::string& path, int code) { failures_["remove " + path] = code; }
   void failMove(const std::string& from, int code) { failures_["move " + from] = code; }

@@ -36,7 +36,7 @@ FakePlatform::FakePlatform(std::optional<std::uint64_t> ofSeed)
                 .text = text,
                 .consoleLog = consoleLog,
                 .systemVersion = systemVersion,
-                .updater = updater,
+                .updaters = updater,
                 .shell = shell,
                 .urlLoading = network,
                 .identifiers = identifiers,

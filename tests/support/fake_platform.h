@@ -23,6 +23,7 @@
 #include "fake_system.h"
 #include "fake_tasks.h"
 #include "fake_text.h"
+#include "fake_updater.h"
 #include "fake_url_loading.h"
 #include "fake_user_defaults.h"
 #include "fake_windows.h"
@@ -132,7 +133,7 @@ class FakePlatform {
   FakeText text;
   FakeConsoleLog consoleLog{scheduler};
   FakeSystemVersion systemVersion;
-  FakeUpdater updater;
+  FakeUpdater updater{scheduler};
   FakeShell shell{scheduler};
   FakeURLLoading network{scheduler};
   FakeIdentifiers identifiers;

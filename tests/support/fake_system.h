@@ -7,7 +7,6 @@
 #include "fake_scheduler.h"
 #include "platform/identifiers.h"
 #include "platform/system_version.h"
-#include "platform/updater.h"
 #include "platform/workspace.h"
 
 namespace karno::test {
@@ -19,22 +18,6 @@ class FakeSystemVersion final : public platform::SystemVersion {
   }
 
   std::array<int, 3> running = {14, 5, 0};
-};
-
-class FakeUpdater final : public platform::Updater {
- public:
-  bool sessionInProgress() const override { return inSession; }
-  bool canCheckForUpdates() const override { return canCheck; }
-  void checkForUpdates() override { ++checks; }
-  void setAutomaticallyChecksForUpdates(bool automatically) override {
-    automaticChecks.push_back(automatically);
-  }
-
-  int checks = 0;
-  std::vector<bool> automaticChecks;
-
-  bool inSession = false;
-  bool canCheck = true;
 };
 
 // UUIDs that count up.

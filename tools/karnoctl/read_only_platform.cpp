@@ -61,7 +61,7 @@ platform::Platform readOnly(const platform::Platform& real, platform::ConsoleLog
           .text = real.text,
           .consoleLog = console,
           .systemVersion = real.systemVersion,
-          .updater = real.updater,
+          .updaters = real.updaters,
           .shell = real.shell,
           .urlLoading = real.urlLoading,
           .identifiers = real.identifiers,
@@ -94,6 +94,8 @@ platform::Result<std::string> ReadOnlyFiles::destinationOfSymbolicLink(const std
 void ReadOnlyFiles::enumerate(const std::string& folder, const Visitor& visit) const {
   files_.enumerate(folder, visit);
 }
+
+std::optional<Error> ReadOnlyFiles::createFile(const std::string&) { return refusal(); }
 
 std::optional<Error> ReadOnlyFiles::createDirectory(const std::string&) { return refusal(); }
 

@@ -22,6 +22,7 @@ class ReadOnlyFiles final : public platform::Files {
   platform::Result<std::string> destinationOfSymbolicLink(const std::string& path) const override;
   void enumerate(const std::string& folder, const Visitor& visit) const override;
 
+  std::optional<platform::Error> createFile(const std::string& path) override;
   std::optional<platform::Error> createDirectory(const std::string& path) override;
   std::optional<platform::Error> remove(const std::string& path) override;
   std::optional<platform::Error> move(const std::string& from, const std::string& to) override;

@@ -61,6 +61,21 @@ void CocoaApplication::activateIgnoringOtherApps() {
                          [] { send<void>(sharedApplication(), "activateIgnoringOtherApps:", true); });
 }
 
+void CocoaApplication::setActivationPolicy(ActivationPolicy policy) {
+  objc::guardedAndLogged("activation policy", [policy] {
+    // Where there is no Dock, there is no policy.
+    const objc::Sel message = objc::registered("setActivationPolicy:");
+    if (!send<bool>(objc::classNamed("NSApplication"), "instancesRespondToSelector:", message)) return;
+    send<bool>(sharedApplication(), "setActivationPolicy:", static_cast<long>(policy));
+  });
+}
+
+void CocoaApplication::requestUserAttention(AttentionRequest request) {
+  objc::guardedAndLogged("attention", [request] {
+    send<long>(sharedApplication(), "requestUserAttention:", static_cast<unsigned long>(request));
+  });
+}
+
 void CocoaApplication::terminate() {
   objc::guardedAndLogged("terminate", [] { send<void>(sharedApplication(), "terminate:", nullptr); });
 }

@@ -8,6 +8,8 @@ namespace karno::platform::cocoa {
 class CocoaApplication final : public Application {
  public:
   void activateIgnoringOtherApps() override;
+  void setActivationPolicy(ActivationPolicy policy) override;
+  void requestUserAttention(AttentionRequest request) override;
   void terminate() override;
 };
 

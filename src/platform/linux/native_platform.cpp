@@ -47,7 +47,7 @@ struct NativeServices {
   IcuText text;
   StandardErrorLog consoleLog;
   LinuxSystemVersion systemVersion{propertyLists};
-  NoUpdater updater;
+  NoUpdaters updaters;
   MachineShell shell;
   CurlURLLoading urlLoading{bundles};
   RandomIdentifiers identifiers;
@@ -71,7 +71,7 @@ struct NativeServices {
                     .text = text,
                     .consoleLog = consoleLog,
                     .systemVersion = systemVersion,
-                    .updater = updater,
+                    .updaters = updaters,
                     .shell = shell,
                     .urlLoading = urlLoading,
                     .identifiers = identifiers,

@@ -47,7 +47,7 @@ struct NativeServices {
   FoundationText text;
   NSLogConsole consoleLog;
   FoundationSystemVersion systemVersion;
-  NoUpdater updater;
+  NoUpdaters updaters;
   PopenShell shell;
   FoundationURLLoading urlLoading;
   FoundationIdentifiers identifiers;
@@ -71,7 +71,7 @@ struct NativeServices {
                     .text = text,
                     .consoleLog = consoleLog,
                     .systemVersion = systemVersion,
-                    .updater = updater,
+                    .updaters = updaters,
                     .shell = shell,
                     .urlLoading = urlLoading,
                     .identifiers = identifiers,

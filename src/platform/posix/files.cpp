@@ -1,5 +1,6 @@
 #include "platform/posix/files.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 #include "platform/posix/append_stream.h"
 #include "platform/posix/folder_walk.h"
 #include "platform/posix/home.h"
+#include "platform/posix/scoped_descriptor.h"
 #include "platform/posix/whole_file.h"
 #include "platform/system_path.h"
 
@@ -81,6 +83,13 @@ Result<std::string> PosixFiles::destinationOfSymbolicLink(const std::string& pat
     destination.resize(destination.size() * 2);
   }
   return Error::posix(ENAMETOOLONG);
+}
+
+std::optional<Error> PosixFiles::createFile(const std::string& path) {
+  const ScopedDescriptor file(
+      ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666));
+  if (!file.isOpen()) return Error::posix(errno);
+  return std::nullopt;
 }
 
 std::optional<Error> PosixFiles::createDirectory(const std::string& path) {

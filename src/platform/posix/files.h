@@ -17,6 +17,7 @@ class PosixFiles final : public Files {
   Result<std::string> read(const std::string& path) const override;
   Result<std::string> destinationOfSymbolicLink(const std::string& path) const override;
 
+  std::optional<Error> createFile(const std::string& path) override;
   std::optional<Error> createDirectory(const std::string& path) override;
   std::optional<Error> remove(const std::string& path) override;
   std::optional<Error> move(const std::string& from, const std::string& to) override;

@@ -61,7 +61,7 @@ platform::Platform withBundlesAndConsole(platform::Bundles& bundles, platform::C
           host.text,
           console,
           host.systemVersion,
-          host.updater,
+          host.updaters,
           host.shell,
           host.urlLoading,
           host.identifiers,
