@@ -40,6 +40,10 @@ karno_stage(${bundle_texts}/PkgInfo "" Contents/PkgInfo)
 
 set(resources ${PROJECT_SOURCE_DIR}/resources)
 file(GLOB_RECURSE localised_resources CONFIGURE_DEPENDS RELATIVE ${resources} ${resources}/*.lproj/*)
+if(APPLE)
+  # The framework that updates there brings its own.
+  list(FILTER localised_resources EXCLUDE REGEX "/Updater\\.json$")
+endif()
 foreach(resource IN LISTS localised_resources)
   karno_stage(${resources}/${resource} "" Contents/Resources/${resource})
 endforeach()

@@ -46,5 +46,31 @@ class StringTables(unittest.TestCase):
         self.assertEqual(["file"], table_check.PLACEHOLDER.findall(base["UPLOADED_FILE"]))
 
 
+class UpdaterTables(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.tables = table_check.tables(RESOURCES, "Updater.json")
+
+    def test_are_there_for_every_language(self):
+        self.assertEqual(LANGUAGES, sorted(self.tables))
+
+    def test_have_just_the_tokens_that_the_updater_asks_for(self):
+        sources = PROJECT / "src/platform/linux/updater"
+        asked = table_check.tokens_asked_for(sources, r"\b(?:textOf|text)")
+        chosen = {"FAILED", "CHECK_FAILED", "INSTALL", "LEARN_MORE", "OFFER_EXPLANATION", "OFFER_INFORMATION",
+                  "SYSTEM_TOO_NEW", "SYSTEM_TOO_OLD", "UP_TO_DATE_EXPLANATION"}
+
+        self.assertEqual(self.tables["Base"].keys(), asked | chosen)
+
+    def test_are_without_a_fault(self):
+        base = self.tables["Base"]
+        found = [f"{language}: {sentence}"
+                 for language, table in self.tables.items()
+                 for sentence in table_check.findings(language, table, base)]
+
+        self.assertEqual([], found)
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -48,13 +48,13 @@ def read(file):
     return table
 
 
-def tables(resources):
-    return {folder.stem: read(folder / "Strings.json") for folder in sorted(resources.glob("*.lproj"))}
+def tables(resources, name="Strings.json"):
+    return {folder.stem: read(folder / name) for folder in sorted(resources.glob("*.lproj"))}
 
 
-def tokens_asked_for(sources):
+def tokens_asked_for(sources, calls=r"(?:\blocalise|\btextLookedUpOnce|\blocalisedStringForToken)"):
     """The tokens that stand as literals in the calls that look texts up."""
-    call = re.compile(r'(?:\blocalise|\btextLookedUpOnce|\blocalisedStringForToken)\([^;"]*"([A-Z][A-Z0-9_]*)"')
+    call = re.compile(calls + r'\([^;"]*"([A-Z][A-Z0-9_]*)"')
     return {token for file in sources.rglob("*.cpp") for token in call.findall(file.read_text(encoding="utf-8"))}
 
 

@@ -34,6 +34,20 @@ void Control::setFrame(const Frame& frame) {
 void Label::setText(std::string_view text) { setStringValue(view(), text); }
 std::string Label::text() const { return stringValue(view()); }
 
+// The text takes the width of what is inside the frame.
+void ScrollingText::setText(std::string_view text) {
+  const objc::AutoreleasePool pool;
+  const auto room = send<objc::Size>(view(), "contentSize");
+  send<void>(textView_, "setFrame:", objc::Rect{{0, 0}, room});
+  send<void>(textView_, "setString:", objc::string(text));
+  send<void>(textView_, "sizeToFit");
+}
+
+std::string ScrollingText::text() const {
+  const objc::AutoreleasePool pool;
+  return objc::text(send(textView_, "string"));
+}
+
 double Label::heightForWidth(double width) const {
   const objc::AutoreleasePool pool;
   const objc::Size room{std::max(width - 2 * kTextInset, 1.0), kTallestText};

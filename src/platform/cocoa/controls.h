@@ -51,6 +51,20 @@ class Label : public Control {
   using Control::Control;
 };
 
+// Text of any length in a frame of its own that scrolls. A user can read and copy it.
+class ScrollingText : public Control {
+ public:
+  void setText(std::string_view text);
+  std::string text() const;
+
+ private:
+  friend class Window;
+  ScrollingText(objc::Object scrollView, objc::Object textView)
+      : Control(std::move(scrollView)), textView_(std::move(textView)) {}
+
+  objc::Object textView_;
+};
+
 // One line of text that a user can edit.
 class TextField : public Control {
  public:

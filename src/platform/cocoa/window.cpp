@@ -20,6 +20,8 @@ constexpr objc::UInteger kBezelStyleRounded = 1;
 constexpr objc::UInteger kMomentaryPushIn = 7;
 constexpr objc::UInteger kProgressBar = 0;
 constexpr objc::UInteger kScaleProportionallyUpOrDown = 3;
+constexpr objc::UInteger kBezelBorder = 2;
+constexpr double kLongestText = 1e7;  // in points
 constexpr double kSystemFontSize = 13;
 constexpr double kSmallFontSize = 12;
 constexpr const char* kWindowWillClose = "NSWindowWillCloseNotification";
@@ -184,6 +186,24 @@ Label Window::addLabel(const Frame& frame, std::string_view text, bool selectabl
   send<void>(send(field, "cell"), "setWraps:", true);
   state_->add(field);
   return Label(std::move(field));
+}
+
+ScrollingText Window::addScrollingText(const Frame& frame, std::string_view text) {
+  const objc::AutoreleasePool pool;
+  objc::Object scroll = allocated("NSScrollView", frame);
+  send<void>(scroll, "setHasVerticalScroller:", true);
+  send<void>(scroll, "setBorderType:", kBezelBorder);
+  objc::Object view = allocated("NSTextView", {0, 0, frame.width, frame.height});
+  send<void>(view, "setEditable:", false);
+  send<void>(view, "setFont:", fontOf(TextStyle::Small));
+  send<void>(view, "setHorizontallyResizable:", false);
+  send<void>(view, "setVerticallyResizable:", true);
+  send<void>(view, "setMaxSize:", objc::Size{kLongestText, kLongestText});
+  send<void>(scroll, "setDocumentView:", view);
+  state_->add(scroll);
+  ScrollingText made(std::move(scroll), std::move(view));
+  made.setText(text);
+  return made;
 }
 
 TextField Window::addTextField(const Frame& frame, std::string_view text) {

@@ -54,6 +54,7 @@ class Window {
 
   Label addLabel(const Frame& frame, std::string_view text, bool selectable = false,
                  TextStyle style = TextStyle::Plain);
+  ScrollingText addScrollingText(const Frame& frame, std::string_view text);
   TextField addTextField(const Frame& frame, std::string_view text);
   ProgressBar addProgressBar(const Frame& frame);
   Icon addApplicationIcon(const Frame& frame);

@@ -92,7 +92,7 @@ void DefaultsFile::readAfresh() {
   if (hasSettled(file.value().status, readAt)) cachedStatus_ = file.value().status;
 }
 
-void DefaultsFile::setValue(const Value& value, std::string_view key) {
+void DefaultsFile::setValue(const std::optional<Value>& value, std::string_view key) {
   const std::scoped_lock lock(mutex_);
   if (!path_.empty()) unstored_.insert_or_assign(std::string(key), value);
   if (const std::optional<Error> error = store(unstored_)) {
@@ -103,7 +103,7 @@ void DefaultsFile::setValue(const Value& value, std::string_view key) {
   unstored_.clear();
 }
 
-std::optional<Error> DefaultsFile::store(const Value::Dictionary& changes) {
+std::optional<Error> DefaultsFile::store(const Changes& changes) {
   if (path_.empty()) return Error::posix(EINVAL);
   std::error_code code;
   std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), code);
@@ -115,7 +115,13 @@ std::optional<Error> DefaultsFile::store(const Value::Dictionary& changes) {
   Result<Value::Dictionary> values = contentForWriting();
   if (!values) return values.error();
   Value::Dictionary changed = values.value();
-  for (const auto& [key, value] : changes) changed.insert_or_assign(key, value);
+  for (const auto& [key, value] : changes) {
+    if (value) {
+      changed.insert_or_assign(key, *value);
+    } else {
+      changed.erase(key);
+    }
+  }
   if (changed == values.value()) return std::nullopt;
 
   const Result<std::string> bytes = propertyLists_.serialiseAsXML(Value(std::move(changed)));

@@ -1,6 +1,8 @@
 #pragma once
 #include <sys/stat.h>
 
+#include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -19,9 +21,10 @@ class DefaultsFile {
   // counts all the same in this process.
   std::optional<Value> valueForKey(std::string_view key);
 
-  // Stores one value and keeps all others, also those that another process stores at the same time. A damaged
-  // file is set aside first. A failure becomes a console line; the next call tries to store the value again.
-  void setValue(const Value& value, std::string_view key);
+  // Stores one value, or removes the key without one, and keeps all others, also those that another process
+  // stores at the same time. A damaged file is set aside first. A failure becomes a console line; the next
+  // call tries to store the value again.
+  void setValue(const std::optional<Value>& value, std::string_view key);
 
   // Makes sure that the folder's entry for the file is on disk, too.
   void synchronize();
@@ -29,14 +32,16 @@ class DefaultsFile {
  private:
   bool isCacheCurrent() const;
   void readAfresh();
-  std::optional<Error> store(const Value::Dictionary& changes);
+  using Changes = std::map<std::string, std::optional<Value>, std::less<>>;
+
+  std::optional<Error> store(const Changes& changes);
   Result<Value::Dictionary> contentForWriting();
 
   const PropertyLists& propertyLists_;
   const std::string path_;
 
   std::mutex mutex_;
-  Value::Dictionary unstored_;  // what was set and is not in the file yet
+  Changes unstored_;  // what was set and is not in the file yet
   Value::Dictionary cache_;
   std::optional<struct stat>
       cachedStatus_;  // of the file that cache_ was read from; absent when not to be trusted

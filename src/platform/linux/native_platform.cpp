@@ -13,6 +13,12 @@
 #include "platform/linux/managed_preferences.h"
 #include "platform/linux/process_list.h"
 #include "platform/linux/system_version.h"
+#include "platform/linux/updater/bundle_settings.h"
+#include "platform/linux/updater/curl_downloads.h"
+#include "platform/linux/updater/installer_process.h"
+#include "platform/linux/updater/linux_updater.h"
+#include "platform/linux/updater/offer_window.h"
+#include "platform/linux/updater/update_folders.h"
 #include "platform/linux/url_loading.h"
 #include "platform/linux/user_defaults.h"
 #include "platform/linux/workspace.h"
@@ -47,7 +53,16 @@ struct NativeServices {
   IcuText text;
   StandardErrorLog consoleLog;
   LinuxSystemVersion systemVersion{propertyLists};
-  NoUpdaters updaters;
+  updates::CurlDownloads updateDownloads{bundles};
+  updates::InstallerProcess updateInstaller{bundles};
+  updates::SiblingFolders updateFolders;
+  updates::BundleSettings updateSettings{userDefaults, bundles};
+  updates::CocoaOfferWindows offerWindows;
+  updates::LinuxUpdaters updaters{{.downloads = updateDownloads,
+                                   .installer = updateInstaller,
+                                   .folders = updateFolders,
+                                   .settings = updateSettings,
+                                   .offerWindows = offerWindows}};
   MachineShell shell;
   CurlURLLoading urlLoading{bundles};
   RandomIdentifiers identifiers;

@@ -11,7 +11,8 @@ namespace {
 
 constexpr long kFirstFailure = 400;
 
-// CFNetwork sends the bundle's name and version by itself.
+}  // namespace
+
 std::string userAgentOf(const Bundle& bundle) {
   const std::optional<Value> version = bundle.objectForInfoDictionaryKey("CFBundleVersion");
   const std::string* text = version ? version->get<std::string>() : nullptr;
@@ -19,8 +20,6 @@ std::string userAgentOf(const Bundle& bundle) {
   if (text == nullptr || text->empty() || !std::all_of(text->begin(), text->end(), isPlain)) return "Karno";
   return "Karno/" + *text;
 }
-
-}  // namespace
 
 Result<std::string> CurlURLLoading::contentsOfURL(const std::string& url) {
   const Result<URLAddress> wanted = addressOf(url);

@@ -16,6 +16,9 @@ struct URLLimits {
   int redirectsMax = 10;
 };
 
+// As CFNetwork sends by itself: the bundle's name and version.
+std::string userAgentOf(const Bundle& bundle);
+
 // Fetches by libcurl, with the errors that Foundation would give. Nobody is redirected from https to http.
 // Certificates are checked against the machine's /etc/ssl/cert.pem, a Mac's place for them, or against the
 // system's authorities where the machine has none. Proxies are those of the environment.

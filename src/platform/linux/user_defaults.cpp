@@ -26,12 +26,17 @@ bool LinuxUserDefaults::boolForKey(std::string_view key) const { return plainBoo
 
 void LinuxUserDefaults::setBool(bool value, std::string_view key) { file_.setValue(Value(value), key); }
 
+void LinuxUserDefaults::setObject(const std::optional<Value>& value, std::string_view key) {
+  file_.setValue(value, key);
+}
+
 void LinuxUserDefaults::synchronize() { file_.synchronize(); }
 
-UserDefaults& LinuxUserDefaultsStore::standardUserDefaults() {
+LinuxUserDefaults& LinuxUserDefaultsStore::standardUserDefaults() {
   std::call_once(standardMade_, [this] {
     const std::string programName = std::filesystem::path(programPath()).filename().string();
-    standard_ = makeSuite(bundles_.mainBundle().bundleIdentifier().value_or(programName));
+    standard_ = std::make_unique<LinuxUserDefaults>(
+        propertyLists_, bundles_.mainBundle().bundleIdentifier().value_or(programName));
   });
   return *standard_;
 }

@@ -20,6 +20,9 @@ class LinuxUserDefaults final : public UserDefaults {
   void setBool(bool value, std::string_view key) override;
   void synchronize() override;
 
+  // Without a value the key is removed.
+  void setObject(const std::optional<Value>& value, std::string_view key);
+
  private:
   mutable DefaultsFile file_;
 };
@@ -30,14 +33,14 @@ class LinuxUserDefaultsStore final : public UserDefaultsStore {
   LinuxUserDefaultsStore(const PropertyLists& propertyLists, const Bundles& bundles)
       : propertyLists_(propertyLists), bundles_(bundles) {}
 
-  UserDefaults& standardUserDefaults() override;
+  LinuxUserDefaults& standardUserDefaults() override;
   std::unique_ptr<UserDefaults> makeSuite(const std::string& suiteName) override;
 
  private:
   const PropertyLists& propertyLists_;
   const Bundles& bundles_;
   std::once_flag standardMade_;
-  std::unique_ptr<UserDefaults> standard_;
+  std::unique_ptr<LinuxUserDefaults> standard_;
 };
 
 }  // namespace karno::platform

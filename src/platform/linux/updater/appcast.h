@@ -1,0 +1,42 @@
+#pragma once
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/error.h"
+
+namespace karno::platform::updates {
+
+// How the release notes of an item are written.
+enum class NotesFormat { HTML, PlainText };
+
+// One release that a feed offers.
+struct FeedItem {
+  std::optional<std::string> title;
+  std::string version;         // compared with CFBundleVersion
+  std::string displayVersion;  // shown; the version where the feed gives no other
+  std::string downloadURL;     // empty: there is nothing to download, only a page to read
+  std::string informationURL;
+  std::optional<std::uint64_t> length;  // of the download, in bytes
+  std::string edSignature;              // base64
+  std::string minimumSystemVersion;     // empty: any
+  std::string maximumSystemVersion;
+  std::string minimumUpdateVersion;  // hosts older than this cannot take the step
+  std::string operatingSystem;       // empty: a Mac's
+  std::string channel;               // empty: the default channel
+  std::string notes;
+  NotesFormat notesFormat = NotesFormat::HTML;
+  bool isCritical = false;
+  bool isInformationOnly = false;
+};
+
+inline constexpr std::size_t kFeedItemsMax = 1000;
+
+// Reads an RSS 2.0 appcast. Names with a prefix count by the namespace that the prefix stands for. Items
+// without a version, or with neither a download nor a page, are left out, and those after the first thousand.
+// An error when it is no XML or no feed.
+Result<std::vector<FeedItem>> parseAppcast(std::string_view bytes);
+
+}  // namespace karno::platform::updates

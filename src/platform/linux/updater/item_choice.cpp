@@ -1,0 +1,97 @@
+#include "platform/linux/updater/item_choice.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+
+#include "platform/linux/updater/version_order.h"
+
+namespace karno::platform::updates {
+namespace {
+
+bool isOlder(const std::string& one, const std::string& other) { return compareVersions(one, other) < 0; }
+
+// Releases for other systems and other channels are nobody's business here.
+bool isForUs(const FeedItem& item) {
+  return item.channel.empty() && (item.operatingSystem.empty() || item.operatingSystem == "macos");
+}
+
+// Major, minor and patch; what is missing or no number is 0.
+std::array<int, 3> partsOf(std::string_view version) {
+  std::array<int, 3> parts = {};
+  for (int& part : parts) {
+    std::from_chars(version.data(), version.data() + version.size(), part);
+    const std::size_t dot = version.find('.');
+    if (dot == std::string_view::npos) break;
+    version.remove_prefix(dot + 1);
+  }
+  return parts;
+}
+
+bool isSystemTooOld(const FeedItem& item, const UpdateHost& host) {
+  const auto [major, minor, patch] = partsOf(item.minimumSystemVersion);
+  return !item.minimumSystemVersion.empty() && !host.system.isAtLeast(major, minor, patch);
+}
+
+bool isSystemTooNew(const FeedItem& item, const UpdateHost& host) {
+  const auto [major, minor, patch] = partsOf(item.maximumSystemVersion);
+  const bool isNewer =
+      patch == std::numeric_limits<int>::max() ? false : host.system.isAtLeast(major, minor, patch + 1);
+  return !item.maximumSystemVersion.empty() && isNewer;
+}
+
+bool isSkipped(const FeedItem& item, const UpdateHost& host) {
+  return !host.isUserAsking && !item.isCritical && !host.skippedVersion.empty() &&
+         !isOlder(host.skippedVersion, item.version);
+}
+
+bool canTakeTheStep(const FeedItem& item, const UpdateHost& host) {
+  return item.minimumUpdateVersion.empty() || !isOlder(host.version, item.minimumUpdateVersion);
+}
+
+const FeedItem* newestOf(const std::vector<const FeedItem*>& items) {
+  const auto newest = std::max_element(
+      items.begin(), items.end(),
+      [](const FeedItem* one, const FeedItem* other) { return isOlder(one->version, other->version); });
+  return newest == items.end() ? nullptr : *newest;
+}
+
+template <class Predicate>
+std::vector<const FeedItem*> thoseThat(const std::vector<const FeedItem*>& items, Predicate predicate) {
+  std::vector<const FeedItem*> found;
+  std::copy_if(items.begin(), items.end(), std::back_inserter(found),
+               [&](const FeedItem* item) { return predicate(*item); });
+  return found;
+}
+
+}  // namespace
+
+std::variant<FeedItem, NothingToOffer> chooseItem(const std::vector<FeedItem>& items,
+                                                  const UpdateHost& host) {
+  std::vector<const FeedItem*> ours;
+  for (const FeedItem& item : items) {
+    if (isForUs(item)) ours.push_back(&item);
+  }
+  const FeedItem* const newest = newestOf(ours);
+  if (newest == nullptr) return NothingToOffer::NoItem;
+
+  const auto newer =
+      thoseThat(ours, [&](const FeedItem& item) { return isOlder(host.version, item.version); });
+  if (newer.empty())
+    return isOlder(newest->version, host.version) ? NothingToOffer::NewerThanFeed : NothingToOffer::OnNewest;
+
+  const auto possible = thoseThat(newer, [&](const FeedItem& item) {
+    return !isSystemTooOld(item, host) && !isSystemTooNew(item, host) && canTakeTheStep(item, host);
+  });
+  const FeedItem* const best = newestOf(possible);
+  if (best == nullptr) {
+    const FeedItem* const wanted = newestOf(newer);
+    if (isSystemTooOld(*wanted, host)) return NothingToOffer::SystemTooOld;
+    return isSystemTooNew(*wanted, host) ? NothingToOffer::SystemTooNew : NothingToOffer::NoItem;
+  }
+  if (isSkipped(*best, host)) return NothingToOffer::Skipped;
+  return *best;
+}
+
+}  // namespace karno::platform::updates

@@ -1,0 +1,155 @@
+#include "platform/linux/updater/linux_updater.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "platform/linux/updater/base64_key.h"
+#include "platform/linux/updater/setting_keys.h"
+#include "platform/linux/updater/update_errors.h"
+#include "platform/platform.h"
+
+namespace karno::platform::updates {
+namespace {
+
+constexpr double kUsualIntervalSeconds = 86400;
+constexpr double kShortestIntervalSeconds = 3600;
+
+// A longer wait is done in pieces, so that a change of the clock or of a setting is noticed in time.
+constexpr double kLookIntervalSeconds = 300;
+
+// Why updates cannot be had at all.
+std::optional<Error> misconfiguration() {
+  const Bundle& bundle = host().bundles.mainBundle();
+  if (!bundle.bundleIdentifier())
+    return updateError(UpdateErrorCode::InvalidHostIdentifier, "The application has no identifier.");
+  const auto version = bundle.objectForInfoDictionaryKey("CFBundleVersion");
+  if (!version || !version->isString() || version->get<std::string>()->empty())
+    return updateError(UpdateErrorCode::InvalidHostVersion, "The application has no version.");
+  const auto key = bundle.objectForInfoDictionaryKey(kPublicKeyKey);
+  if (!key || !key->isString() || !isEncodedKey(*key->get<std::string>()))
+    return updateError(UpdateErrorCode::NoPublicKey, "The application has no key to verify updates with.");
+  return std::nullopt;
+}
+
+}  // namespace
+
+// Shared with blocks that come later.
+struct LinuxUpdater::State : std::enable_shared_from_this<State> {
+  State(LinuxUpdater& ofUpdater, UpdaterDelegate& ofDelegate, UpdateServices ofServices)
+      : updater(ofUpdater), delegate(ofDelegate), services(ofServices) {}
+
+  bool checksAutomatically() const {
+    return plainBoolean(services.settings.objectForKey(kAutomaticChecksKey));
+  }
+
+  double secondsUntilNextCheck() const {
+    const auto interval = services.settings.objectForKey(kCheckIntervalKey);
+    double seconds = kUsualIntervalSeconds;
+    if (interval && interval->get<std::int64_t>() != nullptr)
+      seconds = static_cast<double>(*interval->get<std::int64_t>());
+    if (interval && interval->get<double>() != nullptr) seconds = *interval->get<double>();
+    const auto last = services.settings.objectForKey(kLastCheckKey);
+    if (!last || last->get<Date>() == nullptr) return 0;
+    const double age = secondsBetween(*last->get<Date>(), host().clock.now());
+    // A check that lies in the future was noted by a wrong clock.
+    return age < 0 ? 0 : std::max(seconds, kShortestIntervalSeconds) - age;
+  }
+
+  void begin(bool isUserAsking) {
+    inSession = true;
+    if (!texts) texts = std::make_shared<UpdateTexts>(host().bundles.mainBundle(), host().files);
+    session = std::make_shared<UpdateSession>(UpdateSession::Parts{.updater = updater,
+                                                                   .delegate = delegate,
+                                                                   .services = services,
+                                                                   .texts = texts,
+                                                                   .isUserAsking = isUserAsking,
+                                                                   .ended = [self = shared_from_this()] {
+                                                                     self->inSession = false;
+                                                                     self->session.reset();
+                                                                   }});
+    const std::shared_ptr<UpdateSession> begun = session;
+    begun->begin();
+  }
+
+  void checkIfDue() {
+    if (isStarted && !inSession && checksAutomatically() && secondsUntilNextCheck() <= 0) begin(false);
+  }
+
+  // On a thread of its own for the life of the process.
+  void lookFromTimeToTime() {
+    while (true) {
+      const double wait = std::clamp(secondsUntilNextCheck(), 1.0, kLookIntervalSeconds);
+      host().dispatch.sleep(checksAutomatically() ? wait : kLookIntervalSeconds);
+      host().dispatch.mainOperationQueue().async([self = shared_from_this()] { self->checkIfDue(); });
+    }
+  }
+
+  // As on a Mac: the first launch is left in peace, from the second one on the user is asked once.
+  void askForPermissionIfDue() {
+    const bool hasLaunchedBefore = plainBoolean(services.settings.objectForKey(kHasLaunchedKey));
+    services.settings.setObject(true, kHasLaunchedKey);
+    if (services.settings.objectForKey(kAutomaticChecksKey) || !hasLaunchedBefore) return;
+    const UpdateTexts sentences(host().bundles.mainBundle(), host().files);
+    inSession = true;
+    const long answer = host().alerts.runModal(
+        {.style = AlertStyle::Informational,
+         .messageText = sentences.text("PERMISSION"),
+         .informativeText = sentences.text("PERMISSION_EXPLANATION", {{"name", "Karno"}}),
+         .buttons = {{.title = sentences.text("PERMISSION_YES"), .keyEquivalent = "\r"},
+                     {.title = sentences.text("PERMISSION_NO"), .keyEquivalent = "\033"}}});
+    inSession = false;
+    services.settings.setObject(answer == kAlertFirstButtonReturn, kAutomaticChecksKey);
+  }
+
+  void beginCycle() {
+    askForPermissionIfDue();
+    checkIfDue();
+    host().dispatch.globalQueue(QueuePriority::Background).async([self = shared_from_this()] {
+      self->lookFromTimeToTime();
+    });
+  }
+
+  LinuxUpdater& updater;
+  UpdaterDelegate& delegate;
+  const UpdateServices services;
+  std::shared_ptr<const UpdateTexts> texts;
+  std::shared_ptr<UpdateSession> session;
+  std::atomic<bool> inSession{false};
+  std::atomic<bool> isStarted{false};
+  std::atomic<bool> hasFailedToStart{false};
+};
+
+LinuxUpdater::LinuxUpdater(UpdaterDelegate& delegate, UpdateServices services)
+    : state_(std::make_shared<State>(*this, delegate, services)) {}
+
+LinuxUpdater::~LinuxUpdater() = default;
+
+std::optional<Error> LinuxUpdater::startUpdater() {
+  if (state_->isStarted) return std::nullopt;
+  const std::optional<Error> error = misconfiguration();
+  state_->hasFailedToStart = error.has_value();
+  if (error) return error;
+  state_->isStarted = true;
+  host().dispatch.mainOperationQueue().async([state = state_] { state->beginCycle(); });
+  return std::nullopt;
+}
+
+bool LinuxUpdater::sessionInProgress() const { return state_->inSession; }
+
+bool LinuxUpdater::canCheckForUpdates() const { return !state_->hasFailedToStart; }
+
+void LinuxUpdater::checkForUpdates() {
+  if (state_->hasFailedToStart) return;
+  if (!state_->inSession) return state_->begin(true);
+  if (const auto session = state_->session) session->bringToFront();
+}
+
+void LinuxUpdater::setAutomaticallyChecksForUpdates(bool automatically) {
+  state_->services.settings.setObject(automatically, kAutomaticChecksKey);
+  host().dispatch.mainOperationQueue().async([state = state_] { state->checkIfDue(); });
+}
+
+void LinuxUpdater::clearFeedURLFromUserDefaults() { state_->services.settings.removeObject(kFeedKey); }
+
+}  // namespace karno::platform::updates

@@ -1,0 +1,150 @@
+#include "platform/linux/updater/notes_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <utility>
+
+namespace karno::platform::updates {
+namespace {
+
+constexpr std::array<std::string_view, 20> kBlocks = {
+    "p",  "div", "br", "ul",    "ol",      "li",      "h1",     "h2",     "h3",  "h4",
+    "h5", "h6",  "tr", "table", "section", "article", "header", "footer", "pre", "hr"};
+constexpr std::array<std::string_view, 4> kHidden = {"script", "style", "head", "title"};
+constexpr std::array<std::pair<std::string_view, std::string_view>, 14> kEntities = {{{"amp", "&"},
+                                                                                      {"lt", "<"},
+                                                                                      {"gt", ">"},
+                                                                                      {"quot", "\""},
+                                                                                      {"apos", "'"},
+                                                                                      {"nbsp", " "},
+                                                                                      {"ndash", "–"},
+                                                                                      {"mdash", "—"},
+                                                                                      {"hellip", "…"},
+                                                                                      {"bull", "•"},
+                                                                                      {"lsquo", "‘"},
+                                                                                      {"rsquo", "’"},
+                                                                                      {"ldquo", "“"},
+                                                                                      {"rdquo", "”"}}};
+constexpr std::size_t kEntityBytesMax = 10;
+
+template <class List>
+bool has(const List& list, std::string_view word) {
+  return std::find(list.begin(), list.end(), word) != list.end();
+}
+
+std::string utf8(std::uint32_t point) {
+  if (point == 0 || point > 0x10FFFF || (point >= 0xD800 && point < 0xE000)) return "\uFFFD";
+  std::string bytes;
+  const auto add = [&bytes](std::uint32_t byte) { bytes += static_cast<char>(byte); };
+  if (point < 0x80) {
+    add(point);
+  } else if (point < 0x800) {
+    add(0xC0 | point >> 6);
+    add(0x80 | (point & 0x3F));
+  } else if (point < 0x10000) {
+    add(0xE0 | point >> 12);
+    add(0x80 | (point >> 6 & 0x3F));
+    add(0x80 | (point & 0x3F));
+  } else {
+    add(0xF0 | point >> 18);
+    add(0x80 | (point >> 12 & 0x3F));
+    add(0x80 | (point >> 6 & 0x3F));
+    add(0x80 | (point & 0x3F));
+  }
+  return bytes;
+}
+
+std::string numericEntity(std::string_view digits) {
+  const bool isHexadecimal = digits.starts_with('x') || digits.starts_with('X');
+  if (isHexadecimal) digits.remove_prefix(1);
+  std::uint32_t point = 0;
+  const auto [end, error] =
+      std::from_chars(digits.data(), digits.data() + digits.size(), point, isHexadecimal ? 16 : 10);
+  return error == std::errc() && end == digits.data() + digits.size() ? utf8(point) : std::string();
+}
+
+class Reader {
+ public:
+  explicit Reader(std::string_view html) : rest_(html) {}
+
+  std::string text() {
+    while (!rest_.empty()) {
+      if (rest_.starts_with("<!--")) {
+        skipPast("-->");
+      } else if (rest_.front() == '<') {
+        takeTag();
+      } else if (rest_.front() == '&') {
+        takeEntity();
+      } else {
+        takeCharacter();
+      }
+    }
+    while (!text_.empty() && (text_.back() == '\n' || text_.back() == ' ')) text_.pop_back();
+    return std::move(text_);
+  }
+
+ private:
+  void skipPast(std::string_view end) {
+    const std::size_t place = rest_.find(end);
+    rest_.remove_prefix(place == std::string_view::npos ? rest_.size() : place + end.size());
+  }
+
+  void takeTag() {
+    const std::size_t end = rest_.find('>');
+    std::string_view tag = rest_.substr(1, end == std::string_view::npos ? end : end - 1);
+    skipPast(">");
+    const bool closes = tag.starts_with('/');
+    if (closes) tag.remove_prefix(1);
+    std::string name(tag.substr(0, tag.find_first_of(" \t\r\n/")));
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    if (!closes && has(kHidden, name)) {
+      skipPast("</" + name);
+      return skipPast(">");
+    }
+    if (!has(kBlocks, name)) return;
+    endLine();
+    if (name == "li" && !closes) text_ += "• ";
+    if (name.size() == 2 && name[0] == 'h' && !closes && !text_.empty()) text_ += '\n';
+  }
+
+  void takeEntity() {
+    const std::size_t end = rest_.substr(0, kEntityBytesMax).find(';');
+    if (end == std::string_view::npos) return takeCharacter();
+    const std::string_view name = rest_.substr(1, end - 1);
+    const auto* const named = std::find_if(kEntities.begin(), kEntities.end(),
+                                           [&](const auto& each) { return each.first == name; });
+    std::string found = named != kEntities.end() ? std::string(named->second) : std::string();
+    if (name.starts_with('#')) found = numericEntity(name.substr(1));
+    if (found.empty()) return takeCharacter();
+    text_ += found;
+    rest_.remove_prefix(end + 1);
+  }
+
+  void takeCharacter() {
+    const char c = rest_.front();
+    rest_.remove_prefix(1);
+    const bool isBlank = c == ' ' || c == '\t' || c == '\r' || c == '\n';
+    if (!isBlank) {
+      text_ += c;
+    } else if (!text_.empty() && text_.back() != ' ' && text_.back() != '\n') {
+      text_ += ' ';
+    }
+  }
+
+  void endLine() {
+    while (!text_.empty() && text_.back() == ' ') text_.pop_back();
+    if (!text_.empty() && text_.back() != '\n') text_ += '\n';
+  }
+
+  std::string_view rest_;
+  std::string text_;
+};
+
+}  // namespace
+
+std::string plainTextOfHTML(std::string_view html) { return Reader(html).text(); }
+
+}  // namespace karno::platform::updates

@@ -1,0 +1,276 @@
+#include "platform/linux/updater/update_session.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+#include "platform/linux/updater/notes_text.h"
+#include "platform/linux/updater/setting_keys.h"
+#include "platform/linux/updater/update_address.h"
+#include "platform/linux/updater/update_errors.h"
+#include "platform/platform.h"
+
+namespace karno::platform::updates {
+namespace {
+
+constexpr std::uint64_t kDownloadBytesMax = 4ULL << 30U;  // where the feed tells no length
+
+const Bundle& bundle() { return host().bundles.mainBundle(); }
+
+std::string infoText(std::string_view key) {
+  const std::optional<Value> value = bundle().objectForInfoDictionaryKey(key);
+  const std::string* const text = value ? value->get<std::string>() : nullptr;
+  return text != nullptr ? *text : std::string();
+}
+
+// Work that blocks, and what the main thread does with its result. A modal alert does not hold up the second.
+template <class Work, class Then>
+void inBackground(Work work, Then then) {
+  host().dispatch.globalQueue(QueuePriority::Default).async([work = std::move(work), then = std::move(then)] {
+    host().dispatch.mainOperationQueue().async([result = work(), then] { then(result); });
+  });
+}
+
+std::string_view tokenFor(NothingToOffer reason) {
+  switch (reason) {
+    case NothingToOffer::SystemTooOld:
+      return "SYSTEM_TOO_OLD";
+    case NothingToOffer::SystemTooNew:
+      return "SYSTEM_TOO_NEW";
+    default:
+      return "UP_TO_DATE_EXPLANATION";
+  }
+}
+
+}  // namespace
+
+bool UpdateSession::allowsLoopback() const {
+  return plainBoolean(bundle().objectForInfoDictionaryKey(kLoopbackKey));
+}
+
+std::string UpdateSession::textOf(std::string_view token) const {
+  const std::string name = infoText("CFBundleName");
+  const std::string version = infoText("CFBundleShortVersionString");
+  return parts_.texts->text(token, {{"name", name}, {"old", version}, {"new", item_.displayVersion}});
+}
+
+void UpdateSession::begin() {
+  const std::string feed = parts_.delegate.feedURLStringForUpdater(parts_.updater);
+  parts_.services.settings.setObject(Value(host().clock.now()), kLastCheckKey);
+  if (const auto refusal = refusalOfAddress(feed, allowsLoopback())) return abort(*refusal);
+  if (parts_.isUserAsking) showProgress(textOf("CHECKING"));
+  inBackground([feed] { return host().urlLoading.contentsOfURL(feed); },
+               [self = shared_from_this()](const Result<std::string>& answer) { self->feedCame(answer); });
+}
+
+void UpdateSession::bringToFront() {
+  host().application.activateIgnoringOtherApps();
+  if (offerWindow_) offerWindow_->bringToFront();
+  if (progressWindow_) progressWindow_->show();
+}
+
+void UpdateSession::feedCame(const Result<std::string>& feed) {
+  if (hasEnded_) return;
+  hideProgress();
+  hasFeed_ = true;
+  if (!feed) {
+    return abort(updateError(
+        UpdateErrorCode::Feed,
+        fmt::format("The list of updates could not be fetched: {}", feed.error().localizedDescription())));
+  }
+  const Result<std::vector<FeedItem>> items = parseAppcast(feed.value());
+  if (!items) return abort(items.error());
+  parts_.delegate.didFinishLoadingAppcast(parts_.updater);
+  judge(items.value());
+}
+
+void UpdateSession::judge(const std::vector<FeedItem>& items) {
+  const std::optional<Value> skipped = parts_.services.settings.objectForKey(kSkippedVersionKey);
+  const std::string* const skippedVersion = skipped ? skipped->get<std::string>() : nullptr;
+  const auto choice = chooseItem(items, {.version = infoText("CFBundleVersion"),
+                                         .system = host().systemVersion,
+                                         .skippedVersion = skippedVersion != nullptr ? *skippedVersion : "",
+                                         .isUserAsking = parts_.isUserAsking});
+  if (const auto* const reason = std::get_if<NothingToOffer>(&choice)) return nothingToOffer(*reason);
+  item_ = std::get<FeedItem>(choice);
+  told_ = {.title = item_.title, .displayVersionString = item_.displayVersion};
+  offer();
+}
+
+void UpdateSession::nothingToOffer(NothingToOffer reason) {
+  const std::string explanation = textOf(tokenFor(reason));
+  parts_.delegate.updaterDidNotFindUpdate(parts_.updater,
+                                          updateError(UpdateErrorCode::NoUpdate, explanation));
+  end();
+  if (parts_.isUserAsking) tell(textOf("UP_TO_DATE"), explanation);
+}
+
+void UpdateSession::offer() {
+  parts_.delegate.didFindValidUpdate(parts_.updater, told_);
+  const bool isOnlyToRead = item_.isInformationOnly;
+  const OfferTexts texts{
+      .title = textOf("OFFER_TITLE"),
+      .message = textOf("OFFER_MESSAGE"),
+      .explanation = textOf(isOnlyToRead ? "OFFER_INFORMATION" : "OFFER_EXPLANATION"),
+      .notes = item_.notesFormat == NotesFormat::HTML ? plainTextOfHTML(item_.notes) : item_.notes,
+      .install = textOf(isOnlyToRead ? "LEARN_MORE" : "INSTALL"),
+      .later = textOf("LATER"),
+      .skip = item_.isCritical ? "" : textOf("SKIP")};
+  offerWindow_ = parts_.services.offerWindows.show(texts, [weak = weak_from_this()](long choice) {
+    if (const auto self = weak.lock()) self->chosen(choice);
+  });
+}
+
+void UpdateSession::chosen(long choice) {
+  const auto self = shared_from_this();
+  offerWindow_.reset();
+  // Who goes on to the page has nothing installed.
+  const bool readsOn = choice == kUserUpdateChoiceInstall && item_.isInformationOnly;
+  if (readsOn) host().workspace.openURL(item_.informationURL);
+  if (choice == kUserUpdateChoiceSkip) parts_.services.settings.setObject(item_.version, kSkippedVersionKey);
+  parts_.delegate.userDidMakeChoice(parts_.updater, readsOn ? kUserUpdateChoiceDismiss : choice, told_);
+  if (choice != kUserUpdateChoiceInstall || readsOn) return end();
+  hasUserAgreed_ = true;
+  download();
+}
+
+void UpdateSession::download() {
+  if (const auto refusal = refusalOfAddress(item_.downloadURL, allowsLoopback())) return abort(*refusal);
+  const Result<std::string> folder = parts_.services.folders.makeFolderBeside(bundle().bundlePath());
+  if (!folder) return abort(folder.error());
+  folder_ = folder.value();
+
+  parts_.delegate.willDownloadUpdate(parts_.updater, told_, item_.downloadURL);
+  showProgress(textOf("DOWNLOADING"));
+  inBackground(
+      [self = shared_from_this(), progress = progressOnMainThread()] {
+        return self->parts_.services.downloads.download(self->item_.downloadURL, self->folder_ + "/archive",
+                                                        self->item_.length.value_or(kDownloadBytesMax),
+                                                        progress);
+      },
+      [self = shared_from_this()](const std::optional<Error>& error) { self->downloaded(error); });
+}
+
+void UpdateSession::downloaded(const std::optional<Error>& error) {
+  hideProgress();
+  if (isCancelled_) {
+    parts_.delegate.userDidCancelDownload(parts_.updater);
+    return abort(updateError(UpdateErrorCode::Cancelled, "The user cancelled the download."));
+  }
+  if (error) {
+    parts_.delegate.failedToDownloadUpdate(parts_.updater, told_, *error);
+    return abort(updateError(UpdateErrorCode::Download, fmt::format("The update could not be downloaded: {}",
+                                                                    error->localizedDescription())));
+  }
+  parts_.delegate.didDownloadUpdate(parts_.updater, told_);
+  unpack();
+}
+
+void UpdateSession::unpack() {
+  const std::string unpackInto = folder_ + "/unpacked";
+  if (const auto error = host().files.createDirectory(unpackInto)) return abort(*error);
+  parts_.delegate.willExtractUpdate(parts_.updater, told_);
+  showProgress(textOf("EXTRACTING"));
+  UnpackRequest request{.archive = folder_ + "/archive",
+                        .length = item_.length,
+                        .signature = item_.edSignature,
+                        .publicKey = infoText(kPublicKeyKey),
+                        .bundle = bundle().bundlePath(),
+                        .folder = unpackInto};
+  inBackground(
+      [self = shared_from_this(), request = std::move(request), progress = progressOnMainThread()] {
+        return self->parts_.services.installer.unpack(request, progress);
+      },
+      [self = shared_from_this()](const Result<std::string>& newBundle) { self->unpacked(newBundle); });
+}
+
+void UpdateSession::unpacked(const Result<std::string>& newBundle) {
+  hideProgress();
+  if (isCancelled_)
+    return abort(updateError(UpdateErrorCode::Cancelled, "The user cancelled the installation."));
+  if (!newBundle) return abort(newBundle.error());
+  parts_.delegate.didExtractUpdate(parts_.updater, told_);
+  install(newBundle.value());
+}
+
+// From here on the session stays in progress until the launcher has ended.
+void UpdateSession::install(const std::string& newBundle) {
+  parts_.delegate.willInstallUpdate(parts_.updater, told_);
+  const bool relaunch = parts_.delegate.updaterShouldRelaunchApplication(parts_.updater);
+  if (const auto error =
+          parts_.services.installer.installAfterQuit(newBundle, bundle().bundlePath(), relaunch))
+    return abort(*error);
+  if (relaunch) host().application.terminate();
+}
+
+void UpdateSession::abort(const Error& error) {
+  hideProgress();
+  const bool isTold = (parts_.isUserAsking || hasUserAgreed_) && !isCancelled_;
+  parts_.delegate.didAbortWithError(parts_.updater, error);
+  end();
+  if (isTold) tell(textOf(hasUserAgreed_ ? "FAILED" : "CHECK_FAILED"), error.localizedDescription());
+}
+
+// A fetch of the feed cannot be stopped, so nobody waits for it; a download and the installer hear of it.
+void UpdateSession::cancel() {
+  const auto self = shared_from_this();
+  isCancelled_ = true;
+  hideProgress();
+  if (!hasFeed_) abort(updateError(UpdateErrorCode::Cancelled, "The user cancelled the check."));
+}
+
+void UpdateSession::end() {
+  hasEnded_ = true;
+  if (!folder_.empty()) parts_.services.folders.remove(std::exchange(folder_, {}));
+  offerWindow_.reset();
+  parts_.ended();
+}
+
+void UpdateSession::showProgress(const std::string& message) {
+  shownPercent_ = -1;
+  progressWindow_ = host().windows.makeProgressWindow();
+  progressWindow_->setTitle(textOf("OFFER_TITLE"));
+  progressWindow_->textField().setStringValue(message);
+  progressWindow_->progressIndicator().setMinValue(0);
+  progressWindow_->progressIndicator().setMaxValue(100);
+  progressWindow_->progressIndicator().setDoubleValue(0);
+  progressWindow_->cancelButton().setTitle(textOf("CANCEL"));
+  progressWindow_->cancelButton().setAction([weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->cancel();
+  });
+  progressWindow_->show();
+}
+
+void UpdateSession::hideProgress() {
+  if (!progressWindow_) return;
+  progressWindow_->close();
+  progressWindow_.reset();
+}
+
+// The main thread hears of whole percents only.
+Progress UpdateSession::progressOnMainThread() {
+  return [self = shared_from_this()](std::uint64_t done, std::uint64_t total) {
+    if (self->isCancelled_) return false;
+    if (total == 0) return true;
+    const auto percent =
+        static_cast<std::int64_t>(100.0 * static_cast<double>(done) / static_cast<double>(total));
+    if (self->shownPercent_.exchange(percent) == percent) return true;
+    host().dispatch.mainOperationQueue().async([self, percent] {
+      if (self->progressWindow_)
+        self->progressWindow_->progressIndicator().setDoubleValue(static_cast<double>(percent));
+    });
+    return true;
+  };
+}
+
+void UpdateSession::tell(const std::string& message, const std::string& explanation) {
+  host().dispatch.mainOperationQueue().async([message, explanation, ok = textOf("OK")] {
+    host().application.activateIgnoringOtherApps();
+    host().alerts.runModal({.style = AlertStyle::Informational,
+                            .messageText = message,
+                            .informativeText = explanation,
+                            .buttons = {{.title = ok, .keyEquivalent = "\r"}}});
+  });
+}
+
+}  // namespace karno::platform::updates

@@ -1,0 +1,73 @@
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/linux/updater/appcast.h"
+#include "platform/linux/updater/item_choice.h"
+#include "platform/linux/updater/update_services.h"
+#include "platform/linux/updater/update_texts.h"
+#include "platform/updater.h"
+#include "platform/windows.h"
+
+namespace karno::platform::updates {
+
+// One check of the feed and all that follows from it, up to an installer that waits for the launcher's end.
+// Main thread only; what takes long runs on a global queue. It keeps itself alive until it has ended.
+class UpdateSession : public std::enable_shared_from_this<UpdateSession> {
+ public:
+  struct Parts {
+    Updater& updater;
+    UpdaterDelegate& delegate;
+    UpdateServices services;
+    std::shared_ptr<const UpdateTexts> texts;
+    bool isUserAsking = false;
+    std::function<void()> ended;  // called once
+  };
+
+  explicit UpdateSession(Parts parts) : parts_(std::move(parts)) {}
+
+  void begin();
+
+  // For a user who asks again.
+  void bringToFront();
+
+ private:
+  void feedCame(const Result<std::string>& feed);
+  void judge(const std::vector<FeedItem>& items);
+  void nothingToOffer(NothingToOffer reason);
+  void offer();
+  void chosen(long choice);
+  void download();
+  void downloaded(const std::optional<Error>& error);
+  void unpack();
+  void unpacked(const Result<std::string>& newBundle);
+  void install(const std::string& newBundle);
+  void abort(const Error& error);
+  void end();
+
+  void showProgress(const std::string& message);
+  void hideProgress();
+  void cancel();
+  Progress progressOnMainThread();
+  void tell(const std::string& message, const std::string& explanation);
+  std::string textOf(std::string_view token) const;
+  bool allowsLoopback() const;
+
+  const Parts parts_;
+  FeedItem item_;
+  AppcastItem told_;    // the same as the delegate sees it
+  std::string folder_;  // of the download; empty: none
+  std::atomic<bool> isCancelled_{false};
+  std::atomic<std::int64_t> shownPercent_{-1};
+  bool hasFeed_ = false;
+  bool hasUserAgreed_ = false;
+  bool hasEnded_ = false;
+  std::unique_ptr<OfferWindow> offerWindow_;
+  std::unique_ptr<ProgressWindow> progressWindow_;
+};
+
+}  // namespace karno::platform::updates
