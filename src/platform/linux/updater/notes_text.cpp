@@ -34,6 +34,8 @@ bool has(const List& list, std::string_view word) {
   return std::find(list.begin(), list.end(), word) != list.end();
 }
 
+char lowercase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+
 std::string utf8(std::uint32_t point) {
   if (point == 0 || point > 0x10FFFF || (point >= 0xD800 && point < 0xE000)) return "\uFFFD";
   std::string bytes;
@@ -91,6 +93,13 @@ class Reader {
     rest_.remove_prefix(place == std::string_view::npos ? rest_.size() : place + end.size());
   }
 
+  void skipToClosing(const std::string& name) {
+    const std::string tag = "</" + name;
+    const auto found = std::search(rest_.begin(), rest_.end(), tag.begin(), tag.end(),
+                                   [](char one, char other) { return lowercase(one) == other; });
+    rest_.remove_prefix(static_cast<std::size_t>(found - rest_.begin()));
+  }
+
   void takeTag() {
     const std::size_t end = rest_.find('>');
     std::string_view tag = rest_.substr(1, end == std::string_view::npos ? end : end - 1);
@@ -98,10 +107,9 @@ class Reader {
     const bool closes = tag.starts_with('/');
     if (closes) tag.remove_prefix(1);
     std::string name(tag.substr(0, tag.find_first_of(" \t\r\n/")));
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    std::transform(name.begin(), name.end(), name.begin(), lowercase);
     if (!closes && has(kHidden, name)) {
-      skipPast("</" + name);
+      skipToClosing(name);
       return skipPast(">");
     }
     if (!has(kBlocks, name)) return;

@@ -119,6 +119,8 @@ void UpdateSession::offer() {
   offerWindow_ = parts_.services.offerWindows.show(texts, [weak = weak_from_this()](long choice) {
     if (const auto self = weak.lock()) self->chosen(choice);
   });
+  if (!offerWindow_) return chosen(kUserUpdateChoiceDismiss);
+  if (parts_.isUserAsking) bringToFront();
 }
 
 void UpdateSession::chosen(long choice) {

@@ -1,0 +1,306 @@
+#include <gmock/gmock.h>
+
+#include <cerrno>
+
+#include "fake_platform.h"
+#include "printing.h"
+#include "update/karno_sparkle_manager.h"
+
+namespace karno {
+namespace {
+
+using platform::Error;
+using platform::Value;
+using test::FakePlatform;
+using test::Line;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr const char* kCache = "/Users/tester/Library/Caches/Karno/cache.noindex";
+constexpr const char* kTouchFile = "/Users/tester/Library/Caches/Karno/cache.noindex/.karnoUpdated";
+constexpr const char* kStrings = R"({"UPDATE": "Update", "MESSAGE_FUSE_UPGRADE_REQUIRED": "macFUSE is old.",
+  "WHAT_WOULD_YOU_LIKE_TO_DO": "What now?", "CONTINUE": "Go on", "NOT_NOW": "Later"})";
+
+const Line kStartingUp("INFO", "Sparkle[START] Starting Up");
+const Line kCheckingFuse("INFO", "Sparkle[START] Checking Fuse following a Karno update");
+const Line kNoFuseCheck("INFO", "Fuse[START] Not checking for a Fuse update - as we use a FileProvider");
+
+KarnoSparkleManager& manager() { return KarnoSparkleManager::instance(); }
+
+void start(FakePlatform& machine) {
+  machine.onThread([] { KarnoSparkleManager::start(); });
+  machine.runFor(5);
+}
+
+// The lines of the manager itself.
+std::vector<Line> sparkleLines(const FakePlatform& machine) {
+  std::vector<Line> found;
+  for (const Line& line : machine.consoleMessages()) {
+    if (line.message.starts_with("Sparkle[")) found.push_back(line);
+  }
+  return found;
+}
+
+TEST(UpdaterStart, ForgetsAStoredFeedAndThenStartsTheUpdaterOnTheMainThread) {
+  FakePlatform machine;
+
+  start(machine);
+
+  EXPECT_THAT(machine.updater.calls, ElementsAre("clearFeedURLFromUserDefaults", "startUpdater"));
+  EXPECT_THAT(machine.consoleMessages(), ElementsAre(kStartingUp));
+}
+
+TEST(UpdaterStart, ReturnsOnlyWhenTheMainThreadHasStartedTheUpdater) {
+  FakePlatform machine;
+  std::vector<std::string> callsAtReturn;
+  machine.dispatch.mainQueue().async([&machine] { machine.dispatch.sleep(3); });
+
+  machine.onThread([&] {
+    KarnoSparkleManager::start();
+    callsAtReturn = machine.updater.calls;
+  });
+  machine.runFor(5);
+
+  EXPECT_THAT(callsAtReturn, ElementsAre("clearFeedURLFromUserDefaults", "startUpdater"));
+}
+
+TEST(UpdaterStart, LogsAFailureAndGoesOn) {
+  FakePlatform machine;
+  machine.withFirstStartup(false).withUserSetting("useFileProvider", true);
+  machine.withAdmin("UPDATES_ENABLED", "yes");
+  machine.files.addFile(kTouchFile, "");
+  machine.updater.startError = Error("SUSparkleErrorDomain", 1, {{"NSLocalizedDescription", "No key."}});
+
+  start(machine);
+
+  EXPECT_THAT(
+      sparkleLines(machine),
+      ElementsAre(kStartingUp,
+                  Line("*** ERROR ***",
+                       "Sparkle[INIT] Failed to start. Reason: Error Domain=SUSparkleErrorDomain Code=1 "
+                       "\"No key.\" UserInfo={NSLocalizedDescription=No key.}"),
+                  kCheckingFuse, Line("INFO", "Sparkle[CONFIG] Updates enabled by admin")));
+  EXPECT_THAT(machine.updater.automaticChecks, ElementsAre(true));
+}
+
+TEST(UpdaterStart, LeavesAutomaticChecksAsTheyWereWhenTheAdministratorSaysNothing) {
+  FakePlatform machine;
+
+  start(machine);
+
+  EXPECT_THAT(machine.updater.automaticChecks, IsEmpty());
+}
+
+struct Policy {
+  const char* value;
+  bool automatic;
+  const char* line;
+};
+
+class AdministratorsPolicy : public ::testing::TestWithParam<Policy> {};
+
+TEST_P(AdministratorsPolicy, IsWrittenToTheUpdaterWithALineOfItsOwn) {
+  FakePlatform machine;
+  machine.withAdmin("UPDATES_ENABLED", GetParam().value);
+
+  start(machine);
+
+  EXPECT_THAT(machine.updater.automaticChecks, ElementsAre(GetParam().automatic));
+  EXPECT_THAT(sparkleLines(machine), ElementsAre(kStartingUp, Line("INFO", GetParam().line)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, AdministratorsPolicy,
+                         ::testing::Values(Policy{"YES", true, "Sparkle[CONFIG] Updates enabled by admin"},
+                                           Policy{"1", true, "Sparkle[CONFIG] Updates enabled by admin"},
+                                           Policy{"NO", false, "Sparkle[CONFIG] Updates disabled by admin"},
+                                           Policy{"certainly", false,
+                                                  "Sparkle[CONFIG] Updates disabled by admin"}));
+
+TEST(PolicyOfTheAdministrator, DoesNotKeepTheEmbeddedApplicationFromSwitchingBackOnOrFromChecking) {
+  FakePlatform machine;
+  machine.withAdmin("UPDATES_ENABLED", "NO");
+  start(machine);
+
+  manager().setCheckForUpdatesAutomatically(true);
+  manager().checkForUpdates();
+
+  EXPECT_THAT(machine.updater.automaticChecks, ElementsAre(false, true));
+  EXPECT_EQ(machine.updater.checks, 1);
+}
+
+TEST(UpdaterStart, RepeatsEveryStepWithTheSameUpdater) {
+  FakePlatform machine;
+  machine.withAdmin("UPDATES_ENABLED", "NO");
+  start(machine);
+
+  start(machine);
+
+  EXPECT_EQ(machine.updater.made, 1);
+  EXPECT_THAT(machine.updater.calls, ElementsAre("clearFeedURLFromUserDefaults", "startUpdater",
+                                                 "clearFeedURLFromUserDefaults", "startUpdater"));
+  EXPECT_THAT(machine.updater.automaticChecks, ElementsAre(false, false));
+}
+
+TEST(Updater, IsBuiltByTheFirstQuestionAndOnlyOnce) {
+  FakePlatform machine;
+  EXPECT_EQ(machine.updater.made, 0);
+
+  machine.onThread([] { manager().isUpdateInProgress(); });
+  machine.onThread([] { manager().isUpdateInProgress(); });
+  machine.runUntilIdle();
+
+  EXPECT_EQ(machine.updater.made, 1);
+  EXPECT_THAT(machine.updater.calls, IsEmpty());
+}
+
+struct State {
+  bool inSession;
+  bool canCheck;
+  bool isInProgress;
+};
+
+class UnderWay : public ::testing::TestWithParam<State> {};
+
+TEST_P(UnderWay, IsASessionOrAnUpdaterThatCannotCheck) {
+  FakePlatform machine;
+  machine.updater.inSession = GetParam().inSession;
+  machine.updater.canCheck = GetParam().canCheck;
+
+  EXPECT_EQ(manager().isUpdateInProgress(), GetParam().isInProgress);
+}
+
+INSTANTIATE_TEST_SUITE_P(States, UnderWay,
+                         ::testing::Values(State{false, true, false}, State{true, true, true},
+                                           State{false, false, true}, State{true, false, true}));
+
+TEST(UnderWayAnswer, IsFreshEveryTime) {
+  FakePlatform machine;
+  EXPECT_FALSE(manager().isUpdateInProgress());
+
+  machine.updater.canCheck = false;
+
+  EXPECT_TRUE(manager().isUpdateInProgress());
+}
+
+TEST(TouchFile, LiesInTheCacheFolderOfTheLauncher) {
+  FakePlatform machine;
+
+  EXPECT_EQ(manager().updatedTouchfile(), kTouchFile);
+}
+
+TEST(TouchFile, IsCreatedEmptyInPlaceOfAnOldOne) {
+  FakePlatform machine;
+  machine.files.addFile(kTouchFile, "old");
+
+  manager().recordKarnoHasBeenUpdated();
+
+  EXPECT_EQ(machine.files.read(kTouchFile).value(), "");
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("INFO", "Sparkle[INSTALL] Creating 'updated' touchfile")));
+}
+
+TEST(TouchFile, CannotBeCreatedWithoutTheFolderWhichIsNotMade) {
+  FakePlatform machine;
+
+  manager().recordKarnoHasBeenUpdated();
+
+  EXPECT_FALSE(machine.files.fileExists(kCache));
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("INFO", "Sparkle[INSTALL] Creating 'updated' touchfile"),
+                          Line("*** ERROR ***",
+                               std::string("Sparkle[INSTALL] Failed to create 'updated' touchfile (") +
+                                   kTouchFile + ")")));
+}
+
+TEST(CheckFollowingAnUpdate, IsNotMadeWithoutTheTouchFile) {
+  FakePlatform machine;
+  machine.withFirstStartup(false).withUserSetting("useFileProvider", false);
+
+  start(machine);
+
+  EXPECT_THAT(machine.consoleMessages(), ElementsAre(kStartingUp));
+  EXPECT_THAT(machine.network.requests, IsEmpty());
+}
+
+TEST(CheckFollowingAnUpdate, OfAFileProviderBuildOnlyRemovesTheTouchFile) {
+  FakePlatform machine;
+  machine.withFirstStartup(false).withUserSetting("useFileProvider", true);
+  machine.files.addFile(kTouchFile, "");
+
+  start(machine);
+
+  EXPECT_THAT(sparkleLines(machine), ElementsAre(kStartingUp, kCheckingFuse));
+  EXPECT_THAT(machine.consoleMessages(), Contains(kNoFuseCheck));
+  EXPECT_FALSE(machine.files.fileExists(kTouchFile));
+  EXPECT_THAT(machine.network.requests, IsEmpty());
+}
+
+TEST(CheckFollowingAnUpdate, RemovesTheTouchFileOnlyWhenTheUserHasAnswered) {
+  FakePlatform machine;
+  machine.withFirstStartup(false)
+      .withUserSetting("useFileProvider", false)
+      .withFuse("4.4.1")
+      .withStrings(kStrings);
+  machine.network.bodies["https://api.github.com/repos/macfuse/macfuse/releases/latest"] =
+      R"({"name": "macFUSE 4.5.0"})";
+  machine.files.addFile(kTouchFile, "");
+  bool wasThereWhileAsked = false;
+  machine.alerts.answerNext(platform::kAlertSecondButtonReturn,
+                            [&] { wasThereWhileAsked = machine.files.fileExists(kTouchFile); });
+
+  start(machine);
+
+  EXPECT_TRUE(wasThereWhileAsked);
+  EXPECT_FALSE(machine.files.fileExists(kTouchFile));
+}
+
+TEST(CheckFollowingAnUpdate, LogsATouchFileThatCannotBeRemovedAndChecksAgainAtTheNextStart) {
+  FakePlatform machine;
+  machine.withFirstStartup(false).withUserSetting("useFileProvider", true);
+  machine.files.addFile(kTouchFile, "");
+  machine.files.failRemove(kTouchFile, EACCES);
+
+  start(machine);
+  start(machine);
+
+  const Line failure("*** ERROR ***", std::string("Sparkle[START] Failed to remove '") + kTouchFile +
+                                          "'. Reason:" + Error::posix(EACCES).description());
+  EXPECT_THAT(sparkleLines(machine),
+              ElementsAre(kStartingUp, kCheckingFuse, failure, kStartingUp, kCheckingFuse, failure));
+}
+
+TEST(RequestedCheck, MakesTheLauncherARegularApplicationBeforeTheUpdaterShowsAnything) {
+  FakePlatform machine;
+
+  manager().checkForUpdates();
+
+  EXPECT_THAT(machine.application.policies, ElementsAre(platform::ActivationPolicy::Regular));
+  EXPECT_EQ(machine.updater.checks, 1);
+}
+
+TEST(RequestedCheck, DuringASessionIsOnlyWarnedOf) {
+  FakePlatform machine;
+  machine.updater.inSession = true;
+
+  manager().checkForUpdates();
+
+  EXPECT_EQ(machine.updater.checks, 0);
+  EXPECT_THAT(machine.application.policies, IsEmpty());
+  EXPECT_THAT(
+      machine.consoleMessages(),
+      ElementsAre(Line("WARN", "Sparkle[CHECK] Ignoring check for updates when already in progress")));
+}
+
+TEST(ResetSparkle, MakesTheNextLaunchAFirstOneOnDisk) {
+  FakePlatform machine;
+  machine.userDefaults.standard().values.insert_or_assign("SUHasLaunchedBefore", Value(true));
+
+  manager().resetSparkle();
+
+  EXPECT_EQ(machine.userDefaults.standard().values.at("SUHasLaunchedBefore"), Value(false));
+  EXPECT_EQ(machine.userDefaults.standard().synchronisations, 1);
+}
+
+}  // namespace
+}  // namespace karno

@@ -1,0 +1,174 @@
+#include "platform/linux/updater/appcast.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+namespace karno::platform::updates {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+std::string feedOf(const std::string& items) {
+  return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<rss version=\"2.0\" "
+         "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel><title>Karno</"
+         "title>" +
+         items + "</channel></rss>";
+}
+
+std::vector<FeedItem> itemsOf(const std::string& items) {
+  const auto read = parseAppcast(feedOf(items));
+  return read ? read.value() : std::vector<FeedItem>();
+}
+
+TEST(Appcast, TellsEverythingOfAnItem) {
+  const auto items = itemsOf(R"(<item>
+    <title> Karno 1.1 </title><link>https://a/news</link>
+    <sparkle:version>110</sparkle:version><sparkle:shortVersionString>1.1</sparkle:shortVersionString>
+    <sparkle:minimumSystemVersion>12.3</sparkle:minimumSystemVersion>
+    <sparkle:maximumSystemVersion>15.9.9</sparkle:maximumSystemVersion>
+    <sparkle:minimumUpdateVersion>90</sparkle:minimumUpdateVersion>
+    <sparkle:channel>beta</sparkle:channel><sparkle:criticalUpdate/>
+    <description><![CDATA[<b>New</b> & <i>nice</i>]]></description>
+    <enclosure url="https://a/Karno-1.1.zip" length="1234567890123" type="application/octet-stream"
+      sparkle:os="macos" sparkle:edSignature="c2lnbmF0dXJl"/></item>)");
+
+  ASSERT_THAT(items, SizeIs(1));
+  const FeedItem& item = items[0];
+  EXPECT_EQ(item.title, "Karno 1.1");
+  EXPECT_EQ(item.informationURL, "https://a/news");
+  EXPECT_EQ(item.version, "110");
+  EXPECT_EQ(item.displayVersion, "1.1");
+  EXPECT_EQ(item.minimumSystemVersion, "12.3");
+  EXPECT_EQ(item.maximumSystemVersion, "15.9.9");
+  EXPECT_EQ(item.minimumUpdateVersion, "90");
+  EXPECT_EQ(item.channel, "beta");
+  EXPECT_TRUE(item.isCritical);
+  EXPECT_EQ(item.notes, "<b>New</b> & <i>nice</i>");
+  EXPECT_EQ(item.notesFormat, NotesFormat::HTML);
+  EXPECT_EQ(item.downloadURL, "https://a/Karno-1.1.zip");
+  EXPECT_EQ(item.length, 1234567890123U);
+  EXPECT_EQ(item.operatingSystem, "macos");
+  EXPECT_EQ(item.edSignature, "c2lnbmF0dXJl");
+  EXPECT_FALSE(item.isInformationOnly);
+}
+
+TEST(Appcast, TakesVersionsFromTheEnclosureOfOlderFeeds) {
+  const auto items = itemsOf(
+      R"(<item><enclosure url="https://a/b" sparkle:version="7" sparkle:shortVersionString="0.7"/></item>)");
+
+  ASSERT_THAT(items, SizeIs(1));
+  EXPECT_EQ(items[0].version, "7");
+  EXPECT_EQ(items[0].displayVersion, "0.7");
+  EXPECT_EQ(items[0].title, std::nullopt);
+  EXPECT_EQ(items[0].length, std::nullopt);
+}
+
+TEST(Appcast, ShowsTheVersionWhereThereIsNoOther) {
+  const auto items =
+      itemsOf(R"(<item><sparkle:version>7</sparkle:version><enclosure url="https://a/b"/></item>)");
+
+  ASSERT_THAT(items, SizeIs(1));
+  EXPECT_EQ(items[0].displayVersion, "7");
+}
+
+TEST(Appcast, GoesByTheNamespaceAndNotByThePrefix) {
+  const auto read = parseAppcast(
+      R"(<rss xmlns:u="http://www.andymatuschak.org/xml-namespaces/sparkle" xmlns:sparkle="https://elsewhere/">
+      <channel><item><sparkle:version>99</sparkle:version><u:version>7</u:version>
+      <enclosure url="https://a/b" u:edSignature="good" sparkle:edSignature="bad"/></item></channel></rss>)");
+
+  ASSERT_TRUE(read);
+  ASSERT_THAT(read.value(), SizeIs(1));
+  EXPECT_EQ(read.value()[0].version, "7");
+  EXPECT_EQ(read.value()[0].edSignature, "good");
+}
+
+TEST(Appcast, NeverTakesADeltaForTheUpdate) {
+  const auto items = itemsOf(R"(<item><sparkle:version>7</sparkle:version><sparkle:deltas>
+    <enclosure url="https://a/delta" sparkle:deltaFrom="6"/></sparkle:deltas>
+    <enclosure url="https://a/whole"/></item>)");
+
+  ASSERT_THAT(items, SizeIs(1));
+  EXPECT_EQ(items[0].downloadURL, "https://a/whole");
+}
+
+TEST(Appcast, LeavesOutWhatHasNoVersionOrNothingBehindIt) {
+  EXPECT_THAT(itemsOf(R"(<item><enclosure url="https://a/b"/></item>
+    <item><sparkle:version>7</sparkle:version></item><item/><other/>)"),
+              IsEmpty());
+}
+
+TEST(Appcast, KnowsItemsThatAreOnlyToBeRead) {
+  const auto items = itemsOf(R"(<item><sparkle:version>7</sparkle:version><link>https://a/</link></item>
+    <item><sparkle:version>8</sparkle:version><link>https://a/</link><sparkle:informationalUpdate/>
+    <enclosure url="https://a/b"/></item>)");
+
+  ASSERT_THAT(items, SizeIs(2));
+  EXPECT_TRUE(items[0].isInformationOnly);
+  EXPECT_TRUE(items[1].isInformationOnly);
+}
+
+TEST(Appcast, KnowsPlainNotes) {
+  const auto items = itemsOf(R"(<item><sparkle:version>7</sparkle:version><enclosure url="https://a/b"/>
+    <description sparkle:format="plain-text">1 &lt; 2</description></item>)");
+
+  ASSERT_THAT(items, SizeIs(1));
+  EXPECT_EQ(items[0].notes, "1 < 2");
+  EXPECT_EQ(items[0].notesFormat, NotesFormat::PlainText);
+}
+
+TEST(Appcast, WithALengthThatIsNoNumberHasNone) {
+  const auto items = itemsOf(
+      R"(<item><sparkle:version>7</sparkle:version><enclosure url="https://a/b" length="12 MB"/></item>)");
+
+  ASSERT_THAT(items, SizeIs(1));
+  EXPECT_EQ(items[0].length, std::nullopt);
+}
+
+TEST(Appcast, StopsAfterAThousandItems) {
+  std::string many;
+  for (int count = 0; count < 1200; ++count)
+    many += fmt::format(R"(<item><sparkle:version>{}</sparkle:version><enclosure url="https://a/b"/></item>)",
+                        count);
+
+  EXPECT_THAT(itemsOf(many), SizeIs(kFeedItemsMax));
+}
+
+class NoFeed : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(NoFeed, IsAnErrorWithAReason) {
+  const auto read = parseAppcast(GetParam());
+
+  ASSERT_FALSE(read);
+  EXPECT_EQ(read.error().domain(), "SUSparkleErrorDomain");
+  EXPECT_EQ(read.error().code(), 1000);
+  EXPECT_THAT(read.error().localizedDescription(), HasSubstr("The feed could not be read: "));
+}
+
+INSTANTIATE_TEST_SUITE_P(Bytes, NoFeed,
+                         ::testing::Values("", "not found", "{\"items\": []}",
+                                           "<html><body>Sorry</body></html>", "<rss></rss>",
+                                           "<rss><channel><item></channel></rss>", "<rss", "\xFF\xFE\x00"));
+
+TEST(Appcast, OfAMillionOpenElementsIsAnErrorAndNoCrash) {
+  std::string deep;
+  for (int count = 0; count < 1'000'000; ++count) deep += "<a>";
+
+  EXPECT_FALSE(parseAppcast(deep));
+}
+
+TEST(Appcast, ReadsNoFilesAndBlowsUpNoEntities) {
+  const auto items = parseAppcast(
+      R"(<!DOCTYPE rss [<!ENTITY a "aaaa"><!ENTITY b "&a;&a;&a;&a;"><!ENTITY f SYSTEM "file:///etc/passwd">]>
+      <rss xmlns:s="http://www.andymatuschak.org/xml-namespaces/sparkle"><channel><item><title>&b;&f;</title>
+      <s:version>1</s:version><enclosure url="https://a/b"/></item></channel></rss>)");
+
+  ASSERT_TRUE(items);
+  ASSERT_THAT(items.value(), SizeIs(1));
+  EXPECT_EQ(items.value()[0].title, "&b;&f;");
+}
+
+}  // namespace
+}  // namespace karno::platform::updates
