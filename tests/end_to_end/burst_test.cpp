@@ -52,6 +52,7 @@ std::vector<int> nineOfTen() {
 
 TEST(Burst, OfManySendersIsHandledInTheOrderOfEachWithoutGrowing) {
   Machine machine(builtTools());
+  machine.useFeed(kNoFeed);
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
   const auto launchers = machine.processesOf(machine.bundle() / "Contents/MacOS/Karno");

@@ -13,6 +13,9 @@ inline constexpr const char* kFirstStartup =
 inline constexpr const char* kVerified = "INFO EmbeddedApp[CONFIGURE] Use File Provider = Yes (verified)";
 inline constexpr const char* kTerminating = "INFO AppDelegate:: Terminating";
 
+// A feed that nobody serves: the connection is refused at once.
+inline constexpr const char* kNoFeed = "https://localhost:1/appcast.xml";
+
 // What the log of a start begins with, up to the choice of the build. `parent` started it: "bash" when "open"
 // did.
 inline Messages openingMessages(const std::string& parent = "start") {

@@ -18,6 +18,14 @@ std::filesystem::path childStorm() { return ownFolder() / "karno_child_storm"; }
 
 std::filesystem::path stormClient() { return ownFolder() / "karno_storm_client"; }
 
+std::filesystem::path webServerProgram() {
+  return std::filesystem::canonical(ownFolder() / KARNO_WEB_SERVER);
+}
+
+std::filesystem::path makeReleaseProgram() {
+  return std::filesystem::canonical(ownFolder() / KARNO_MAKE_RELEASE);
+}
+
 std::filesystem::path withDisplay() { return std::filesystem::canonical(ownFolder() / KARNO_WITH_DISPLAY); }
 
 }  // namespace karno::test

@@ -15,6 +15,10 @@ std::filesystem::path postNotification();
 std::filesystem::path childStorm();
 std::filesystem::path stormClient();
 
+// A web server for one test, and what makes releases and feeds for it.
+std::filesystem::path webServerProgram();
+std::filesystem::path makeReleaseProgram();
+
 // The command that gives another one a display and a session bus of its own.
 std::filesystem::path withDisplay();
 

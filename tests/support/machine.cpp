@@ -63,6 +63,10 @@ CommandResult Machine::make(const std::vector<std::string>& options) const {
   return runCommand(command, kCommandLimit);
 }
 
+void Machine::useFeed(const std::string& url) const {
+  std::ofstream(home() / "KARNOUPGRADE.debug", std::ios::binary) << url << '\n';
+}
+
 void Machine::start(const std::vector<std::string>& options) {
   std::vector<std::string> command{tools_.commands / "start", root_};
   command.insert(command.end(), options.begin(), options.end());

@@ -37,6 +37,9 @@ class Machine {
   // Runs make-machine on it again.
   CommandResult make(const std::vector<std::string>& options) const;
 
+  // Points the launcher at a feed, in place of the deployment's.
+  void useFeed(const std::string& url) const;
+
   // Starts the launcher; `options` are those of the start command.
   void start(const std::vector<std::string>& options = {});
 
