@@ -30,6 +30,9 @@ endfunction()
 
 karno_stage_program(karno Contents/MacOS/Karno)
 karno_stage_program(karnoctl Contents/MacOS/karnoctl)
+if(NOT APPLE)
+  karno_stage_program(karno-installer Contents/Helpers/karno-installer)
+endif()
 karno_stage_helper("Karno" it.vantul.Karno)
 karno_stage_helper("Karno(Fuse)" it.vantul.KarnoFuse)
 

@@ -1,0 +1,74 @@
+#include "installer/bundle_facts.h"
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <pugixml.hpp>
+
+#include "platform/linux/updater/version_order.h"
+#include "platform/posix/whole_file.h"
+
+namespace karno::installer {
+namespace {
+
+Failure invalid(std::string text) { return {FailureCode::Validation, std::move(text)}; }
+
+// The text of a string entry of the root dictionary; empty when there is none.
+std::string stringEntry(const pugi::xml_node& dictionary, std::string_view key) {
+  for (const pugi::xml_node& each : dictionary.children("key")) {
+    if (each.child_value() != key) continue;
+    const pugi::xml_node value = each.next_sibling();
+    return std::string_view(value.name()) == "string" ? value.child_value() : "";
+  }
+  return {};
+}
+
+bool isPlainName(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos;
+}
+
+bool isExecutableFile(const std::string& path) {
+  struct stat status = {};
+  return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(path.c_str(), X_OK) == 0;
+}
+
+}  // namespace
+
+Outcome<BundleFacts> parseBundleFacts(std::string_view infoPlist) {
+  pugi::xml_document document;
+  if (!document.load_buffer(infoPlist.data(), infoPlist.size()))
+    return invalid("The bundle's Info.plist is not an XML property list.");
+  const pugi::xml_node dictionary = document.child("plist").child("dict");
+  BundleFacts facts{.identifier = stringEntry(dictionary, "CFBundleIdentifier"),
+                    .version = stringEntry(dictionary, "CFBundleVersion"),
+                    .executable = stringEntry(dictionary, "CFBundleExecutable")};
+  if (facts.identifier.empty()) return invalid("The bundle has no identifier.");
+  if (facts.version.empty()) return invalid("The bundle has no version.");
+  if (!isPlainName(facts.executable)) return invalid("The bundle names no executable.");
+  return facts;
+}
+
+Outcome<BundleFacts> readBundleFacts(const std::string& bundlePath) {
+  const auto file = platform::readWholeFile(bundlePath + "/Contents/Info.plist");
+  if (!file) return invalid("The bundle's Info.plist cannot be read.");
+  Outcome<BundleFacts> facts = parseBundleFacts(file.value().bytes);
+  if (facts && !isExecutableFile(bundlePath + "/Contents/MacOS/" + facts.value().executable))
+    return invalid("The bundle's executable is missing or cannot be executed.");
+  return facts;
+}
+
+MaybeFailure checkIsUpdate(const BundleFacts& candidate, const BundleFacts& current) {
+  if (candidate.identifier != current.identifier) {
+    return invalid(fmt::format("The update is of \"{}\", not of \"{}\".", oneLine(candidate.identifier),
+                               oneLine(current.identifier)));
+  }
+  if (platform::updates::compareVersions(candidate.version, current.version) <= 0) {
+    return Failure{FailureCode::NotNewer,
+                   fmt::format("The update has version {}, which is not newer than {}.",
+                               oneLine(candidate.version), oneLine(current.version))};
+  }
+  return std::nullopt;
+}
+
+}  // namespace karno::installer

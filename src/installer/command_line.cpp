@@ -1,0 +1,94 @@
+#include "installer/command_line.h"
+
+#include <fmt/format.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <array>
+#include <system_error>
+
+#include "installer/archive_file.h"
+#include "installer/arguments.h"
+#include "installer/interruption.h"
+#include "installer/progress.h"
+#include "installer/tree_removal.h"
+#include "platform/posix/whole_file.h"
+#include "platform/system_path.h"
+
+namespace karno::installer {
+namespace {
+
+bool print(int descriptor, std::string_view text) { return platform::writeAll(descriptor, text) == 0; }
+
+void complain(std::string_view text) { print(STDERR_FILENO, fmt::format("karno-installer: {}\n", text)); }
+
+std::uint64_t sizeOf(const std::string& path) {
+  const auto file = ArchiveFile::open(path);
+  return file ? file.value().sizeInBytes() : 0;
+}
+
+int unpack(const UnpackRequest& request) {
+  noteInterruptions();
+  ProgressLines lines(STDOUT_FILENO, sizeOf(request.archive));
+  const auto unpacked = unpackUpdate(request, lines);
+  if (!unpacked) {
+    const Failure& failure = unpacked.failure();
+    lines.say(fmt::format("failed {} {}", static_cast<int>(failure.code), failure.text));
+    return kExitFailed;
+  }
+  if (lines.isWanted() && lines.say("ready " + unpacked.value())) return kExitOk;
+  removeTree(unpacked.value());
+  return kExitFailed;
+}
+
+// Signals that are ignored stay so in the program that comes next.
+void followSignals(void (*handler)(int)) {
+  for (const int number : {SIGHUP, SIGPIPE}) ::signal(number, handler);
+}
+
+int openAgain(const std::string& bundle) {
+  std::string program = platform::systemPath("/usr/bin/open");
+  std::string newInstance = "-n";
+  std::string path = bundle;
+  const std::array<char*, 4> words = {program.data(), newInstance.data(), path.data(), nullptr};
+  followSignals(SIG_DFL);
+  ::execv(program.c_str(), words.data());
+  complain("The bundle could not be opened: " + std::generic_category().message(errno) + ".");
+  return kExitFailed;
+}
+
+int install(const InstallCommand& command) {
+  // It outlives the session that it was started in. A leader of a process group cannot leave its session; it
+  // is then spared the signal of its end.
+  ::setsid();
+  followSignals(SIG_IGN);
+  const InstallEnd end = installUpdate(command.request);
+  if (!end.complaint.empty()) complain(end.complaint);
+  if (!end.isInstalled) return kExitFailed;
+  return command.relaunch ? openAgain(command.request.bundle) : kExitOk;
+}
+
+struct Doing {
+  std::string_view version;
+
+  int operator()(const UsageError& error) const {
+    complain(error.text + "\n" + usageText());
+    return kExitUsage;
+  }
+  int operator()(const HelpCommand&) const {
+    return print(STDOUT_FILENO, usageText()) ? kExitOk : kExitFailed;
+  }
+  int operator()(const VersionCommand&) const {
+    return print(STDOUT_FILENO, fmt::format("karno-installer {}\n", version)) ? kExitOk : kExitFailed;
+  }
+  int operator()(const UnpackRequest& request) const { return unpack(request); }
+  int operator()(const InstallCommand& command) const { return install(command); }
+};
+
+}  // namespace
+
+int run(std::span<const std::string> arguments, std::string_view version) {
+  return std::visit(Doing{version}, parseArguments(arguments));
+}
+
+}  // namespace karno::installer

@@ -1,0 +1,173 @@
+#include "installer/extraction.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <optional>
+
+#include "installer/archive_reader.h"
+#include "installer/safe_path.h"
+#include "installer/unpacked_tree.h"
+#include "platform/posix/scoped_descriptor.h"
+
+namespace karno::installer {
+namespace {
+
+Failure refused(const SafePath& path, std::string_view reason) {
+  return {FailureCode::Unpacking,
+          "The archive's entry \"" + oneLine(joined(path)) + "\" " + std::string(reason) + "."};
+}
+
+Failure notOneBundle() {
+  return {FailureCode::Validation, "The archive does not hold exactly one application bundle."};
+}
+
+// What the system says of a place, in the words of an archive where it is the archive's fault.
+Failure placeFailure(const SafePath& path, int error) {
+  if (error == EEXIST) return refused(path, "comes twice");
+  if (error == ENOTDIR || error == ELOOP) return refused(path, "lies in something that is no folder");
+  return systemFailure(error);
+}
+
+bool isBundleName(std::string_view name) {
+  constexpr std::string_view kSuffix = ".app";
+  const bool hasControl =
+      std::any_of(name.begin(), name.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; });
+  return name.size() > kSuffix.size() && name.ends_with(kSuffix) && !hasControl;
+}
+
+class Extraction {
+ public:
+  Extraction(int folder, const UnpackLimits& limits, ExtractionObserver& observer)
+      : tree_(folder), limits_(limits), observer_(observer) {}
+
+  MaybeFailure open(int archive) { return reader_.open(archive); }
+
+  Outcome<std::string> run() {
+    while (true) {
+      auto next = reader_.nextEntry();
+      if (!next) return next.failure();
+      if (!next.value()) break;
+      if (++entries_ > limits_.entriesMax)
+        return Failure{FailureCode::Unpacking, "The archive holds too many entries."};
+      if (auto stopped = askWhetherToGoOn()) return *stopped;
+      if (auto failure = take(*next.value())) return *failure;
+    }
+    if (bundle_.empty()) return notOneBundle();
+    return bundle_;
+  }
+
+ private:
+  MaybeFailure take(const ArchiveEntry& entry) {
+    auto safe = safePath(entry.name, limits_);
+    if (!safe) return safe.failure();
+    const SafePath& path = safe.value();
+    if (entry.isEncrypted) return refused(path, "is encrypted");
+    if (isPassedOver(path, entry.kind == EntryKind::File)) return passOver();
+    if (auto failure = checkTop(path, entry.kind)) return failure;
+
+    switch (entry.kind) {
+      case EntryKind::Folder:
+        return placed(path, tree_.makeFolder(path, entry.permissions));
+      case EntryKind::SymbolicLink:
+        if (!staysInside(path, entry.linkTarget, limits_)) return refused(path, "leads out of the bundle");
+        return placed(path, tree_.makeLink(path, entry.linkTarget));
+      case EntryKind::File:
+        return writeFile(path, entry);
+      case EntryKind::HardLink:
+        return refused(path, "is a hard link");
+      case EntryKind::Other:
+        break;
+    }
+    return refused(path, "is neither file, folder nor symbolic link");
+  }
+
+  // Everything lies in one folder.
+  MaybeFailure checkTop(const SafePath& path, EntryKind kind) {
+    if (bundle_.empty() && isBundleName(path.front())) bundle_ = path.front();
+    const bool isTop = path.size() == 1;
+    if (path.front() != bundle_ || (isTop && kind != EntryKind::Folder)) return notOneBundle();
+    return std::nullopt;
+  }
+
+  static MaybeFailure placed(const SafePath& path, int error) {
+    if (error == 0) return std::nullopt;
+    return placeFailure(path, error);
+  }
+
+  MaybeFailure writeFile(const SafePath& path, const ArchiveEntry& entry) {
+    platform::ScopedDescriptor file;
+    if (const int error = tree_.makeFile(path, entry.permissions, file)) return placeFailure(path, error);
+    std::uint64_t written = 0;
+    const auto write = [&](const Piece& piece) -> MaybeFailure {
+      if (const int error = writeAllAt(file.get(), piece.bytes, piece.offset)) return systemFailure(error);
+      written = std::max(written, piece.offset + piece.bytes.size());
+      return std::nullopt;
+    };
+    std::uint64_t size = 0;
+    if (auto failure = eachPiece(write, size)) return failure;
+    // The rest of a file with holes may be one.
+    size = std::max(size, entry.sizeInBytes);
+    if (auto failure = count(size)) return failure;
+    if (size > written && ::ftruncate(file.get(), static_cast<off_t>(size)) != 0) return systemFailure(errno);
+    return std::nullopt;
+  }
+
+  // It is unpacked all the same, so it counts.
+  MaybeFailure passOver() {
+    std::uint64_t size = 0;
+    if (auto failure = eachPiece([](const Piece&) { return MaybeFailure(); }, size)) return failure;
+    return count(size);
+  }
+
+  // `size`: where the last piece ends.
+  template <class Use>
+  MaybeFailure eachPiece(const Use& use, std::uint64_t& size) {
+    while (true) {
+      const auto next = reader_.nextPiece();
+      if (!next) return next.failure();
+      if (!next.value()) return std::nullopt;
+      const Piece& piece = *next.value();
+      if (piece.offset > limits_.unpackedBytesMax || !fits(piece.offset + piece.bytes.size()))
+        return tooLarge();
+      size = std::max(size, piece.offset + piece.bytes.size());
+      if (auto failure = use(piece)) return failure;
+      if (auto stopped = askWhetherToGoOn()) return stopped;
+    }
+  }
+
+  bool fits(std::uint64_t size) const { return size <= limits_.unpackedBytesMax - unpackedBytes_; }
+
+  MaybeFailure count(std::uint64_t size) {
+    if (!fits(size)) return tooLarge();
+    unpackedBytes_ += size;
+    return std::nullopt;
+  }
+
+  static Failure tooLarge() { return {FailureCode::Unpacking, "The archive is too large when unpacked."}; }
+
+  MaybeFailure askWhetherToGoOn() {
+    if (observer_.goesOn(reader_.bytesRead())) return std::nullopt;
+    return Failure{FailureCode::Unpacking, "The update was cancelled."};
+  }
+
+  ArchiveReader reader_;
+  UnpackedTree tree_;
+  const UnpackLimits limits_;
+  ExtractionObserver& observer_;
+  std::string bundle_;
+  std::size_t entries_ = 0;
+  std::uint64_t unpackedBytes_ = 0;
+};
+
+}  // namespace
+
+Outcome<std::string> extractBundle(int archive, int folder, const UnpackLimits& limits,
+                                   ExtractionObserver& observer) {
+  Extraction extraction(folder, limits, observer);
+  if (auto failure = extraction.open(archive)) return *failure;
+  return extraction.run();
+}
+
+}  // namespace karno::installer
