@@ -50,8 +50,9 @@ std::optional<Error> FakeInstaller::installAfterQuit(const std::string& newBundl
 
 Result<std::string> FakeUpdateFolders::makeFolderBeside(const std::string&) {
   if (failure) return *failure;
-  machine_.files.addDirectory("/Applications/.karno-update-1");
-  return std::string("/Applications/.karno-update-1");
+  const std::string folder = "/Applications/.karno-update-" + std::to_string(++made_);
+  machine_.files.addDirectory(folder);
+  return folder;
 }
 
 void FakeUpdateFolders::remove(const std::string& folder) {

@@ -61,6 +61,7 @@ class FakeUpdateFolders final : public platform::updates::UpdateFolders {
   std::vector<std::string> removed;
 
  private:
+  int made_ = 0;
   FakePlatform& machine_;
 };
 

@@ -131,10 +131,10 @@ TEST_F(RequestedUpdate, GoesThroughAllStagesAndStaysInProgressUntilTheLauncherEn
                           "will extract", "extracted", "will install", "relaunch?"));
   EXPECT_TRUE(updater.sessionInProgress());
   EXPECT_THAT(installer.installations,
-              ElementsAre("/Applications/.karno-update-1/unpacked/Karno.app for /Applications/Karno.app"));
+              ElementsAre("/Applications/.karno-update-2/Karno.app for /Applications/Karno.app"));
   EXPECT_EQ(machine.application.terminations(), 0);
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
-  EXPECT_THAT(folders.removed, IsEmpty());
+  EXPECT_THAT(folders.removed, ElementsAre("/Applications/.karno-update-1"));
 }
 
 TEST_F(RequestedUpdate, HandsTheFeedsWordsToTheInstaller) {
@@ -148,7 +148,7 @@ TEST_F(RequestedUpdate, HandsTheFeedsWordsToTheInstaller) {
   EXPECT_EQ(request.signature, "sig");
   EXPECT_EQ(request.publicKey, kKey);
   EXPECT_EQ(request.bundle, "/Applications/Karno.app");
-  EXPECT_EQ(request.folder, "/Applications/.karno-update-1/unpacked");
+  EXPECT_EQ(request.folder, "/Applications/.karno-update-2");
   ASSERT_THAT(downloads.requests, SizeIs(1));
   EXPECT_EQ(downloads.requests[0].bytesMax, 7U);
   EXPECT_EQ(downloads.requests[0].thread, "global(0)");
@@ -162,8 +162,7 @@ TEST_F(RequestedUpdate, OpensTheNewVersionAndEndsWhenTheDelegateWantsThat) {
 
   EXPECT_THAT(
       installer.installations,
-      ElementsAre(
-          "/Applications/.karno-update-1/unpacked/Karno.app for /Applications/Karno.app and relaunch"));
+      ElementsAre("/Applications/.karno-update-2/Karno.app for /Applications/Karno.app and relaunch"));
   EXPECT_EQ(machine.application.terminations(), 1);
 }
 
@@ -308,7 +307,7 @@ TEST_F(RequestedUpdate, CancelledWhileItUnpacksLeavesNothingBehind) {
   machine.runFor(5);
 
   EXPECT_EQ(delegate.calls.back(), "aborted 4007");
-  EXPECT_THAT(folders.removed, SizeIs(1));
+  EXPECT_THAT(folders.removed, SizeIs(2));
   EXPECT_THAT(installer.installations, IsEmpty());
 }
 
@@ -336,7 +335,7 @@ TEST_F(RequestedUpdate, WithABadSignatureIsAbortedBeforeAnythingIsInstalled) {
   EXPECT_EQ(delegate.calls.back(), "aborted 3001");
   EXPECT_EQ(machine.alerts.shown().at(0).informativeText, "Not signed by us.");
   EXPECT_THAT(installer.installations, IsEmpty());
-  EXPECT_THAT(folders.removed, SizeIs(1));
+  EXPECT_THAT(folders.removed, SizeIs(2));
 }
 
 TEST_F(RequestedUpdate, WhoseInstallerCannotBeStartedIsAborted) {

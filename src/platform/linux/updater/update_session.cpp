@@ -140,15 +140,15 @@ void UpdateSession::download() {
   if (const auto refusal = refusalOfAddress(item_.downloadURL, allowsLoopback())) return abort(*refusal);
   const Result<std::string> folder = parts_.services.folders.makeFolderBeside(bundle().bundlePath());
   if (!folder) return abort(folder.error());
-  folder_ = folder.value();
+  downloadFolder_ = folder.value();
 
   parts_.delegate.willDownloadUpdate(parts_.updater, told_, item_.downloadURL);
   showProgress(textOf("DOWNLOADING"));
   inBackground(
       [self = shared_from_this(), progress = progressOnMainThread()] {
-        return self->parts_.services.downloads.download(self->item_.downloadURL, self->folder_ + "/archive",
-                                                        self->item_.length.value_or(kDownloadBytesMax),
-                                                        progress);
+        return self->parts_.services.downloads.download(
+            self->item_.downloadURL, self->downloadFolder_ + "/archive",
+            self->item_.length.value_or(kDownloadBytesMax), progress);
       },
       [self = shared_from_this()](const std::optional<Error>& error) { self->downloaded(error); });
 }
@@ -169,16 +169,17 @@ void UpdateSession::downloaded(const std::optional<Error>& error) {
 }
 
 void UpdateSession::unpack() {
-  const std::string unpackInto = folder_ + "/unpacked";
-  if (const auto error = host().files.createDirectory(unpackInto)) return abort(*error);
+  const Result<std::string> folder = parts_.services.folders.makeFolderBeside(bundle().bundlePath());
+  if (!folder) return abort(folder.error());
+  unpackFolder_ = folder.value();
   parts_.delegate.willExtractUpdate(parts_.updater, told_);
   showProgress(textOf("EXTRACTING"));
-  UnpackRequest request{.archive = folder_ + "/archive",
+  UnpackRequest request{.archive = downloadFolder_ + "/archive",
                         .length = item_.length,
                         .signature = item_.edSignature,
                         .publicKey = infoText(kPublicKeyKey),
                         .bundle = bundle().bundlePath(),
-                        .folder = unpackInto};
+                        .folder = unpackFolder_};
   inBackground(
       [self = shared_from_this(), request = std::move(request), progress = progressOnMainThread()] {
         return self->parts_.services.installer.unpack(request, progress);
@@ -195,8 +196,10 @@ void UpdateSession::unpacked(const Result<std::string>& newBundle) {
   install(newBundle.value());
 }
 
-// From here on the session stays in progress until the launcher has ended.
+// From here on the session stays in progress until the launcher has ended, and the installer clears away what
+// it was given.
 void UpdateSession::install(const std::string& newBundle) {
+  removeFolder(downloadFolder_);
   parts_.delegate.willInstallUpdate(parts_.updater, told_);
   const bool relaunch = parts_.delegate.updaterShouldRelaunchApplication(parts_.updater);
   if (const auto error =
@@ -223,9 +226,14 @@ void UpdateSession::cancel() {
 
 void UpdateSession::end() {
   hasEnded_ = true;
-  if (!folder_.empty()) parts_.services.folders.remove(std::exchange(folder_, {}));
+  removeFolder(downloadFolder_);
+  removeFolder(unpackFolder_);
   offerWindow_.reset();
   parts_.ended();
+}
+
+void UpdateSession::removeFolder(std::string& folder) {
+  if (!folder.empty()) parts_.services.folders.remove(std::exchange(folder, {}));
 }
 
 void UpdateSession::showProgress(const std::string& message) {

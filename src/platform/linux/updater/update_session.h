@@ -49,6 +49,7 @@ class UpdateSession : public std::enable_shared_from_this<UpdateSession> {
   void abort(const Error& error);
   void end();
 
+  void removeFolder(std::string& folder);
   void showProgress(const std::string& message);
   void hideProgress();
   void cancel();
@@ -59,8 +60,9 @@ class UpdateSession : public std::enable_shared_from_this<UpdateSession> {
 
   const Parts parts_;
   FeedItem item_;
-  AppcastItem told_;    // the same as the delegate sees it
-  std::string folder_;  // of the download; empty: none
+  AppcastItem told_;            // the same as the delegate sees it
+  std::string downloadFolder_;  // empty: none
+  std::string unpackFolder_;
   std::atomic<bool> isCancelled_{false};
   std::atomic<std::int64_t> shownPercent_{-1};
   bool hasFeed_ = false;
