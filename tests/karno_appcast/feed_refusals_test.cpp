@@ -78,6 +78,27 @@ TEST_F(FeedRefusals, ABundleWithoutAVersion) {
   EXPECT_EQ(refusal(), "karno-appcast: a.tar: its Info.plist has no CFBundleVersion\n");
 }
 
+TEST_F(FeedRefusals, ABundleWithATextThatNoFeedCanCarry) {
+  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0 &#7;")}});
+
+  EXPECT_EQ(refusal(),
+            "karno-appcast: a.tar: the CFBundleShortVersionString of its Info.plist is no plain text\n");
+}
+
+TEST_F(FeedRefusals, ATitleThatNoFeedCanCarry) {
+  manager_.addRelease("a.zip", "1", "1.0");
+
+  EXPECT_EQ(refusal({"--title", "\xff"}), "karno-appcast: the title is no plain UTF-8 text\n");
+}
+
+TEST_F(FeedRefusals, ALowestSystemThatIsNoVersion) {
+  manager_.addRelease("a.zip", "1", "1.0");
+
+  EXPECT_EQ(refusal({"--minimum-system", "11.0.0.1"}),
+            "karno-appcast: '11.0.0.1' is no version of a system\n");
+  EXPECT_EQ(refusal({"--minimum-system", "11."}), "karno-appcast: '11.' is no version of a system\n");
+}
+
 TEST_F(FeedRefusals, ABundleWhoseSystemIsNoVersion) {
   manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0", "ten")}});
 

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "karno-appcast/failure.h"
+#include "util/utf8.h"
 
 namespace karno::appcast {
 namespace {
@@ -27,6 +28,13 @@ bool isUnreserved(char c) {
 }
 
 }  // namespace
+
+bool isTextForFeed(std::string_view text) {
+  const auto isControl = [](char c) {
+    return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+  };
+  return isValidUtf8(text) && std::ranges::none_of(text, isControl);
+}
 
 std::string feedDate(std::int64_t secondsSince1970) {
   const std::time_t moment = secondsSince1970;

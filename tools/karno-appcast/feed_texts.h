@@ -6,6 +6,10 @@
 // The texts of a feed that follow a form.
 namespace karno::appcast {
 
+// Whether a feed can carry the text: UTF-8 without control characters, which XML does not allow even as
+// references.
+bool isTextForFeed(std::string_view text);
+
 // "Sat, 21 Nov 2026 14:00:00 +0000", whatever the language of this machine.
 std::string feedDate(std::int64_t secondsSince1970);
 

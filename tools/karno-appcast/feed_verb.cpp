@@ -37,6 +37,7 @@ void writeFeed(const Arguments& arguments, std::ostream& out) {
       .urlPrefix = checkedPrefix(arguments.required("--url-prefix"), arguments.has("--allow-http")),
       .title = arguments.value("--title"),
       .minimumSystem = std::nullopt};
+  if (!isTextForFeed(options.title.value_or(""))) throw Failure("the title is no plain UTF-8 text");
   if (const auto system = arguments.value("--minimum-system"))
     options.minimumSystem = threePartVersion(*system);
   const std::string output = arguments.value("--output").value_or(folder + std::string(kFeedName));

@@ -3,6 +3,7 @@
 #include <pugixml.hpp>
 
 #include "karno-appcast/failure.h"
+#include "karno-appcast/feed_texts.h"
 
 namespace karno::appcast {
 namespace {
@@ -12,7 +13,10 @@ std::string textFor(const char* key, pugi::xml_node dictionary) {
   for (const pugi::xml_node each : dictionary.children("key")) {
     if (std::string_view(each.text().get()) != key) continue;
     const pugi::xml_node value = each.next_sibling();
-    return std::string_view(value.name()) == "string" ? value.text().get() : "";
+    const std::string_view text = std::string_view(value.name()) == "string" ? value.text().get() : "";
+    if (!isTextForFeed(text))
+      throw Failure(std::string("the ") + key + " of its Info.plist is no plain text");
+    return std::string(text);
   }
   return {};
 }

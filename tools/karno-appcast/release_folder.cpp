@@ -12,7 +12,6 @@
 #include "karno-appcast/mapped_file.h"
 #include "platform/linux/updater/version_order.h"
 #include "platform/posix/whole_file.h"
-#include "util/utf8.h"
 
 namespace karno::appcast {
 namespace {
@@ -33,14 +32,6 @@ std::vector<std::string> archivesIn(const std::string& folder) {
   return names;
 }
 
-// XML cannot carry control characters, not even as references.
-bool isTextForXML(std::string_view text) {
-  const auto isControl = [](char c) {
-    return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-  };
-  return isValidUtf8(text) && std::ranges::none_of(text, isControl);
-}
-
 // Absent when there is no such file.
 std::optional<std::string> notesIn(const std::string& path) {
   if (!fs::exists(path)) return std::nullopt;
@@ -48,7 +39,7 @@ std::optional<std::string> notesIn(const std::string& path) {
   if (!file) throw systemFailure("cannot read " + path, static_cast<int>(file.error().code()));
   std::string& text = file.value().bytes;
   if (text.size() > kNotesBytesMax) throw Failure(path + " is larger than 1 MiB");
-  if (!isTextForXML(text)) throw Failure(path + " is no plain UTF-8 text");
+  if (!isTextForFeed(text)) throw Failure(path + " is no plain UTF-8 text");
   return std::move(text);
 }
 
