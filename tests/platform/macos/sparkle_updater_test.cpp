@@ -324,8 +324,10 @@ TEST_F(MacUpdater, AQuestionThatOutlivesItReachesNobody) {
 }
 
 TEST_F(MacUpdater, DuringTheQuestionOfARelaunchOtherThreadsHearAtOnceOfASession) {
+  makeImpatient();
   updater_->startUpdater();
-  framework_.sessionInProgress = false;
+  updater_->sessionInProgress();
+  updater_->canCheckForUpdates();
   std::atomic<bool> inSession = false;
   std::atomic<bool> canCheck = true;
   delegate_.onEveryCall = [&] {
