@@ -29,6 +29,13 @@ void ClassBuilder::add(Class cls, const char* selector, detail::Function functio
 
 Class ClassBuilder::metaclass() const { return object_getClass(reinterpret_cast<Id>(cls_)); }
 
+ClassBuilder& ClassBuilder::adopt(const char* protocol) {
+  if (const auto found = objc_getProtocol(protocol); cls_ != nullptr && found != nullptr) {
+    class_addProtocol(cls_, found);
+  }
+  return *this;
+}
+
 ClassBuilder& ClassBuilder::state() {
   if (cls_ != nullptr) {
     constexpr unsigned char kLog2Alignment = 3;

@@ -83,6 +83,9 @@ class ClassBuilder {
     return *this;
   }
 
+  // Declares that the class conforms to the protocol, where the runtime knows one of that name.
+  ClassBuilder& adopt(const char* protocol);
+
   // Gives each instance a slot for a pointer to its C++ side, see stateOf(). Null at first.
   ClassBuilder& state();
 

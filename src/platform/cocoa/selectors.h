@@ -8,7 +8,9 @@
 // the table claims is checked against GNUstep by the tests and against a Mac by its self-check.
 namespace karno::platform::objc {
 
-enum class Where { Everywhere, MacOSOnly, GNUstepOnly };
+// UpdaterFramework: on macOS, once the updater framework of the bundle has been loaded, which a bundle that
+// was put together without it does not have.
+enum class Where { Everywhere, MacOSOnly, GNUstepOnly, UpdaterFramework };
 
 struct MacOSVersion {
   int major = 10;
@@ -31,6 +33,7 @@ inline constexpr Message kMessages[] = {
     {"NSObject", '-', "autorelease"},
     {"NSObject", '-', "class"},
     {"NSObject", '-', "isKindOfClass:"},
+    {"NSObject", '-', "description"},
     {"NSObject", '+', "respondsToSelector:"},
     {"NSObject", '+', "instancesRespondToSelector:"},
     {"NSObject", '-', "performSelectorOnMainThread:withObject:waitUntilDone:"},
@@ -70,8 +73,10 @@ inline constexpr Message kMessages[] = {
     {"NSError", '-', "domain"},
     {"NSError", '-', "code"},
     {"NSError", '-', "localizedDescription"},
+    {"NSError", '-', "userInfo"},
     {"NSURL", '+', "URLWithString:"},
     {"NSURL", '-', "absoluteString"},
+    {"NSURLRequest", '-', "URL"},
     {"NSUUID", '+', "UUID", Where::Everywhere, {10, 8}},
     {"NSUUID", '-', "UUIDString", Where::Everywhere, {10, 8}},
     {"NSRegularExpression", '+', "regularExpressionWithPattern:options:error:"},
@@ -88,6 +93,7 @@ inline constexpr Message kMessages[] = {
     {"NSProcessInfo", '-', "isOperatingSystemAtLeastVersion:", Where::MacOSOnly, {10, 10}},
     {"NSBundle", '+', "mainBundle"},
     {"NSBundle", '+', "bundleWithPath:"},
+    {"NSBundle", '-', "loadAndReturnError:"},
     {"NSBundle", '-', "bundlePath"},
     {"NSBundle", '-', "bundleURL"},
     {"NSBundle", '-', "executablePath"},
@@ -220,6 +226,18 @@ inline constexpr Message kMessages[] = {
     {"NSProgressIndicator", '-', "setMaxValue:"},
     {"NSProgressIndicator", '-', "setDoubleValue:"},
     {"NSProgressIndicator", '-', "stopAnimation:"},
+
+    {"SPUStandardUserDriver", '-', "initWithHostBundle:delegate:", Where::UpdaterFramework},
+    {"SPUUpdater", '-', "initWithHostBundle:applicationBundle:userDriver:delegate:", Where::UpdaterFramework},
+    {"SPUUpdater", '-', "startUpdater:", Where::UpdaterFramework},
+    {"SPUUpdater", '-', "sessionInProgress", Where::UpdaterFramework},
+    {"SPUUpdater", '-', "canCheckForUpdates", Where::UpdaterFramework},
+    {"SPUUpdater", '-', "checkForUpdates", Where::UpdaterFramework},
+    {"SPUUpdater", '-', "setAutomaticallyChecksForUpdates:", Where::UpdaterFramework},
+    {"SPUUpdater", '-', "clearFeedURLFromUserDefaults", Where::UpdaterFramework},  // since its version 2.4
+    {"SUAppcastItem", '-', "title", Where::UpdaterFramework},
+    {"SUAppcastItem", '-', "displayVersionString", Where::UpdaterFramework},
+    {"SUAppcastItem", '-', "versionString", Where::UpdaterFramework},
 };
 
 inline constexpr std::size_t kMessageCount = std::size(kMessages);

@@ -10,6 +10,7 @@
 #include "platform/macos/identifiers.h"
 #include "platform/macos/managed_preferences.h"
 #include "platform/macos/process_list.h"
+#include "platform/macos/sparkle_updater.h"
 #include "platform/macos/system_version.h"
 #include "platform/macos/text.h"
 #include "platform/macos/url_loading.h"
@@ -47,7 +48,7 @@ struct NativeServices {
   FoundationText text;
   NSLogConsole consoleLog;
   FoundationSystemVersion systemVersion;
-  NoUpdaters updaters;
+  SparkleUpdaters updaters{dispatch};
   PopenShell shell;
   FoundationURLLoading urlLoading;
   FoundationIdentifiers identifiers;

@@ -83,6 +83,16 @@ TEST(ClassBuilder, AnExistingClassOfThatNameIsAnsweredUnchanged) {
   EXPECT_EQ(ClassBuilder("KarnoTestBuilt", classNamed("NSObject")).state().registerClass(), existing);
 }
 
+TEST(ClassBuilder, AdoptsTheProtocolsThatAreThere) {
+  const Class made = ClassBuilder("KarnoTestAdopting", classNamed("NSObject"))
+                         .adopt("NSCopying")
+                         .adopt("KarnoTestProtocolThatIsNowhere")
+                         .registerClass();
+
+  EXPECT_TRUE(class_conformsToProtocol(made, objc_getProtocol("NSCopying")));
+  EXPECT_EQ(objc_getProtocol("KarnoTestProtocolThatIsNowhere"), nullptr);
+}
+
 TEST(Guarded, WorkThatSucceedsGivesItsResult) {
   EXPECT_EQ(guarded("count", [] { return 3; }).value(), 3);
   EXPECT_FALSE(guarded("nothing", [] {}).has_value());

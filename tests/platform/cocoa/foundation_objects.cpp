@@ -2,6 +2,7 @@
 
 #include <objc/runtime.h>
 
+#include "platform/cocoa/strings.h"
 #include "platform/cocoa/values.h"
 
 namespace karno::platform::test {
@@ -37,6 +38,16 @@ Id substring(Id text, objc::Range units) { return sendUnlisted<Id>("", text, "su
 
 bool contains(Id set, Id object) {
   return sendUnlisted<objc::Boolean>("", set, "containsObject:", object) != 0;
+}
+
+Id error(const std::string& domain, objc::Integer code, const objc::Object& userInfo) {
+  return sendUnlisted<Id>("NSError", nullptr, "errorWithDomain:code:userInfo:", objc::string(domain).get(),
+                          code, userInfo.get());
+}
+
+Id explainedError(const std::string& domain, objc::Integer code, const std::string& explanation) {
+  return error(domain, code,
+               cocoa::objectOf(Value(Value::Dictionary{{"NSLocalizedDescription", Value(explanation)}})));
 }
 
 std::string archive(const objc::Object& root) {

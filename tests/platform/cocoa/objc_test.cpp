@@ -59,6 +59,10 @@ TEST(MessageTable, GNUstepLacksEveryMessageThatIsSentOnlyOnMacOS) {
   EXPECT_THAT(rowsThatAre(true, Where::MacOSOnly), IsEmpty());
 }
 
+TEST(MessageTable, GNUstepLacksEveryMessageOfTheUpdaterFramework) {
+  EXPECT_THAT(rowsThatAre(true, Where::UpdaterFramework), IsEmpty());
+}
+
 TEST(Send, ANullReceiverAnswersZero) {
   EXPECT_EQ(send(Id{nullptr}, "retain"), nullptr);
   EXPECT_EQ(send<UInteger>(Id{nullptr}, "length"), 0U);

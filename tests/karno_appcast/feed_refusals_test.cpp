@@ -1,0 +1,217 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "release_manager.h"
+
+namespace karno::appcast::test {
+namespace {
+
+using karno::test::contentOf;
+
+// Whatever is wrong, the feed that was there stays as it was.
+class FeedRefusals : public testing::Test {
+ protected:
+  FeedRefusals() { manager_.addFile("appcast.eddsa.xml", kFeed); }
+
+  // What the command says after its name; empty when it succeeds or touches the feed.
+  std::string refusal(const std::vector<std::string>& options = {}) {
+    const int status = manager_.writeFeed(options);
+    if (status != 1 || !manager_.out().empty() || manager_.feed() != kFeed) return "";
+    return manager_.err();
+  }
+
+  static constexpr const char* kFeed = "<rss version=\"2.0\"><channel /></rss>";
+
+  ReleaseManager manager_;
+};
+
+TEST_F(FeedRefusals, AFolderWithoutAnArchive) {
+  manager_.addFile("notes.txt", "nothing");
+
+  EXPECT_EQ(refusal(), "karno-appcast: there is no archive of a release in " + manager_.folder() + "\n");
+}
+
+TEST_F(FeedRefusals, AFolderThatIsNotThere) {
+  std::filesystem::remove_all(manager_.folder());
+
+  EXPECT_EQ(manager_.writeFeed(), 1);
+  EXPECT_EQ(manager_.err(),
+            "karno-appcast: cannot read " + manager_.folder() + ": No such file or directory\n");
+}
+
+TEST_F(FeedRefusals, AnArchiveWithoutABundleAtItsTop) {
+  manager_.addArchive("a.zip", {{"Release/Karno.app/Contents/Info.plist", infoPlist("1", "1.0")},
+                                {"Karno.app/Contents/Resources/Info.plist", infoPlist("1", "1.0")}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.zip: there is no application at the top of the archive\n");
+}
+
+TEST_F(FeedRefusals, AFileThatIsNoArchive) {
+  manager_.addFile("a.zip", "this is no archive");
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.zip: the archive cannot be read: Unrecognized archive format\n");
+}
+
+TEST_F(FeedRefusals, ABundleWithABrokenPropertyList) {
+  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", "<plist><dict>"}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar: its Info.plist cannot be read: Start-end tags mismatch\n");
+}
+
+TEST_F(FeedRefusals, ABundleWithABinaryPropertyList) {
+  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", "bplist00"}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar: its Info.plist is binary; it must be XML\n");
+}
+
+TEST_F(FeedRefusals, ABundleWithAPropertyListOfAnotherKind) {
+  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", "<plist><array/></plist>"}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar: its Info.plist is no property list with a dictionary\n");
+}
+
+TEST_F(FeedRefusals, ABundleWithoutAVersion) {
+  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("", "1.0")}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar: its Info.plist has no CFBundleVersion\n");
+}
+
+TEST_F(FeedRefusals, ABundleWithATextThatNoFeedCanCarry) {
+  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0 &#7;")}});
+
+  EXPECT_EQ(refusal(),
+            "karno-appcast: a.tar: the CFBundleShortVersionString of its Info.plist is no plain text\n");
+}
+
+TEST_F(FeedRefusals, ATitleThatNoFeedCanCarry) {
+  manager_.addRelease("a.zip", "1", "1.0");
+
+  EXPECT_EQ(refusal({"--title", "\xff"}), "karno-appcast: the title is no plain UTF-8 text\n");
+}
+
+TEST_F(FeedRefusals, ALowestSystemThatIsNoVersion) {
+  manager_.addRelease("a.zip", "1", "1.0");
+
+  EXPECT_EQ(refusal({"--minimum-system", "11.0.0.1"}),
+            "karno-appcast: '11.0.0.1' is no version of a system\n");
+  EXPECT_EQ(refusal({"--minimum-system", "11."}), "karno-appcast: '11.' is no version of a system\n");
+}
+
+TEST_F(FeedRefusals, ABundleWhoseSystemIsNoVersion) {
+  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0", "ten")}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar: 'ten' is no version of a system\n");
+}
+
+TEST_F(FeedRefusals, ABundleWithAnEnormousPropertyList) {
+  manager_.addArchive("a.tar.gz",
+                      {{"Karno.app/Contents/Info.plist", std::string((std::size_t{1} << 20U) + 1, ' ')}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar.gz: its Info.plist is larger than 1 MiB\n");
+}
+
+TEST_F(FeedRefusals, TwoArchivesOfTheSameVersion) {
+  manager_.addRelease("a.tar.xz", "2.0", "2.0");
+  manager_.addRelease("b.zip", "2", "2.0");
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar.xz and b.zip hold the same version 2\n");
+}
+
+TEST_F(FeedRefusals, NotesInTwoForms) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  manager_.addFile("a.txt", "plain");
+  manager_.addFile("a.html", "<p>other</p>");
+
+  EXPECT_EQ(refusal(), "karno-appcast: there are notes both in " + manager_.inFolder("a.txt") + " and in " +
+                           manager_.inFolder("a.html") + "\n");
+}
+
+TEST_F(FeedRefusals, NotesThatAreNoText) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  manager_.addFile("a.txt", "\xff");
+  EXPECT_EQ(refusal(), "karno-appcast: " + manager_.inFolder("a.txt") + " is no plain UTF-8 text\n");
+
+  manager_.addFile("a.txt", "a bell \a");
+  EXPECT_EQ(refusal(), "karno-appcast: " + manager_.inFolder("a.txt") + " is no plain UTF-8 text\n");
+}
+
+TEST_F(FeedRefusals, AnExistingFeedThatIsDamaged) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  manager_.addFile("damaged.xml", "<rss><channel>");
+
+  EXPECT_EQ(refusal({"--output", manager_.inFolder("damaged.xml")}),
+            "karno-appcast: the existing feed cannot be read: Start-end tags mismatch\n");
+  EXPECT_EQ(contentOf(manager_.inFolder("damaged.xml")), "<rss><channel>");
+}
+
+TEST_F(FeedRefusals, AnExistingFileThatIsNoFeed) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  manager_.addFile("page.xml", "<html/>");
+
+  EXPECT_EQ(refusal({"--output", manager_.inFolder("page.xml")}),
+            "karno-appcast: the existing feed is no list of releases\n");
+}
+
+TEST_F(FeedRefusals, AnExistingFeedThatHasThePrefixForOtherNames) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  manager_.addFile("odd.xml", "<rss xmlns:sparkle=\"https://localhost/other\"><channel/></rss>");
+
+  EXPECT_EQ(refusal({"--output", manager_.inFolder("odd.xml")}),
+            "karno-appcast: the existing feed uses the prefix sparkle for other names\n");
+}
+
+TEST_F(FeedRefusals, AnOutputThatCannotBeWritten) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  const std::string output = manager_.desk() / "nowhere/feed.xml";
+
+  EXPECT_EQ(refusal({"--output", output}),
+            "karno-appcast: cannot write " + output + ": No such file or directory\n");
+}
+
+TEST_F(FeedRefusals, AnOutputThatIsAFolder) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  const std::string output = manager_.desk() / "folder";
+  std::filesystem::create_directory(output);
+
+  EXPECT_EQ(refusal({"--output", output}), "karno-appcast: cannot read " + output + ": Is a directory\n");
+}
+
+TEST_F(FeedRefusals, APrivateKeyThatIsNotThere) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  std::filesystem::remove(manager_.keyFile());
+
+  EXPECT_EQ(refusal(), "karno-appcast: cannot read " + manager_.keyFile() + ": No such file or directory\n");
+}
+
+TEST(FeedPrefix, MustBeSecureUnlessSaidOtherwise) {
+  ReleaseManager manager;
+  manager.addRelease("a.zip", "1", "1.0");
+  std::vector<std::string> command{"feed",         manager.folder(),  "--private", manager.keyFile(),
+                                   "--url-prefix", "http://localhost"};
+
+  EXPECT_EQ(manager.run(command), 1);
+  EXPECT_EQ(manager.err(), "karno-appcast: the URL prefix must begin with https:// (or say --allow-http)\n");
+  command.push_back("--allow-http");
+  EXPECT_EQ(manager.run(command), 0);
+  EXPECT_NE(manager.feed().find("url=\"http://localhost/a.zip\""), std::string::npos);
+}
+
+TEST(FeedPrefix, MustBeAURLWithAHost) {
+  ReleaseManager manager;
+  manager.addRelease("a.zip", "1", "1.0");
+  const auto errorFor = [&manager](const std::string& prefix) {
+    manager.run({"feed", manager.folder(), "--private", manager.keyFile(), "--url-prefix", prefix});
+    return manager.err();
+  };
+
+  EXPECT_EQ(errorFor("localhost/updates"), "karno-appcast: the URL prefix must begin with https://\n");
+  EXPECT_EQ(errorFor("https://"), "karno-appcast: 'https://' is no prefix of a URL\n");
+  EXPECT_EQ(errorFor("https:///updates"), "karno-appcast: 'https:///updates' is no prefix of a URL\n");
+  EXPECT_EQ(errorFor("https://a b"), "karno-appcast: 'https://a b' is no prefix of a URL\n");
+  EXPECT_EQ(errorFor("https://host/?x="), "karno-appcast: 'https://host/?x=' is no prefix of a URL\n");
+}
+
+}  // namespace
+}  // namespace karno::appcast::test

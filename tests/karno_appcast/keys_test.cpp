@@ -1,0 +1,113 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "release_manager.h"
+
+namespace karno::appcast::test {
+namespace {
+
+using karno::test::contentOf;
+using ::testing::MatchesRegex;
+
+mode_t modeOf(const std::string& path) {
+  struct stat status = {};
+  ::stat(path.c_str(), &status);
+  return status.st_mode & 07777;
+}
+
+TEST(Keys, AreMadeInAFileThatOnlyTheOwnerReads) {
+  ReleaseManager manager;
+  const std::string file = manager.desk() / "new.key";
+
+  const int status = manager.run({"keys", "--private", file});
+
+  EXPECT_EQ(status, 0);
+  EXPECT_THAT(manager.out(), MatchesRegex("[A-Za-z0-9+/]{43}=\n"));
+  EXPECT_THAT(contentOf(file), MatchesRegex("[A-Za-z0-9+/]{43}=\n"));
+  EXPECT_NE(contentOf(file), manager.out());
+  EXPECT_EQ(modeOf(file), 0600U);
+}
+
+TEST(Keys, ThePublicOneIsFoundAgainFromThePrivateOne) {
+  ReleaseManager manager;
+  const std::string file = manager.desk() / "new.key";
+  manager.run({"keys", "--private", file});
+  const std::string publicKey = manager.out();
+
+  const int status = manager.run({"public-key", "--private", file});
+
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(manager.out(), publicKey);
+}
+
+TEST(Keys, ThePublicOneOfTheStandardsFirstExample) {
+  ReleaseManager manager;
+
+  const int status = manager.run({"public-key", "--private=" + manager.keyFile()});
+
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(manager.out(), "11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo=\n");
+}
+
+TEST(Keys, AreNeverOverwritten) {
+  ReleaseManager manager;
+  const std::string before = contentOf(manager.keyFile());
+
+  const int status = manager.run({"keys", "--private", manager.keyFile()});
+
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(manager.out(), "");
+  EXPECT_EQ(manager.err(), "karno-appcast: " + manager.keyFile() +
+                               " is there already; a private key is never overwritten\n");
+  EXPECT_EQ(contentOf(manager.keyFile()), before);
+}
+
+TEST(Keys, ALinkThatLeadsNowhereIsNotFollowed) {
+  ReleaseManager manager;
+  const std::string link = manager.desk() / "link";
+  std::filesystem::create_symlink(manager.desk() / "elsewhere", link);
+
+  const int status = manager.run({"keys", "--private", link});
+
+  EXPECT_EQ(status, 1);
+  EXPECT_FALSE(std::filesystem::exists(manager.desk() / "elsewhere"));
+}
+
+TEST(Keys, CannotBeMadeInAFolderThatIsNotThere) {
+  ReleaseManager manager;
+  const std::string file = manager.desk() / "nowhere/new.key";
+
+  const int status = manager.run({"keys", "--private", file});
+
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(manager.err(), "karno-appcast: cannot make " + file + ": No such file or directory\n");
+}
+
+TEST(Keys, APrivateOneThatOthersMayReadIsRefused) {
+  ReleaseManager manager;
+  ::chmod(manager.keyFile().c_str(), 0640);
+
+  const int status = manager.run({"public-key", "--private", manager.keyFile()});
+
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(manager.err(),
+            "karno-appcast: " + manager.keyFile() + " can be read by others than its owner; chmod 600 it\n");
+}
+
+TEST(Keys, AFileThatIsNoPrivateKeyIsRefused) {
+  ReleaseManager manager;
+  const std::string file = manager.desk().write("no.key", "hello\n");
+  ::chmod(file.c_str(), 0600);
+
+  const int status = manager.run({"public-key", "--private", file});
+
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(manager.err(),
+            "karno-appcast: " + file + ": this is no private key: base64 of 32 bytes is wanted\n");
+}
+
+}  // namespace
+}  // namespace karno::appcast::test

@@ -1,0 +1,129 @@
+#include "release_manager.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <ctime>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+
+#include "karno-appcast/command_line.h"
+
+namespace karno::appcast::test {
+namespace {
+
+// RFC 8032, section 7.1, TEST 1.
+constexpr const char* kPrivateKey = "nWGxne/9WmC6hEr0kuwsxERJxWl7MmkZcDusAxyuf2A=\n";
+
+struct Free {
+  void operator()(archive* writer) const { archive_write_free(writer); }
+  void operator()(archive_entry* entry) const { archive_entry_free(entry); }
+};
+
+void require(bool done, const std::string& what) {
+  if (!done) throw std::runtime_error("this test cannot make " + what);
+}
+
+// The library knows every ending that a release may have but the newest.
+void setKind(archive* writer, const std::string& name) {
+  if (name.ends_with(".tar.zst")) {
+    require(archive_write_set_format_pax_restricted(writer) == ARCHIVE_OK, name);
+    require(archive_write_add_filter_zstd(writer) == ARCHIVE_OK, name);
+  } else {
+    require(archive_write_set_format_filter_by_ext(writer, name.c_str()) == ARCHIVE_OK, name);
+  }
+}
+
+}  // namespace
+
+ReleaseManager::ReleaseManager() : keyFile_(desk_.write("private.key", kPrivateKey)) {
+  require(::chmod(keyFile_.c_str(), 0600) == 0, keyFile_);
+  std::filesystem::create_directory(folder());
+}
+
+int ReleaseManager::run(const std::vector<std::string>& arguments) {
+  std::ostringstream out;
+  std::ostringstream err;
+  const int status = appcast::run(arguments, "1.2.3", out, err);
+  out_ = out.str();
+  err_ = err.str();
+  return status;
+}
+
+void ReleaseManager::addArchive(const std::string& name, const Files& files) const {
+  const std::unique_ptr<archive, Free> writer(archive_write_new());
+  setKind(writer.get(), name);
+  require(archive_write_open_filename(writer.get(), inFolder(name).c_str()) == ARCHIVE_OK, name);
+  for (const auto& [path, content] : files) {
+    const std::unique_ptr<archive_entry, Free> entry(archive_entry_new());
+    archive_entry_set_pathname(entry.get(), path.c_str());
+    archive_entry_set_size(entry.get(), static_cast<la_int64_t>(content.size()));
+    archive_entry_set_filetype(entry.get(), AE_IFREG);
+    archive_entry_set_perm(entry.get(), 0644);
+    // A warning: in the C locale a name is written as its bytes.
+    require(archive_write_header(writer.get(), entry.get()) >= ARCHIVE_WARN, path);
+    require(archive_write_data(writer.get(), content.data(), content.size()) ==
+                static_cast<la_ssize_t>(content.size()),
+            path);
+  }
+  require(archive_write_close(writer.get()) == ARCHIVE_OK, name);
+  setDate(name);
+}
+
+void ReleaseManager::addRelease(const std::string& name, const std::string& version,
+                                const std::string& shortVersion) const {
+  addArchive(name, {{"Karno.app/Contents/MacOS/Karno", "the program of " + version},
+                    {"Karno.app/Contents/Helpers/Karno.app/Contents/Info.plist", infoPlist("999", "9.9.9")},
+                    {"Karno.app/Contents/Info.plist", infoPlist(version, shortVersion)}});
+}
+
+void ReleaseManager::addFile(const std::string& name, const std::string& content) const {
+  desk_.write("releases/" + name, content);
+  setDate(name);
+}
+
+void ReleaseManager::setDate(const std::string& name, long secondsSince1970) const {
+  const std::array<timespec, 2> times{timespec{secondsSince1970, 0}, timespec{secondsSince1970, 0}};
+  require(::utimensat(AT_FDCWD, inFolder(name).c_str(), times.data(), 0) == 0, "the date of " + name);
+}
+
+int ReleaseManager::writeFeed(const std::vector<std::string>& options) {
+  std::vector<std::string> arguments{"feed",   folder(),       "--private",
+                                     keyFile_, "--url-prefix", "https://localhost/updates/"};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  return run(arguments);
+}
+
+std::string ReleaseManager::signatureOf(const std::string& name) {
+  require(run({"sign", inFolder(name), "--private", keyFile_}) == 0, "the signature of " + name);
+  const std::size_t begin = out_.find('"') + 1;
+  return out_.substr(begin, out_.find('"', begin) - begin);
+}
+
+std::string ReleaseManager::lengthOf(const std::string& name) const {
+  return std::to_string(std::filesystem::file_size(inFolder(name)));
+}
+
+std::string infoPlist(const std::string& version, const std::string& shortVersion,
+                      const std::string& minimumSystem) {
+  return R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
+<dict>
+  <key>CFBundleLocalizations</key>
+  <array><string>en</string></array>
+  <key>CFBundleName</key>
+  <string>Karno</string>
+  <key>CFBundleShortVersionString</key>
+  <string>)" +
+         shortVersion + "</string>\n  <key>CFBundleVersion</key>\n  <string>" + version +
+         "</string>\n  <key>LSMinimumSystemVersion</key>\n  <string>" + minimumSystem +
+         "</string>\n</dict>\n</plist>\n";
+}
+
+}  // namespace karno::appcast::test

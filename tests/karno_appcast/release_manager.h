@@ -1,0 +1,59 @@
+#pragma once
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "temporary_folder.h"
+
+namespace karno::appcast::test {
+
+// Paths and contents of what is in an archive.
+using Files = std::vector<std::pair<std::string, std::string>>;
+
+// A person who types karno-appcast's command lines beside a folder of releases and a private key, which is
+// that of RFC 8032's first example.
+class ReleaseManager {
+ public:
+  ReleaseManager();
+
+  int run(const std::vector<std::string>& arguments);
+
+  // What the last command printed.
+  const std::string& out() const { return out_; }
+  const std::string& err() const { return err_; }
+
+  const std::string& keyFile() const { return keyFile_; }
+  std::string folder() const { return desk_ / "releases"; }
+  std::string inFolder(const std::string& name) const { return folder() + "/" + name; }
+  const karno::test::TemporaryFolder& desk() const { return desk_; }
+  std::string feed() const { return karno::test::contentOf(inFolder("appcast.eddsa.xml")); }
+
+  // Puts an archive into the folder; its name's ending says which kind.
+  void addArchive(const std::string& name, const Files& files) const;
+
+  // An archive of Karno.app with these two versions.
+  void addRelease(const std::string& name, const std::string& version, const std::string& shortVersion) const;
+  void addFile(const std::string& name, const std::string& content) const;
+
+  // Every file of the folder has this date unless another is set: Tue, 14 Nov 2023 22:13:20 UTC.
+  void setDate(const std::string& name, long secondsSince1970 = 1'700'000'000) const;
+
+  // The command that writes the feed, with further options.
+  int writeFeed(const std::vector<std::string>& options = {});
+
+  // The attributes that the command "sign" gives for an archive of the folder: its signature and its length.
+  std::string signatureOf(const std::string& name);
+  std::string lengthOf(const std::string& name) const;
+
+ private:
+  karno::test::TemporaryFolder desk_;
+  std::string keyFile_;
+  std::string out_;
+  std::string err_;
+};
+
+// The Info.plist of a bundle.
+std::string infoPlist(const std::string& version, const std::string& shortVersion,
+                      const std::string& minimumSystem = "10.14.6");
+
+}  // namespace karno::appcast::test

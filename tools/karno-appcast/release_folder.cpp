@@ -1,0 +1,98 @@
+#include "karno-appcast/release_folder.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "karno-appcast/bundle_archive.h"
+#include "karno-appcast/failure.h"
+#include "karno-appcast/feed_texts.h"
+#include "karno-appcast/info_plist.h"
+#include "karno-appcast/mapped_file.h"
+#include "platform/linux/updater/version_order.h"
+#include "platform/posix/whole_file.h"
+
+namespace karno::appcast {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> archivesIn(const std::string& folder) {
+  std::error_code error;
+  std::vector<std::string> names;
+  for (fs::directory_iterator each(folder, error), end; !error && each != end; each.increment(error)) {
+    std::string name = each->path().filename().string();
+    if (!nameWithoutArchiveEnding(name).empty()) names.push_back(std::move(name));
+    if (names.size() > kReleasesMax) throw Failure(folder + " holds more than 1000 archives");
+  }
+  if (error) throw Failure("cannot read " + folder + ": " + error.message());
+  if (names.empty()) throw Failure("there is no archive of a release in " + folder);
+  std::ranges::sort(names);
+  return names;
+}
+
+// Absent when there is no such file.
+std::optional<std::string> notesIn(const std::string& path) {
+  if (!fs::exists(path)) return std::nullopt;
+  auto file = platform::readWholeFile(path);
+  if (!file) throw systemFailure("cannot read " + path, static_cast<int>(file.error().code()));
+  std::string& text = file.value().bytes;
+  if (text.size() > kNotesBytesMax) throw Failure(path + " is larger than 1 MiB");
+  if (!isTextForFeed(text)) throw Failure(path + " is no plain UTF-8 text");
+  return std::move(text);
+}
+
+void addNotes(Release& release, const std::string& pathWithoutEnding) {
+  auto plain = notesIn(pathWithoutEnding + ".txt");
+  auto html = notesIn(pathWithoutEnding + ".html");
+  if (plain && html)
+    throw Failure("there are notes both in " + pathWithoutEnding + ".txt and in " + pathWithoutEnding +
+                  ".html");
+  if (html) release.notesFormat = NotesFormat::HTML;
+  release.notes = std::move(html ? html : plain).value_or("");
+}
+
+Release readRelease(const std::string& path, const std::string& fileName, const PrivateKey& key) {
+  const MappedFile archive(path);
+  const ArchivedBundle bundle = bundleInArchive(archive.bytes());
+  const BundleInfo info = readInfoPlist(bundle.infoPlist);
+  return {.fileName = fileName,
+          .applicationName = info.name.empty() ? bundle.name : info.name,
+          .version = info.version,
+          .shortVersion = info.shortVersion.empty() ? info.version : info.shortVersion,
+          .minimumSystem = info.minimumSystem.empty() ? "" : threePartVersion(info.minimumSystem),
+          .notes = {},
+          .publishedAt = archive.modifiedAt(),
+          .length = archive.bytes().size(),
+          .signature = key.signatureOf(archive.bytes())};
+}
+
+void refuseTheSameVersion(const std::vector<Release>& releases) {
+  for (const Release& one : releases) {
+    for (const Release& other : releases) {
+      if (&one == &other) break;
+      if (platform::updates::compareVersions(one.version, other.version) == 0)
+        throw Failure(other.fileName + " and " + one.fileName + " hold the same version " + one.version);
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<Release> readReleases(const std::string& folder, const PrivateKey& key) {
+  std::vector<Release> releases;
+  for (const std::string& name : archivesIn(folder)) {
+    const std::string path = folder + "/" + name;
+    try {
+      releases.push_back(readRelease(path, name, key));
+    } catch (const Failure& failure) {
+      throw Failure(name + ": " + failure.what());
+    }
+    addNotes(releases.back(), folder + "/" + std::string(nameWithoutArchiveEnding(name)));
+  }
+  refuseTheSameVersion(releases);
+  return releases;
+}
+
+}  // namespace karno::appcast
