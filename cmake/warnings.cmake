@@ -10,6 +10,11 @@ endif()
 if(KARNO_SANITIZE STREQUAL "address")
   target_compile_options(karno_flags INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
   target_link_options(karno_flags INTERFACE -fsanitize=address,undefined)
+elseif(KARNO_SANITIZE STREQUAL "fuzzer")
+  # The fuzz targets themselves bring the fuzzer's entry.
+  target_compile_options(karno_flags INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  target_link_options(karno_flags INTERFACE -fsanitize=address,undefined)
 elseif(KARNO_SANITIZE STREQUAL "thread")
   target_compile_options(karno_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
   target_link_options(karno_flags INTERFACE -fsanitize=thread)

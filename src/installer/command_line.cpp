@@ -58,10 +58,10 @@ int openAgain(const std::string& bundle) {
 }
 
 int install(const InstallCommand& command) {
-  // It outlives the session that it was started in. A leader of a process group cannot leave its session; it
-  // is then spared the signal of its end.
-  ::setsid();
+  // It outlives the session that it was started in. A leader of a process group cannot leave its session, but
+  // is spared the signal of its end.
   followSignals(SIG_IGN);
+  ::setsid();
   const InstallEnd end = installUpdate(command.request);
   if (!end.complaint.empty()) complain(end.complaint);
   if (!end.isInstalled) return kExitFailed;

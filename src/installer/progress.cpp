@@ -1,6 +1,7 @@
 #include "installer/progress.h"
 
 #include <fmt/format.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,7 +30,16 @@ bool ProgressLines::goesOn(std::uint64_t bytesRead) {
 bool ProgressLines::isWanted() const { return !wasInterrupted() && ::getppid() == parent_; }
 
 bool ProgressLines::say(std::string_view line) const {
-  return platform::writeAll(output_, std::string(line) + "\n") == 0;
+  return hasRoom() && platform::writeAll(output_, std::string(line) + "\n") == 0;
+}
+
+// A write to a full pipe would wait without looking.
+bool ProgressLines::hasRoom() const {
+  while (isWanted()) {
+    pollfd watched{.fd = output_, .events = POLLOUT, .revents = 0};
+    if (::poll(&watched, 1, static_cast<int>(kWantedInterval.count())) > 0) return true;
+  }
+  return false;
 }
 
 }  // namespace karno::installer

@@ -8,6 +8,9 @@
 
 namespace karno::installer {
 
+// How often a wait for the reader looks whether the work is still wanted.
+inline constexpr std::chrono::milliseconds kWantedInterval{100};
+
 // At least so long lies between two lines of progress.
 inline constexpr std::chrono::milliseconds kProgressInterval{50};
 
@@ -23,10 +26,13 @@ class ProgressLines final : public ExtractionObserver {
   // Whether the work should still go on, without a line.
   bool isWanted() const;
 
-  // A line of its own. False when it could not be written.
+  // A line of its own, however long the reader takes to make room for it. False when it could not be written
+  // or is not wanted any more.
   bool say(std::string_view line) const;
 
  private:
+  bool hasRoom() const;
+
   const int output_;
   const std::uint64_t totalBytes_;
   const int parent_;

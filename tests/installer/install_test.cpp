@@ -1,0 +1,274 @@
+#include "installer/install.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "support/install_place.h"
+
+namespace karno::test {
+namespace {
+
+namespace fs = std::filesystem;
+using installer::exchangeInOneStep;
+using installer::InstallEnd;
+using installer::installUpdate;
+
+int unknownExchange(const std::string&, const std::string&) { return ENOSYS; }
+
+std::string said(const InstallEnd& end) {
+  return (end.isInstalled ? "installed" : "not") + (": " + end.complaint);
+}
+
+TEST(Installing, PutsTheNewBundleInThePlaceAndRemovesTheOld) {
+  const InstallPlace place;
+
+  const InstallEnd end = installUpdate(place.request());
+
+  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(place.tree(), place.newTree());
+}
+
+TEST(Installing, RemovesNoOtherFolderThanAStagingFolder) {
+  const InstallPlace place("elsewhere");
+
+  const InstallEnd end = installUpdate(place.request());
+
+  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(place.tree(), place.newTree() + "755 elsewhere/\n");
+}
+
+TEST(Installing, WithoutAnExchangeMovesTheOldBundleAsideFirst) {
+  const InstallPlace place;
+
+  const InstallEnd end = installUpdate(place.request(), unknownExchange);
+
+  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(place.tree(), place.newTree());
+}
+
+TEST(Installing, WithoutAnExchangePutsTheOldBundleBackWhenTheNewOneCannotMove) {
+  const InstallPlace place;
+  // It vanishes between the two looks, so that only the second move fails.
+  const auto vanish = [&](const std::string& one, const std::string&) {
+    fs::remove_all(one);
+    return EINVAL;
+  };
+
+  const InstallEnd end = installUpdate(place.request(), vanish);
+
+  EXPECT_EQ(said(end), "not: The bundle could not be replaced: No such file or directory.");
+  EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+TEST(Installing, LeavesTheOldBundleWhenTheExchangeFails) {
+  const InstallPlace place;
+
+  const InstallEnd end = installUpdate(place.request(), [](auto&, auto&) { return EIO; });
+
+  EXPECT_EQ(said(end), "not: The bundle could not be replaced: Input/output error.");
+  EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+TEST(Installing, PutsTheOldBundleBackWhenTheNewOneIsDamagedInThePlace) {
+  const InstallPlace place;
+  const auto damage = [&](const std::string& one, const std::string& other) {
+    const int error = exchangeInOneStep(one, other);
+    fs::remove(fs::path(other) / "Contents/Info.plist");
+    return error;
+  };
+
+  const InstallEnd end = installUpdate(place.request(), damage);
+
+  EXPECT_EQ(said(end), "not: The bundle's Info.plist cannot be read.");
+  EXPECT_EQ(treeText(place.bundle() + "/Contents/MacOS"), "755 Karno: #!/bin/sh\necho version 1\n\n");
+}
+
+TEST(Installing, PutsTheOldBundleBackFromAside) {
+  const InstallPlace place;
+  const auto damage = [&](const std::string& one, const std::string&) {
+    fs::remove(fs::path(one) / "Contents/MacOS/Karno");
+    return ENOSYS;
+  };
+
+  const InstallEnd end = installUpdate(place.request(), damage);
+
+  EXPECT_EQ(said(end), "not: The bundle's executable is missing or cannot be executed.");
+  EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+TEST(Installing, KeepsTheStagingFolderWhileItHoldsTheOnlyWholeBundle) {
+  const InstallPlace place;
+  int calls = 0;
+  const auto failTheWayBack = [&](const std::string& one, const std::string& other) {
+    if (++calls > 1) return EIO;
+    const int error = exchangeInOneStep(one, other);
+    fs::remove(fs::path(other) / "Contents/Info.plist");
+    return error;
+  };
+
+  const InstallEnd end = installUpdate(place.request(), failTheWayBack);
+
+  EXPECT_EQ(said(end),
+            "not: The bundle's Info.plist cannot be read. The old bundle could not be put back: Input/output "
+            "error.");
+  EXPECT_EQ(treeText(place.newBundle()), treeText(InstallPlace().bundle()));
+}
+
+TEST(Installing, RefusesABundleThatIsNoUpdate) {
+  const InstallPlace place(".karno-update-1", {.version = "1"});
+
+  const InstallEnd end = installUpdate(place.request());
+
+  EXPECT_EQ(said(end), "not: The update has version 1, which is not newer than 1.");
+  EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+TEST(Installing, RefusesABundleOfAnotherIdentifier) {
+  const InstallPlace place(".karno-update-1", {.identifier = "it.vantul.Other"});
+
+  const InstallEnd end = installUpdate(place.request());
+
+  EXPECT_EQ(said(end), "not: The update is of \"it.vantul.Other\", not of \"it.vantul.KarnoWrapper\".");
+  EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+TEST(Installing, TouchesNothingWithoutOneOfTheBundles) {
+  const InstallPlace place;
+  const std::string before = place.tree();
+  auto request = place.request();
+
+  request.newBundle += "x";
+  EXPECT_EQ(said(installUpdate(request)), "not: There is no new bundle.");
+  request = place.request();
+  request.bundle += "x";
+  EXPECT_EQ(said(installUpdate(request)), "not: There is no bundle to be replaced.");
+  request.bundle = place.bundle() + "/Contents/Info.plist";
+  EXPECT_EQ(said(installUpdate(request)), "not: There is no bundle to be replaced.");
+  EXPECT_EQ(place.tree(), before);
+}
+
+TEST(Installing, TouchesNothingWhenOneBundleIsInTheOther) {
+  const InstallPlace place;
+  const std::string before = place.tree();
+  constexpr const char* kEntangled =
+      "not: One of the bundles lies in the other or beside it in the staging folder.";
+  auto request = place.request();
+
+  request.newBundle = place.bundle();
+  EXPECT_EQ(said(installUpdate(request)), kEntangled);
+  request.newBundle = place.bundle() + "/Contents";
+  EXPECT_EQ(said(installUpdate(request)), kEntangled);
+  request = place.request();
+  request.bundle = place.newBundle() + "/Contents";
+  EXPECT_EQ(said(installUpdate(request)), kEntangled);
+  EXPECT_EQ(place.tree(), before);
+}
+
+TEST(Installing, TouchesNothingWhenTheOldBundleIsInTheStagingFolder) {
+  const InstallPlace place;
+  writeItems(place.folder() / ".karno-update-1/inner", bundleItems({.version = "1"}));
+  const std::string before = place.tree();
+  auto request = place.request();
+  request.bundle = place.folder() / ".karno-update-1/inner/Karno.app";
+
+  const InstallEnd end = installUpdate(request);
+
+  EXPECT_EQ(said(end), "not: One of the bundles lies in the other or beside it in the staging folder.");
+  EXPECT_EQ(place.tree(), before);
+}
+
+TEST(Installing, TouchesNothingAcrossVolumes) {
+  const InstallPlace place;
+  const std::string before = place.tree();
+  auto request = place.request();
+  request.newBundle = "/proc/self/task";
+
+  EXPECT_EQ(said(installUpdate(request)), "not: The bundles are on different volumes.");
+  EXPECT_EQ(place.tree(), before);
+}
+
+TEST(Installing, ReplacesTheBundleThatALinkLeadsTo) {
+  const InstallPlace place;
+  fs::create_symlink("Karno.app", place.folder() / "Link.app");
+  auto request = place.request();
+  request.bundle = place.folder() / "Link.app";
+
+  const InstallEnd end = installUpdate(request);
+
+  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(place.tree(), place.newTree() + "link Link.app -> Karno.app\n");
+}
+
+TEST(Installing, RemovesAnOldBundleThatIsWriteProtected) {
+  const InstallPlace place;
+  ::chmod((place.bundle() + "/Contents/Resources").c_str(), 0500);
+  ::chmod((place.bundle() + "/Contents").c_str(), 0500);
+  const InstallEnd end = installUpdate(place.request());
+
+  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(place.tree(), place.newTree());
+}
+
+TEST(Installing, LeavesWhatLinksOfTheOldBundleLeadTo) {
+  const InstallPlace place;
+  place.folder().write("mine/file", "mine");
+  fs::create_symlink(place.folder() / "mine", place.bundle() + "/Contents/link");
+
+  const InstallEnd end = installUpdate(place.request());
+
+  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(treeText(place.folder() / "mine"), "644 file: mine\n");
+}
+
+TEST(Installing, WaitsForTheProcess) {
+  const InstallPlace place;
+  auto request = place.request();
+  const WaitingChild child;
+  request.after = child.processIdentifier();
+  const auto look = [&](const std::string& one, const std::string& other) {
+    EXPECT_FALSE(child.isRunning());
+    return exchangeInOneStep(one, other);
+  };
+
+  child.endSoon();
+  const InstallEnd end = installUpdate(request, look);
+
+  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(place.tree(), place.newTree());
+}
+
+TEST(Installing, GivesUpWhenTheProcessStays) {
+  const InstallPlace place;
+  auto request = place.request();
+  const WaitingChild child;
+  request.after = child.processIdentifier();
+  request.giveUpAfter = std::chrono::seconds(0);
+
+  const InstallEnd end = installUpdate(request);
+
+  EXPECT_EQ(said(end), "not: The process " + std::to_string(request.after) + " did not end.");
+  EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+// The kill comes exactly between two steps, which a kill from outside can only hope for.
+TEST(Installing, LeavesAWholeBundleWhenItIsKilledBesideTheExchange) {
+  const InstallPlace before;
+  endInExchange(before, [](const std::string&, const std::string&) { return ::raise(SIGKILL); });
+  EXPECT_EQ(treeText(before.bundle()), treeText(InstallPlace().bundle()));
+
+  const InstallPlace after;
+  endInExchange(after, [](const std::string& one, const std::string& other) {
+    exchangeInOneStep(one, other);
+    return ::raise(SIGKILL);
+  });
+  EXPECT_EQ(treeText(after.bundle()), treeText(InstallPlace().newBundle()));
+}
+
+}  // namespace
+}  // namespace karno::test

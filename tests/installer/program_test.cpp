@@ -1,0 +1,235 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "installer/progress.h"
+#include "support/install_place.h"
+#include "support/installer_program.h"
+#include "support/update_place.h"
+
+namespace karno::test {
+namespace {
+
+// Enough entries for the program to be held among them.
+std::vector<Item> manyItems() {
+  std::vector<Item> items = bundleItems();
+  for (int number = 0; number < 200; ++number)
+    items.push_back(file("Karno.app/Contents/Resources/" + std::to_string(number), std::to_string(number)));
+  return items;
+}
+
+std::string resourceOf(const UpdatePlace& place) { return place.into() + "/Karno.app/Contents/Info.plist"; }
+
+TEST(InstallerProgram, TellsItsVersionAndItsUse) {
+  EXPECT_EQ(runProgram({KARNO_INSTALLER, "--version"}).output, "karno-installer " KARNO_VERSION "\n");
+  const ProgramEnd help = runProgram({KARNO_INSTALLER, "--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_TRUE(help.output.starts_with("usage: karno-installer unpack --archive FILE")) << help.output;
+}
+
+TEST(InstallerProgram, EndsWith64WhenItIsUsedWrongly) {
+  const ProgramEnd end = runProgram({KARNO_INSTALLER, "unpack", "--archive"});
+
+  EXPECT_EQ(end.status, 64);
+  EXPECT_EQ(end.output, "");
+  EXPECT_TRUE(end.errors.starts_with("karno-installer: --archive needs a value\nusage: ")) << end.errors;
+}
+
+TEST(UnpackProgram, TellsHowFarItIsAndThatItIsReady) {
+  UpdatePlace place;
+  place.makeArchive(bundleItems(), Format::Tar);
+  const std::string total = std::to_string(*place.request.lengthInBytes);
+
+  const ProgramEnd end = runProgram(place.command());
+
+  EXPECT_EQ(end.output.substr(0, end.output.find('\n')), "progress 512 " + total);
+  EXPECT_EQ(lastLineOf(end.output), "ready " + place.into() + "/Karno.app\n");
+  EXPECT_EQ(end.errors, "");
+  EXPECT_EQ(end.status, 0);
+  EXPECT_EQ(place.unpackedTree(), treeOf(bundleItems()));
+}
+
+TEST(UnpackProgram, TellsWhyItFailed) {
+  UpdatePlace place;
+  place.makeArchive(bundleItems({.version = "1"}));
+
+  const ProgramEnd end = runProgram(place.command());
+
+  EXPECT_EQ(lastLineOf(end.output), "failed 4006 The update has version 1, which is not newer than 1.\n");
+  EXPECT_EQ(end.status, 1);
+  EXPECT_EQ(place.unpackedTree(), "");
+}
+
+TEST(UnpackProgram, FailsInOneLineWhateverTheNamesAre) {
+  UpdatePlace place;
+  place.makeArchive({file("/a\nb\x1B[31m", "x")});
+
+  const ProgramEnd end = runProgram(place.command());
+
+  EXPECT_EQ(lastLineOf(end.output),
+            "failed 3000 The archive holds the name \"/a?b?[31m\", which is absolute.\n");
+}
+
+TEST(UnpackProgram, RefusesAForeignSignatureWithoutALineOfProgress) {
+  UpdatePlace place;
+  place.makeArchive(bundleItems());
+  place.request.signature = SigningKey().signatureOf("other");
+
+  const ProgramEnd end = runProgram(place.command());
+
+  EXPECT_EQ(end.output, "failed 3001 The signature does not belong to the archive.\n");
+  EXPECT_EQ(end.status, 1);
+}
+
+// What a full disk does as well, with other words.
+TEST(UnpackProgram, CleansUpWhenThereIsNoRoomForAFile) {
+  UpdatePlace place;
+  place.makeArchive(joined(bundleItems(), {file("Karno.app/large", std::string(200'000, 'l'))}));
+  std::vector<std::string> command{"prlimit", "--fsize=100000"};
+  for (const std::string& word : place.command()) command.push_back(word);
+
+  const ProgramEnd end = runProgram(command);
+
+  EXPECT_EQ(lastLineOf(end.output), "failed 3000 The archive could not be unpacked: File too large.\n");
+  EXPECT_EQ(end.status, 1);
+  EXPECT_EQ(place.unpackedTree(), "");
+}
+
+class HeldUnpackProgram : public testing::Test {
+ protected:
+  HeldUnpackProgram() { place.makeArchive(manyItems(), Format::TarGzip); }
+  UpdatePlace place;
+};
+
+TEST_F(HeldUnpackProgram, CleansUpWhenItIsToldToEnd) {
+  HeldProgram program(place.command());
+  program.letRunUntilThereIs(resourceOf(place));
+
+  program.signal(SIGTERM);
+
+  EXPECT_EQ(program.status(), 1);
+  EXPECT_EQ(place.unpackedTree(), "");
+}
+
+TEST_F(HeldUnpackProgram, CleansUpWhenNobodyReadsItsLines) {
+  HeldProgram program(place.command());
+  program.letRunUntilThereIs(resourceOf(place));
+
+  program.stopReading();
+
+  EXPECT_EQ(program.status(), 1);
+  EXPECT_EQ(place.unpackedTree(), "");
+}
+
+TEST_F(HeldUnpackProgram, CleansUpWhenItsParentDies) {
+  HeldProgram program(place.command(), true);
+  program.letRunUntilThereIs(resourceOf(place));
+
+  program.killParent();
+
+  EXPECT_TRUE(program.waitForEnd());
+  EXPECT_EQ(place.unpackedTree(), "");
+}
+
+TEST(ProgressLines, KeepAnIntervalBetweenThem) {
+  const TemporaryFolder folder;
+  const platform::ScopedDescriptor file(::open((folder / "lines").c_str(), O_WRONLY | O_CREAT, 0600));
+  installer::ProgressLines lines(file.get(), 10'000'000);
+  const auto start = std::chrono::steady_clock::now();
+
+  for (std::uint64_t bytes = 0; bytes < 10'000; ++bytes) EXPECT_TRUE(lines.goesOn(bytes));
+
+  const auto most = (std::chrono::steady_clock::now() - start) / installer::kProgressInterval + 1;
+  const std::string text = contentOf(folder / "lines");
+  EXPECT_LE(std::count(text.begin(), text.end(), '\n'), most);
+  EXPECT_TRUE(text.starts_with("progress 0 10000000\n"));
+}
+
+// A zip's list of contents stands at its end and is read first.
+TEST(ProgressLines, NeverGoBackNorBeyondTheTotal) {
+  const TemporaryFolder folder;
+  const platform::ScopedDescriptor file(::open((folder / "lines").c_str(), O_WRONLY | O_CREAT, 0600));
+  installer::ProgressLines lines(file.get(), 100);
+
+  lines.goesOn(70);
+  ::usleep(60'000);
+  lines.goesOn(20);
+  ::usleep(60'000);
+  lines.goesOn(150);
+
+  EXPECT_EQ(contentOf(folder / "lines"), "progress 70 100\nprogress 70 100\nprogress 100 100\n");
+}
+
+TEST(InstallProgram, Installs) {
+  const InstallPlace place;
+
+  const ProgramEnd end = runProgram(place.command());
+
+  EXPECT_EQ(end.output, "");
+  EXPECT_EQ(end.errors, "");
+  EXPECT_EQ(end.status, 0);
+  EXPECT_EQ(place.tree(), place.newTree());
+}
+
+TEST(InstallProgram, ComplainsInOneLine) {
+  const InstallPlace place(".karno-update-1", {.version = "1"});
+
+  const ProgramEnd end = runProgram(place.command());
+
+  EXPECT_EQ(end.errors, "karno-installer: The update has version 1, which is not newer than 1.\n");
+  EXPECT_EQ(end.status, 1);
+  EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+TEST(InstallProgram, GivesUpWhenItIsToldTo) {
+  const InstallPlace place;
+  std::vector<std::string> command = place.command();
+  command.back() = std::to_string(::getpid());
+  command.insert(command.end(), {"--give-up", "0"});
+
+  const ProgramEnd end = runProgram(command);
+
+  EXPECT_EQ(end.status, 1);
+  EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+TEST(InstallProgram, OpensTheBundleAgainWithoutIgnoringSignals) {
+  const InstallPlace place;
+  const TemporaryFolder machine;
+  const std::string open = machine.write("usr/bin/open",
+                                         "#!/bin/bash\n"
+                                         "ignored=$(sed -n 's/^SigIgn:\\t//p' /proc/$$/status)\n"
+                                         "echo \"$# $1 $2 $((0x$ignored & 0x1001))\"\n");
+  ::chmod(open.c_str(), 0755);
+  std::vector<std::string> command{"env", "KARNO_MACHINE_ROOT=" + machine.path()};
+  for (const std::string& word : place.command()) command.push_back(word);
+  command.push_back("--relaunch");
+
+  const ProgramEnd end = runProgram(command);
+
+  EXPECT_EQ(end.output, "2 -n " + place.bundle() + " 0\n");
+  EXPECT_EQ(end.status, 0);
+}
+
+TEST(InstallProgram, OutlivesTheEndOfItsSession) {
+  const InstallPlace place;
+  const WaitingChild child;
+  std::vector<std::string> command = place.command();
+  command.back() = std::to_string(child.processIdentifier());
+  HeldProgram program(command);
+  program.waitUntilItLeadsItsSession();
+
+  program.signal(SIGHUP);
+  child.endSoon();
+
+  EXPECT_EQ(program.status(), 0);
+  EXPECT_EQ(place.tree(), place.newTree());
+}
+
+}  // namespace
+}  // namespace karno::test
