@@ -100,6 +100,8 @@ TEST_F(Update, ReplacesTheBundleAfterTheLauncherHasStoppedTheChildAndEnded) {
               Contains("WARN Startup[TERMINATED] Embedded Karno.app terminated. Reason: Being updated"));
   EXPECT_TRUE(fs::exists(machine_.touchFile()));
   EXPECT_TRUE(isReplaced()) << machine_->consoleText();
+  EXPECT_EQ(machine_.installedVersion(), "1.1");
+  EXPECT_THAT(machine_.remains(), IsEmpty());
   EXPECT_TRUE(machine_.isBundleWhole());
   EXPECT_THAT(machine_->processesOf(machine_->bundle() / "Contents/MacOS/Karno"), IsEmpty());
 }
