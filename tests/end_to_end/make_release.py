@@ -44,9 +44,8 @@ def change_information(bundle, **changes):
 
 def copy_of(bundle, version, folder):
     copy = os.path.join(folder, "Karno.app")
-    # The tool is not needed to run, and large.
-    shutil.copytree(bundle, copy, symlinks=True, ignore=shutil.ignore_patterns("karnoctl"))
-    for program in ("MacOS/Karno", "Helpers/karno-installer", "Helpers/Karno.app/Contents/MacOS/Karno",
+    shutil.copytree(bundle, copy, symlinks=True)
+    for program in ("MacOS/Karno", "MacOS/karnoctl", "Helpers/karno-installer", "Helpers/Karno.app/Contents/MacOS/Karno",
                     "Helpers/Karno(Fuse).app/Contents/MacOS/Karno(Fuse)"):
         subprocess.run(["strip", os.path.join(copy, "Contents", program)], check=True)
     change_information(copy, CFBundleVersion=version, CFBundleShortVersionString=version)
