@@ -38,7 +38,8 @@ TEST_P(EveryFormat, HoldsLargeFiles) {
 
 INSTANTIATE_TEST_SUITE_P(Unpacking, EveryFormat,
                          testing::Values(Format::Zip, Format::Tar, Format::TarGzip, Format::TarBzip2,
-                                         Format::TarXz, Format::TarZstd));
+                                         Format::TarXz, Format::TarZstd),
+                         testing::PrintToStringParamName());
 
 TEST(Unpacking, ReadsWhatTheCommandsPack) {
   UpdatePlace place;
