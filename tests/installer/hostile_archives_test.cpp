@@ -130,7 +130,8 @@ TEST_P(HostileArchive, MayNotHoldNamesThatAreTooLong) {
   EXPECT_EQ(said({file(name, "x")}), "3000 The archive could not be unpacked: File name too long.");
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, HostileArchive, testing::Values(Format::Zip, Format::TarGzip));
+INSTANTIATE_TEST_SUITE_P(Formats, HostileArchive, testing::Values(Format::Zip, Format::TarGzip),
+                         testing::PrintToStringParamName());
 
 TEST(HostileTar, MayNotHoldHardLinks) {
   UpdatePlace place;
@@ -253,7 +254,8 @@ TEST_P(DamagedArchive, IsRefusedWhereverItIsCutOff) {
   EXPECT_EQ(place.unpackedTree(), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, DamagedArchive, testing::Values(Format::Zip, Format::TarGzip));
+INSTANTIATE_TEST_SUITE_P(Formats, DamagedArchive, testing::Values(Format::Zip, Format::TarGzip),
+                         testing::PrintToStringParamName());
 
 }  // namespace
 }  // namespace karno::test

@@ -38,23 +38,25 @@ TEST_P(EveryFormat, HoldsLargeFiles) {
 
 INSTANTIATE_TEST_SUITE_P(Unpacking, EveryFormat,
                          testing::Values(Format::Zip, Format::Tar, Format::TarGzip, Format::TarBzip2,
-                                         Format::TarXz, Format::TarZstd));
+                                         Format::TarXz, Format::TarZstd),
+                         testing::PrintToStringParamName());
 
 TEST(Unpacking, ReadsWhatTheCommandsPack) {
   UpdatePlace place;
   const TemporaryFolder folder;
-  writeItems(folder.path(), bundleItems());
+  writeItems(folder / "in", bundleItems());
   const std::vector<std::string> commands{
-      "zip -q -r -y out Karno.app && mv out.zip out",
-      "zip -q -r -y out . && mv out.zip out",
-      "tar -cf out Karno.app",
-      "tar -czf out ./Karno.app",
-      "tar -cJf out --exclude=out .",
-      "tar --format=posix -cf - Karno.app | zstd -q -o out",
-      "tar --format=v7 -cjf out Karno.app",
+      "zip -q -r -y ../out.zip Karno.app && mv ../out.zip ../out",
+      "zip -q -r -y ../out.zip . && mv ../out.zip ../out",
+      "tar -cf ../out Karno.app",
+      "tar -czf ../out ./Karno.app",
+      "tar -cJf ../out .",
+      "tar --format=posix -cf - Karno.app | zstd -q -o ../out",
+      "tar --format=v7 -cjf ../out Karno.app",
   };
   for (const std::string& command : commands) {
-    ASSERT_EQ(runCommand({"sh", "-c", "cd " + folder.path() + " && " + command}, 20s).status, 0);
+    const CommandResult packed = runCommand({"sh", "-c", "cd " + (folder / "in") + " && " + command}, 20s);
+    ASSERT_EQ(packed.status, 0) << command << "\n" << packed.output;
     place.setArchive(contentOf(folder / "out"));
     std::filesystem::remove(folder / "out");
 

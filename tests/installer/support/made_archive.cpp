@@ -3,7 +3,9 @@
 #include <archive.h>
 #include <archive_entry.h>
 
+#include <array>
 #include <memory>
+#include <ostream>
 #include <stdexcept>
 
 namespace karno::test {
@@ -76,6 +78,12 @@ void write(struct archive* writer, const Item& item) {
 }
 
 }  // namespace
+
+void PrintTo(Format format, std::ostream* out) {
+  constexpr std::array kNames{"Zip",   "EncryptedZip", "Tar",  "TarGzip", "TarBzip2",
+                              "TarXz", "TarZstd",      "Cpio", "SevenZip"};
+  *out << kNames.at(static_cast<std::size_t>(format));
+}
 
 void writeArchive(const std::string& path, Format format, const std::vector<Item>& items) {
   const std::unique_ptr<struct archive, FreeArchive> writer(archive_write_new());

@@ -1,4 +1,5 @@
 #pragma once
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,9 @@ inline Item link(std::string name, std::string target) {
 }
 
 enum class Format { Zip, EncryptedZip, Tar, TarGzip, TarBzip2, TarXz, TarZstd, Cpio, SevenZip };
+
+// Its name, for the names of tests.
+void PrintTo(Format format, std::ostream* out);
 
 // An archive with just these entries, in this order, whatever their names are. Throws std::runtime_error.
 void writeArchive(const std::string& path, Format format, const std::vector<Item>& items);
