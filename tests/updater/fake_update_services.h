@@ -56,7 +56,9 @@ class FakeUpdateFolders final : public platform::updates::UpdateFolders {
 
   platform::Result<std::string> makeFolderBeside(const std::string& bundle) override;
   void remove(const std::string& folder) override;
+  void removeLeftoversBeside(const std::string& bundle) override { cleanedBeside.push_back(bundle); }
 
+  std::vector<std::string> cleanedBeside;
   std::optional<platform::Error> failure;
   std::vector<std::string> removed;
 

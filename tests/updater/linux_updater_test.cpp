@@ -463,6 +463,13 @@ INSTANTIATE_TEST_SUITE_P(Flaws, Misconfiguration,
                                                 "hPsf8t1ewC+uyWVduIlnvE1phVi04JyHv3xRg7kyhp==", 1},
                                            Flaw{"CFBundleVersion", "", 7}, Flaw{"CFBundleVersion", 7, 7}));
 
+TEST_F(UpdaterSettings, AreReadAtAStartThatClearsAwayWhatWasCutOff) {
+  updater.startUpdater();
+  machine.runFor(1);
+
+  EXPECT_THAT(folders.cleanedBeside, ElementsAre("/Applications/Karno.app"));
+}
+
 using ScheduledCheck = LinuxUpdaterTest;
 
 TEST_F(ScheduledCheck, IsNotMadeUnlessItIsWanted) {

@@ -106,6 +106,7 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
     askForPermissionIfDue();
     checkIfDue();
     host().dispatch.globalQueue(QueuePriority::Background).async([self = shared_from_this()] {
+      self->services.folders.removeLeftoversBeside(host().bundles.mainBundle().bundlePath());
       self->lookFromTimeToTime();
     });
   }

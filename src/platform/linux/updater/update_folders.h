@@ -10,6 +10,7 @@ class SiblingFolders final : public UpdateFolders {
  public:
   Result<std::string> makeFolderBeside(const std::string& bundle) override;
   void remove(const std::string& folder) override;
+  void removeLeftoversBeside(const std::string& bundle) override;
 };
 
 }  // namespace karno::platform::updates

@@ -60,6 +60,9 @@ class UpdateFolders {
 
   virtual Result<std::string> makeFolderBeside(const std::string& bundle) = 0;
   virtual void remove(const std::string& folder) = 0;
+
+  // Removes what updates left beside the bundle that were cut off more than a day ago.
+  virtual void removeLeftoversBeside(const std::string& bundle) = 0;
 };
 
 // The updater's own settings, kept over launches; the launcher's user defaults first, then what its bundle
