@@ -2,6 +2,7 @@
 
 #include <spawn.h>
 #include <sys/types.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -31,7 +32,7 @@ class SpawnSettings {
   }
 
   // 0 or the errno of the first call that failed.
-  int prepare() {
+  int prepare(int standardOutput) {
     sigset_t noSignals;
     sigset_t allSignals;
     // Macros on macOS, so not ::sigemptyset.
@@ -43,6 +44,11 @@ class SpawnSettings {
     short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
     if (const int error = ::posix_spawnattr_setsigmask(&attributes_, &noSignals)) return error;
     if (const int error = ::posix_spawnattr_setsigdefault(&attributes_, &allSignals)) return error;
+    if (standardOutput != STDOUT_FILENO) {
+      if (const int error = ::posix_spawn_file_actions_adddup2(&actions_, standardOutput, STDOUT_FILENO)) {
+        return error;
+      }
+    }
     if (const int error = inheritOnlyStandardStreams(attributes_, flags, actions_)) return error;
     return ::posix_spawnattr_setflags(&attributes_, flags);
   }
@@ -59,7 +65,7 @@ bool holdsNul(const std::string& text) { return text.find('\0') != std::string::
 
 }  // namespace
 
-Result<std::int32_t> spawn(const TaskLaunch& task) {
+Result<std::int32_t> spawn(const TaskLaunch& task, int standardOutput) {
   std::vector<std::string> words = {task.executablePath};
   words.insert(words.end(), task.arguments.begin(), task.arguments.end());
   if (std::any_of(words.begin(), words.end(), holdsNul)) return Error::posix(EINVAL);
@@ -69,13 +75,20 @@ Result<std::int32_t> spawn(const TaskLaunch& task) {
   arguments.push_back(nullptr);
 
   SpawnSettings settings;
-  if (const int error = settings.prepare()) return Error::posix(error);
+  if (const int error = settings.prepare(standardOutput)) return Error::posix(error);
 
   pid_t child = 0;
   const int error = ::posix_spawn(&child, task.executablePath.c_str(), settings.actions(),
                                   settings.attributes(), arguments.data(), environ);
   if (error != 0) return Error::posix(error);
   return static_cast<std::int32_t>(child);
+}
+
+TaskEnd endFromWaitStatus(int status) {
+  if (WIFSIGNALED(status)) {
+    return {.terminationStatus = WTERMSIG(status), .terminationReason = TerminationReason::UncaughtSignal};
+  }
+  return {.terminationStatus = WEXITSTATUS(status), .terminationReason = TerminationReason::Exit};
 }
 
 }  // namespace karno::platform
