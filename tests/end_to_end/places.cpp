@@ -18,6 +18,10 @@ std::filesystem::path childStorm() { return ownFolder() / "karno_child_storm"; }
 
 std::filesystem::path stormClient() { return ownFolder() / "karno_storm_client"; }
 
+std::filesystem::path moveOnce() { return ownFolder() / "karno_move_once"; }
+
+std::filesystem::path faultyDisk() { return ownFolder() / "libkarno_faulty_disk.so"; }
+
 std::filesystem::path withDisplay() { return std::filesystem::canonical(ownFolder() / KARNO_WITH_DISPLAY); }
 
 }  // namespace karno::test

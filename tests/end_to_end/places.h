@@ -15,6 +15,10 @@ std::filesystem::path postNotification();
 std::filesystem::path childStorm();
 std::filesystem::path stormClient();
 
+// The program that moves one bundle, and the library that makes a disk fail under a program.
+std::filesystem::path moveOnce();
+std::filesystem::path faultyDisk();
+
 // The command that gives another one a display and a session bus of its own.
 std::filesystem::path withDisplay();
 

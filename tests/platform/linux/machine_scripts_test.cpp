@@ -10,6 +10,7 @@
 #include "platform/linux/machine_commands.h"
 #include "platform/posix/commands.h"
 #include "platform/posix/tasks.h"
+#include "platform/value.h"
 #include "subprocess.h"
 
 namespace karno::platform {
