@@ -18,8 +18,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kKills = 220;
-constexpr int kFolders = 8;
-constexpr int kFilesInFolder = 9;
+constexpr int kFolders = 5;
+constexpr int kFilesInFolder = 4;
 constexpr unsigned kDefaultSeed = 20240305;
 
 std::string contentsOf(const fs::path& file) {
@@ -135,7 +135,7 @@ class InterruptedMove : public ::testing::Test {
 TEST_F(InterruptedMove, LeavesOneWholeBundleWhereverItIsKilled) {
   layOut(true);
   const long changes = changesOfAWholeMove();
-  ASSERT_GE(changes, 200);
+  ASSERT_GE(changes, 80);
 
   const Tally tally = killAnywhere(changes);
 

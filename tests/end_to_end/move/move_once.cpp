@@ -9,6 +9,8 @@
 namespace karno::test {
 namespace {
 
+constexpr int kNoBundleStatus = 64;
+
 class AgreeingUser final : public platform::Alerts {
  public:
   long runModal(const platform::Alert&) override { return platform::kAlertFirstButtonReturn; }
@@ -80,6 +82,7 @@ platform::Platform withServices(const platform::Platform& native, platform::Appl
 int moveOnce(const platform::Platform& native, const std::string& path) {
   ActiveApplication application;
   AgreeingUser user;
+  if (!native.bundles.bundleAtPath(path)) return kNoBundleStatus;
   OneBundle bundles(native.bundles, path);
   NoCommands commands;
   platform::Platform platform = withServices(native, application, user, bundles, commands);
