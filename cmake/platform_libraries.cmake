@@ -1,7 +1,7 @@
 # Links karno_platform with the system's frameworks, or with what stands in for them.
 if(APPLE)
   target_link_libraries(karno_platform PUBLIC "-framework AppKit" "-framework Foundation"
-    "-framework CoreFoundation" "-lobjc")
+    "-framework CoreFoundation" "-framework Security" "-lobjc")
 else()
   # Debian keeps the Objective-C runtime's headers with the compiler that made them.
   find_path(KARNO_OBJC_INCLUDE objc/runtime.h

@@ -25,6 +25,9 @@ class Application {
  public:
   virtual ~Application() = default;
 
+  // Whether the launcher is in front of every other application.
+  virtual bool isActive() const = 0;
+
   // Brings the launcher in front of whatever application is active now. Takes effect later.
   virtual void activateIgnoringOtherApps() = 0;
 

@@ -28,6 +28,10 @@ class Bundle {
   // one, the copy in the language folder that fits the user best counts as well. Absent when there is none.
   virtual std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
                                                      std::string_view directory) const = 0;
+
+  // The text of that key in the strings table <table>.strings of the language folder that fits the user best;
+  // the key itself when there is no table or the table has no such key.
+  virtual std::string localisedString(std::string_view key, std::string_view table) const = 0;
 };
 
 class Bundles {

@@ -1,19 +1,25 @@
 #pragma once
 #include "platform/alerts.h"
+#include "platform/apple_scripts.h"
 #include "platform/application.h"
+#include "platform/authorisations.h"
 #include "platform/bundles.h"
 #include "platform/clock.h"
+#include "platform/commands.h"
 #include "platform/console_log.h"
 #include "platform/dispatch.h"
 #include "platform/distributed_notifications.h"
+#include "platform/file_manager.h"
 #include "platform/file_reading.h"
 #include "platform/files.h"
 #include "platform/identifiers.h"
 #include "platform/managed_preferences.h"
+#include "platform/mounts.h"
 #include "platform/process_list.h"
 #include "platform/processes.h"
 #include "platform/property_lists.h"
 #include "platform/shell.h"
+#include "platform/standard_folders.h"
 #include "platform/system_version.h"
 #include "platform/tasks.h"
 #include "platform/text.h"
@@ -50,6 +56,12 @@ struct Platform {
   Identifiers& identifiers;
   ProcessList& processList;
   FileReading& fileReading;
+  FileManager& fileManager;
+  StandardFolders& standardFolders;
+  Mounts& mounts;
+  Commands& commands;
+  AppleScripts& appleScripts;
+  Authorisations& authorisations;
 };
 
 // The one Platform of this process. Valid from install() on.

@@ -25,6 +25,10 @@ class Workspace {
   // The applications that run now and were started from a bundle with that identifier. Any thread; meant to
   // be asked several times a second.
   virtual std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) = 0;
+
+  // The paths of the bundles that the applications which run now were started from, this one included; one
+  // without a bundle is left out. Any thread.
+  virtual std::vector<std::string> bundlePathsOfRunningApplications() = 0;
 };
 
 }  // namespace karno::platform

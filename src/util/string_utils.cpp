@@ -108,6 +108,18 @@ std::string deletingLastPathComponent(std::string_view path) {
   return slash == 0 ? "/" : collapsed.substr(0, slash);
 }
 
+std::vector<std::string> pathComponents(std::string_view path) {
+  const std::string collapsed = withCollapsedSlashes(path);
+  std::vector<std::string> components;
+  if (collapsed.starts_with('/')) components.emplace_back("/");
+  for (std::size_t begin = 0; begin < collapsed.size();) {
+    const std::size_t end = std::min(collapsed.find('/', begin), collapsed.size());
+    if (end > begin) components.push_back(collapsed.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return components;
+}
+
 std::string pathExtension(std::string_view path) {
   const std::string name = lastPathComponent(path);
   const std::size_t point = name.rfind('.');

@@ -48,6 +48,9 @@ std::string trimmingWhitespaceAndNewlines(std::string_view text);
 // The last path component, ".." and "." included; trailing slashes do not count.
 std::string lastPathComponent(std::string_view path);
 
+// The components of the path, "/" first for an absolute one.
+std::vector<std::string> pathComponents(std::string_view path);
+
 // The path without its last component.
 std::string deletingLastPathComponent(std::string_view path);
 

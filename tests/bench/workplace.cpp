@@ -111,7 +111,13 @@ platform::Platform withServices(const platform::Platform& native, platform::File
           native.urlLoading,
           native.identifiers,
           native.processList,
-          native.fileReading};
+          native.fileReading,
+          native.fileManager,
+          native.standardFolders,
+          native.mounts,
+          native.commands,
+          native.appleScripts,
+          native.authorisations};
 }
 
 }  // namespace

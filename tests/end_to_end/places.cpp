@@ -26,6 +26,10 @@ std::filesystem::path makeReleaseProgram() {
   return std::filesystem::canonical(ownFolder() / KARNO_MAKE_RELEASE);
 }
 
+std::filesystem::path moveOnce() { return ownFolder() / "karno_move_once"; }
+
+std::filesystem::path faultyDisk() { return ownFolder() / "libkarno_faulty_disk.so"; }
+
 std::filesystem::path withDisplay() { return std::filesystem::canonical(ownFolder() / KARNO_WITH_DISPLAY); }
 
 }  // namespace karno::test

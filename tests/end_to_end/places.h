@@ -19,6 +19,10 @@ std::filesystem::path stormClient();
 std::filesystem::path webServerProgram();
 std::filesystem::path makeReleaseProgram();
 
+// The program that moves one bundle, and the library that makes a disk fail under a program.
+std::filesystem::path moveOnce();
+std::filesystem::path faultyDisk();
+
 // The command that gives another one a display and a session bus of its own.
 std::filesystem::path withDisplay();
 

@@ -12,6 +12,11 @@ class FakeApplication final : public platform::Application {
  public:
   explicit FakeApplication(FakeScheduler& scheduler) : scheduler_(scheduler) {}
 
+  bool isActive() const override {
+    scheduler_.requireMainThread("Application::isActive");
+    return active;
+  }
+
   void activateIgnoringOtherApps() override {
     scheduler_.requireMainThread("Application::activateIgnoringOtherApps");
     ++activations_;
@@ -38,6 +43,7 @@ class FakeApplication final : public platform::Application {
   // Who hears applicationWillTerminate(); not owned.
   void setDelegate(platform::ApplicationDelegate* delegate) { delegate_ = delegate; }
 
+  bool active = true;
   std::vector<platform::ActivationPolicy> policies;           // in the order set
   std::vector<platform::AttentionRequest> attentionRequests;  // in the order made
   std::function<void()> whenActivated;                        // runs inside every activation

@@ -40,6 +40,11 @@ std::optional<std::string> FakeBundle::pathForResource(std::string_view name, st
   return found->second;
 }
 
+std::string FakeBundle::localisedString(std::string_view key, std::string_view table) const {
+  const auto found = texts.find(std::string(table) + "/" + std::string(key));
+  return found == texts.end() ? std::string(key) : found->second;
+}
+
 FakeBundles::FakeBundles() {
   main_->executable = "Karno";
   main_->info = {{"CFBundleIdentifier", "it.vantul.KarnoWrapper"},

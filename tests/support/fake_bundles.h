@@ -21,10 +21,12 @@ class FakeBundle final : public platform::Bundle {
   std::optional<platform::Value> objectForInfoDictionaryKey(std::string_view key) const override;
   std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
                                              std::string_view directory) const override;
+  std::string localisedString(std::string_view key, std::string_view table) const override;
 
   void setPath(std::string path) { path_ = std::move(path); }
 
   platform::Value::Dictionary info;
+  std::map<std::string, std::string> texts;      // by table and key: "MoveApplication/Do Not Move"
   std::string executable;                        // a name in Contents/MacOS; empty: there is none
   std::map<std::string, std::string> resources;  // "Strings.json" or "Base.lproj/Strings.json" to a full path
 

@@ -41,7 +41,13 @@ FakePlatform::FakePlatform(std::optional<std::uint64_t> ofSeed)
                 .urlLoading = network,
                 .identifiers = identifiers,
                 .processList = processList,
-                .fileReading = fileReading} {
+                .fileReading = fileReading,
+                .fileManager = fileManager,
+                .standardFolders = standardFolders,
+                .mounts = mounts,
+                .commands = commands,
+                .appleScripts = appleScripts,
+                .authorisations = authorisations} {
   scheduler.setExceptionHandler([this](std::string_view what) {
     consoleLog.log("A block threw: " + std::string(what));
     ADD_FAILURE() << "a block on the thread " << scheduler.currentThreadName() << " threw: " << what;

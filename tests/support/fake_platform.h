@@ -7,11 +7,15 @@
 
 #include "fake_alerts.h"
 #include "fake_application.h"
+#include "fake_authorisations.h"
 #include "fake_bundles.h"
 #include "fake_clock.h"
+#include "fake_commands.h"
 #include "fake_console_log.h"
+#include "fake_disk.h"
 #include "fake_dispatch.h"
 #include "fake_distributed_notifications.h"
+#include "fake_file_manager.h"
 #include "fake_file_reading.h"
 #include "fake_files.h"
 #include "fake_managed_preferences.h"
@@ -139,6 +143,12 @@ class FakePlatform {
   FakeIdentifiers identifiers;
   FakeProcessList processList;
   FakeFileReading fileReading{files};
+  FakeFileManager fileManager{files};
+  FakeStandardFolders standardFolders;
+  FakeMounts mounts;
+  FakeCommands commands;
+  FakeAppleScripts appleScripts{scheduler};
+  FakeAuthorisations authorisations{scheduler};
 
  private:
   platform::Platform platform_;

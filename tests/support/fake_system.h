@@ -17,7 +17,10 @@ class FakeSystemVersion final : public platform::SystemVersion {
     return running >= std::array<int, 3>{major, minor, patch};
   }
 
+  double appKitVersionNumber() const override { return appKit; }
+
   std::array<int, 3> running = {14, 5, 0};
+  double appKit = 2487;
 };
 
 // UUIDs that count up.
@@ -59,6 +62,9 @@ class FakeWorkspace final : public platform::Workspace {
     }
     return found;
   }
+
+  std::vector<std::string> bundlePathsOfRunningApplications() override { return runningBundles; }
+  std::vector<std::string> runningBundles;
 
   struct Asked {
     std::string bundleIdentifier;

@@ -72,5 +72,33 @@ class UpdaterTables(unittest.TestCase):
         self.assertEqual([], found)
 
 
+class MoveTables(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.tables = table_check.move_tables(RESOURCES)
+
+    def test_are_there_for_every_language(self):
+        self.assertEqual(LANGUAGES, sorted(self.tables))
+
+    # An English reader sees the keys, with or without a table.
+    def test_have_english_for_their_keys(self):
+        self.assertEqual([], [text for text, english in self.tables["Base"].items() if text != english])
+
+    def test_have_exactly_the_texts_that_the_sources_ask_for(self):
+        asked = table_check.move_texts_asked_for(PROJECT / "src/move")
+
+        self.assertEqual(7, len(asked))
+        self.assertEqual(asked, set(self.tables["Base"]))
+
+    def test_are_without_a_fault(self):
+        base = self.tables.pop("Base")
+        found = [f"{language}: {sentence}"
+                 for language, table in self.tables.items()
+                 for sentence in table_check.findings(language, table, base)]
+
+        self.assertEqual([], found)
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -1,6 +1,7 @@
 """Judges the tables of user-visible texts. Each finding is one sentence."""
 
 import json
+import plistlib
 import re
 import unicodedata
 
@@ -50,6 +51,28 @@ def read(file):
 
 def tables(resources, name="Strings.json"):
     return {folder.stem: read(folder / name) for folder in sorted(resources.glob("*.lproj"))}
+
+
+def read_strings(file):
+    """Text to text of a strings table in XML, or Unreadable."""
+    try:
+        table = plistlib.loads(file.read_bytes(), fmt=plistlib.FMT_XML)
+    except Exception as problem:  # plistlib raises whatever its parsers raise
+        raise Unreadable(str(problem)) from problem
+    if not isinstance(table, dict) or not all(isinstance(text, str) for text in table.values()):
+        raise Unreadable("it is not a dictionary of texts")
+    return table
+
+
+def move_tables(resources):
+    return {folder.stem: read_strings(folder / "MoveApplication.strings")
+            for folder in sorted(resources.glob("*.lproj"))}
+
+
+def move_texts_asked_for(sources):
+    """The English texts that stand as literals in the calls that look up a text of the move."""
+    call = re.compile(r'\bmoveText\(\s*"([^"]*)"')
+    return {text for file in sources.rglob("*.cpp") for text in call.findall(file.read_text(encoding="utf-8"))}
 
 
 def tokens_asked_for(sources, calls=r"(?:\blocalise|\btextLookedUpOnce|\blocalisedStringForToken)"):

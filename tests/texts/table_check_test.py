@@ -1,5 +1,6 @@
 """The check of the tables finds each kind of fault, and says in one sentence what it is."""
 
+import plistlib
 import tempfile
 import unittest
 from pathlib import Path
@@ -106,6 +107,21 @@ class TableCheck(unittest.TestCase):
                 'textLookedUpOnce(text_, "SURE"); other("MAYBE"); KarnoLocalise::localise(token);\n')
 
             self.assertEqual({"YES", "NO", "SURE"}, table_check.tokens_asked_for(Path(folder)))
+
+    def test_does_not_read_a_damaged_strings_table(self):
+        with tempfile.TemporaryDirectory() as folder:
+            file = Path(folder) / "MoveApplication.strings"
+            for content in (b"", b'"A" = "B";', plistlib.dumps(["A"]), plistlib.dumps({"A": 1}),
+                            plistlib.dumps({"A": "x"}, fmt=plistlib.FMT_BINARY)):
+                file.write_bytes(content)
+                with self.subTest(content), self.assertRaises(table_check.Unreadable):
+                    table_check.read_strings(file)
+
+    def test_finds_the_texts_of_the_move_in_the_sources(self):
+        with tempfile.TemporaryDirectory() as folder:
+            (Path(folder) / "a.cpp").write_text('x(moveText("Do Not Move"), moveText(\n  "If you\'d like."), text("No"));')
+
+            self.assertEqual({"Do Not Move", "If you'd like."}, table_check.move_texts_asked_for(Path(folder)))
 
 
 if __name__ == "__main__":

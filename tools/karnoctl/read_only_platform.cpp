@@ -66,7 +66,13 @@ platform::Platform readOnly(const platform::Platform& real, platform::ConsoleLog
           .urlLoading = real.urlLoading,
           .identifiers = real.identifiers,
           .processList = real.processList,
-          .fileReading = real.fileReading};
+          .fileReading = real.fileReading,
+          .fileManager = real.fileManager,
+          .standardFolders = real.standardFolders,
+          .mounts = real.mounts,
+          .commands = real.commands,
+          .appleScripts = real.appleScripts,
+          .authorisations = real.authorisations};
 }
 
 }  // namespace

@@ -56,6 +56,11 @@ void makeApplication(const MainInterface& loadMainInterface) {
 
 }  // namespace
 
+bool CocoaApplication::isActive() const {
+  const auto active = objc::guarded("is active", [] { return send<bool>(sharedApplication(), "isActive"); });
+  return active && active.value();
+}
+
 void CocoaApplication::activateIgnoringOtherApps() {
   objc::guardedAndLogged("activate",
                          [] { send<void>(sharedApplication(), "activateIgnoringOtherApps:", true); });

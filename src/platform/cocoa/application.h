@@ -7,6 +7,7 @@ namespace karno::platform::cocoa {
 // with a subclass and a delegate of ours. Main thread only.
 class CocoaApplication final : public Application {
  public:
+  bool isActive() const override;
   void activateIgnoringOtherApps() override;
   void setActivationPolicy(ActivationPolicy policy) override;
   void requestUserAttention(AttentionRequest request) override;

@@ -12,4 +12,7 @@ namespace karno::platform::cocoa {
 // run. Any thread.
 std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::string& bundleIdentifier);
 
+// The bundles of all running applications, found in the same ways. Any thread.
+std::vector<std::string> bundlesOfRunningApplications();
+
 }  // namespace karno::platform::cocoa

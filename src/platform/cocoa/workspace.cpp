@@ -19,4 +19,8 @@ std::vector<RunningApplication> CocoaWorkspace::runningApplications(const std::s
   return runningApplicationsWithIdentifier(bundleIdentifier);
 }
 
+std::vector<std::string> CocoaWorkspace::bundlePathsOfRunningApplications() {
+  return bundlesOfRunningApplications();
+}
+
 }  // namespace karno::platform::cocoa

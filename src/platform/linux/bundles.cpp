@@ -116,6 +116,17 @@ std::optional<std::string> LinuxBundle::pathForResource(std::string_view name, s
   return std::nullopt;
 }
 
+// Read anew each time: the few texts that come from such tables are asked for once in a launch.
+std::string LinuxBundle::localisedString(std::string_view key, std::string_view table) const {
+  const std::optional<std::string> path = pathForResource(table, "strings", "");
+  if (!path) return std::string(key);
+  const Result<Value::Dictionary> texts = readDictionary(propertyLists_, *path);
+  if (!texts) return std::string(key);
+  const auto entry = texts.value().find(key);
+  if (entry == texts.value().end() || !entry->second.isString()) return std::string(key);
+  return *entry->second.get<std::string>();
+}
+
 std::optional<std::string> LinuxBundle::infoString(std::string_view key) const {
   const auto entry = info_.find(key);
   if (entry == info_.end()) return std::nullopt;

@@ -18,6 +18,7 @@ class LinuxBundle final : public Bundle {
   std::optional<Value> objectForInfoDictionaryKey(std::string_view key) const override;
   std::optional<std::string> pathForResource(std::string_view name, std::string_view type,
                                              std::string_view directory) const override;
+  std::string localisedString(std::string_view key, std::string_view table) const override;
 
  private:
   std::optional<std::string> infoString(std::string_view key) const;

@@ -17,6 +17,9 @@ constexpr std::string_view kShell = "/bin/sh";
 constexpr std::string_view kShellWithoutMachine = "bash";
 constexpr std::string_view kSearchPathName = "PATH=";
 constexpr std::string_view kSearchPathOfNobody = "/usr/local/bin:/usr/bin:/bin";
+constexpr const char* kCommandsInScripts[] = {"/bin/kill",     "/bin/ps",          "/bin/sleep",
+                                              "/usr/bin/grep", "/usr/bin/hdiutil", "/usr/bin/open",
+                                              "/usr/bin/xattr"};
 constexpr std::string_view kEndsOfWord = " \t\n;&|<>()$`\\\"'*?[";
 
 std::optional<std::string> programOfMachine(std::string_view path) {
@@ -32,6 +35,17 @@ std::string quoted(std::string_view word) {
   return text + "'";
 }
 
+// A function of bash may be called like a path, and then stands for the command there. In bash's POSIX mode,
+// which it is in when it is called sh, it may not.
+std::string scriptInMachine(const std::string& script) {
+  std::string text = "set +o posix\n";
+  for (const char* const command : kCommandsInScripts) {
+    const std::optional<std::string> program = programOfMachine(command);
+    if (program) text += std::string(command) + "() { " + quoted(*program) + " \"$@\"; }\n";
+  }
+  return text + script;
+}
+
 }  // namespace
 
 std::string shellOfMachine() { return programOfMachine(kShell).value_or(std::string(kShellWithoutMachine)); }
@@ -42,6 +56,19 @@ std::string lineForMachine(const std::string& line) {
   const std::string path = line.substr(0, end);
   const std::optional<std::string> program = path == kShell ? shellOfMachine() : programOfMachine(path);
   return program ? quoted(*program) + line.substr(end) : line;
+}
+
+TaskLaunch launchForMachine(const TaskLaunch& command) {
+  TaskLaunch launch = command;
+  launch.executablePath = programOfMachine(command.executablePath).value_or(command.executablePath);
+  const bool isScript =
+      command.executablePath == kShell && command.arguments.size() == 2 && command.arguments[0] == "-c";
+  if (isScript) {
+    launch.arguments[1] = scriptInMachine(command.arguments[1]);
+    // A shell that is not bash would not understand this.
+    if (launch.executablePath == kShell) launch.executablePath = "/bin/bash";
+  }
+  return launch;
 }
 
 std::vector<std::string> environmentForMachine() {

@@ -3,15 +3,21 @@
 #include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
 #include "platform/linux/alerts.h"
+#include "platform/linux/apple_scripts.h"
+#include "platform/linux/authorisations.h"
 #include "platform/linux/bundles.h"
 #include "platform/linux/console_log.h"
 #include "platform/linux/dispatch.h"
 #include "platform/linux/distributed_notifications.h"
+#include "platform/linux/file_manager.h"
 #include "platform/linux/icu_text.h"
 #include "platform/linux/identifiers.h"
+#include "platform/linux/machine_commands.h"
 #include "platform/linux/machine_shell.h"
 #include "platform/linux/managed_preferences.h"
+#include "platform/linux/mounts.h"
 #include "platform/linux/process_list.h"
+#include "platform/linux/standard_folders.h"
 #include "platform/linux/system_version.h"
 #include "platform/linux/updater/bundle_settings.h"
 #include "platform/linux/updater/curl_downloads.h"
@@ -25,6 +31,7 @@
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
+#include "platform/posix/commands.h"
 #include "platform/posix/file_reading.h"
 #include "platform/posix/files.h"
 #include "platform/posix/process_setup.h"
@@ -68,6 +75,12 @@ struct NativeServices {
   RandomIdentifiers identifiers;
   LinuxProcessList processList;
   PosixFileReading fileReading;
+  LinuxFileManager fileManager;
+  LinuxStandardFolders standardFolders;
+  LinuxMounts mounts{propertyLists};
+  PosixCommands commands{tasks, launchForMachine};
+  LinuxAppleScripts appleScripts{commands};
+  PkexecAuthorisations authorisations{commands};
 
   Platform platform{.application = application,
                     .alerts = alerts,
@@ -91,7 +104,13 @@ struct NativeServices {
                     .urlLoading = urlLoading,
                     .identifiers = identifiers,
                     .processList = processList,
-                    .fileReading = fileReading};
+                    .fileReading = fileReading,
+                    .fileManager = fileManager,
+                    .standardFolders = standardFolders,
+                    .mounts = mounts,
+                    .commands = commands,
+                    .appleScripts = appleScripts,
+                    .authorisations = authorisations};
 };
 
 void startProcess(int argc, char** argv) {

@@ -78,4 +78,14 @@ std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::str
   return found;
 }
 
+std::vector<std::string> bundlesOfRunningApplications() {
+  std::vector<std::string> bundles;
+  for (const RunningProcess& process : LinuxProcessList().runningProcesses()) {
+    const std::optional<std::string> bundle = bundleOf(process.executablePath);
+    std::error_code ignored;
+    if (bundle && fs::exists(process.executablePath, ignored)) bundles.push_back(*bundle);
+  }
+  return bundles;
+}
+
 }  // namespace karno::platform::cocoa

@@ -14,6 +14,17 @@ namespace {
 
 using Version = std::array<int, 3>;
 
+struct AppKitRelease {
+  Version macOS;
+  double number;
+};
+
+// In ascending order.
+constexpr AppKitRelease kAppKitReleases[] = {{{10, 5, 0}, 949},   {{10, 6, 0}, 1038},  {{10, 7, 0}, 1138},
+                                             {{10, 8, 0}, 1187},  {{10, 9, 0}, 1265},  {{10, 10, 0}, 1343},
+                                             {{10, 11, 0}, 1404}, {{10, 12, 0}, 1504}, {{10, 13, 0}, 1561},
+                                             {{10, 14, 0}, 1671}, {{10, 15, 0}, 1894}};
+
 // "14", "14.5" and "14.5.1" are versions; anything before, between or after the numbers makes it none.
 std::optional<Version> versionFromText(std::string_view text) {
   Version version = {};
@@ -39,14 +50,28 @@ std::optional<Version> versionFromFile(const PropertyLists& propertyLists, const
 
 }  // namespace
 
-bool LinuxSystemVersion::isAtLeast(int major, int minor, int patch) const {
+std::optional<Version> LinuxSystemVersion::version() const {
   const std::string path = systemPath("/System/Library/CoreServices/SystemVersion.plist");
-  const std::optional<Version> version = versionFromFile(propertyLists_, path);
+  std::optional<Version> version = versionFromFile(propertyLists_, path);
   if (!version) {
     std::call_once(reported_, [&] { writeConsoleLine("SystemVersion: no ProductVersion in " + path); });
-    return false;
   }
-  return *version >= Version{major, minor, patch};
+  return version;
+}
+
+bool LinuxSystemVersion::isAtLeast(int major, int minor, int patch) const {
+  const std::optional<Version> running = version();
+  return running && *running >= Version{major, minor, patch};
+}
+
+double LinuxSystemVersion::appKitVersionNumber() const {
+  const std::optional<Version> running = version();
+  double number = 0;
+  if (!running) return number;
+  for (const AppKitRelease& release : kAppKitReleases) {
+    if (*running >= release.macOS) number = release.number;
+  }
+  return number;
 }
 
 }  // namespace karno::platform

@@ -1,5 +1,7 @@
 #pragma once
+#include <array>
 #include <mutex>
+#include <optional>
 
 #include "platform/property_lists.h"
 #include "platform/system_version.h"
@@ -14,7 +16,13 @@ class LinuxSystemVersion final : public SystemVersion {
 
   bool isAtLeast(int major, int minor, int patch) const override;
 
+  // That of the first release of the macOS that the machine claims; the last one known for all later ones,
+  // and 0 for none.
+  double appKitVersionNumber() const override;
+
  private:
+  std::optional<std::array<int, 3>> version() const;
+
   const PropertyLists& propertyLists_;
   mutable std::once_flag reported_;
 };

@@ -55,6 +55,14 @@ std::optional<std::string> FoundationBundle::pathForResource(std::string_view na
   });
 }
 
+std::string FoundationBundle::localisedString(std::string_view key, std::string_view table) const {
+  const auto text = textOf([this, key, table] {
+    return objc::send(bundle_, "localizedStringForKey:value:table:", objc::string(key), objc::string(""),
+                      objc::string(table));
+  });
+  return text.value_or(std::string(key));
+}
+
 const Bundle& FoundationBundles::mainBundle() const {
   std::call_once(mainMade_, [this] {
     const objc::AutoreleasePool pool;

@@ -23,4 +23,6 @@ std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::str
   return runningApplicationsOfAppKit(bundleIdentifier);
 }
 
+std::vector<std::string> bundlesOfRunningApplications() { return bundlesOfRunningApplicationsOfAppKit(); }
+
 }  // namespace karno::platform::cocoa

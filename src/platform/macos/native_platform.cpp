@@ -3,14 +3,19 @@
 #include "platform/cocoa/objc.h"
 #include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
+#include "platform/macos/apple_scripts.h"
+#include "platform/macos/authorisations.h"
 #include "platform/macos/bundles.h"
 #include "platform/macos/console_log.h"
 #include "platform/macos/dispatch.h"
 #include "platform/macos/distributed_notifications.h"
+#include "platform/macos/file_manager.h"
 #include "platform/macos/identifiers.h"
 #include "platform/macos/managed_preferences.h"
+#include "platform/macos/mounts.h"
 #include "platform/macos/process_list.h"
 #include "platform/macos/sparkle_updater.h"
+#include "platform/macos/standard_folders.h"
 #include "platform/macos/system_version.h"
 #include "platform/macos/text.h"
 #include "platform/macos/url_loading.h"
@@ -19,6 +24,7 @@
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
+#include "platform/posix/commands.h"
 #include "platform/posix/file_reading.h"
 #include "platform/posix/files.h"
 #include "platform/posix/popen_shell.h"
@@ -54,6 +60,12 @@ struct NativeServices {
   FoundationIdentifiers identifiers;
   MacProcessList processList;
   PosixFileReading fileReading;
+  FoundationFileManager fileManager;
+  FoundationStandardFolders standardFolders;
+  MacMounts mounts;
+  PosixCommands commands{tasks};
+  FoundationAppleScripts appleScripts;
+  SecurityAuthorisations authorisations;
 
   Platform platform{.application = application,
                     .alerts = alerts,
@@ -77,7 +89,13 @@ struct NativeServices {
                     .urlLoading = urlLoading,
                     .identifiers = identifiers,
                     .processList = processList,
-                    .fileReading = fileReading};
+                    .fileReading = fileReading,
+                    .fileManager = fileManager,
+                    .standardFolders = standardFolders,
+                    .mounts = mounts,
+                    .commands = commands,
+                    .appleScripts = appleScripts,
+                    .authorisations = authorisations};
 };
 
 void startProcess(int argc, char** argv) {

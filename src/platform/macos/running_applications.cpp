@@ -16,6 +16,12 @@ RunningApplication applicationOf(objc::Id application) {
   return answer;
 }
 
+template <class Visit>
+void forEach(objc::Id array, Visit visit) {
+  const auto count = objc::send<objc::UInteger>(array, "count");
+  for (objc::UInteger index = 0; index < count; ++index) visit(objc::send(array, "objectAtIndex:", index));
+}
+
 }  // namespace
 
 std::vector<RunningApplication> runningApplicationsOfAppKit(const std::string& bundleIdentifier) {
@@ -25,12 +31,22 @@ std::vector<RunningApplication> runningApplicationsOfAppKit(const std::string& b
     const objc::Id applications =
         objc::send(objc::classNamed("NSRunningApplication"),
                    "runningApplicationsWithBundleIdentifier:", objc::string(bundleIdentifier));
-    const auto count = objc::send<objc::UInteger>(applications, "count");
     std::vector<RunningApplication> all;
-    for (objc::UInteger index = 0; index < count; ++index) {
-      all.push_back(applicationOf(objc::send(applications, "objectAtIndex:", index)));
-    }
+    forEach(applications, [&all](objc::Id application) { all.push_back(applicationOf(application)); });
     found = std::move(all);
+  });
+  return found;
+}
+
+std::vector<std::string> bundlesOfRunningApplicationsOfAppKit() {
+  const cocoa::ThreadPoolScope scope;
+  std::vector<std::string> found;
+  objc::guardedAndLogged("list running applications", [&] {
+    const objc::Id workspace = objc::send(objc::classNamed("NSWorkspace"), "sharedWorkspace");
+    forEach(objc::send(workspace, "runningApplications"), [&found](objc::Id application) {
+      const objc::Id path = objc::send(objc::send(application, "bundleURL"), "path");
+      if (path != nullptr) found.push_back(objc::text(path));
+    });
   });
   return found;
 }

@@ -10,4 +10,7 @@ namespace karno::platform {
 // line on the console log, when the platform raises an exception.
 std::vector<RunningApplication> runningApplicationsOfAppKit(const std::string& bundleIdentifier);
 
+// The bundles of all running applications that NSWorkspace lists. The same applies to it.
+std::vector<std::string> bundlesOfRunningApplicationsOfAppKit();
+
 }  // namespace karno::platform

@@ -2,6 +2,8 @@
 
 #include "platform/cocoa/objc.h"
 
+extern "C" const double NSAppKitVersionNumber;
+
 namespace karno::platform {
 namespace {
 
@@ -19,5 +21,7 @@ bool FoundationSystemVersion::isAtLeast(int major, int minor, int patch) const {
   const objc::Id process = objc::send(objc::classNamed("NSProcessInfo"), "processInfo");
   return objc::send<bool>(process, "isOperatingSystemAtLeastVersion:", version);
 }
+
+double FoundationSystemVersion::appKitVersionNumber() const { return NSAppKitVersionNumber; }
 
 }  // namespace karno::platform

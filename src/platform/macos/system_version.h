@@ -7,6 +7,7 @@ namespace karno::platform {
 class FoundationSystemVersion final : public SystemVersion {
  public:
   bool isAtLeast(int major, int minor, int patch) const override;
+  double appKitVersionNumber() const override;
 };
 
 }  // namespace karno::platform

@@ -5,6 +5,7 @@
 #include "platform/cocoa/guarded.h"
 #include "platform/cocoa/objc.h"
 #include "platform/cocoa/strings.h"
+#include "platform/macos/foundation_error.h"
 
 namespace karno::platform {
 namespace {
@@ -20,10 +21,7 @@ Error urlError(std::int64_t code, std::string description) {
 }
 
 Error errorFrom(objc::Id error) {
-  if (error == nullptr) return urlError(kUnknown, "unknown error");
-  return Error(
-      objc::text(objc::send(error, "domain")), objc::send<objc::Integer>(error, "code"),
-      {{std::string(kLocalizedDescriptionKey), objc::text(objc::send(error, "localizedDescription"))}});
+  return error == nullptr ? urlError(kUnknown, "unknown error") : errorOf(error);
 }
 
 Result<std::string> fetch(const std::string& text) {

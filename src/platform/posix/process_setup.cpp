@@ -10,6 +10,7 @@ namespace karno::platform {
 
 void setUpProcess() {
   ::signal(SIGPIPE, SIG_IGN);
+  ::signal(SIGXFSZ, SIG_IGN);
   ::signal(SIGCHLD, SIG_DFL);
 
   // open() takes the lowest free number, and the streams below are open already.

@@ -2,6 +2,7 @@
 
 #include <spawn.h>
 #include <sys/types.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -44,8 +45,9 @@ class SpawnSettings {
     if (const int error = ::posix_spawnattr_setsigmask(&attributes_, &noSignals)) return error;
     if (const int error = ::posix_spawnattr_setsigdefault(&attributes_, &allSignals)) return error;
     if (standardOutput != STDOUT_FILENO) {
-      const int error = ::posix_spawn_file_actions_adddup2(&actions_, standardOutput, STDOUT_FILENO);
-      if (error != 0) return error;
+      if (const int error = ::posix_spawn_file_actions_adddup2(&actions_, standardOutput, STDOUT_FILENO)) {
+        return error;
+      }
     }
     if (const int error = inheritOnlyStandardStreams(attributes_, flags, actions_)) return error;
     return ::posix_spawnattr_setflags(&attributes_, flags);
@@ -80,6 +82,13 @@ Result<std::int32_t> spawn(const TaskLaunch& task, int standardOutput) {
                                   settings.attributes(), arguments.data(), environ);
   if (error != 0) return Error::posix(error);
   return static_cast<std::int32_t>(child);
+}
+
+TaskEnd endFromWaitStatus(int status) {
+  if (WIFSIGNALED(status)) {
+    return {.terminationStatus = WTERMSIG(status), .terminationReason = TerminationReason::UncaughtSignal};
+  }
+  return {.terminationStatus = WEXITSTATUS(status), .terminationReason = TerminationReason::Exit};
 }
 
 }  // namespace karno::platform

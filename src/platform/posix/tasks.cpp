@@ -8,8 +8,6 @@
 #include <system_error>
 #include <utility>
 
-#include <sys/wait.h>
-
 #include "platform/posix/child_registry.h"
 #include "platform/posix/run_block.h"
 #include "platform/posix/running_children.h"
@@ -37,13 +35,6 @@ class Place {
  private:
   int number_;
 };
-
-TaskEnd endFromWaitStatus(int status) {
-  if (WIFSIGNALED(status)) {
-    return {.terminationStatus = WTERMSIG(status), .terminationReason = TerminationReason::UncaughtSignal};
-  }
-  return {.terminationStatus = WEXITSTATUS(status), .terminationReason = TerminationReason::Exit};
-}
 
 // The life of one child's thread. The thread starts the child itself, so that a child never exists without
 // the thread that waits for it.

@@ -195,5 +195,30 @@ TEST_F(LinuxBundlesTest, TakesTheProgramsFolderForTheMainBundleOfAToolOutsideAny
   EXPECT_EQ(bundles.mainBundle().bundleIdentifier(), std::nullopt);
 }
 
+TEST_F(LinuxBundlesTest, LooksTextsUpInTheUsersLanguage) {
+  const ScopedEnvironment language("LANGUAGE", "de");
+  const ScopedEnvironment locale("LC_ALL", "de_DE.UTF-8");
+  folder.write(
+      "A.app/Contents/Resources/de.lproj/Texts.strings",
+      propertyList(stringEntry("Do Not Move", "Nicht bewegen") + "<key>Number</key><integer>4</integer>"));
+  folder.write("A.app/Contents/Resources/Base.lproj/Texts.strings",
+               propertyList(stringEntry("Move", "Move it") + stringEntry("Do Not Move", "Leave it")));
+
+  const auto made = bundle("A.app");
+
+  EXPECT_EQ(made->localisedString("Do Not Move", "Texts"), "Nicht bewegen");
+  EXPECT_EQ(made->localisedString("Move", "Texts"), "Move");
+  EXPECT_EQ(made->localisedString("Number", "Texts"), "Number");
+}
+
+TEST_F(LinuxBundlesTest, AnswersTheKeyWhereThereIsNoTable) {
+  folder.write("A.app/Contents/Resources/Base.lproj/Damaged.strings", "<plist");
+
+  const auto made = bundle("A.app");
+
+  EXPECT_EQ(made->localisedString("Do Not Move", "Texts"), "Do Not Move");
+  EXPECT_EQ(made->localisedString("Do Not Move", "Damaged"), "Do Not Move");
+}
+
 }  // namespace
 }  // namespace karno::platform

@@ -203,5 +203,17 @@ TEST(RunningApplications, CanBeAskedForByAnyThread) {
   EXPECT_THAT(found, ElementsAre(process.identifier()));
 }
 
+TEST(RunningApplications, AreKnownByTheirBundles) {
+  const TemporaryFolder folder;
+  const std::string executable = makeSleepingBundle(folder, "Karno", "test.vantul.Bundles");
+  const std::vector<std::string> before = bundlesOfRunningApplications();
+  const SleepingProcess process(executable);
+
+  const std::vector<std::string> during = bundlesOfRunningApplications();
+
+  EXPECT_THAT(before, testing::Not(testing::Contains(folder / "Karno.app")));
+  EXPECT_THAT(during, testing::Contains(folder / "Karno.app"));
+}
+
 }  // namespace
 }  // namespace karno::platform::cocoa

@@ -82,5 +82,27 @@ INSTANTIATE_TEST_SUITE_P(WithATextThatIsNoVersion, LinuxSystemVersionTextTest,
                          testing::Values("", "14.", ".5", "14.5.1.2", "14.5 beta", "-1", "99999999999",
                                          "14.-5"));
 
+TEST_F(LinuxSystemVersionTest, KnowsTheAppKitOfEachMacOS) {
+  setVersion("10.5.8");
+  const double leopard = version.appKitVersionNumber();
+  setVersion("10.8");
+  const double mountainLion = version.appKitVersionNumber();
+  setVersion("10.14.6");
+  const double mojave = version.appKitVersionNumber();
+  setVersion("14.5");
+  const double sonoma = version.appKitVersionNumber();
+
+  EXPECT_EQ(leopard, 949);
+  EXPECT_EQ(mountainLion, 1187);
+  EXPECT_EQ(mojave, 1671);
+  EXPECT_EQ(sonoma, 1894);
+}
+
+TEST_F(LinuxSystemVersionTest, KnowsNoAppKitWithoutAFile) {
+  const StandardErrorCapture console;
+
+  EXPECT_EQ(version.appKitVersionNumber(), 0);
+}
+
 }  // namespace
 }  // namespace karno::platform

@@ -32,6 +32,7 @@ Class bundleClass() {
                                 .method("executableURL", "@@:", withoutArguments)
                                 .method("bundleIdentifier", "@@:", withoutArguments)
                                 .method("objectForInfoDictionaryKey:", "@@:@", withOne)
+                                .method("localizedStringForKey:value:table:", "@@:@@@", withThree)
                                 .method("pathForResource:ofType:", "@@:@@", withTwo)
                                 .method("pathForResource:ofType:inDirectory:", "@@:@@@", withThree)
                                 .registerClass();
@@ -145,6 +146,20 @@ TEST_F(MacBundles, TakeARaisedExceptionForAbsence) {
   EXPECT_EQ(nullptr, bundles_.bundleAtPath("/Applications/Karno.app"));
   EXPECT_EQ("", bundle_.bundlePath());
   EXPECT_EQ(std::nullopt, bundle_.objectForInfoDictionaryKey("CFBundleVersion"));
+}
+
+TEST_F(MacBundles, LookTextsUpWithoutAValueOfTheirOwn) {
+  standIns_.answer("localizedStringForKey:value:table:", objc::string("Nicht bewegen"));
+
+  EXPECT_EQ("Nicht bewegen", bundle_.localisedString("Do Not Move", "MoveApplication"));
+  EXPECT_THAT(standIns_.messages(),
+              ElementsAre("localizedStringForKey:value:table: Do Not Move  MoveApplication"));
+}
+
+TEST_F(MacBundles, AnswerTheKeyWhenTheyRaise) {
+  standIns_.raise();
+
+  EXPECT_EQ("Do Not Move", bundle_.localisedString("Do Not Move", "MoveApplication"));
 }
 
 }  // namespace

@@ -24,12 +24,25 @@ objc::Id bundleIdentifier(objc::Id, objc::Sel selector) { return recordAndAnswer
 
 int processIdentifier(objc::Id, objc::Sel) { return 4711; }
 
+objc::Id bundleURL(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+
+objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+
+Class workspaceClass() {
+  static const Class made = StandInClass("StandInApplicationList")
+                                .classMethod("sharedWorkspace", "@@:", withoutArguments)
+                                .method("runningApplications", "@@:", withoutArguments)
+                                .registerClass();
+  return made;
+}
+
 Class applicationClass() {
   static const Class made =
       StandInClass("StandInRunningApplication")
           .classMethod("runningApplicationsWithBundleIdentifier:", "@@:@", applicationsWithIdentifier)
           .method("bundleIdentifier", "@@:", bundleIdentifier)
           .method("processIdentifier", "i@:", processIdentifier)
+          .method("bundleURL", "@@:", bundleURL)
           .registerClass();
   return made;
 }
@@ -89,6 +102,25 @@ TEST_F(MacRunningApplications, WhatThePlatformRaisesEndsOnTheConsole) {
 
   EXPECT_THAT(found, IsEmpty());
   EXPECT_EQ(console.text(), "list running applications: raised by a stand-in\n");
+}
+
+TEST_F(MacRunningApplications, AreKnownByTheirBundles) {
+  const objc::ClassOverride workspace("NSWorkspace", workspaceClass());
+  standIns_.answer("sharedWorkspace", instanceOf(workspaceClass()));
+  standIns_.answer("runningApplications", arrayOf({instanceOf(applicationClass())}));
+  const objc::Id url =
+      objc::send(objc::classNamed("NSURL"), "fileURLWithPath:", objc::string("/Applications/Karno.app"));
+  standIns_.answer("bundleURL", objc::Object::retaining(url));
+
+  EXPECT_THAT(bundlesOfRunningApplicationsOfAppKit(), ElementsAre("/Applications/Karno.app"));
+}
+
+TEST_F(MacRunningApplications, MayHaveNoBundle) {
+  const objc::ClassOverride workspace("NSWorkspace", workspaceClass());
+  standIns_.answer("sharedWorkspace", instanceOf(workspaceClass()));
+  standIns_.answer("runningApplications", arrayOf({instanceOf(applicationClass())}));
+
+  EXPECT_THAT(bundlesOfRunningApplicationsOfAppKit(), IsEmpty());
 }
 
 }  // namespace

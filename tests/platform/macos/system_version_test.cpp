@@ -57,5 +57,10 @@ TEST_F(MacSystemVersion, IsNotMetWhenThePlatformSaysNo) {
 
 TEST_F(MacSystemVersion, IsNotMetWithoutAnAnswer) { EXPECT_FALSE(systemVersion_.isAtLeast(10, 14, 6)); }
 
+// GNUstep has a number of its own.
+TEST_F(MacSystemVersion, TellsTheNumberOfAppKit) {
+  EXPECT_EQ(824, FoundationSystemVersion().appKitVersionNumber());
+}
+
 }  // namespace
 }  // namespace karno::platform::test

@@ -66,7 +66,13 @@ platform::Platform withBundlesAndConsole(platform::Bundles& bundles, platform::C
           host.urlLoading,
           host.identifiers,
           host.processList,
-          host.fileReading};
+          host.fileReading,
+          host.fileManager,
+          host.standardFolders,
+          host.mounts,
+          host.commands,
+          host.appleScripts,
+          host.authorisations};
 }
 
 // The log's writer uses them until the process ends.

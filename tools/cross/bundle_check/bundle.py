@@ -15,7 +15,8 @@ PROGRAMS = (
 LANGUAGES = ("de", "es", "fr", "it", "ja", "ko", "nl", "pt-BR", "zh-Hans", "zh-Hant")
 OTHER_FILES = (
     "Contents/PkgInfo",
-    *(f"Contents/Resources/{language}.lproj/Strings.json" for language in ("Base", *LANGUAGES)),
+    *(f"Contents/Resources/{language}.lproj/{table}" for language in ("Base", *LANGUAGES)
+      for table in ("Strings.json", "MoveApplication.strings")),
 )
 FOLDERS = ("Contents/Frameworks",)
 

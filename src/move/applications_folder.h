@@ -1,0 +1,16 @@
+#pragma once
+#include <string>
+
+namespace karno {
+
+// Whether the launcher should offer to move itself. Never where the user default
+// "moveToApplicationsFolderAlertSuppress" is true, which the launcher only reads. With `onlyFromDiskImage`
+// when it runs from a mounted disk image; else when it is in no Applications folder. Any thread.
+bool applicationNeedsMoving(bool onlyFromDiskImage);
+
+// Whether the path begins with an Applications folder of any domain, or any of its components is called
+// "Applications". The first is a plain comparison of texts: "/Applications Old/Karno.app" counts as well, and
+// is meant to.
+bool isInApplicationsFolder(const std::string& path);
+
+}  // namespace karno

@@ -1,0 +1,20 @@
+#pragma once
+#include "platform/mounts.h"
+#include "platform/property_lists.h"
+
+namespace karno::platform {
+
+// The machine root is the root file system of its machine. The disk images that are mounted in it are those
+// of var/machine/disk-images.plist, each mounted at the "mount-point" it has there; every other mount below
+// it is one of Linux.
+class LinuxMounts final : public Mounts {
+ public:
+  explicit LinuxMounts(const PropertyLists& propertyLists) : propertyLists_(propertyLists) {}
+
+  std::optional<MountInformation> informationOf(const std::string& path) const override;
+
+ private:
+  const PropertyLists& propertyLists_;
+};
+
+}  // namespace karno::platform

@@ -1,0 +1,60 @@
+#include "platform/linux/tree_copy.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace karno::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::error_code copyItem(const fs::path& from, const fs::path& to, int depth);
+
+std::error_code copyContents(const fs::path& from, const fs::path& to, int depth) {
+  std::error_code error;
+  fs::directory_iterator entry(from, error);
+  while (!error && entry != fs::directory_iterator()) {
+    error = copyItem(entry->path(), to / entry->path().filename(), depth + 1);
+    if (!error) entry.increment(error);
+  }
+  return error;
+}
+
+std::error_code copyFolder(const fs::path& from, const fs::path& to, fs::perms permissions, int depth) {
+  if (depth > kCopyDepthMax) return std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  std::error_code error;
+  fs::create_directory(to, error);
+  if (!error) error = copyContents(from, to, depth);
+  if (!error) fs::permissions(to, permissions, error);
+  return error;
+}
+
+std::error_code copyItem(const fs::path& from, const fs::path& to, int depth) {
+  std::error_code error;
+  const fs::file_status status = fs::symlink_status(from, error);
+  if (error) return error;
+  switch (status.type()) {
+    case fs::file_type::directory:
+      return copyFolder(from, to, status.permissions(), depth);
+    case fs::file_type::symlink:
+      fs::copy_symlink(from, to, error);
+      return error;
+    case fs::file_type::regular:
+      fs::copy_file(from, to, error);
+      return error;
+    case fs::file_type::not_found:
+      return std::make_error_code(std::errc::no_such_file_or_directory);
+    default:
+      return std::make_error_code(std::errc::operation_not_supported);
+  }
+}
+
+}  // namespace
+
+std::optional<Error> copyTree(const fs::path& from, const fs::path& to) {
+  const std::error_code error = copyItem(from, to, 0);
+  if (error) return Error::posix(error.value());
+  return std::nullopt;
+}
+
+}  // namespace karno::platform

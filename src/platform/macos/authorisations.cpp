@@ -1,0 +1,96 @@
+#include "platform/macos/authorisations.h"
+
+#include <dlfcn.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <vector>
+
+#include "platform/posix/retry.h"
+#include "platform/posix/spawn.h"
+
+// The compiler brings no headers of the frameworks.
+extern "C" {
+struct AuthorizationOpaqueRef;
+struct AuthorizationItem {
+  const char* name;
+  std::size_t valueLength;
+  void* value;
+  std::uint32_t flags;
+};
+struct AuthorizationItemSet {
+  std::uint32_t count;
+  AuthorizationItem* items;
+};
+std::int32_t AuthorizationCreate(const AuthorizationItemSet* rights, const AuthorizationItemSet* environment,
+                                 std::uint32_t flags, AuthorizationOpaqueRef** authorization);
+std::int32_t AuthorizationCopyRights(AuthorizationOpaqueRef* authorization,
+                                     const AuthorizationItemSet* rights,
+                                     const AuthorizationItemSet* environment, std::uint32_t flags,
+                                     AuthorizationItemSet** granted);
+std::int32_t AuthorizationFree(AuthorizationOpaqueRef* authorization, std::uint32_t flags);
+}
+
+namespace karno::platform {
+namespace {
+
+constexpr std::int32_t kSuccess = 0;
+constexpr std::int32_t kCancelled = -60006;  // errAuthorizationCanceled
+constexpr std::uint32_t kDefaultFlags = 0;
+
+using Execute = std::int32_t (*)(AuthorizationOpaqueRef* authorization, const char* path,
+                                 std::uint32_t options, char* const* arguments, std::FILE** pipe);
+
+Execute executeFunction() {
+  static const auto function =
+      reinterpret_cast<Execute>(::dlsym(RTLD_DEFAULT, "AuthorizationExecuteWithPrivileges"));
+  return function;
+}
+
+class SecurityAuthorisation final : public Authorisation {
+ public:
+  explicit SecurityAuthorisation(AuthorizationOpaqueRef* reference) : reference_(reference) {}
+  SecurityAuthorisation(const SecurityAuthorisation&) = delete;
+  SecurityAuthorisation& operator=(const SecurityAuthorisation&) = delete;
+  ~SecurityAuthorisation() override { ::AuthorizationFree(reference_, kDefaultFlags); }
+
+  RightAnswer copyRight(const std::string& right, std::uint32_t flags) override {
+    AuthorizationItem item = {.name = right.c_str(), .valueLength = 0, .value = nullptr, .flags = 0};
+    const AuthorizationItemSet rights = {.count = 1, .items = &item};
+    const std::int32_t status = ::AuthorizationCopyRights(reference_, &rights, nullptr, flags, nullptr);
+    if (status == kCancelled) return RightAnswer::Cancelled;
+    return status == kSuccess ? RightAnswer::Granted : RightAnswer::Refused;
+  }
+
+  bool canExecuteWithPrivileges() override { return executeFunction() != nullptr; }
+
+  // The framework tells neither the child's identifier nor how it ended.
+  Result<TaskEnd> executeWithPrivileges(const TaskLaunch& command) override {
+    std::vector<std::string> words = command.arguments;
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    const std::int32_t status = executeFunction()(reference_, command.executablePath.c_str(), kDefaultFlags,
+                                                  arguments.data(), nullptr);
+    if (status != kSuccess) return Error(std::string(kOSStatusErrorDomain), status);
+
+    int end = 0;
+    if (retryOnInterrupt([&end] { return ::wait(&end); }) == -1) return Error::posix(errno);
+    return endFromWaitStatus(end);
+  }
+
+ private:
+  static constexpr std::string_view kOSStatusErrorDomain = "NSOSStatusErrorDomain";
+  AuthorizationOpaqueRef* const reference_;
+};
+
+}  // namespace
+
+std::unique_ptr<Authorisation> SecurityAuthorisations::create() {
+  AuthorizationOpaqueRef* reference = nullptr;
+  if (::AuthorizationCreate(nullptr, nullptr, kDefaultFlags, &reference) != kSuccess) return nullptr;
+  return std::make_unique<SecurityAuthorisation>(reference);
+}
+
+}  // namespace karno::platform

@@ -1,0 +1,14 @@
+#pragma once
+#include "platform/file_manager.h"
+
+namespace karno::platform {
+
+// What is the same on both systems: questions about paths.
+class PosixFileManager : public FileManager {
+ public:
+  bool isWritable(const std::string& path) const override;
+  std::string resolvingSymbolicLinks(const std::string& path) const final;
+  std::string standardising(const std::string& path) const final;
+};
+
+}  // namespace karno::platform

@@ -1,0 +1,149 @@
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "places.h"
+#include "subprocess.h"
+
+namespace karno::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kKills = 220;
+constexpr int kFolders = 5;
+constexpr int kFilesInFolder = 4;
+constexpr unsigned kDefaultSeed = 20240305;
+
+std::string contentsOf(const fs::path& file) {
+  std::ostringstream text;
+  text << std::ifstream(file, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+unsigned seed() {
+  const char* const given = ::getenv("KARNO_TEST_SEED");
+  return given == nullptr ? kDefaultSeed : static_cast<unsigned>(std::strtoul(given, nullptr, 10));
+}
+
+// Every path of a folder with what lies there.
+std::map<std::string, std::string> everythingIn(const fs::path& folder) {
+  std::map<std::string, std::string> found;
+  std::error_code ignored;
+  for (const auto& entry : fs::recursive_directory_iterator(folder, ignored)) {
+    const std::string path = fs::relative(entry.path(), folder).string();
+    if (entry.is_symlink()) {
+      found[path] = "-> " + fs::read_symlink(entry.path()).string();
+    } else {
+      found[path] = entry.is_directory() ? "folder" : contentsOf(entry.path());
+    }
+  }
+  return found;
+}
+
+// What two hundred killed moves came to.
+struct Tally {
+  int killed = 0;
+  int sourceStillWhole = 0;
+  int copyAlreadyWhole = 0;
+  std::string lost;  // at which changes of the disk neither was whole
+};
+
+// A folder like a Mac's disk with a bundle in Downloads that a process moves, and may be killed while it
+// does.
+class InterruptedMove : public ::testing::Test {
+ protected:
+  InterruptedMove() {
+    std::string pattern = (fs::temp_directory_path() / "karno-test-XXXXXX").string();
+    root_ = fs::canonical(::mkdtemp(pattern.data()));
+    fs::create_directories(root_ / "System/Library/CoreServices");
+    std::ofstream(root_ / "System/Library/CoreServices/SystemVersion.plist")
+        << "<plist version=\"1.0\"><dict><key>ProductVersion</key><string>14.5</string></dict></plist>\n";
+  }
+  ~InterruptedMove() override { fs::remove_all(root_); }
+
+  void layOut(bool withInstalledCopy) {
+    for (const char* folder : {"Applications", "Users"}) fs::remove_all(root_ / folder);
+    fs::create_directories(installed().parent_path());
+    writeBundle(source(), "new");
+    if (withInstalledCopy) writeBundle(installed(), "old");
+    whole_ = everythingIn(source());
+  }
+
+  // Moves the bundle; at that change of the disk the process is killed. 0 kills it never.
+  CommandResult move(long killAt) {
+    return runCommand({"env", "LD_PRELOAD=" + faultyDisk().string(), "HOME=" + home().string(),
+                       "KARNO_MACHINE_ROOT=" + root_.string(), "KARNO_TEST_KILL_AT=" + std::to_string(killAt),
+                       "KARNO_TEST_COUNT_FILE=" + countFile().string(), moveOnce(), source()},
+                      std::chrono::seconds(20));
+  }
+
+  long changesOfAWholeMove() {
+    const CommandResult moved = move(0);
+    EXPECT_EQ(moved.status, 0) << moved.output;
+    return std::strtol(contentsOf(countFile()).c_str(), nullptr, 10);
+  }
+
+  Tally killAnywhere(long changes) {
+    std::mt19937 random(seed());
+    std::uniform_int_distribution<long> anyChange(1, changes);
+    Tally tally;
+    for (int run = 0; run < kKills; ++run) {
+      layOut(run % 2 == 0);
+      const long killAt = anyChange(random);
+      tally.killed += move(killAt).status == 128 + SIGKILL;
+      const bool isSourceWhole = isWhole(source());
+      const bool isCopyWhole = isWhole(installed());
+      tally.sourceStillWhole += isSourceWhole;
+      tally.copyAlreadyWhole += isCopyWhole;
+      if (!isSourceWhole && !isCopyWhole) tally.lost += " " + std::to_string(killAt);
+    }
+    return tally;
+  }
+
+  bool isWhole(const fs::path& bundle) const { return everythingIn(bundle) == whole_; }
+
+  fs::path home() const { return root_ / "Users/user"; }
+  fs::path source() const { return home() / "Downloads/Karno.app"; }
+  fs::path installed() const { return root_ / "Applications/Karno.app"; }
+
+ private:
+  fs::path countFile() const { return root_ / "changes"; }
+
+  static void writeBundle(const fs::path& bundle, const std::string& content) {
+    for (int folder = 0; folder < kFolders; ++folder) {
+      const fs::path place = bundle / "Contents" / std::to_string(folder);
+      fs::create_directories(place);
+      for (int file = 0; file < kFilesInFolder; ++file) {
+        std::ofstream(place / std::to_string(file)) << content << std::string(1'000, 'x');
+      }
+      fs::create_symlink("0", place / "link");
+    }
+  }
+
+  fs::path root_;
+  std::map<std::string, std::string> whole_;
+};
+
+TEST_F(InterruptedMove, LeavesOneWholeBundleWhereverItIsKilled) {
+  layOut(true);
+  const long changes = changesOfAWholeMove();
+  ASSERT_GE(changes, 80);
+
+  const Tally tally = killAnywhere(changes);
+
+  EXPECT_EQ(tally.lost, "") << "with the seed " << seed();
+  EXPECT_GE(tally.killed, 200);
+  EXPECT_GT(tally.sourceStillWhole, 0);
+  EXPECT_GT(tally.copyAlreadyWhole, 0);
+}
+
+}  // namespace
+}  // namespace karno::test

@@ -1,0 +1,107 @@
+// A library to be loaded before all others, which makes the disk fail under a program. It takes the place of
+// the C library's functions that the copy, the removal and the Trash are made of. The environment says what
+// is wrong:
+//   KARNO_TEST_DISK=full       after a few files no more bytes can be written by copying
+//   KARNO_TEST_DISK=stubborn   nothing can be removed, and nothing below a folder Downloads can be renamed
+//   KARNO_TEST_KILL_AT=N       the process is killed when it makes its Nth change of the disk
+//   KARNO_TEST_COUNT_FILE=F    how many changes it has made is written there when it ends
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/sendfile.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr int kCopiesOnFullDisk = 3;
+
+std::atomic<long> changes{0};
+std::atomic<int> copies{0};
+
+bool diskIs(const char* condition) {
+  const char* const disk = std::getenv("KARNO_TEST_DISK");
+  return disk != nullptr && std::strcmp(disk, condition) == 0;
+}
+
+void countChange() {
+  const char* const limit = std::getenv("KARNO_TEST_KILL_AT");
+  const long number = ++changes;
+  if (limit != nullptr && number == std::strtol(limit, nullptr, 10)) ::kill(::getpid(), SIGKILL);
+}
+
+// The function that this library stands in front of.
+template <class Function>
+Function* real(const char* name) {
+  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+struct Counter {
+  ~Counter() {
+    const char* const path = std::getenv("KARNO_TEST_COUNT_FILE");
+    if (path == nullptr) return;
+    if (std::FILE* const file = std::fopen(path, "w")) {
+      std::fprintf(file, "%ld\n", changes.load());
+      std::fclose(file);
+    }
+  }
+};
+const Counter counter;
+
+}  // namespace
+
+extern "C" {
+
+int mkdir(const char* path, mode_t mode) {
+  countChange();
+  return real<int(const char*, mode_t)>("mkdir")(path, mode);
+}
+
+int fchmod(int file, mode_t mode) {
+  countChange();
+  return real<int(int, mode_t)>("fchmod")(file, mode);
+}
+
+int fchmodat(int folder, const char* path, mode_t mode, int flags) {
+  countChange();
+  return real<int(int, const char*, mode_t, int)>("fchmodat")(folder, path, mode, flags);
+}
+
+int symlink(const char* destination, const char* path) {
+  countChange();
+  return real<int(const char*, const char*)>("symlink")(destination, path);
+}
+
+ssize_t sendfile(int to, int from, off_t* offset, size_t count) {
+  countChange();
+  if (diskIs("full") && ++copies > kCopiesOnFullDisk) {
+    errno = ENOSPC;
+    return -1;
+  }
+  return real<ssize_t(int, int, off_t*, size_t)>("sendfile")(to, from, offset, count);
+}
+
+int unlinkat(int folder, const char* path, int flags) {
+  countChange();
+  if (diskIs("stubborn")) {
+    errno = EPERM;
+    return -1;
+  }
+  return real<int(int, const char*, int)>("unlinkat")(folder, path, flags);
+}
+
+int rename(const char* from, const char* to) {
+  countChange();
+  if (diskIs("stubborn") && std::strstr(from, "/Downloads/") != nullptr) {
+    errno = EPERM;
+    return -1;
+  }
+  return real<int(const char*, const char*)>("rename")(from, to);
+}
+}

@@ -1,0 +1,151 @@
+#include "platform/linux/file_manager.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "../support/scoped_environment.h"
+#include "../support/temporary_folder.h"
+
+namespace karno::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+using test::contentOf;
+using test::ScopedEnvironment;
+using test::TemporaryFolder;
+
+class LinuxFileManagerTest : public testing::Test {
+ protected:
+  fs::perms permissionsOf(const std::string& name) const {
+    return fs::symlink_status(folder_ / name).permissions();
+  }
+
+  const TemporaryFolder folder_;
+  const ScopedEnvironment home_{"HOME", folder_ / "home"};
+  LinuxFileManager manager_;
+};
+
+TEST_F(LinuxFileManagerTest, TellsWhatMayBeWritten) {
+  fs::create_directory(folder_ / "open");
+  fs::create_directory(folder_ / "shut");
+  fs::permissions(folder_ / "shut", fs::perms::owner_read | fs::perms::owner_exec);
+
+  EXPECT_TRUE(manager_.isWritable(folder_ / "open"));
+  EXPECT_FALSE(manager_.isWritable(folder_ / "shut"));
+  EXPECT_FALSE(manager_.isWritable(folder_ / "nowhere"));
+}
+
+TEST_F(LinuxFileManagerTest, ResolvesLinks) {
+  fs::create_directory(folder_ / "real");
+  fs::create_symlink("real", folder_ / "link");
+
+  EXPECT_EQ(manager_.resolvingSymbolicLinks(folder_ / "link"), fs::canonical(folder_ / "real").string());
+  EXPECT_EQ(manager_.resolvingSymbolicLinks(folder_ / "nowhere"), folder_ / "nowhere");
+}
+
+TEST_F(LinuxFileManagerTest, StandardisesPaths) {
+  EXPECT_EQ(manager_.standardising("/Applications//./Old/../Karno.app/"), "/Applications/Karno.app");
+  EXPECT_EQ(manager_.standardising("/"), "/");
+}
+
+TEST_F(LinuxFileManagerTest, CopiesABundleWithItsLinksAndPermissions) {
+  folder_.write("A.app/Contents/MacOS/A", "program");
+  fs::permissions(folder_ / "A.app/Contents/MacOS/A", fs::perms(0751));
+  fs::create_symlink("MacOS/A", folder_ / "A.app/Contents/Current");
+  fs::create_symlink("/nowhere", folder_ / "A.app/Contents/Broken");
+  fs::create_directory(folder_ / "A.app/Contents/Empty");
+  fs::permissions(folder_ / "A.app/Contents/Empty", fs::perms(0700));
+
+  const auto error = manager_.copyItem(folder_ / "A.app", folder_ / "B.app");
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_EQ(contentOf(folder_ / "B.app/Contents/MacOS/A"), "program");
+  EXPECT_EQ(permissionsOf("B.app/Contents/MacOS/A"), fs::perms(0751));
+  EXPECT_EQ(fs::read_symlink(folder_ / "B.app/Contents/Current"), "MacOS/A");
+  EXPECT_EQ(fs::read_symlink(folder_ / "B.app/Contents/Broken"), "/nowhere");
+  EXPECT_EQ(permissionsOf("B.app/Contents/Empty"), fs::perms(0700));
+  EXPECT_EQ(contentOf(folder_ / "A.app/Contents/MacOS/A"), "program");
+}
+
+TEST_F(LinuxFileManagerTest, CopiesAFolderThatMayNotBeWritten) {
+  folder_.write("A.app/Contents/file", "text");
+  fs::permissions(folder_ / "A.app/Contents", fs::perms(0555));
+
+  const auto error = manager_.copyItem(folder_ / "A.app", folder_ / "B.app");
+  const fs::perms copied = permissionsOf("B.app/Contents");
+  fs::permissions(folder_ / "A.app/Contents", fs::perms(0755));
+  fs::permissions(folder_ / "B.app/Contents", fs::perms(0755));
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_EQ(copied, fs::perms(0555));
+  EXPECT_EQ(contentOf(folder_ / "B.app/Contents/file"), "text");
+}
+
+TEST_F(LinuxFileManagerTest, CopiesOverNothing) {
+  folder_.write("A.app/file", "new");
+  folder_.write("B.app/file", "old");
+
+  const auto error = manager_.copyItem(folder_ / "A.app", folder_ / "B.app");
+
+  EXPECT_EQ(error, Error::posix(EEXIST));
+  EXPECT_EQ(contentOf(folder_ / "B.app/file"), "old");
+}
+
+TEST_F(LinuxFileManagerTest, TellsWhyItCannotCopy) {
+  folder_.write("A.app/file", "text");
+  ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+
+  EXPECT_EQ(manager_.copyItem(folder_ / "nowhere", folder_ / "B.app"), Error::posix(ENOENT));
+  EXPECT_EQ(manager_.copyItem(folder_ / "A.app", folder_ / "no/B.app"), Error::posix(ENOENT));
+  EXPECT_EQ(manager_.copyItem(folder_ / "pipe", folder_ / "B.app"), Error::posix(ENOTSUP));
+}
+
+TEST_F(LinuxFileManagerTest, DoesNotCopyWithoutEnd) {
+  fs::path deep = folder_ / "A.app";
+  for (int i = 0; i < 140; ++i) deep /= "d";
+  fs::create_directories(deep);
+
+  EXPECT_EQ(manager_.copyItem(folder_ / "A.app", folder_ / "B.app"), Error::posix(ELOOP));
+}
+
+TEST_F(LinuxFileManagerTest, MovesToTheTrash) {
+  folder_.write("A.app/file", "text");
+
+  const auto error = manager_.trashItem(folder_ / "A.app");
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_FALSE(fs::exists(folder_ / "A.app"));
+  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A.app/file"), "text");
+}
+
+TEST_F(LinuxFileManagerTest, KeepsWhatIsInTheTrashAlready) {
+  folder_.write("home/.Trash/A.app/file", "first");
+  folder_.write("home/.Trash/A 2.app/file", "second");
+  folder_.write("A.app/file", "third");
+
+  const auto error = manager_.trashItem(folder_ / "A.app");
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A.app/file"), "first");
+  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A 2.app/file"), "second");
+  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A 3.app/file"), "third");
+}
+
+TEST_F(LinuxFileManagerTest, TellsWhyItCannotTrash) {
+  EXPECT_EQ(manager_.trashItem(folder_ / "nowhere"), Error::posix(ENOENT));
+}
+
+TEST_F(LinuxFileManagerTest, TellsThatThereIsNoPlaceForATrash) {
+  folder_.write("home", "a file");
+  folder_.write("A.app/file", "text");
+
+  EXPECT_EQ(manager_.trashItem(folder_ / "A.app"), Error::posix(ENOTDIR));
+  EXPECT_EQ(contentOf(folder_ / "A.app/file"), "text");
+}
+
+}  // namespace
+}  // namespace karno::platform

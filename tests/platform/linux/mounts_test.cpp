@@ -1,0 +1,122 @@
+#include "platform/linux/mounts.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "../support/property_list_texts.h"
+#include "../support/scoped_environment.h"
+#include "../support/temporary_folder.h"
+#include "platform/cocoa/property_lists.h"
+#include "platform/linux/standard_folders.h"
+
+namespace karno::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+using test::propertyList;
+using test::ScopedEnvironment;
+using test::stringEntry;
+using test::TemporaryFolder;
+
+constexpr const char* kTable = "var/machine/disk-images.plist";
+
+std::string tableOf(const std::string& images) {
+  return propertyList("<key>images</key><array>" + images + "</array>");
+}
+
+std::string imageOf(const std::string& entity) {
+  return "<dict><key>system-entities</key><array><dict>" + entity + "</dict></array></dict>";
+}
+
+std::string mountedAt(const std::string& device, const std::string& place) {
+  return imageOf(stringEntry("dev-entry", device) + stringEntry("mount-point", place));
+}
+
+class LinuxMountsTest : public testing::Test {
+ protected:
+  LinuxMountsTest() { fs::create_directories(folder_ / "Volumes/Karno/Tools"); }
+
+  const TemporaryFolder folder_;
+  const ScopedEnvironment root_{"KARNO_MACHINE_ROOT", folder_.path()};
+  cocoa::CocoaPropertyLists propertyLists_;
+  LinuxMounts mounts_{propertyLists_};
+};
+
+TEST_F(LinuxMountsTest, TakeTheMachineRootForTheRootFileSystem) {
+  const auto information = mounts_.informationOf(folder_.path());
+
+  ASSERT_TRUE(information);
+  EXPECT_TRUE(information->isRootFileSystem);
+}
+
+TEST_F(LinuxMountsTest, KnowTheDiskImagesOfTheMachine) {
+  folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Karno")));
+
+  const auto information = mounts_.informationOf(folder_ / "Volumes/Karno/Tools");
+
+  ASSERT_TRUE(information);
+  EXPECT_EQ(information->sourceDevice, "/dev/disk4s1");
+  EXPECT_FALSE(information->isRootFileSystem);
+}
+
+TEST_F(LinuxMountsTest, FindADiskImageBehindALink) {
+  folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Karno")));
+  fs::create_symlink(folder_ / "Volumes/Karno", folder_ / "link");
+
+  const auto information = mounts_.informationOf(folder_ / "link/Tools");
+
+  ASSERT_TRUE(information);
+  EXPECT_EQ(information->sourceDevice, "/dev/disk4s1");
+}
+
+TEST_F(LinuxMountsTest, DoNotTakeAFolderForAnotherOneThatBeginsLikeIt) {
+  folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Kar")));
+
+  const auto information = mounts_.informationOf(folder_ / "Volumes/Karno");
+
+  ASSERT_TRUE(information);
+  EXPECT_TRUE(information->isRootFileSystem);
+}
+
+TEST_F(LinuxMountsTest, PassOverEntriesThatAreNoMounts) {
+  folder_.write(
+      kTable,
+      tableOf("<string>text</string><dict/>" + imageOf(stringEntry("mount-point", "/Volumes/Karno")) +
+              imageOf(stringEntry("dev-entry", "/dev/disk3")) + mountedAt("/dev/disk4s1", "/Volumes/Karno")));
+
+  const auto information = mounts_.informationOf(folder_ / "Volumes/Karno");
+
+  ASSERT_TRUE(information);
+  EXPECT_EQ(information->sourceDevice, "/dev/disk4s1");
+}
+
+TEST_F(LinuxMountsTest, KnowTheMountsOfLinux) {
+  const auto information = mounts_.informationOf("/proc/self");
+
+  ASSERT_TRUE(information);
+  EXPECT_EQ(information->sourceDevice, "proc");
+  EXPECT_FALSE(information->isRootFileSystem);
+}
+
+TEST_F(LinuxMountsTest, KnowNothingOfAPathThatIsNotThere) {
+  EXPECT_FALSE(mounts_.informationOf(folder_ / "nowhere"));
+}
+
+TEST(LinuxStandardFoldersTest, AreThoseOfTheUserAndOfTheMachineRoot) {
+  const ScopedEnvironment root("KARNO_MACHINE_ROOT", "/srv/machine");
+  const ScopedEnvironment home("HOME", "/srv/machine/Users/anna");
+  const LinuxStandardFolders folders;
+
+  EXPECT_EQ(
+      folders.inAllDomains(StandardFolder::Applications),
+      (std::vector<std::string>{"/srv/machine/Users/anna/Applications", "/srv/machine/Applications",
+                                "/srv/machine/Network/Applications", "/srv/machine/System/Applications"}));
+  EXPECT_EQ(folders.inAllDomains(StandardFolder::Downloads),
+            std::vector<std::string>{"/srv/machine/Users/anna/Downloads"});
+  EXPECT_EQ(folders.localApplications(), "/srv/machine/Applications");
+}
+
+}  // namespace
+}  // namespace karno::platform

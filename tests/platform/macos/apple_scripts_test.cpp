@@ -1,0 +1,64 @@
+#include "platform/macos/apple_scripts.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/cocoa/strings.h"
+#include "stand_in.h"
+
+namespace karno::platform::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+objc::Id initWithSource(objc::Id self, objc::Sel selector, objc::Id source) {
+  recordAndAnswer(selector, shown(source));
+  return self;
+}
+
+objc::Id execute(objc::Id, objc::Sel selector, objc::Id* error) {
+  const objc::Id descriptor = recordAndAnswer(selector);
+  if (descriptor == nullptr) *error = StandIns::current().answerTo("error");
+  return descriptor;
+}
+
+Class scriptClass() {
+  static const Class made = StandInClass("StandInAppleScript")
+                                .method("initWithSource:", "@@:@", initWithSource)
+                                .method("executeAndReturnError:", "@@:^@", execute)
+                                .registerClass();
+  return made;
+}
+
+class MacAppleScripts : public testing::Test {
+ protected:
+  const objc::AutoreleasePool pool_;
+  StandIns standIns_;
+  const objc::ClassOverride override_{"NSAppleScript", scriptClass()};
+  FoundationAppleScripts scripts_;
+};
+
+TEST_F(MacAppleScripts, AreRunAndLetGo) {
+  standIns_.answer("executeAndReturnError:", objc::string("descriptor"));
+
+  EXPECT_EQ(scripts_.execute("beep 2"), std::nullopt);
+  EXPECT_THAT(standIns_.messages(), ElementsAre("initWithSource: beep 2", "executeAndReturnError:"));
+  EXPECT_EQ(standIns_.liveCount(), 0);
+}
+
+TEST_F(MacAppleScripts, TellTheErrorInformation) {
+  standIns_.answer("error", objc::string("{NSAppleScriptErrorNumber = -1743;}"));
+
+  EXPECT_EQ(scripts_.execute("beep"), "{NSAppleScriptErrorNumber = -1743;}");
+}
+
+TEST_F(MacAppleScripts, TellThatThereIsNoErrorInformation) { EXPECT_EQ(scripts_.execute("beep"), "(null)"); }
+
+TEST_F(MacAppleScripts, TakeWhatIsRaisedForAnError) {
+  standIns_.raise();
+
+  EXPECT_TRUE(scripts_.execute("beep"));
+}
+
+}  // namespace
+}  // namespace karno::platform::test

@@ -1,0 +1,112 @@
+#include "platform/macos/file_manager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/cocoa/strings.h"
+#include "stand_in.h"
+
+namespace karno::platform::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+
+// Fails with the error that was set, if any, unless an answer was set.
+objc::Boolean answerOrFail(objc::Sel selector, const std::string& arguments, objc::Id* error) {
+  const bool isDone = recordAndAnswer(selector, arguments) != nullptr;
+  if (!isDone) *error = StandIns::current().answerTo("error");
+  return isDone;
+}
+
+objc::Boolean copyItem(objc::Id, objc::Sel selector, objc::Id from, objc::Id to, objc::Id* error) {
+  return answerOrFail(selector, shown(from) + " " + shown(to), error);
+}
+
+objc::Boolean trashItem(objc::Id, objc::Sel selector, objc::Id url, objc::Id* result, objc::Id* error) {
+  const std::string place = result == nullptr ? "" : " and asks for the place";
+  return answerOrFail(selector, shown(objc::send(url, "path")) + place, error);
+}
+
+Class managerClass() {
+  static const Class made = StandInClass("StandInFileManager")
+                                .classMethod("defaultManager", "@@:", withoutArguments)
+                                .method("copyItemAtPath:toPath:error:", "C@:@@^@", copyItem)
+                                .method("trashItemAtURL:resultingItemURL:error:", "C@:@^@^@", trashItem)
+                                .registerClass();
+  return made;
+}
+
+objc::Id domain(objc::Id, objc::Sel selector) { return answer(selector); }
+objc::Integer code(objc::Id, objc::Sel) { return 640; }
+objc::Id localizedDescription(objc::Id, objc::Sel selector) { return answer(selector); }
+
+Class errorClass() {
+  static const Class made = StandInClass("StandInFileError")
+                                .method("domain", "@@:", domain)
+                                .method("code", "q@:", code)
+                                .method("localizedDescription", "@@:", localizedDescription)
+                                .registerClass();
+  return made;
+}
+
+class MacFileManager : public testing::Test {
+ protected:
+  MacFileManager() { standIns_.answer("defaultManager", instanceOf(managerClass())); }
+
+  void failWithAnError() {
+    standIns_.answer("error", instanceOf(errorClass()));
+    standIns_.answer("domain", objc::string("NSCocoaErrorDomain"));
+    standIns_.answer("localizedDescription", objc::string("The disk is full."));
+  }
+
+  const objc::AutoreleasePool pool_;
+  StandIns standIns_;
+  const objc::ClassOverride override_{"NSFileManager", managerClass()};
+  FoundationFileManager manager_;
+};
+
+TEST_F(MacFileManager, Copies) {
+  standIns_.answer("copyItemAtPath:toPath:error:", objc::string("done"));
+
+  EXPECT_EQ(manager_.copyItem("/a/Karno.app", "/b/Karno.app"), std::nullopt);
+  EXPECT_THAT(standIns_.messages(),
+              ElementsAre("defaultManager", "copyItemAtPath:toPath:error: /a/Karno.app /b/Karno.app"));
+}
+
+TEST_F(MacFileManager, TellsWhyItCannotCopy) {
+  failWithAnError();
+
+  EXPECT_EQ(manager_.copyItem("/a", "/b"),
+            Error("NSCocoaErrorDomain", 640, {{std::string(kLocalizedDescriptionKey), "The disk is full."}}));
+}
+
+TEST_F(MacFileManager, MovesToTheTrash) {
+  standIns_.answer("trashItemAtURL:resultingItemURL:error:", objc::string("done"));
+
+  EXPECT_EQ(manager_.trashItem("/a/Karno.app"), std::nullopt);
+  EXPECT_THAT(standIns_.messages(),
+              ElementsAre("defaultManager", "trashItemAtURL:resultingItemURL:error: /a/Karno.app"));
+}
+
+TEST_F(MacFileManager, TellsWhyItCannotTrash) {
+  failWithAnError();
+
+  EXPECT_EQ(manager_.trashItem("/a"),
+            Error("NSCocoaErrorDomain", 640, {{std::string(kLocalizedDescriptionKey), "The disk is full."}}));
+}
+
+TEST_F(MacFileManager, FailsWithoutAReason) {
+  EXPECT_EQ(manager_.copyItem("/a", "/b"), Error("NSCocoaErrorDomain", 512));
+}
+
+TEST_F(MacFileManager, TakesWhatIsRaisedForAnError) {
+  standIns_.raise();
+
+  EXPECT_TRUE(manager_.copyItem("/a", "/b"));
+  EXPECT_TRUE(manager_.trashItem("/a"));
+}
+
+}  // namespace
+}  // namespace karno::platform::test
