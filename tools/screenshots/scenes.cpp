@@ -7,6 +7,7 @@
 #include "app/startup_manager.h"
 #include "ipc/karno_wrappper_notifier_listener.h"
 #include "localise/karno_localise.h"
+#include "move/move_alerts.h"
 #include "platform/platform.h"
 
 namespace karno::screenshots {
@@ -37,6 +38,10 @@ void showUpdateAlert() {
                    {.title = KarnoLocalise::localise("NOT_NOW"), .keyEquivalent = "\033"}}});
 }
 
+std::string downloadedBundle() {
+  return platform::host().files.searchPath(platform::UserFolder::Downloads).front() + "/Karno.app";
+}
+
 }  // namespace
 
 const std::vector<Scene>& allScenes() {
@@ -51,6 +56,9 @@ const std::vector<Scene>& allScenes() {
       {"alert-fuse-install", [] { StartupManager::instance().informUserToDownloadFuse(); }},
       {"alert-fuse-continue", [] { StartupManager::instance().continueAfterManualInstall(); }},
       {"alert-fuse-update", showUpdateAlert},
+      {"alert-move", [] { userWantsMove(downloadedBundle(), false); }},
+      {"alert-move-password", [] { userWantsMove(downloadedBundle(), true); }},
+      {"alert-move-failed", showMoveFailure},
   };
   return scenes;
 }
