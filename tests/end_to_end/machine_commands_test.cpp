@@ -60,6 +60,42 @@ TEST(MakeMachine, PutsTheBundleIntoAFolderOfTheUserWhenAsked) {
   EXPECT_FALSE(fs::exists(machine.bundle()));
 }
 
+TEST(MakeMachine, MountsADiskImageForABundleBelowVolumes) {
+  const Machine machine(builtTools(), {"--into", "Volumes/Karno/Tools"});
+
+  const CommandResult again =
+      machine.make({"--bundle", builtTools().bundle, "--into", "Volumes/Karno/Tools"});
+
+  EXPECT_EQ(again.status, 0) << again.output;
+  EXPECT_EQ(tool(machine, "usr/bin/hdiutil", {"info"}).output,
+            "image-path:\t/Users/Shared/Karno.dmg\t/dev/disk4\t/dev/disk4s1\n");
+  EXPECT_EQ(tool(machine, "usr/bin/hdiutil", {"detach", "/dev/disk4s1"}).output, "\"disk4s1\" ejected.\n");
+  EXPECT_FALSE(fs::exists(machine.root() / "Volumes/Karno"));
+  EXPECT_EQ(tool(machine, "usr/bin/hdiutil", {"info"}).output, "");
+}
+
+TEST(MakeMachine, AsksARealAdministratorAgain) {
+  const Machine machine(builtTools(), {"--administrator", "refuses"});
+  const CommandResult refused = tool(machine, "usr/bin/pkexec", {"/bin/true"});
+
+  const CommandResult made = machine.make({"--administrator", "none"});
+
+  EXPECT_EQ(refused.status, 127);
+  EXPECT_EQ(made.status, 0) << made.output;
+  EXPECT_FALSE(fs::exists(machine.root() / "usr/bin/pkexec"));
+}
+
+TEST(MakeMachine, RefusesWhatNoAdministratorDoes) {
+  const Machine machine(builtTools());
+
+  const CommandResult made = machine.make({"--administrator", "sleeps"});
+
+  EXPECT_EQ(made.status, 64);
+  EXPECT_EQ(made.output,
+            "make-machine: 'sleeps' is nothing an administrator does: authorises, cancels, refuses, fails or "
+            "none\nTry \"make-machine --help\".\n");
+}
+
 TEST(MakeMachine, RefusesProcessorsThatNoMacHas) {
   const Machine machine(builtTools());
 

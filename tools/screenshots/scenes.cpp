@@ -7,7 +7,9 @@
 #include "app/startup_manager.h"
 #include "ipc/karno_wrappper_notifier_listener.h"
 #include "localise/karno_localise.h"
+#include "move/move_alerts.h"
 #include "platform/platform.h"
+#include "update_scenes.h"
 
 namespace karno::screenshots {
 namespace {
@@ -37,10 +39,20 @@ void showUpdateAlert() {
                    {.title = KarnoLocalise::localise("NOT_NOW"), .keyEquivalent = "\033"}}});
 }
 
+std::vector<Scene> withUpdateScenes(std::vector<Scene> scenes) {
+  const std::vector<Scene> more = updateScenes();
+  scenes.insert(scenes.end(), more.begin(), more.end());
+  return scenes;
+}
+
+std::string downloadedBundle() {
+  return platform::host().files.searchPath(platform::UserFolder::Downloads).front() + "/Karno.app";
+}
+
 }  // namespace
 
 const std::vector<Scene>& allScenes() {
-  static const std::vector<Scene> scenes = {
+  static const std::vector<Scene> scenes = withUpdateScenes({
       {"prompt-install", [] { mainWindow()->showInstallFuseWindowWithUpgrading(false); }},
       {"prompt-upgrade", [] { mainWindow()->showInstallFuseWindowWithUpgrading(true); }},
       {"progress", showProgress},
@@ -51,7 +63,10 @@ const std::vector<Scene>& allScenes() {
       {"alert-fuse-install", [] { StartupManager::instance().informUserToDownloadFuse(); }},
       {"alert-fuse-continue", [] { StartupManager::instance().continueAfterManualInstall(); }},
       {"alert-fuse-update", showUpdateAlert},
-  };
+      {"alert-move", [] { userWantsMove(downloadedBundle(), false); }},
+      {"alert-move-password", [] { userWantsMove(downloadedBundle(), true); }},
+      {"alert-move-failed", showMoveFailure},
+  });
   return scenes;
 }
 

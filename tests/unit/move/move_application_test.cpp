@@ -9,10 +9,8 @@
 namespace karno {
 namespace {
 
-using platform::Alert;
 using test::failureAlert;
 using test::kDownloaded;
-using test::kHdiutilLine;
 using test::kInstalled;
 using test::kTrashed;
 using test::moveError;
@@ -21,7 +19,6 @@ using test::question;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr const char* kOffer = "I can move myself to the Applications folder if you'd like.";
 constexpr const char* kOfferFromDownloads =
     "I can move myself to the Applications folder if you'd like. This will keep your Downloads folder "
     "uncluttered.";
@@ -100,104 +97,6 @@ TEST(Move, HappensFromADiskImageWhenOnlyThatCounts) {
 
   EXPECT_EQ(error, std::nullopt);
   EXPECT_EQ(machine.launcherAt(kInstalled), "new launcher");
-}
-
-TEST(MoveQuestion, MentionsTheDownloadsFolder) {
-  MovingMachine machine(kDownloaded);
-
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
-
-  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kOfferFromDownloads)));
-}
-
-// As with Applications folders, only the letters are compared.
-TEST(MoveQuestion, MentionsTheDownloadsFolderForOneThatBeginsLikeIt) {
-  MovingMachine machine("/Users/tester/Downloads 2/Karno.app");
-
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
-
-  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kOfferFromDownloads)));
-}
-
-TEST(MoveQuestion, MentionsADownloadsFolderOfAnyDomainOnce) {
-  MovingMachine machine("/Network/Downloads/Karno.app");
-  machine.standardFolders.folders[platform::StandardFolder::Downloads] = {"/Users/tester/Downloads",
-                                                                          "/Network/Downloads", "/Network"};
-
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
-
-  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kOfferFromDownloads)));
-}
-
-TEST(MoveQuestion, IsShortElsewhere) {
-  MovingMachine machine("/Users/tester/Desktop/Karno.app");
-
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
-
-  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kOffer)));
-}
-
-TEST(MoveQuestion, MentionsThePasswordInsteadWhereOneIsNeeded) {
-  MovingMachine machine(kDownloaded);
-  machine.withReadOnlyApplications();
-
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
-
-  EXPECT_THAT(
-      machine.alerts.shown(),
-      ElementsAre(question("I can move myself to the Applications folder if you'd like. Note that this "
-                           "will require an administrator password.")));
-}
-
-TEST(MoveQuestion, MentionsThePasswordForACopyThatMayNotBeWritten) {
-  MovingMachine machine("/Users/tester/Desktop/Karno.app");
-  machine.withInstalledCopy();
-  machine.fileManager.readOnly = {kInstalled};
-
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
-
-  EXPECT_THAT(
-      machine.alerts.shown(),
-      ElementsAre(question("I can move myself to the Applications folder if you'd like. Note that this "
-                           "will require an administrator password.")));
-}
-
-TEST(MoveQuestion, IsInTheUsersLanguageSentenceBySentence) {
-  MovingMachine machine(kDownloaded);
-  machine.bundles.main().texts = {
-      {"MoveApplication/Move to Applications folder?", "In den Ordner „Programme“ bewegen?"},
-      {"MoveApplication/This will keep your Downloads folder uncluttered.", "Das schafft Ordnung."},
-      {"MoveApplication/Do Not Move", "Nicht bewegen"}};
-
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
-
-  EXPECT_THAT(machine.alerts.shown(),
-              ElementsAre(Alert{
-                  .messageText = "In den Ordner „Programme“ bewegen?",
-                  .informativeText =
-                      "I can move myself to the Applications folder if you'd like. Das schafft Ordnung.",
-                  .buttons = {{.title = "Move to Applications Folder", .keyEquivalent = ""},
-                              {.title = "Nicht bewegen", .keyEquivalent = "\033"}}}));
-}
-
-TEST(MoveQuestion, BringsTheLauncherToTheFrontFirst) {
-  MovingMachine machine;
-  machine.application.active = false;
-  std::size_t alertsThen = 99;
-  machine.application.whenActivated = [&] { alertsThen = machine.alerts.shown().size(); };
-
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
-
-  EXPECT_EQ(machine.application.activations(), 1);
-  EXPECT_EQ(alertsThen, 0U);
-}
-
-TEST(MoveQuestion, LeavesALauncherInFrontWhereItIs) {
-  MovingMachine machine;
-
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
-
-  EXPECT_EQ(machine.application.activations(), 0);
 }
 
 class MoveThatIsDeclined : public ::testing::TestWithParam<long> {};
@@ -424,6 +323,37 @@ TEST(MoveDestination, KeepsTheBundlesName) {
       ElementsAre("/bin/sh|-c|(while /bin/kill -0 4242 >&/dev/null; do /bin/sleep 0.1; done; /usr/bin/xattr "
                   "-d -r com.apple.quarantine '/Applications/Anna'\\''s \"Kärno\"\n2.app'; /usr/bin/open "
                   "'/Applications/Anna'\\''s \"Kärno\"\n2.app') &"));
+}
+
+// The Applications folder leads to where the launcher is, though that is no Applications folder by its name.
+class MoveOntoItself : public ::testing::Test {
+ protected:
+  MoveOntoItself() {
+    machine_.standardFolders.local = "/Link";
+    machine_.files.addSymbolicLink("/Link", "/Volumes/Data/Programs");
+    machine_.workspace.runningBundles = {kSelf};
+  }
+
+  static constexpr const char* kSelf = "/Volumes/Data/Programs/Karno.app";
+  MovingMachine machine_{kSelf};
+};
+
+TEST_F(MoveOntoItself, FindsItselfRunning) {
+  const auto error = moveApplicationToApplicationsFolder(false);
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_EQ(machine_.launcherAt(kSelf), "new launcher");
+  EXPECT_THAT(machine_.console(), ElementsAre(kMoving, "INFO -- Switching to an already running version"));
+}
+
+// With privileges nobody looks, and the launcher removes itself. The order is kept.
+TEST_F(MoveOntoItself, RemovesItselfWithPrivileges) {
+  machine_.fileManager.readOnly.insert("/Volumes/Data/Programs");
+
+  static_cast<void>(moveApplicationToApplicationsFolder(false));
+
+  EXPECT_THAT(machine_.authorisations.calls,
+              ::testing::Contains("execute /bin/rm|-rf|/Volumes/Data/Programs/Karno.app"));
 }
 
 }  // namespace
