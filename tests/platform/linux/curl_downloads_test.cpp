@@ -7,9 +7,9 @@
 #include <fstream>
 #include <sstream>
 
+#include "../support/scoped_environment.h"
+#include "../support/temporary_folder.h"
 #include "fake_bundles.h"
-#include "scoped_environment.h"
-#include "temporary_folder.h"
 #include "web_server.h"
 
 namespace karno::platform::updates {

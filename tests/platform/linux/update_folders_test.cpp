@@ -8,7 +8,7 @@
 #include <ctime>
 #include <filesystem>
 
-#include "temporary_folder.h"
+#include "../support/temporary_folder.h"
 
 namespace karno::platform::updates {
 namespace {
