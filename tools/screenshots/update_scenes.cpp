@@ -17,7 +17,9 @@ constexpr const char* kNotes =
     "<li>Names with emoji are shown as they are.</li></ul><h2>Mended</h2><ul>"
     "<li>A file that two people save at the same time is kept twice instead of once.</li>"
     "<li>The window for conflicts no longer opens behind others.</li>"
-    "<li>Uploads go on after a change of the network.</li></ul><p>Thank you for all your reports.</p>";
+    "<li>Uploads go on after a change of the network.</li>"
+    "<li>A drive without room says so before the first file is copied.</li>"
+    "<li>Folders that many people share open at once.</li></ul><p>Thank you for all your reports.</p>";
 
 std::string text(std::string_view token) {
   const platform::Platform& host = platform::host();

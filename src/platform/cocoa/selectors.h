@@ -220,6 +220,7 @@ inline constexpr Message kMessages[] = {
     {"NSButton", '-', "setButtonType:"},
     {"NSButton", '-', "performClick:"},
     {"NSScrollView", '-', "setHasVerticalScroller:"},
+    {"NSScrollView", '-', "setAutohidesScrollers:"},
     {"NSScrollView", '-', "setBorderType:"},
     {"NSScrollView", '-', "setDocumentView:"},
     {"NSScrollView", '-', "contentSize"},

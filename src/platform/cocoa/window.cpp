@@ -192,6 +192,7 @@ ScrollingText Window::addScrollingText(const Frame& frame, std::string_view text
   const objc::AutoreleasePool pool;
   objc::Object scroll = allocated("NSScrollView", frame);
   send<void>(scroll, "setHasVerticalScroller:", true);
+  send<void>(scroll, "setAutohidesScrollers:", true);
   send<void>(scroll, "setBorderType:", kBezelBorder);
   objc::Object view = allocated("NSTextView", {0, 0, frame.width, frame.height});
   send<void>(view, "setEditable:", false);

@@ -18,12 +18,14 @@ constexpr Setting kSettings[] = {
     {"NSFont", "DejaVuSans"},
     {"NSBoldFont", "DejaVuSans-Bold"},
     {"NSFontSize", "13"},
+    {"NSScrollViewInterfaceStyle", "NSMacintoshInterfaceStyle"},  // the scroller at the right
     {"windowBackgroundColor", "0.95 0.95 0.95"},
     {"controlBackgroundColor", "0.95 0.95 0.95"},
     {"controlColor", "0.95 0.95 0.95"},
     {"controlHighlightColor", "0.95 0.95 0.95"},
     {"controlShadowColor", "0.80 0.80 0.80"},
     {"controlDarkShadowColor", "0.60 0.60 0.60"},
+    {"scrollBarColor", "0.90 0.90 0.90"},
 };
 
 }  // namespace
