@@ -41,8 +41,8 @@ void UpdateMachine::offer(const std::string& version, const std::string& flaw) {
   makeRelease({"release", machine_.bundle(), version, serverFolder_ / "www", server_->https(""), flaw});
 }
 
-void UpdateMachine::start(const std::string& script) {
-  machine_.startWithScript(script);
+void UpdateMachine::start(const std::vector<std::string>& options) {
+  machine_.start(options);
   if (!machine_.waitForMessage("INFO Sparkle[START] Starting Up"))
     throw std::runtime_error("the launcher does not start: " + machine_.consoleText());
 }

@@ -16,7 +16,7 @@ class UpdateMachine {
   // Puts that version into the feed.
   void offer(const std::string& version, const std::string& flaw = "none");
 
-  void start(const std::string& script = "");
+  void start(const std::vector<std::string>& options = {});
 
   // The window that offers the update; the launcher is asked to check for one.
   std::optional<WindowOnScreen> askForOffer();

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "expected_logs.h"
+#include "places.h"
 #include "update_machine.h"
 
 namespace karno::test {
@@ -11,6 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
@@ -236,6 +238,25 @@ INSTANTIATE_TEST_SUITE_P(Flaws, FlawedUpdate,
                          ::testing::Values(BadRelease{"changed", "3001 "}, BadRelease{"truncated", "2001 "},
                                            BadRelease{"truncated-before-signing", "3000 "},
                                            BadRelease{"hostile", "3000 "}));
+
+TEST_F(Update, ForWhichTheDiskHasNoRoomIsToldAndLeavesEverythingAsItWas) {
+  machine_.offer("1.1");
+  machine_.start({"--env", "LD_PRELOAD=" + faultyDisk().string(), "--env", "KARNO_TEST_DISK=full"});
+  const auto offer = machine_.askForOffer();
+  ASSERT_TRUE(offer) << machine_->consoleText();
+  machine_.answer(*offer, "Return");
+  const auto alert = findWindow(*machine_, kLauncherTitle);
+  ASSERT_TRUE(alert) << machine_->consoleText();
+  pressKey(*machine_, *alert, "Return");
+  quit();
+
+  EXPECT_THAT(machine_.updateLines(),
+              Contains(AllOf(HasSubstr(aborted("3000 ")), HasSubstr("No space left on device"))))
+      << machine_->consoleText();
+  EXPECT_EQ(machine_.installedVersion(), "1");
+  EXPECT_TRUE(machine_.isBundleWhole());
+  EXPECT_THAT(machine_.remains(), IsEmpty());
+}
 
 TEST_F(Update, OfAFeedThatIsNoneIsToldInAnAlert) {
   machine_.offer("1.1", "no-feed");

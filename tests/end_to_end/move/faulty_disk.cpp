@@ -1,7 +1,7 @@
 // A library to be loaded before all others, which makes the disk fail under a program. It takes the place of
 // the C library's functions that the copy, the removal and the Trash are made of. The environment says what
 // is wrong:
-//   KARNO_TEST_DISK=full       after a few files no more bytes can be written by copying
+//   KARNO_TEST_DISK=full       after a few files no more bytes can be written by copying or unpacking
 //   KARNO_TEST_DISK=stubborn   nothing can be removed, and nothing below a folder Downloads can be renamed
 //   KARNO_TEST_KILL_AT=N       the process is killed when it makes its Nth change of the disk
 //   KARNO_TEST_COUNT_FILE=F    how many changes it has made is written there when it ends
@@ -34,6 +34,12 @@ void countChange() {
   const char* const limit = std::getenv("KARNO_TEST_KILL_AT");
   const long number = ++changes;
   if (limit != nullptr && number == std::strtol(limit, nullptr, 10)) ::kill(::getpid(), SIGKILL);
+}
+
+bool isFullNow() {
+  if (!diskIs("full") || ++copies <= kCopiesOnFullDisk) return false;
+  errno = ENOSPC;
+  return true;
 }
 
 // The function that this library stands in front of.
@@ -80,11 +86,13 @@ int symlink(const char* destination, const char* path) {
 
 ssize_t sendfile(int to, int from, off_t* offset, size_t count) {
   countChange();
-  if (diskIs("full") && ++copies > kCopiesOnFullDisk) {
-    errno = ENOSPC;
-    return -1;
-  }
+  if (isFullNow()) return -1;
   return real<ssize_t(int, int, off_t*, size_t)>("sendfile")(to, from, offset, count);
+}
+
+ssize_t pwrite(int file, const void* bytes, size_t count, off_t offset) {
+  if (isFullNow()) return -1;
+  return real<ssize_t(int, const void*, size_t, off_t)>("pwrite")(file, bytes, count, offset);
 }
 
 int unlinkat(int folder, const char* path, int flags) {
