@@ -54,16 +54,16 @@ Mount mountOfLine(const std::string& line) {
 }
 
 // The mount that holds the path, which is absolute and without links: the innermost, and of several at one
-// place the last.
+// place the last. A process whose root folder is no mount point of its own is not told of the one it lies in.
 std::optional<Mount> kernelMountOf(const std::string& path) {
   const Result<WholeFile> table = readWholeFile("/proc/self/mountinfo");
   if (!table) return std::nullopt;
-  std::optional<Mount> innermost;
+  std::optional<Mount> innermost = Mount{.device = "none", .place = "/"};
   std::istringstream lines(table.value().bytes);
   for (std::string line; std::getline(lines, line);) {
     Mount mount = mountOfLine(line);
     if (!isAtOrBelow(path, mount.place)) continue;
-    if (!innermost || mount.place.size() >= innermost->place.size()) innermost = std::move(mount);
+    if (mount.place.size() >= innermost->place.size()) innermost = std::move(mount);
   }
   return innermost;
 }

@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "../support/burst_census.h"
 #include "../support/forked_process.h"
 #include "../support/hand_queue.h"
 #include "../support/private_bus.h"
@@ -24,11 +25,13 @@ namespace karno::platform {
 namespace {
 
 using std::chrono::milliseconds;
+using test::BurstCensus;
 using test::ForkedProcess;
 using test::HandQueue;
 using test::PrivateBus;
 using test::ScopedEnvironment;
 using test::StandardErrorCapture;
+using test::StartSignal;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -69,8 +72,9 @@ class Listener {
 };
 
 // Posts numbered notifications from a process of its own.
-std::unique_ptr<ForkedProcess> startSender(std::int64_t sender, std::int64_t count) {
-  return std::make_unique<ForkedProcess>([=] {
+std::unique_ptr<ForkedProcess> startSender(std::int64_t sender, std::int64_t count, StartSignal& signal) {
+  return std::make_unique<ForkedProcess>([=, &signal] {
+    signal.wait();
     BusPoster poster;
     for (std::int64_t number = 0; number < count; ++number) {
       if (!poster.post(notification(kName, kObject, {{"sender", sender}, {"number", number}}))) return 1;
@@ -92,30 +96,21 @@ std::string sleepsOfThread(const std::string& name) {
   return sleeps;
 }
 
-// Where a sender's next notification was not the one that had to come next.
-struct Census {
-  std::vector<std::int64_t> next;
-  std::int64_t total = 0;
-  std::int64_t outOfOrder = 0;
-
-  void count(const DistributedNotification& heard) {
-    auto& expected = next.at(static_cast<std::size_t>(*heard.userInfo.at("sender").get<std::int64_t>()));
-    if (*heard.userInfo.at("number").get<std::int64_t>() != expected) ++outOfOrder;
-    ++expected;
-    ++total;
-  }
-};
-
+// A child of a process with threads may find a lock taken for ever, so the senders are there before the
+// thread that listens.
 void expectBurstArrives(std::int64_t senders, std::int64_t each) {
   const PrivateBus bus;
+  StartSignal signal;
+  std::vector<std::unique_ptr<ForkedProcess>> processes;
+  for (std::int64_t sender = 0; sender < senders; ++sender)
+    processes.push_back(startSender(sender, each, signal));
+
   HandQueue main;
   BusNotifications centre(main);
-  Census census{.next = std::vector<std::int64_t>(static_cast<std::size_t>(senders))};
+  BurstCensus census{.next = std::vector<std::int64_t>(static_cast<std::size_t>(senders))};
   centre.addObserver(&census, kName, kObject,
                      [&](const DistributedNotification& heard) { census.count(heard); });
-
-  std::vector<std::unique_ptr<ForkedProcess>> processes;
-  for (std::int64_t sender = 0; sender < senders; ++sender) processes.push_back(startSender(sender, each));
+  signal.give();
   main.runUntil([&] { return census.total == senders * each; });
   main.runFor(kLongEnoughForAStray);
 
@@ -331,15 +326,17 @@ TEST(BusNotifications, LoseNothingOfTenThousandFromFourProcesses) { expectBurstA
 TEST(BusNotifications, LoseNothingOfAHundredThousandFromFourProcesses) { expectBurstArrives(4, 25'000); }
 
 TEST(BusNotifications, LoseNothingWhileTheMainThreadIsBusyForLong) {
+  constexpr auto kCount = static_cast<std::int64_t>(NotificationDelivery::kWaitingMax) * 3;
   const PrivateBus bus;
+  StartSignal signal;
+  const auto sender = startSender(0, kCount, signal);
   HandQueue main;
   BusNotifications centre(main);
-  Census census{.next = {0}};
+  BurstCensus census{.next = {0}};
   centre.addObserver(&census, kName, kObject,
                      [&](const DistributedNotification& heard) { census.count(heard); });
-  constexpr auto kCount = static_cast<std::int64_t>(NotificationDelivery::kWaitingMax) * 3;
 
-  const auto sender = startSender(0, kCount);
+  signal.give();
   const int status = sender->exitStatus();  // all is posted before the main queue takes the first
   main.runUntil([&] { return census.total == kCount; });
 

@@ -6,6 +6,35 @@
 
 namespace karno::test {
 
+// Holds children back until all is ready for them. Made before the first of them.
+class StartSignal {
+ public:
+  StartSignal() {
+    if (::pipe(ends_) != 0) ends_[0] = ends_[1] = -1;
+  }
+  StartSignal(const StartSignal&) = delete;
+  StartSignal& operator=(const StartSignal&) = delete;
+  ~StartSignal() {
+    give();
+    ::close(ends_[0]);
+  }
+
+  // In a child: until the parent gives the signal.
+  void wait() {
+    char byte = 0;
+    give();
+    while (::read(ends_[0], &byte, 1) > 0) continue;
+  }
+
+  void give() {
+    if (ends_[1] >= 0) ::close(ends_[1]);
+    ends_[1] = -1;
+  }
+
+ private:
+  int ends_[2] = {-1, -1};
+};
+
 // Runs the function in a child made by fork() and ends it without any clean-up; waits for it in the
 // destructor.
 class ForkedProcess {
