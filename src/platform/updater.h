@@ -79,20 +79,4 @@ class Updaters {
   virtual std::unique_ptr<Updater> makeUpdater(UpdaterDelegate& delegate) = 0;
 };
 
-// Where there is no updater: it never starts, and nothing can be checked.
-class NoUpdater final : public Updater {
- public:
-  std::optional<Error> startUpdater() override { return std::nullopt; }
-  bool sessionInProgress() const override { return false; }
-  bool canCheckForUpdates() const override { return true; }
-  void checkForUpdates() override {}
-  void setAutomaticallyChecksForUpdates(bool) override {}
-  void clearFeedURLFromUserDefaults() override {}
-};
-
-class NoUpdaters final : public Updaters {
- public:
-  std::unique_ptr<Updater> makeUpdater(UpdaterDelegate&) override { return std::make_unique<NoUpdater>(); }
-};
-
 }  // namespace karno::platform
