@@ -4,7 +4,9 @@
 #include <sys/wait.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <utility>
 #include <vector>
 
 #include "platform/posix/retry.h"
@@ -42,15 +44,32 @@ constexpr std::uint32_t kDefaultFlags = 0;
 using Execute = std::int32_t (*)(AuthorizationOpaqueRef* authorization, const char* path,
                                  std::uint32_t options, char* const* arguments, std::FILE** pipe);
 
-Execute executeFunction() {
-  static const auto function =
-      reinterpret_cast<Execute>(::dlsym(RTLD_DEFAULT, "AuthorizationExecuteWithPrivileges"));
-  return function;
-}
+}  // namespace
+
+class SecurityAuthorisations::PrivilegedExecution {
+ public:
+  // Null where the framework has no such function.
+  Execute function() {
+    if (!isLookedUp_) {
+      function_ = reinterpret_cast<Execute>(::dlsym(RTLD_DEFAULT, "AuthorizationExecuteWithPrivileges"));
+      isLookedUp_ = true;
+    }
+    return function_;
+  }
+
+ private:
+  Execute function_ = nullptr;
+  bool isLookedUp_ = false;
+};
+
+namespace {
+
+using PrivilegedExecution = std::shared_ptr<SecurityAuthorisations::PrivilegedExecution>;
 
 class SecurityAuthorisation final : public Authorisation {
  public:
-  explicit SecurityAuthorisation(AuthorizationOpaqueRef* reference) : reference_(reference) {}
+  SecurityAuthorisation(AuthorizationOpaqueRef* reference, PrivilegedExecution execution)
+      : reference_(reference), execution_(std::move(execution)) {}
   SecurityAuthorisation(const SecurityAuthorisation&) = delete;
   SecurityAuthorisation& operator=(const SecurityAuthorisation&) = delete;
   ~SecurityAuthorisation() override { ::AuthorizationFree(reference_, kDefaultFlags); }
@@ -63,7 +82,7 @@ class SecurityAuthorisation final : public Authorisation {
     return status == kSuccess ? RightAnswer::Granted : RightAnswer::Refused;
   }
 
-  bool canExecuteWithPrivileges() override { return executeFunction() != nullptr; }
+  bool canExecuteWithPrivileges() override { return execution_->function() != nullptr; }
 
   // The framework tells neither the child's identifier nor how it ended.
   Result<TaskEnd> executeWithPrivileges(const TaskLaunch& command) override {
@@ -71,8 +90,8 @@ class SecurityAuthorisation final : public Authorisation {
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
-    const std::int32_t status = executeFunction()(reference_, command.executablePath.c_str(), kDefaultFlags,
-                                                  arguments.data(), nullptr);
+    const std::int32_t status = execution_->function()(reference_, command.executablePath.c_str(),
+                                                       kDefaultFlags, arguments.data(), nullptr);
     if (status != kSuccess) return Error(std::string(kOSStatusErrorDomain), status);
 
     int end = 0;
@@ -83,14 +102,18 @@ class SecurityAuthorisation final : public Authorisation {
  private:
   static constexpr std::string_view kOSStatusErrorDomain = "NSOSStatusErrorDomain";
   AuthorizationOpaqueRef* const reference_;
+  const PrivilegedExecution execution_;
 };
 
 }  // namespace
 
+SecurityAuthorisations::SecurityAuthorisations() : execution_(std::make_shared<PrivilegedExecution>()) {}
+
 std::unique_ptr<Authorisation> SecurityAuthorisations::create() {
   AuthorizationOpaqueRef* reference = nullptr;
-  if (::AuthorizationCreate(nullptr, nullptr, kDefaultFlags, &reference) != kSuccess) return nullptr;
-  return std::make_unique<SecurityAuthorisation>(reference);
+  const std::int32_t status = ::AuthorizationCreate(nullptr, nullptr, kDefaultFlags, &reference);
+  if (status != kSuccess || reference == nullptr) return nullptr;
+  return std::make_unique<SecurityAuthorisation>(reference, execution_);
 }
 
 }  // namespace karno::platform

@@ -1,8 +1,10 @@
 #include "platform/macos/bundles.h"
 
-#include "platform/cocoa/guarded.h"
+#include <utility>
+
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/values.h"
+#include "platform/macos/guarded_answer.h"
 
 namespace karno::platform {
 namespace {
@@ -11,11 +13,10 @@ namespace {
 template <class Ask>
 std::optional<std::string> textOf(Ask ask) {
   const objc::AutoreleasePool pool;
-  const auto answer = objc::guarded("asking a bundle", [ask]() -> std::optional<std::string> {
+  return guardedAnswer("asking a bundle", std::optional<std::string>(), [ask] {
     const objc::Id string = ask();
     return string == nullptr ? std::nullopt : std::optional(objc::text(string));
   });
-  return answer ? answer.value() : std::nullopt;
 }
 
 }  // namespace
@@ -36,10 +37,9 @@ std::optional<std::string> FoundationBundle::bundleIdentifier() const { return s
 
 std::optional<Value> FoundationBundle::objectForInfoDictionaryKey(std::string_view key) const {
   const objc::AutoreleasePool pool;
-  const auto value = objc::guarded("reading Info.plist", [this, key] {
+  return guardedAnswer("reading Info.plist", std::optional<Value>(), [this, key] {
     return cocoa::valueOf(objc::send(bundle_, "objectForInfoDictionaryKey:", objc::string(key)));
   });
-  return value ? value.value() : std::nullopt;
 }
 
 std::optional<std::string> FoundationBundle::pathForResource(std::string_view name, std::string_view type,
@@ -66,20 +66,22 @@ std::string FoundationBundle::localisedString(std::string_view key, std::string_
 const Bundle& FoundationBundles::mainBundle() const {
   std::call_once(mainMade_, [this] {
     const objc::AutoreleasePool pool;
-    const objc::Id bundle = objc::send(objc::classNamed("NSBundle"), "mainBundle");
-    main_ = std::make_unique<const FoundationBundle>(objc::Object::retaining(bundle));
+    main_ =
+        std::make_unique<const FoundationBundle>(guardedAnswer("opening the main bundle", objc::Object(), [] {
+          return objc::Object::retaining(objc::send(objc::classNamed("NSBundle"), "mainBundle"));
+        }));
   });
   return *main_;
 }
 
 std::shared_ptr<const Bundle> FoundationBundles::bundleAtPath(const std::string& path) const {
   const objc::AutoreleasePool pool;
-  const auto found = objc::guarded("opening a bundle", [&path] {
+  objc::Object found = guardedAnswer("opening a bundle", objc::Object(), [&path] {
     return objc::Object::retaining(
         objc::send(objc::classNamed("NSBundle"), "bundleWithPath:", objc::string(path)));
   });
-  if (!found || !found.value()) return nullptr;
-  return std::make_shared<const FoundationBundle>(found.value());
+  if (!found) return nullptr;
+  return std::make_shared<const FoundationBundle>(std::move(found));
 }
 
 }  // namespace karno::platform

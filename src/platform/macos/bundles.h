@@ -6,7 +6,8 @@
 
 namespace karno::platform {
 
-// A bundle as NSBundle sees it. What NSBundle raises counts as absent.
+// A bundle as NSBundle sees it. What is nil, or what NSBundle raises, which is written to the console log,
+// counts as absent.
 class FoundationBundle final : public Bundle {
  public:
   // `bundle` is an NSBundle.

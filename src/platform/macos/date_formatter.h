@@ -7,7 +7,8 @@
 
 namespace karno::platform {
 
-// NSDateFormatter with the user's locale and time zone, followed while they change.
+// NSDateFormatter with the user's locale and time zone, followed while they change. What it raises is written
+// to the console log and gives an empty text.
 class FoundationDateFormatter final : public DateFormatter {
  public:
   explicit FoundationDateFormatter(const std::string& pattern);

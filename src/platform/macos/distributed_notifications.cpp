@@ -6,6 +6,7 @@
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/threads.h"
 #include "platform/cocoa/values.h"
+#include "platform/macos/guarded_answer.h"
 
 namespace karno::platform {
 namespace {
@@ -29,15 +30,17 @@ DistributedNotification read(objc::Id notification) {
   return content;
 }
 
+// One that raises must not keep the rest with the centre, which goes on sending to what it knows.
+void leaveCenter(const objc::Object& target) {
+  objc::guardedAndLogged("leaving distributed notifications",
+                         [&target] { objc::send<void>(center(), "removeObserver:", target); });
+}
+
 }  // namespace
 
 FoundationDistributedNotifications::~FoundationDistributedNotifications() {
   const objc::AutoreleasePool pool;
-  objc::guardedAndLogged("leaving distributed notifications", [this] {
-    for (const auto& registration : registrations_) {
-      objc::send<void>(center(), "removeObserver:", registration->callback->target());
-    }
-  });
+  for (const auto& registration : registrations_) leaveCenter(registration->callback->target());
 }
 
 void FoundationDistributedNotifications::addObserver(const void* observer, const std::string& name,
@@ -73,21 +76,20 @@ void FoundationDistributedNotifications::removeObserver(const void* observer) {
       }
     }
   }
-  objc::guardedAndLogged("leaving distributed notifications", [&targets] {
-    for (const objc::Object& target : targets) {
-      objc::send<void>(center(), "removeObserver:", target);
-    }
-  });
+  for (const objc::Object& target : targets) leaveCenter(target);
   destroyRemoved();
 }
 
 bool FoundationDistributedNotifications::post(const DistributedNotification& notification) {
   const objc::AutoreleasePool pool;
-  return !objc::guarded("posting a distributed notification", [&notification] {
+  return guardedAnswer("posting a distributed notification", false, [&notification] {
+    const objc::Id recipient = center();
+    const objc::Object userInfo = cocoa::objectOf(Value(notification.userInfo));
+    if (recipient == nullptr || !userInfo) return false;
     const objc::Object object = notification.object ? objc::string(*notification.object) : objc::Object();
-    objc::send<void>(
-        center(), "postNotificationName:object:userInfo:deliverImmediately:", objc::string(notification.name),
-        object, cocoa::objectOf(Value(notification.userInfo)), true);
+    objc::send<void>(recipient, "postNotificationName:object:userInfo:deliverImmediately:",
+                     objc::string(notification.name), object, userInfo, true);
+    return true;
   });
 }
 

@@ -6,6 +6,7 @@
 
 #include "platform/cocoa/guarded.h"
 #include "platform/cocoa/strings.h"
+#include "platform/macos/guarded_answer.h"
 
 namespace karno::platform {
 namespace {
@@ -47,26 +48,27 @@ FoundationRegularExpression::FoundationRegularExpression(objc::Object expression
 
 std::optional<std::string> FoundationRegularExpression::firstMatch(std::string_view text) const {
   const objc::AutoreleasePool pool;
-  auto match = objc::guarded("searching a text", [this, text]() -> std::optional<std::string> {
-    const objc::Object subject = objc::string(text);
-    const objc::Id result =
-        objc::send(expression_, "firstMatchInString:options:range:", subject, kNoOptions, wholeOf(subject));
-    if (result == nullptr) return std::nullopt;
-    const auto range = objc::send<objc::Range>(result, "range");
-    return objc::text(objc::send(subject, "substringWithRange:", range));
-  });
-  return match ? std::move(match.value()) : std::nullopt;
+  return guardedAnswer(
+      "searching a text", std::optional<std::string>(), [this, text]() -> std::optional<std::string> {
+        const objc::Object subject = objc::string(text);
+        const objc::Id result = objc::send(expression_, "firstMatchInString:options:range:", subject,
+                                           kNoOptions, wholeOf(subject));
+        if (result == nullptr) return std::nullopt;
+        const auto range = objc::send<objc::Range>(result, "range");
+        return objc::text(objc::send(subject, "substringWithRange:", range));
+      });
 }
 
 std::string FoundationRegularExpression::stringByReplacingMatches(
     std::string_view text, std::string_view replacementTemplate) const {
   const objc::AutoreleasePool pool;
-  auto replaced = objc::guarded("replacing in a text", [this, text, replacementTemplate] {
+  return guardedAnswer("replacing in a text", std::string(text), [this, text, replacementTemplate] {
     const objc::Object subject = objc::string(text);
-    return objc::text(objc::send(expression_, "stringByReplacingMatchesInString:options:range:withTemplate:",
-                                 subject, kNoOptions, wholeOf(subject), objc::string(replacementTemplate)));
+    const objc::Id replaced =
+        objc::send(expression_, "stringByReplacingMatchesInString:options:range:withTemplate:", subject,
+                   kNoOptions, wholeOf(subject), objc::string(replacementTemplate));
+    return replaced == nullptr ? std::string(text) : objc::text(replaced);
   });
-  return replaced ? std::move(replaced.value()) : std::string(text);
 }
 
 }  // namespace karno::platform

@@ -5,7 +5,7 @@
 namespace karno::platform {
 
 // A regular expression by Foundation, whose expressions are immutable and safe from any thread. What it
-// raises counts as no match.
+// raises counts as no match and is written to the console log.
 class FoundationRegularExpression final : public RegularExpression {
  public:
   static Result<std::shared_ptr<const RegularExpression>> make(std::string_view pattern, bool ignoreCase);

@@ -1,5 +1,6 @@
 #include "platform/macos/sparkle_framework.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -29,7 +30,7 @@ std::optional<Error> load() {
   return sparkle::errorOf(error);
 }
 
-Result<SparkleObjects> make(const Object& delegate) {
+Result<SparkleObjects> make(const std::function<Object()>& makeDelegate) {
   if (const auto error = load()) return *error;
   const Class driverClass = objc::classNamed("SPUStandardUserDriver");
   const Class updaterClass = objc::classNamed("SPUUpdater");
@@ -37,9 +38,11 @@ Result<SparkleObjects> make(const Object& delegate) {
     return sparkle::updaterError("The framework in the bundle has no SPUUpdater");
   }
   const Id bundle = mainBundle();
+  const Object delegate = makeDelegate();
   SparkleObjects made;
   made.userDriver =
       Object::adopting(send(send(driverClass, "alloc"), "initWithHostBundle:delegate:", bundle, delegate));
+  if (!made.userDriver) return sparkle::updaterError("The framework made no windows for this bundle");
   made.updater = Object::adopting(send(send(updaterClass, "alloc"),
                                        "initWithHostBundle:applicationBundle:userDriver:delegate:", bundle,
                                        bundle, made.userDriver, delegate));
@@ -49,8 +52,8 @@ Result<SparkleObjects> make(const Object& delegate) {
 
 }  // namespace
 
-Result<SparkleObjects> makeSparkleObjects(const Object& delegate) {
-  auto made = objc::guarded("making the updater", [&delegate] { return make(delegate); });
+Result<SparkleObjects> makeSparkleObjects(const std::function<Object()>& makeDelegate) {
+  auto made = objc::guarded("making the updater", [&makeDelegate] { return make(makeDelegate); });
   return made ? std::move(made.value()) : made.error();
 }
 

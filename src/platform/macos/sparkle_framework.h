@@ -1,5 +1,5 @@
 #pragma once
-#include <optional>
+#include <functional>
 
 #include "platform/cocoa/objc.h"
 #include "platform/error.h"
@@ -13,8 +13,9 @@ struct SparkleObjects {
 };
 
 // Loads the framework from the main bundle, unless that was done before, and makes an updater of it with the
-// standard windows. Both objects belong to the main bundle and take `delegate`, which is not known to be
-// retained. Nothing is started. The error says what is missing. Main thread only.
-Result<SparkleObjects> makeSparkleObjects(const objc::Object& delegate);
+// standard windows. Both objects belong to the main bundle and take what `makeDelegate` gives, which is not
+// known to be retained; it is asked once the framework has been loaded, which brings the protocols. Nothing
+// is started. The error says what is missing. Main thread only.
+Result<SparkleObjects> makeSparkleObjects(const std::function<objc::Object()>& makeDelegate);
 
 }  // namespace karno::platform

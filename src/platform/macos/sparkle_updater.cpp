@@ -45,9 +45,12 @@ class SparkleUpdater::Core {
 
   // The framework's updater, made on the first call; null when there is none.
   objc::Id made() {
-    if (!isClosed_ && !delegate_) {
-      delegate_ = std::make_unique<SparkleDelegate>(audience_);
-      auto objects = makeSparkleObjects(delegate_->object());
+    if (!isClosed_ && !isTried_) {
+      isTried_ = true;
+      auto objects = makeSparkleObjects([this] {
+        delegate_ = std::make_unique<SparkleDelegate>(audience_);
+        return delegate_->object();
+      });
       if (objects) {
         objects_ = std::move(objects.value());
       } else {
@@ -74,6 +77,7 @@ class SparkleUpdater::Core {
   std::unique_ptr<SparkleDelegate> delegate_;
   SparkleObjects objects_;
   std::optional<Error> failure_;  // why there are no objects
+  bool isTried_ = false;
   bool isStarted_ = false;
   bool isClosed_ = false;
 };

@@ -1,6 +1,7 @@
 #include "platform/macos/system_version.h"
 
 #include "platform/cocoa/objc.h"
+#include "platform/macos/guarded_answer.h"
 
 extern "C" const double NSAppKitVersionNumber;
 
@@ -18,8 +19,10 @@ struct OperatingSystemVersion {  // NSOperatingSystemVersion
 bool FoundationSystemVersion::isAtLeast(int major, int minor, int patch) const {
   const objc::AutoreleasePool pool;
   const OperatingSystemVersion version = {major, minor, patch};
-  const objc::Id process = objc::send(objc::classNamed("NSProcessInfo"), "processInfo");
-  return objc::send<bool>(process, "isOperatingSystemAtLeastVersion:", version);
+  return guardedAnswer("asking for the system's version", false, [version] {
+    const objc::Id process = objc::send(objc::classNamed("NSProcessInfo"), "processInfo");
+    return objc::send<bool>(process, "isOperatingSystemAtLeastVersion:", version);
+  });
 }
 
 double FoundationSystemVersion::appKitVersionNumber() const { return NSAppKitVersionNumber; }

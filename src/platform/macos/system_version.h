@@ -3,7 +3,8 @@
 
 namespace karno::platform {
 
-// The running macOS, as NSProcessInfo knows it.
+// The running macOS, as NSProcessInfo knows it. When that raises an exception, which is written to the
+// console log, the system counts as an earlier one.
 class FoundationSystemVersion final : public SystemVersion {
  public:
   bool isAtLeast(int major, int minor, int patch) const override;

@@ -1,9 +1,9 @@
 #include "platform/macos/text.h"
 
-#include "platform/cocoa/guarded.h"
 #include "platform/cocoa/strings.h"
 #include "platform/macos/core_foundation.h"
 #include "platform/macos/date_formatter.h"
+#include "platform/macos/guarded_answer.h"
 #include "platform/macos/regular_expression.h"
 #include "platform/macos/text_matching.h"
 #include "platform/macos/utf16_positions.h"
@@ -33,12 +33,13 @@ std::vector<TextRange> tokenize(std::string_view text) {
 
 // A copy of the text after `change`, one of CoreFoundation's functions for mutable strings.
 std::string changed(std::string_view text, void (*change)(CFTypeRef, CFTypeRef), CFTypeRef locale) {
-  const objc::AutoreleasePool pool;
   const CFOwned copy(CFStringCreateMutableCopy(nullptr, 0, objc::string(text).get()));
   if (!copy) return std::string(text);
   change(copy.get(), locale);
   return objc::text(copy.object());
 }
+
+constexpr std::string_view kChangingCase = "changing case";
 
 }  // namespace
 
@@ -48,21 +49,27 @@ std::unique_ptr<DateFormatter> FoundationText::makeDateFormatter(const std::stri
 
 std::vector<TextRange> FoundationText::wordRanges(std::string_view text) const {
   const objc::AutoreleasePool pool;
-  const auto words = objc::guarded("finding words", [text] { return tokenize(text); });
-  return words ? words.value() : std::vector<TextRange>();
+  return guardedAnswer("finding words", std::vector<TextRange>(), [text] { return tokenize(text); });
 }
 
 std::string FoundationText::capitalise(std::string_view word) const {
-  const CFOwned locale(CFLocaleCopyCurrent());
-  return changed(word, CFStringCapitalize, locale.get());
+  const objc::AutoreleasePool pool;
+  return guardedAnswer(kChangingCase, std::string(word), [word] {
+    const CFOwned locale(CFLocaleCopyCurrent());
+    return changed(word, CFStringCapitalize, locale.get());
+  });
 }
 
 std::string FoundationText::lowercase(std::string_view text) const {
-  return changed(text, CFStringLowercase, nullptr);
+  const objc::AutoreleasePool pool;
+  return guardedAnswer(kChangingCase, std::string(text),
+                       [text] { return changed(text, CFStringLowercase, nullptr); });
 }
 
 std::string FoundationText::uppercase(std::string_view text) const {
-  return changed(text, CFStringUppercase, nullptr);
+  const objc::AutoreleasePool pool;
+  return guardedAnswer(kChangingCase, std::string(text),
+                       [text] { return changed(text, CFStringUppercase, nullptr); });
 }
 
 int FoundationText::compareNumerically(std::string_view a, std::string_view b) const {

@@ -3,7 +3,8 @@
 
 namespace karno::platform {
 
-// Text rules by Foundation and CoreFoundation. What they raise gives the text unchanged, no words, no match.
+// Text rules by Foundation and CoreFoundation. What they raise gives the text unchanged, no words, no match,
+// and is written to the console log.
 class FoundationText final : public Text {
  public:
   std::unique_ptr<DateFormatter> makeDateFormatter(const std::string& pattern) const override;

@@ -1,17 +1,16 @@
 #include "platform/macos/text_matching.h"
 
-#include "platform/cocoa/guarded.h"
 #include "platform/cocoa/strings.h"
+#include "platform/macos/guarded_answer.h"
 #include "platform/macos/regular_expression.h"
 
 namespace karno::platform::foundation {
 
 bool isEqualCaseInsensitive(std::string_view a, std::string_view b) {
   const objc::AutoreleasePool pool;
-  const auto order = objc::guarded("comparing texts", [a, b] {
-    return objc::send<objc::Integer>(objc::string(a), "caseInsensitiveCompare:", objc::string(b));
+  return guardedAnswer("comparing texts", false, [a, b] {
+    return objc::send<objc::Integer>(objc::string(a), "caseInsensitiveCompare:", objc::string(b)) == 0;
   });
-  return order && order.value() == 0;
 }
 
 bool containsMatch(std::string_view pattern, std::string_view text, bool ignoreCase) {

@@ -3,10 +3,17 @@
 #include "platform/cocoa/guarded.h"
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/values.h"
+#include "platform/macos/guarded_answer.h"
 #include "platform/posix/console_line.h"
 
 namespace karno::platform {
 namespace {
+
+// Nothing, with a line on the console log, where that raises.
+template <class Open>
+objc::Object opened(Open open) {
+  return guardedAnswer("opening user defaults", objc::Object(), open);
+}
 
 objc::Object openSuite(const std::string& suiteName) {
   const objc::Id allocated = objc::send(objc::classNamed("NSUserDefaults"), "alloc");
@@ -17,18 +24,15 @@ objc::Object openSuite(const std::string& suiteName) {
 
 std::optional<Value> FoundationUserDefaults::objectForKey(std::string_view key) const {
   const objc::AutoreleasePool pool;
-  const auto value = objc::guarded("reading a user default", [this, key] {
+  return guardedAnswer("reading a user default", std::optional<Value>(), [this, key] {
     return cocoa::valueOf(objc::send(defaults_, "objectForKey:", objc::string(key)));
   });
-  return value ? value.value() : std::nullopt;
 }
 
 bool FoundationUserDefaults::boolForKey(std::string_view key) const {
   const objc::AutoreleasePool pool;
-  const auto value = objc::guarded("reading a user default", [this, key] {
-    return objc::send<bool>(defaults_, "boolForKey:", objc::string(key));
-  });
-  return value && value.value();
+  return guardedAnswer("reading a user default", false,
+                       [this, key] { return objc::send<bool>(defaults_, "boolForKey:", objc::string(key)); });
 }
 
 void FoundationUserDefaults::setBool(bool value, std::string_view key) {
@@ -51,16 +55,18 @@ void FoundationUserDefaults::synchronize() {
 UserDefaults& FoundationUserDefaultsStore::standardUserDefaults() {
   std::call_once(standardMade_, [this] {
     const objc::AutoreleasePool pool;
-    const objc::Id standard = objc::send(objc::classNamed("NSUserDefaults"), "standardUserDefaults");
-    standard_ = std::make_unique<FoundationUserDefaults>(objc::Object::retaining(standard), "standard");
+    objc::Object standard = opened([] {
+      return objc::Object::retaining(objc::send(objc::classNamed("NSUserDefaults"), "standardUserDefaults"));
+    });
+    standard_ = std::make_unique<FoundationUserDefaults>(std::move(standard), "standard");
   });
   return *standard_;
 }
 
 std::unique_ptr<UserDefaults> FoundationUserDefaultsStore::makeSuite(const std::string& suiteName) {
   const objc::AutoreleasePool pool;
-  const auto opened = objc::guarded("opening user defaults", [&suiteName] { return openSuite(suiteName); });
-  return std::make_unique<FoundationUserDefaults>(opened ? opened.value() : objc::Object(), suiteName);
+  return std::make_unique<FoundationUserDefaults>(opened([&suiteName] { return openSuite(suiteName); }),
+                                                  suiteName);
 }
 
 }  // namespace karno::platform

@@ -18,7 +18,7 @@ objc::Id initWithSource(objc::Id self, objc::Sel selector, objc::Id source) {
 
 objc::Id execute(objc::Id, objc::Sel selector, objc::Id* error) {
   const objc::Id descriptor = recordAndAnswer(selector);
-  if (descriptor == nullptr) *error = StandIns::current().answerTo("error");
+  *error = StandIns::current().answerTo(descriptor == nullptr ? "error" : "error left over");
   return descriptor;
 }
 
@@ -57,7 +57,39 @@ TEST_F(MacAppleScripts, TellThatThereIsNoErrorInformation) { EXPECT_EQ(scripts_.
 TEST_F(MacAppleScripts, TakeWhatIsRaisedForAnError) {
   standIns_.raise();
 
-  EXPECT_TRUE(scripts_.execute("beep"));
+  EXPECT_EQ(scripts_.execute("beep"), "run a script: raised by a stand-in");
+}
+
+TEST_F(MacAppleScripts, AreLetGoWhenTheyFail) {
+  standIns_.answer("error", objc::string("{NSAppleScriptErrorNumber = -1743;}"));
+
+  scripts_.execute("beep");
+
+  EXPECT_EQ(standIns_.liveCount(), 0);
+}
+
+TEST_F(MacAppleScripts, HaveRunWhateverIsLeftInTheErrorInformation) {
+  standIns_.answer("executeAndReturnError:", objc::string("descriptor"));
+  standIns_.answer("error left over", objc::string("{NSAppleScriptErrorNumber = -1743;}"));
+
+  EXPECT_EQ(scripts_.execute("beep"), std::nullopt);
+}
+
+objc::Id refuseSource(objc::Id self, objc::Sel selector, objc::Id source) {
+  recordAndAnswer(selector, shown(source));
+  objc::send<void>(self, "release");  // what an initialiser that answers nil does
+  return nullptr;
+}
+
+TEST_F(MacAppleScripts, AreNoneOfATextThatThePlatformRefuses) {
+  static const Class refusing = StandInClass("StandInRefusedAppleScript")
+                                    .method("initWithSource:", "@@:@", refuseSource)
+                                    .registerClass();
+  const objc::ClassOverride override("NSAppleScript", refusing);
+
+  EXPECT_EQ(scripts_.execute("beep"), "(null)");
+  EXPECT_THAT(standIns_.messages(), ElementsAre("initWithSource: beep"));
+  EXPECT_EQ(standIns_.liveCount(), 0);
 }
 
 }  // namespace

@@ -3,12 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "../support/standard_error_capture.h"
 #include "platform/cocoa/strings.h"
 #include "stand_in.h"
 
 namespace karno::platform::test {
 namespace {
 
+using karno::test::StandardErrorCapture;
 using ::testing::ElementsAre;
 
 objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
@@ -140,12 +142,48 @@ TEST_F(MacBundles, TellNothingOfWhatIsNil) {
   EXPECT_EQ(std::nullopt, bundle_.pathForResource("Strings", "json", "Base.lproj"));
 }
 
-TEST_F(MacBundles, TakeARaisedExceptionForAbsence) {
+TEST_F(MacBundles, TakeARaisedExceptionForAbsenceAndSaySo) {
+  const StandardErrorCapture console;
   standIns_.raise();
 
   EXPECT_EQ(nullptr, bundles_.bundleAtPath("/Applications/Karno.app"));
   EXPECT_EQ("", bundle_.bundlePath());
   EXPECT_EQ(std::nullopt, bundle_.objectForInfoDictionaryKey("CFBundleVersion"));
+  EXPECT_EQ(console.text(),
+            "opening a bundle: raised by a stand-in\n"
+            "asking a bundle: raised by a stand-in\n"
+            "reading Info.plist: raised by a stand-in\n");
+}
+
+TEST_F(MacBundles, HaveAnEmptyMainOneWhereThePlatformRaises) {
+  const StandardErrorCapture console;
+  standIns_.raise();
+
+  EXPECT_EQ("", bundles_.mainBundle().bundlePath());
+  EXPECT_EQ(std::nullopt, bundles_.mainBundle().bundleIdentifier());
+  EXPECT_EQ(console.text(), "opening the main bundle: raised by a stand-in\n");
+}
+
+TEST_F(MacBundles, HaveAnEmptyMainOneWhereThePlatformHasNone) {
+  EXPECT_EQ("", bundles_.mainBundle().bundlePath());
+  EXPECT_EQ("key", bundles_.mainBundle().localisedString("key", "table"));
+}
+
+TEST_F(MacBundles, GiveNothingBackThatTheyWereOnlyLent) {
+  const int countBefore = standIns_.liveCount();
+  standIns_.answer("bundleURL", instanceOf(urlClass()));
+  standIns_.answer("executableURL", instanceOf(urlClass()));
+  standIns_.answer("objectForInfoDictionaryKey:", instanceOf(urlClass()));
+
+  bundle_.bundleURL();
+  bundle_.executableURL();
+  bundle_.objectForInfoDictionaryKey("key");
+
+  EXPECT_EQ(countBefore + 3, standIns_.liveCount());
+  standIns_.answer("bundleURL", objc::Object());
+  standIns_.answer("executableURL", objc::Object());
+  standIns_.answer("objectForInfoDictionaryKey:", objc::Object());
+  EXPECT_EQ(countBefore, standIns_.liveCount());
 }
 
 TEST_F(MacBundles, LookTextsUpWithoutAValueOfTheirOwn) {
@@ -157,6 +195,7 @@ TEST_F(MacBundles, LookTextsUpWithoutAValueOfTheirOwn) {
 }
 
 TEST_F(MacBundles, AnswerTheKeyWhenTheyRaise) {
+  const StandardErrorCapture console;
   standIns_.raise();
 
   EXPECT_EQ("Do Not Move", bundle_.localisedString("Do Not Move", "MoveApplication"));

@@ -4,8 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <thread>
 
+#include "../support/standard_error_capture.h"
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/threads.h"
 #include "stand_in.h"
@@ -13,6 +15,7 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::StandardErrorCapture;
 using ::testing::ElementsAre;
 
 // Delivers a notification as the platform does: it sends the action that was given to the observer.
@@ -216,9 +219,99 @@ TEST_F(MacDistributedNotifications, ArePostedWithoutAnObject) {
 }
 
 TEST_F(MacDistributedNotifications, ThatCannotBePostedAreReported) {
+  const StandardErrorCapture console;
   standIns_.raise();
 
   EXPECT_FALSE(notifications_.post({.name = "name", .object = std::nullopt, .userInfo = {}}));
+  EXPECT_EQ(console.text(), "posting a distributed notification: raised by a stand-in\n");
+}
+
+TEST_F(MacDistributedNotifications, AreNotPostedWithoutACentre) {
+  standIns_.answer("defaultCenter", objc::Object());
+
+  EXPECT_FALSE(notifications_.post({.name = "name", .object = std::nullopt, .userInfo = {}}));
+}
+
+TEST_F(MacDistributedNotifications, ThatAreNestedTooDeeplyAreNotPostedWithoutTheirContent) {
+  Value nested = "in the middle";
+  for (int depth = 0; depth < 100; ++depth) nested = Value(Value::Array{nested});
+
+  EXPECT_FALSE(notifications_.post({.name = "name", .object = std::nullopt, .userInfo = {{"a", nested}}}));
+  EXPECT_THAT(standIns_.messages(), ElementsAre());
+}
+
+TEST_F(MacDistributedNotifications, MayHaveNoName) {
+  notifications_.addObserver(&observer_, "name", "sender", keep());
+
+  deliver(observations());
+
+  EXPECT_THAT(received_, ElementsAre(""));
+}
+
+TEST_F(MacDistributedNotifications, GiveNothingBackThatTheyWereOnlyLent) {
+  notifications_.addObserver(&observer_, "name", "sender", keep());
+  {
+    const objc::AutoreleasePool pool;
+    deliver(observations());
+  }
+
+  EXPECT_EQ(standIns_.liveCount(), 1);  // the centre
+}
+
+TEST_F(MacDistributedNotifications, WhatAHandlerThrowsEndsOnTheConsole) {
+  const StandardErrorCapture console;
+  notifications_.addObserver(&observer_, "name", "sender", [](const DistributedNotification&) {
+    throw std::runtime_error("out of order");
+  });
+
+  deliver(observations());
+
+  EXPECT_EQ(console.text(), "karnoCall:: out of order\n");
+}
+
+TEST_F(MacDistributedNotifications, WhatTheCentreRaisesEndsOnTheConsole) {
+  const StandardErrorCapture console;
+  standIns_.raise();
+
+  notifications_.addObserver(&observer_, "name", "sender", keep());
+  notifications_.removeObserver(&observer_);
+
+  EXPECT_EQ(console.text(),
+            "observing distributed notifications: raised by a stand-in\n"
+            "leaving distributed notifications: raised by a stand-in\n");
+}
+
+// The centre would go on sending to those that it still has.
+TEST_F(MacDistributedNotifications, AreLeftOneByOneWhenTheCentreRaises) {
+  const StandardErrorCapture console;
+  const int other = 0;
+  {
+    FoundationDistributedNotifications shortLived;
+    shortLived.addObserver(&observer_, "name", "sender", keep());
+    shortLived.addObserver(&observer_, "name", "sender", keep());
+    shortLived.addObserver(&other, "name", "sender", keep());
+    standIns_.raise();
+
+    shortLived.removeObserver(&observer_);
+  }
+
+  EXPECT_EQ(console.text(),
+            "leaving distributed notifications: raised by a stand-in\n"
+            "leaving distributed notifications: raised by a stand-in\n"
+            "leaving distributed notifications: raised by a stand-in\n");
+}
+
+TEST_F(MacDistributedNotifications, ThatArriveAfterTheEndReachNoHandler) {
+  objc::Object keptByThePlatform;
+  {
+    FoundationDistributedNotifications shortLived;
+    shortLived.addObserver(&observer_, "name", "sender", keep());
+    keptByThePlatform = objc::Object::retaining(observations().front().target);
+  }
+
+  deliver({{keptByThePlatform.get(), cocoa::Callback::action()}});
+
+  EXPECT_THAT(received_, ElementsAre());
 }
 
 TEST_F(MacDistributedNotifications, LeaveNoObserverBehind) {

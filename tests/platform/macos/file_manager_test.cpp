@@ -16,7 +16,7 @@ objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer
 // Fails with the error that was set, if any, unless an answer was set.
 objc::Boolean answerOrFail(objc::Sel selector, const std::string& arguments, objc::Id* error) {
   const bool isDone = recordAndAnswer(selector, arguments) != nullptr;
-  if (!isDone) *error = StandIns::current().answerTo("error");
+  *error = StandIns::current().answerTo(isDone ? "error left over" : "error");
   return isDone;
 }
 
@@ -101,11 +101,47 @@ TEST_F(MacFileManager, FailsWithoutAReason) {
   EXPECT_EQ(manager_.copyItem("/a", "/b"), Error("NSCocoaErrorDomain", 512));
 }
 
+// Only the answer counts: a method may leave anything in the error when it succeeds.
+TEST_F(MacFileManager, HasSucceededWhateverIsLeftInTheError) {
+  standIns_.answer("copyItemAtPath:toPath:error:", objc::string("done"));
+  standIns_.answer("trashItemAtURL:resultingItemURL:error:", objc::string("done"));
+  standIns_.answer("error left over", instanceOf(errorClass()));
+
+  EXPECT_EQ(manager_.copyItem("/a", "/b"), std::nullopt);
+  EXPECT_EQ(manager_.trashItem("/a"), std::nullopt);
+}
+
+TEST_F(MacFileManager, PassesAnErrorOnThatSaysNothing) {
+  standIns_.answer("error", instanceOf(errorClass()));
+
+  EXPECT_EQ(manager_.copyItem("/a", "/b"), Error("", 640, {{std::string(kLocalizedDescriptionKey), ""}}));
+}
+
+TEST_F(MacFileManager, FailsWhereThereIsNone) {
+  standIns_.answer("defaultManager", objc::Object());
+
+  EXPECT_EQ(manager_.copyItem("/a", "/b"), Error("NSCocoaErrorDomain", 512));
+  EXPECT_EQ(manager_.trashItem("/a"), Error("NSCocoaErrorDomain", 512));
+}
+
+TEST_F(MacFileManager, GivesNothingBackThatItWasOnlyLent) {
+  failWithAnError();
+  const int countBefore = standIns_.liveCount();
+
+  manager_.copyItem("/a", "/b");
+  manager_.trashItem("/a");
+
+  EXPECT_EQ(standIns_.liveCount(), countBefore);
+  standIns_.answer("error", objc::Object());
+  standIns_.answer("defaultManager", objc::Object());
+  EXPECT_EQ(standIns_.liveCount(), 0);
+}
+
 TEST_F(MacFileManager, TakesWhatIsRaisedForAnError) {
   standIns_.raise();
 
-  EXPECT_TRUE(manager_.copyItem("/a", "/b"));
-  EXPECT_TRUE(manager_.trashItem("/a"));
+  EXPECT_EQ(manager_.copyItem("/a", "/b")->localizedDescription(), "copy: raised by a stand-in");
+  EXPECT_EQ(manager_.trashItem("/a")->localizedDescription(), "move to the Trash: raised by a stand-in");
 }
 
 }  // namespace

@@ -3,16 +3,19 @@
 
 #include <chrono>
 
+#include "../support/standard_error_capture.h"
 #include "platform/cocoa/objc.h"
 #include "platform/macos/date_formatter.h"
 #include "platform/macos/text_matching.h"
 #include "platform/macos/utf16_positions.h"
+#include "stand_in.h"
 
 namespace karno::platform::test {
 namespace {
 
 using foundation::containsMatch;
 using foundation::isEqualCaseInsensitive;
+using karno::test::StandardErrorCapture;
 
 TEST(FoundationMatching, FindsAnExpressionAnywhereInTheText) {
   EXPECT_TRUE(containsMatch("b+c", "aabbc", false));
@@ -29,6 +32,24 @@ TEST(FoundationMatching, FindsABadExpressionNowhere) { EXPECT_FALSE(containsMatc
 TEST(FoundationMatching, ComparesWithoutCase) {
   EXPECT_TRUE(isEqualCaseInsensitive("Karno ÄÖ", "kARNO äö"));
   EXPECT_FALSE(isEqualCaseInsensitive("Karno", "Karno "));
+}
+
+objc::Id initWithCharacters(objc::Id, objc::Sel selector, const char16_t*, objc::UInteger) {
+  return recordAndAnswer(selector);
+}
+
+TEST(FoundationMatching, WhatIsRaisedMeansNotEqualAndEndsOnTheConsole) {
+  const objc::AutoreleasePool pool;
+  static const Class raising = StandInClass("StandInRaisingString")
+                                   .method("initWithCharacters:length:", "@@:^SQ", initWithCharacters)
+                                   .registerClass();
+  StandIns standIns;
+  standIns.raise();
+  const objc::ClassOverride override("NSString", raising);
+  const StandardErrorCapture console;
+
+  EXPECT_FALSE(isEqualCaseInsensitive("a", "a"));
+  EXPECT_EQ(console.text(), "comparing texts: raised by a stand-in\n");
 }
 
 TEST(FoundationDates, FollowThePattern) {

@@ -115,6 +115,39 @@ TEST_F(MacRunningApplications, AreKnownByTheirBundles) {
   EXPECT_THAT(bundlesOfRunningApplicationsOfAppKit(), ElementsAre("/Applications/Karno.app"));
 }
 
+TEST_F(MacRunningApplications, GiveNothingBackThatTheyWereOnlyLent) {
+  const objc::ClassOverride workspace("NSWorkspace", workspaceClass());
+  standIns_.answer("sharedWorkspace", instanceOf(workspaceClass()));
+  standIns_.answer("runningApplications", arrayOf({instanceOf(applicationClass())}));
+  standIns_.answer("runningApplicationsWithBundleIdentifier:", arrayOf({instanceOf(applicationClass())}));
+
+  runningApplicationsOfAppKit("it.vantul.Karno");
+  bundlesOfRunningApplicationsOfAppKit();
+
+  EXPECT_EQ(standIns_.liveCount(), 3);
+  standIns_.answer("sharedWorkspace", objc::Object());
+  standIns_.answer("runningApplications", objc::Object());
+  standIns_.answer("runningApplicationsWithBundleIdentifier:", objc::Object());
+  EXPECT_EQ(standIns_.liveCount(), 0);
+}
+
+TEST_F(MacRunningApplications, WhatTheWorkspaceRaisesEndsOnTheConsole) {
+  const StandardErrorCapture console;
+  const objc::ClassOverride workspace("NSWorkspace", workspaceClass());
+  standIns_.raise();
+
+  EXPECT_THAT(bundlesOfRunningApplicationsOfAppKit(), IsEmpty());
+  EXPECT_EQ(console.text(), "list running applications: raised by a stand-in\n");
+}
+
+TEST_F(MacRunningApplications, HaveNoBundlesWithoutAnAnswer) {
+  const objc::ClassOverride workspace("NSWorkspace", workspaceClass());
+  EXPECT_THAT(bundlesOfRunningApplicationsOfAppKit(), IsEmpty());
+
+  standIns_.answer("sharedWorkspace", instanceOf(workspaceClass()));
+  EXPECT_THAT(bundlesOfRunningApplicationsOfAppKit(), IsEmpty());
+}
+
 TEST_F(MacRunningApplications, MayHaveNoBundle) {
   const objc::ClassOverride workspace("NSWorkspace", workspaceClass());
   standIns_.answer("sharedWorkspace", instanceOf(workspaceClass()));

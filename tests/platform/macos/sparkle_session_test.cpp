@@ -198,6 +198,64 @@ TEST_F(MacUpdateSession, NilWhereAnObjectBelongsDoesNoHarm) {
                                           "aborted SUSparkleErrorDomain 0: unknown error"));
 }
 
+TEST_F(MacUpdateSession, AnErrorThatSaysNothingIsPassedOnAllTheSame) {
+  tell("updater:didAbortWithError:", standInError().get());
+  tell("updater:failedToDownloadUpdate:error:", item_.get(), standInError().get());
+  tell("updaterDidNotFindUpdate:error:", standInError().get());
+
+  EXPECT_THAT(delegate_.told,
+              ElementsAre("aborted  4005: ", "no download Karno 2.0 (2.0)  4005: ", "none  4005: "));
+}
+
+TEST_F(MacUpdateSession, NothingIsKeptOfWhatTheFrameworkShows) {
+  const int before = framework_.standIns().liveCount();
+  {
+    const objc::AutoreleasePool pool;
+    tell("updater:didFindValidUpdate:", item_.get());
+    choose(1);
+    tell("updater:willDownloadUpdate:withRequest:", item_.get(), request_.get());
+    tell("updater:didAbortWithError:", standInError().get());
+  }
+
+  EXPECT_EQ(framework_.standIns().liveCount(), before);
+}
+
+// Not even while a call is on its way from another thread.
+TEST_F(MacUpdateSession, NothingIsKeptOfWhatTheFrameworkShowsOnAnotherThread) {
+  const int before = framework_.standIns().liveCount();
+  std::thread([this] {
+    const cocoa::ThreadPoolScope pool;
+    const objc::Object shortLived = standInItem();
+    tell("updater:didFindValidUpdate:", shortLived.get());
+  }).join();
+  EXPECT_EQ(framework_.standIns().liveCount(), before);
+
+  dispatch_.byHand().runUntil([this] { return delegate_.told.size() == 1; });
+
+  EXPECT_THAT(delegate_.told, ElementsAre("found Karno 2.0 (2.0)"));
+}
+
+TEST_F(MacUpdateSession, TheFeedIsOwnedByTheCallersPoolAlone) {
+  const objc::AutoreleasePool pool;
+
+  const auto feed = tellDelegate<objc::Id>(object_.get(), "feedURLStringForUpdater:", objc::Id());
+
+  EXPECT_EQ(tellDelegate<objc::UInteger>(feed, "retainCount"), 1U);
+}
+
+TEST_F(MacUpdateSession, AnItemThatRaisesIsToldNobodyAndEndsOnTheConsole) {
+  const StandardErrorCapture console;
+  framework_.standIns().raise();
+
+  tell("updater:didFindValidUpdate:", item_.get());
+  tell("updater:willDownloadUpdate:withRequest:", item_.get(), request_.get());
+
+  EXPECT_THAT(delegate_.told, IsEmpty());
+  EXPECT_EQ(console.text(),
+            "updater:didFindValidUpdate:: raised by a stand-in\n"
+            "updater:willDownloadUpdate:withRequest:: raised by a stand-in\n");
+}
+
 TEST_F(MacUpdateSession, WhatAnotherThreadTellsIsToldOnTheMainThreadInOrder) {
   std::thread([this] {
     const cocoa::ThreadPoolScope pool;

@@ -1,5 +1,7 @@
 #include "sparkle_stand_ins.h"
 
+#include <stdexcept>
+
 #include "platform/cocoa/strings.h"
 
 namespace karno::platform::test {
@@ -15,23 +17,29 @@ std::string ofMainBundle(Id bundle) {
   return bundle == StandIns::current().answerTo("mainBundle") ? "main" : "another";
 }
 
+// What an initialiser that answers nil does.
+Id refused(Id self) {
+  objc::send<void>(self, "release");
+  return nullptr;
+}
+
 // The framework borrows its delegates: an object that is gone by then would be called all the same.
 Id initDriver(Id self, Sel selector, Id bundle, Id delegate) {
   recordAndAnswer(selector, ofMainBundle(bundle));
   framework().delegateOfWindows = delegate;
-  return self;
+  return framework().makesWindows ? self : refused(self);
 }
 
 Id initUpdater(Id self, Sel selector, Id host, Id application, Id driver, Id delegate) {
   recordAndAnswer(selector, ofMainBundle(host) + " " + ofMainBundle(application) +
                                 (driver == nullptr ? " without windows" : ""));
   framework().delegate = delegate;
-  return self;
+  return framework().makesUpdaters ? self : refused(self);
 }
 
 Boolean startUpdater(Id, Sel selector, Id* error) {
   recordAndAnswer(selector);
-  if (!framework().starts) *error = framework().startError.get();
+  *error = framework().startError.get();
   return static_cast<Boolean>(framework().starts);
 }
 
@@ -77,12 +85,15 @@ Class driverClass() {
   return made;
 }
 
-Id property(Id, Sel selector) { return answer(selector); }
+Id property(Id, Sel selector) {
+  if (StandIns::current().raises()) throw std::runtime_error("raised by a stand-in");
+  return answer(selector);
+}
 Id bundleWithPath(Id, Sel selector, Id path) { return recordAndAnswer(selector, shown(path)); }
 
 Boolean load(Id, Sel selector, Id* error) {
   recordAndAnswer(selector);
-  if (!framework().loads) *error = framework().loadError.get();
+  *error = framework().loadError.get();
   return static_cast<Boolean>(framework().loads);
 }
 
@@ -107,6 +118,19 @@ Class itemClass() {
 
 Class requestClass() {
   static const Class made = StandInClass("StandInURLRequest").method("URL", "@@:", property).registerClass();
+  return made;
+}
+
+Id nothing(Id, Sel) { return nullptr; }
+objc::Integer installationError(Id, Sel) { return 4005; }
+
+Class errorClass() {
+  static const Class made = StandInClass("StandInUpdaterError")
+                                .method("domain", "@@:", nothing)
+                                .method("code", "q@:", installationError)
+                                .method("userInfo", "@@:", nothing)
+                                .method("localizedDescription", "@@:", nothing)
+                                .registerClass();
   return made;
 }
 
@@ -144,5 +168,6 @@ Class SparkleStandIns::oldUpdaterClass() {
 
 objc::Object standInItem() { return instanceOf(itemClass()); }
 objc::Object standInRequest() { return instanceOf(requestClass()); }
+objc::Object standInError() { return instanceOf(errorClass()); }
 
 }  // namespace karno::platform::test

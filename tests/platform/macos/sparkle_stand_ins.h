@@ -25,8 +25,10 @@ class SparkleStandIns {
   bool starts = true;
   bool sessionInProgress = false;
   bool canCheckForUpdates = true;
-  objc::Object loadError;
-  objc::Object startError;
+  bool makesWindows = true;
+  bool makesUpdaters = true;
+  objc::Object loadError;   // also where it loads all the same
+  objc::Object startError;  // likewise
 
   // The object that the updater was given to tell, and whether it was given the same to its windows.
   objc::Id delegate = nullptr;
@@ -66,5 +68,8 @@ Reply tellDelegate(objc::Id delegate, const char* message, Arguments... argument
 // An appcast item and a download request of the framework.
 objc::Object standInItem();
 objc::Object standInRequest();
+
+// An error with a code and nil for everything else.
+objc::Object standInError();
 
 }  // namespace karno::platform::test

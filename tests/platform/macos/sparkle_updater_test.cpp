@@ -253,6 +253,63 @@ TEST_F(MacUpdater, TellsOfAFrameworkThatIsAnother) {
                          {{"NSLocalizedDescription", "The framework in the bundle has no SPUUpdater"}}));
 }
 
+// Only the answers count: a method may leave anything in the error when it succeeds.
+TEST_F(MacUpdater, StartsWhateverIsLeftInTheErrors) {
+  framework_.loadError = objc::Object::retaining(explainedError("NSCocoaErrorDomain", 3588, "damaged"));
+  framework_.startError = framework_.loadError;
+
+  EXPECT_EQ(updater_->startUpdater(), std::nullopt);
+}
+
+TEST_F(MacUpdater, TellsOfAFrameworkThatMakesNoWindows) {
+  framework_.makesWindows = false;
+
+  const auto error = updater_->startUpdater();
+
+  EXPECT_EQ(error, Error("SUSparkleErrorDomain", 5,
+                         {{"NSLocalizedDescription", "The framework made no windows for this bundle"}}));
+  EXPECT_EQ(framework_.standIns().messages().back(), "initWithHostBundle:delegate: main");
+}
+
+TEST_F(MacUpdater, TellsOfAFrameworkThatMakesNoUpdater) {
+  const int before = framework_.standIns().liveCount();
+  framework_.makesUpdaters = false;
+
+  const auto error = updater_->startUpdater();
+
+  EXPECT_EQ(error, Error("SUSparkleErrorDomain", 5,
+                         {{"NSLocalizedDescription", "The framework made no updater for this bundle"}}));
+  EXPECT_FALSE(updater_->sessionInProgress());
+  EXPECT_EQ(framework_.standIns().liveCount(), before);
+}
+
+TEST_F(MacUpdater, HasNoFrameworkWithoutAMainBundle) {
+  framework_.standIns().answer("mainBundle", objc::Object());
+  framework_.standIns().answer("bundleWithPath:", objc::Object());
+
+  const auto error = updater_->startUpdater();
+
+  EXPECT_EQ(
+      error,
+      Error("SUSparkleErrorDomain", 5,
+            {{"NSLocalizedDescription", "There is no framework at /Contents/Frameworks/Sparkle.framework"}}));
+}
+
+TEST_F(MacUpdater, WhatTheFrameworkRaisesWhenItIsAskedEndsOnTheConsole) {
+  updater_->startUpdater();
+  framework_.sessionInProgress = true;
+  updater_->sessionInProgress();
+  updater_->canCheckForUpdates();
+  const StandardErrorCapture console;
+  framework_.standIns().raise();
+
+  EXPECT_TRUE(updater_->sessionInProgress());
+  EXPECT_TRUE(updater_->canCheckForUpdates());
+  EXPECT_EQ(console.text(),
+            "asking the updater for a session: raised by a stand-in\n"
+            "asking the updater whether it can check: raised by a stand-in\n");
+}
+
 TEST_F(MacUpdater, AnswersAnotherThreadWithWhatTheMainThreadHears) {
   framework_.sessionInProgress = false;
   framework_.canCheckForUpdates = true;

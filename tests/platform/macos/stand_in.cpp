@@ -1,5 +1,6 @@
 #include "stand_in.h"
 
+#include <gtest/gtest.h>
 #include <objc/runtime.h>
 
 #include <stdexcept>
@@ -43,6 +44,10 @@ StandInClass::StandInClass(const char* name) : cls_(objc_allocateClassPair(class
   method("dealloc", "v@:", deallocateCounted);
 }
 
+void StandInClass::require(const char* selector, const char* types, const std::string& code) {
+  EXPECT_EQ(simplifiedEncoding(types), code) << "is what the function for " << selector << " has";
+}
+
 void StandInClass::add(const char* selector, const char* types, void (*function)()) {
   class_addMethod(cls_, sel_registerName(selector), reinterpret_cast<IMP>(function), types);
 }
@@ -64,7 +69,10 @@ objc::Object instanceOf(Class cls) {
 objc::Id answer(objc::Sel selector) { return StandIns::current().answerTo(sel_getName(selector)); }
 
 objc::Id recordAndAnswer(objc::Sel selector, const std::string& arguments) {
-  const std::string name = sel_getName(selector);
+  return recordAndAnswer(std::string(sel_getName(selector)), arguments);
+}
+
+objc::Id recordAndAnswer(const std::string& name, const std::string& arguments) {
   StandIns& standIns = StandIns::current();
   standIns.record(arguments.empty() ? name : name + " " + arguments);
   if (standIns.raises()) throw std::runtime_error("raised by a stand-in");

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "call_types.h"
 #include "platform/cocoa/class_builder.h"
 #include "platform/cocoa/objc.h"
 
@@ -20,6 +21,7 @@ class StandIns {
   StandIns& operator=(const StandIns&) = delete;
 
   static StandIns& current() { return *current_; }
+  static bool isThere() { return current_ != nullptr; }
 
   // The message with its arguments, as a stand-in writes it down.
   void record(std::string message) { messages_.push_back(std::move(message)); }
@@ -47,19 +49,23 @@ class StandIns {
 };
 
 // A new class below NSObject whose instances are counted in StandIns::liveCount(). Methods added with
-// method() and classMethod() are plain functions of the runtime: receiver, selector, arguments. What they
-// throw reaches the sender, as what a method of the platform raises does.
+// method() and classMethod() are plain functions of the runtime: receiver, selector, arguments, whose types
+// are those of the encoding. What they throw reaches the sender, as what a method of the platform raises
+// does.
 class StandInClass {
  public:
   explicit StandInClass(const char* name);
 
-  template <class Function>
-  StandInClass& method(const char* selector, const char* types, Function* function) {
+  template <class R, class... Args>
+  StandInClass& method(const char* selector, const char* types, R (*function)(objc::Id, objc::Sel, Args...)) {
+    require(selector, types, codeOf<R, Args...>());
     add(selector, types, reinterpret_cast<void (*)()>(function));
     return *this;
   }
-  template <class Function>
-  StandInClass& classMethod(const char* selector, const char* types, Function* function) {
+  template <class R, class... Args>
+  StandInClass& classMethod(const char* selector, const char* types,
+                            R (*function)(objc::Id, objc::Sel, Args...)) {
+    require(selector, types, codeOf<R, Args...>());
     addToClass(selector, types, reinterpret_cast<void (*)()>(function));
     return *this;
   }
@@ -67,6 +73,14 @@ class StandInClass {
   Class registerClass();
 
  private:
+  template <class R, class... Args>
+  static std::string codeOf() {
+    return ((typeCode<R>() + "@:") + ... + typeCode<Args>());
+  }
+
+  // Fails the running test when the encoding says another thing than the function.
+  static void require(const char* selector, const char* types, const std::string& code);
+
   void add(const char* selector, const char* types, void (*function)());
   void addToClass(const char* selector, const char* types, void (*function)());
 
@@ -81,6 +95,9 @@ objc::Id answer(objc::Sel selector);
 
 // Writes the message down, raises if that was asked for, and gives the answer that was set for the selector.
 objc::Id recordAndAnswer(objc::Sel selector, const std::string& arguments = "");
+
+// The same for a C function, under any name.
+objc::Id recordAndAnswer(const std::string& name, const std::string& arguments);
 
 // The text of an NSString, or "nil".
 std::string shown(objc::Id string);

@@ -4,12 +4,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "../support/standard_error_capture.h"
 #include "platform/cocoa/strings.h"
 #include "stand_in.h"
 
 namespace karno::platform::test {
 namespace {
 
+using karno::test::StandardErrorCapture;
 using ::testing::ElementsAre;
 
 struct ThreeNumbers {
@@ -56,6 +58,14 @@ TEST_F(MacSystemVersion, IsNotMetWhenThePlatformSaysNo) {
 }
 
 TEST_F(MacSystemVersion, IsNotMetWithoutAnAnswer) { EXPECT_FALSE(systemVersion_.isAtLeast(10, 14, 6)); }
+
+TEST_F(MacSystemVersion, IsNotMetWhenAskingRaises) {
+  const StandardErrorCapture console;
+  standIns_.raise();
+
+  EXPECT_FALSE(systemVersion_.isAtLeast(10, 14, 6));
+  EXPECT_EQ(console.text(), "asking for the system's version: raised by a stand-in\n");
+}
 
 // GNUstep has a number of its own.
 TEST_F(MacSystemVersion, TellsTheNumberOfAppKit) {

@@ -110,6 +110,37 @@ TEST_F(MacURLLoading, TellsOfAFailureWithoutAReason) {
   EXPECT_EQ(contents.error(), Error("NSURLErrorDomain", -1, {{"NSLocalizedDescription", "unknown error"}}));
 }
 
+// Only the answer counts: a method may leave anything in the error when it succeeds.
+TEST_F(MacURLLoading, GivesAPageWhateverIsLeftInTheError) {
+  answerWithURL();
+  standIns_.answer("dataWithContentsOfURL:options:error:", page_);
+  standIns_.answer("error", instanceOf(errorClass()));
+
+  EXPECT_TRUE(urlLoading_.contentsOfURL("https://localhost/page"));
+}
+
+TEST_F(MacURLLoading, PassesAnErrorOnThatSaysNothing) {
+  answerWithURL();
+  standIns_.answer("error", instanceOf(errorClass()));
+
+  const auto contents = urlLoading_.contentsOfURL("https://localhost/page");
+
+  ASSERT_FALSE(contents);
+  EXPECT_EQ(contents.error(), Error("", -1009, {{"NSLocalizedDescription", ""}}));
+}
+
+TEST_F(MacURLLoading, GivesNothingBackThatItWasOnlyLent) {
+  answerWithURL();
+  standIns_.answer("error", instanceOf(errorClass()));
+
+  static_cast<void>(urlLoading_.contentsOfURL("https://localhost/page"));
+
+  EXPECT_EQ(standIns_.liveCount(), 2);
+  standIns_.answer("URLWithString:", objc::Object());
+  standIns_.answer("error", objc::Object());
+  EXPECT_EQ(standIns_.liveCount(), 0);
+}
+
 TEST_F(MacURLLoading, RefusesATextThatIsNoURL) {
   const auto contents = urlLoading_.contentsOfURL("no URL");
 

@@ -3,12 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "../support/standard_error_capture.h"
 #include "platform/cocoa/strings.h"
 #include "stand_in.h"
 
 namespace karno::platform::test {
 namespace {
 
+using karno::test::StandardErrorCapture;
 using ::testing::ElementsAre;
 
 objc::Id initWithSuiteName(objc::Id self, objc::Sel selector, objc::Id name) {
@@ -131,12 +133,57 @@ TEST_F(MacUserDefaults, AskForTheStandardOnesOnce) {
   EXPECT_THAT(standIns_.messages(), ElementsAre("standardUserDefaults"));
 }
 
-TEST_F(MacUserDefaults, TakeARaisedExceptionForNoValue) {
+TEST_F(MacUserDefaults, TakeARaisedExceptionForNoValueAndSaySo) {
   const auto suite = store_.makeSuite("it.vantul.karno");
+  const StandardErrorCapture console;
   standIns_.raise();
 
   EXPECT_EQ(std::nullopt, suite->objectForKey("verboseLogging"));
   EXPECT_FALSE(suite->boolForKey("verboseLogging"));
+  suite->setBool(true, "verboseLogging");
+  suite->synchronize();
+  EXPECT_EQ(console.text(),
+            "reading a user default: raised by a stand-in\n"
+            "reading a user default: raised by a stand-in\n"
+            "storing a user default: raised by a stand-in\n"
+            "storing user defaults: raised by a stand-in\n");
+}
+
+TEST_F(MacUserDefaults, ReadAsEmptyWhereOpeningThemRaises) {
+  const StandardErrorCapture console;
+  standIns_.raise();
+
+  const auto suite = store_.makeSuite("it.vantul.karno");
+  UserDefaults& standard = store_.standardUserDefaults();
+
+  EXPECT_EQ(std::nullopt, suite->objectForKey("verboseLogging"));
+  EXPECT_EQ(std::nullopt, standard.objectForKey("verboseLogging"));
+  EXPECT_EQ(console.text(),
+            "opening user defaults: raised by a stand-in\n"
+            "opening user defaults: raised by a stand-in\n");
+}
+
+TEST_F(MacUserDefaults, ReadAsEmptyWhereThePlatformHasNoStandardOnes) {
+  const StandardErrorCapture console;
+  UserDefaults& standard = store_.standardUserDefaults();
+
+  standard.setBool(true, "verboseLogging");
+  standard.synchronize();
+
+  EXPECT_EQ(std::nullopt, standard.objectForKey("verboseLogging"));
+  EXPECT_EQ(console.text(), "User defaults: there is no suite standard to store verboseLogging in\n");
+}
+
+TEST_F(MacUserDefaults, GiveNothingBackThatTheyWereOnlyLent) {
+  const auto suite = store_.makeSuite("it.vantul.karno");
+  standIns_.answer("objectForKey:", instanceOf(suiteClass()));
+  const int countBefore = standIns_.liveCount();
+
+  EXPECT_EQ(std::nullopt, suite->objectForKey("no property list"));
+
+  EXPECT_EQ(countBefore, standIns_.liveCount());
+  standIns_.answer("objectForKey:", objc::Object());
+  EXPECT_EQ(countBefore - 1, standIns_.liveCount());
 }
 
 TEST_F(MacUserDefaults, ReadAsEmptyWhereThePlatformRefusesTheSuite) {

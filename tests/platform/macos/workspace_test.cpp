@@ -56,6 +56,24 @@ TEST_F(MacWorkspaceTest, IgnoresWhatIsNoUrlAndSaysSo) {
   EXPECT_EQ(console.text(), "Workspace: this is no URL and cannot be opened: https://example.org/a b\n");
 }
 
+TEST_F(MacWorkspaceTest, OpensNothingWhereThereIsNone) {
+  const StandardErrorCapture console;
+  standIns_.answer("sharedWorkspace", objc::Object());
+
+  workspace_.openURL("https://example.org");
+
+  EXPECT_THAT(standIns_.messages(), IsEmpty());
+  EXPECT_EQ(console.text(), "");
+}
+
+TEST_F(MacWorkspaceTest, GivesNothingBackThatItWasOnlyLent) {
+  workspace_.openURL("https://example.org");
+
+  EXPECT_EQ(standIns_.liveCount(), 1);
+  standIns_.answer("sharedWorkspace", objc::Object());
+  EXPECT_EQ(standIns_.liveCount(), 0);
+}
+
 TEST_F(MacWorkspaceTest, WhatThePlatformRaisesEndsOnTheConsole) {
   const StandardErrorCapture console;
   standIns_.raise();

@@ -1,0 +1,155 @@
+#include "platform/cocoa/desktop.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "platform/cocoa/running_applications.h"
+#include "platform/cocoa/strings.h"
+#include "platform/cocoa/values.h"
+#include "platform/macos/workspace.h"
+#include "stand_in.h"
+
+// NSApplicationMain() to the source under test, as AppKit declares it.
+extern "C" int karno_stand_in_application_main(int argc, const char** argv);
+
+namespace karno::platform::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+objc::Id withOne(objc::Id, objc::Sel selector, objc::Id first) {
+  return recordAndAnswer(selector, shown(first));
+}
+
+objc::Boolean selectFile(objc::Id, objc::Sel selector, objc::Id path, objc::Id root) {
+  recordAndAnswer(selector, shown(path) + " " + shown(root));
+  return 1;
+}
+
+int processIdentifier(objc::Id, objc::Sel) { return 4711; }
+
+Class applicationClass() {
+  static const Class made = StandInClass("StandInDesktopApplication")
+                                .classMethod("sharedApplication", "@@:", withoutArguments)
+                                .method("applicationIconImage", "@@:", withoutArguments)
+                                .registerClass();
+  return made;
+}
+
+Class workspaceClass() {
+  static const Class made = StandInClass("StandInDesktopWorkspace")
+                                .classMethod("sharedWorkspace", "@@:", withoutArguments)
+                                .method("runningApplications", "@@:", withoutArguments)
+                                .method("selectFile:inFileViewerRootedAtPath:", "C@:@@", selectFile)
+                                .registerClass();
+  return made;
+}
+
+Class runningClass() {
+  static const Class made = StandInClass("StandInDesktopRunningApplication")
+                                .classMethod("runningApplicationsWithBundleIdentifier:", "@@:@", withOne)
+                                .method("bundleIdentifier", "@@:", withoutArguments)
+                                .method("bundleURL", "@@:", withoutArguments)
+                                .method("processIdentifier", "i@:", processIdentifier)
+                                .registerClass();
+  return made;
+}
+
+objc::Object arrayOf(const objc::Object& object) {
+  objc::Object array = objc::make("NSMutableArray");
+  objc::send<void>(array, "addObject:", object);
+  return array;
+}
+
+class MacDesktop : public testing::Test {
+ protected:
+  const objc::AutoreleasePool pool_;
+  StandIns standIns_;
+  const objc::ClassOverride application_{"NSApplication", applicationClass()};
+  const objc::ClassOverride workspace_{"NSWorkspace", workspaceClass()};
+  const objc::ClassOverride running_{"NSRunningApplication", runningClass()};
+};
+
+TEST_F(MacDesktop, RunsTheApplicationWithTheProgramsArguments) {
+  std::string program = "Karno";
+  std::string argument = "-verbose";
+  std::array<char*, 3> arguments = {program.data(), argument.data(), nullptr};
+  standIns_.answer("application main", objc::string("7"));
+
+  const int status = cocoa::runApplication(2, arguments.data());
+
+  EXPECT_EQ(status, 7);
+  EXPECT_THAT(standIns_.messages(), ElementsAre("application main 2: Karno -verbose"));
+}
+
+TEST_F(MacDesktop, NeedsNothingDoneBeforeTheApplicationRuns) {
+  cocoa::prepareForApplication();
+  cocoa::prepareApplication();
+
+  EXPECT_THAT(standIns_.messages(), IsEmpty());
+}
+
+TEST_F(MacDesktop, TellsTheIconOfTheApplication) {
+  const objc::Object icon = objc::string("icon");
+  standIns_.answer("sharedApplication", instanceOf(applicationClass()));
+  standIns_.answer("applicationIconImage", icon);
+
+  EXPECT_EQ(cocoa::applicationIcon(), icon.get());
+  EXPECT_THAT(standIns_.messages(), ElementsAre("sharedApplication", "applicationIconImage"));
+}
+
+TEST_F(MacDesktop, HasNoIconWithoutAnApplication) { EXPECT_EQ(cocoa::applicationIcon(), nullptr); }
+
+TEST_F(MacDesktop, ShowsFilesInTheWorkspace) {
+  standIns_.answer("sharedWorkspace", instanceOf(workspaceClass()));
+
+  MacWorkspace().selectFile("/Users/me/log.txt", "");
+
+  EXPECT_THAT(standIns_.messages(),
+              ElementsAre("sharedWorkspace", "selectFile:inFileViewerRootedAtPath: /Users/me/log.txt "));
+}
+
+TEST_F(MacDesktop, WhatTheWorkspaceRaisesEndsOnTheConsole) {
+  standIns_.raise();
+
+  MacWorkspace().selectFile("/Users/me/log.txt", "");
+
+  EXPECT_THAT(standIns_.messages(),
+              ElementsAre("sharedWorkspace", "log %@, select a file: raised by a stand-in"));
+}
+
+TEST_F(MacDesktop, AsksAppKitForRunningApplications) {
+  standIns_.answer("runningApplicationsWithBundleIdentifier:", arrayOf(instanceOf(runningClass())));
+  standIns_.answer("bundleIdentifier", objc::string("it.vantul.Karno"));
+
+  const auto found = MacWorkspace().runningApplications("it.vantul.Karno");
+
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found.front().processIdentifier, 4711);
+  EXPECT_EQ(found.front().bundleIdentifier, "it.vantul.Karno");
+}
+
+TEST_F(MacDesktop, AsksAppKitForTheirBundles) {
+  standIns_.answer("sharedWorkspace", instanceOf(workspaceClass()));
+  standIns_.answer("runningApplications", arrayOf(instanceOf(runningClass())));
+  const objc::Id url =
+      objc::send(objc::classNamed("NSURL"), "fileURLWithPath:", objc::string("/Applications/Karno.app"));
+  standIns_.answer("bundleURL", objc::Object::retaining(url));
+
+  EXPECT_THAT(MacWorkspace().bundlePathsOfRunningApplications(), ElementsAre("/Applications/Karno.app"));
+}
+
+}  // namespace
+}  // namespace karno::platform::test
+
+int karno_stand_in_application_main(int argc, const char** argv) {
+  std::string line = fmt::format("{}:", argc);
+  for (; *argv != nullptr; ++argv) line += fmt::format(" {}", *argv);
+  return std::stoi(
+      karno::platform::objc::text(karno::platform::test::recordAndAnswer("application main", line)));
+}
