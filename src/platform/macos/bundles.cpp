@@ -3,6 +3,7 @@
 #include "platform/cocoa/guarded.h"
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/values.h"
+#include "platform/posix/program_bundle.h"
 
 namespace karno::platform {
 namespace {
@@ -67,7 +68,10 @@ const Bundle& FoundationBundles::mainBundle() const {
   std::call_once(mainMade_, [this] {
     const objc::AutoreleasePool pool;
     const objc::Id bundle = objc::send(objc::classNamed("NSBundle"), "mainBundle");
-    main_ = std::make_unique<const FoundationBundle>(objc::Object::retaining(bundle));
+    main_ = std::make_shared<const FoundationBundle>(objc::Object::retaining(bundle));
+    const std::optional<std::string> place = bundleOfProgram(programPath_);
+    if (!place || main_->bundleIdentifier()) return;
+    if (auto found = bundleAtPath(*place)) main_ = std::move(found);
   });
   return *main_;
 }
