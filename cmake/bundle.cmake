@@ -62,6 +62,13 @@ if(NOT APPLE)
   set(other_resources karno.png)
 endif()
 
+# What a shell takes from the bundle: karnoctl's manual page, and its completions under the names that shells look for.
+karno_stage(${PROJECT_SOURCE_DIR}/docs/man/karnoctl.1 "" Contents/Resources/man/man1/karnoctl.1)
+set(completions ${PROJECT_SOURCE_DIR}/tools/karnoctl/completions)
+karno_stage(${completions}/karnoctl.bash "" Contents/Resources/completions/bash/karnoctl)
+karno_stage(${completions}/_karnoctl "" Contents/Resources/completions/zsh/_karnoctl)
+list(APPEND other_resources man/man1/karnoctl.1 completions/bash/karnoctl completions/zsh/_karnoctl)
+
 # A resource that is gone from the sources must not stay behind in the bundle.
 set(staged_resources ${bundle_folder}/Contents/Resources)
 file(GLOB_RECURSE old_resources RELATIVE ${staged_resources} ${staged_resources}/*)

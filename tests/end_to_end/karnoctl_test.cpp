@@ -17,6 +17,7 @@ namespace fs = std::filesystem;
 
 using ::testing::Contains;
 using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
@@ -175,6 +176,34 @@ TEST(KarnoctlExplain, ReadsTheFactsOfTheMachine) {
               HasSubstr("  processor  x86_64\n  macFUSE    3.11.2, read from " + machine.root().string() +
                         "/Library/Frameworks/macFUSE.framework/Resources/Info.plist\n"));
   EXPECT_THAT(result.output, HasSubstr("  ✓ x86_64  3.11.2+   any macOS\n"));
+}
+
+// As an administrator links it into /usr/local/bin.
+TEST(KarnoctlExplain, KnowsItsBundleWhenItIsStartedByALink) {
+  const Machine machine(builtTools());
+  const fs::path link = machine.root() / "usr/local/bin/karnoctl";
+  fs::create_directories(link.parent_path());
+  fs::create_symlink(machine.bundle() / "Contents/MacOS/karnoctl", link);
+  const std::string expected = karnoctl(machine, {"explain"}).output;
+
+  const CommandResult result =
+      runCommand({"/usr/bin/env", "HOME=" + machine.home().string(),
+                  "KARNO_MACHINE_ROOT=" + machine.root().string(), link.string(), "explain"},
+                 kToolLimit);
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, expected);
+  EXPECT_THAT(result.output, Not(HasSubstr("in the launcher's bundle")));
+}
+
+// What shells and "man" are pointed to.
+TEST(KarnoctlBundle, HoldsTheManualPageAndTheCompletions) {
+  const fs::path resources = builtTools().bundle / "Contents/Resources";
+
+  EXPECT_THAT(contentOf(resources / "man/man1/karnoctl.1"), HasSubstr("\n.Dt KARNOCTL 1\n"));
+  EXPECT_THAT(contentOf(resources / "completions/bash/karnoctl"),
+              HasSubstr("complete -F _karnoctl karnoctl\n"));
+  EXPECT_THAT(contentOf(resources / "completions/zsh/_karnoctl"), StartsWith("#compdef karnoctl\n"));
 }
 
 }  // namespace

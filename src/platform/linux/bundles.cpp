@@ -10,6 +10,7 @@
 #include "platform/linux/language_folders.h"
 #include "platform/linux/preferred_languages.h"
 #include "platform/linux/property_list_file.h"
+#include "platform/posix/program_bundle.h"
 #include "platform/posix/system_differences.h"
 
 namespace karno::platform {
@@ -54,9 +55,8 @@ Value::Dictionary infoDictionary(const PropertyLists& propertyLists, const std::
 }
 
 std::string mainBundlePath() {
-  const std::filesystem::path folder = std::filesystem::path(programPath()).parent_path();
-  const bool isInBundle = folder.filename() == "MacOS" && folder.parent_path().filename() == "Contents";
-  return (isInBundle ? folder.parent_path().parent_path() : folder).string();
+  const std::string program = programPath();
+  return bundleOfProgram(program).value_or(std::filesystem::path(program).parent_path().string());
 }
 
 }  // namespace

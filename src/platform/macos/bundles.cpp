@@ -5,6 +5,7 @@
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/values.h"
 #include "platform/macos/guarded_answer.h"
+#include "platform/posix/program_bundle.h"
 
 namespace karno::platform {
 namespace {
@@ -67,9 +68,12 @@ const Bundle& FoundationBundles::mainBundle() const {
   std::call_once(mainMade_, [this] {
     const objc::AutoreleasePool pool;
     main_ =
-        std::make_unique<const FoundationBundle>(guardedAnswer("opening the main bundle", objc::Object(), [] {
+        std::make_shared<const FoundationBundle>(guardedAnswer("opening the main bundle", objc::Object(), [] {
           return objc::Object::retaining(objc::send(objc::classNamed("NSBundle"), "mainBundle"));
         }));
+    const std::optional<std::string> place = bundleOfProgram(programPath_);
+    if (!place || main_->bundleIdentifier()) return;
+    if (auto found = bundleAtPath(*place)) main_ = std::move(found);
   });
   return *main_;
 }

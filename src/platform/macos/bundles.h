@@ -3,6 +3,7 @@
 
 #include "platform/bundles.h"
 #include "platform/cocoa/objc.h"
+#include "platform/posix/system_differences.h"
 
 namespace karno::platform {
 
@@ -32,12 +33,18 @@ class FoundationBundle final : public Bundle {
 
 class FoundationBundles final : public Bundles {
  public:
+  // `programPath` is the file that runs. NSBundle goes by the path that the program was started by: behind a
+  // link to it, the folder of the link is the main bundle. The bundle that the file lies in counts then.
+  explicit FoundationBundles(std::string programPath = platform::programPath())
+      : programPath_(std::move(programPath)) {}
+
   const Bundle& mainBundle() const override;
   std::shared_ptr<const Bundle> bundleAtPath(const std::string& path) const override;
 
  private:
+  const std::string programPath_;
   mutable std::once_flag mainMade_;
-  mutable std::unique_ptr<const FoundationBundle> main_;
+  mutable std::shared_ptr<const Bundle> main_;
 };
 
 }  // namespace karno::platform

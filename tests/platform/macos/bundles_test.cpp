@@ -94,6 +94,28 @@ TEST_F(MacBundles, AskForTheMainOneOnce) {
   EXPECT_THAT(standIns_.messages(), ElementsAre("mainBundle"));
 }
 
+// NSBundle takes /usr/local/bin for the bundle of a program that runs as /usr/local/bin/karnoctl, a link.
+TEST_F(MacBundles, FindTheMainOneOfAProgramThatWasStartedByALink) {
+  const FoundationBundles bundles("/Applications/Karno.app/Contents/MacOS/karnoctl");
+  standIns_.answer("mainBundle", instanceOf(bundleClass()));
+  standIns_.answer("bundleWithPath:", instanceOf(bundleClass()));
+
+  static_cast<void>(bundles.mainBundle());
+
+  EXPECT_THAT(standIns_.messages(),
+              ElementsAre("mainBundle", "bundleIdentifier", "bundleWithPath: /Applications/Karno.app"));
+}
+
+TEST_F(MacBundles, KeepTheMainOneThatHasAnIdentifier) {
+  const FoundationBundles bundles("/Applications/Karno.app/Contents/MacOS/Karno");
+  standIns_.answer("mainBundle", instanceOf(bundleClass()));
+  standIns_.answer("bundleIdentifier", objc::string("it.vantul.KarnoWrapper"));
+
+  static_cast<void>(bundles.mainBundle());
+
+  EXPECT_THAT(standIns_.messages(), ElementsAre("mainBundle", "bundleIdentifier"));
+}
+
 TEST_F(MacBundles, TellPathsAndAddresses) {
   standIns_.answer("executablePath", objc::string("/Applications/Karno.app/Contents/MacOS/Karno"));
   standIns_.answer("executableURL", instanceOf(urlClass()));

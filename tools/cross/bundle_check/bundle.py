@@ -15,6 +15,9 @@ PROGRAMS = (
 LANGUAGES = ("de", "es", "fr", "it", "ja", "ko", "nl", "pt-BR", "zh-Hans", "zh-Hant")
 OTHER_FILES = (
     "Contents/PkgInfo",
+    "Contents/Resources/man/man1/karnoctl.1",
+    "Contents/Resources/completions/bash/karnoctl",
+    "Contents/Resources/completions/zsh/_karnoctl",
     *(f"Contents/Resources/{language}.lproj/{table}" for language in ("Base", *LANGUAGES)
       for table in ("Strings.json", "MoveApplication.strings")),
 )

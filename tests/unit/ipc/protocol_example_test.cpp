@@ -1,0 +1,29 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "CoreFoundation/CoreFoundation.h"
+#include "ipc/wrapper_notification.h"
+
+// In the C++ example of docs/protocol.md, which is compiled as it stands there.
+void quitWasChosen();
+
+namespace karno {
+namespace {
+
+using test::DistributedPost;
+using ::testing::ElementsAre;
+
+TEST(ProtocolExample, PostsWhatTheLauncherListensFor) {
+  quitWasChosen();
+
+  EXPECT_THAT(test::distributedPosts(),
+              ElementsAre(DistributedPost{
+                  .name = std::string(kWrapperNotificationName),
+                  .object = std::string(kWrapperNotificationObject),
+                  .userInfo = {{std::string(kWrapperMessageKey), std::string(kUserSelectedQuit)}},
+                  .options = kCFNotificationDeliverImmediately}));
+  EXPECT_EQ(test::liveDictionaries(), 0);
+}
+
+}  // namespace
+}  // namespace karno
