@@ -1,11 +1,9 @@
 """scripts/package-macos refuses parts that are not what they should be, and says what is wrong with them."""
 
 import shutil
-import subprocess
 import unittest
 
 import packaging_place
-from bundle_check import mach_o
 from packaging_place import PackagingPlace
 
 USAGE_ERROR = 2
@@ -111,8 +109,7 @@ class Framework(Refusal):
                       self.place.package("--sparkle", self.framework)[2])
 
     def test_is_refused_for_one_processor(self):
-        library = self.framework / "Versions/B/Sparkle"
-        subprocess.run([mach_o.llvm("llvm-lipo"), library, "-thin", "x86_64", "-output", library], check=True)
+        packaging_place.keep_only_slice(self.framework / "Versions/B/Sparkle", "x86_64")
 
         self.assert_finding("Sparkle.framework/Sparkle has no arm64 slice.")
 

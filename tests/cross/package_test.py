@@ -49,6 +49,14 @@ class Package(unittest.TestCase):
         self.assertEqual(packaging_place.content_of(framework),
                          packaging_place.content_of(contents / "Frameworks/Sparkle.framework"))
 
+    def test_says_when_a_helper_is_for_one_processor(self):
+        helpers = self.place.helpers()
+        packaging_place.keep_only_slice(helpers / "Karno.app/Contents/MacOS/Karno", "x86_64")
+
+        _, _, said = self.place.package("--helpers", helpers)
+
+        self.assertEqual(f"package-macos: Karno.app has no program for arm64.\n{NO_FRAMEWORK}{NO_KEY}", said)
+
     def test_has_an_archive_with_the_same_content_links_and_permissions(self):
         self.place.package("--helpers", self.place.helpers(), "--sparkle", self.place.framework())
 

@@ -8,6 +8,7 @@ import tempfile
 from pathlib import Path
 
 import damaged_bundle
+from bundle_check import mach_o
 from damaged_bundle import PROJECT
 
 # A release that nobody will mistake for today's.
@@ -94,6 +95,10 @@ class PackagingPlace:
 
 def write_information(path, identifier):
     path.write_bytes(plistlib.dumps({"CFBundleIdentifier": identifier}))
+
+
+def keep_only_slice(program, processor):
+    subprocess.run([mach_o.llvm("llvm-lipo"), program, "-thin", processor, "-output", program], check=True)
 
 
 def change_identifier(app, identifier):

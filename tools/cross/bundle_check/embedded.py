@@ -70,13 +70,30 @@ def processor_findings(library, label):
         yield f"{label} is missing."
         return
     try:
-        found = {part.processor for part in mach_o.read_slices(library)}
+        missing = missing_processors(library)
     except mach_o.NotMachO as problem:
         yield f"{label} {problem}."
         return
-    for processor in programs.MINIMUM_VERSIONS:
-        if processor not in found:
-            yield f"{label} has no {processor} slice."
+    for processor in missing:
+        yield f"{label} has no {processor} slice."
+
+
+def missing_processors(program):
+    found = {part.processor for part in mach_o.read_slices(program)}
+    return [processor for processor in programs.MINIMUM_VERSIONS if processor not in found]
+
+
+def helpers_without_processors(folder):
+    """What a client may be, but should say: (bundle's name, processor) for each program that is missing."""
+    for name in HELPERS:
+        app = folder / f"{name}.app"
+        executable = app / "Contents/MacOS" / property_list(app / "Contents/Info.plist")["CFBundleExecutable"]
+        try:
+            missing = missing_processors(executable)
+        except mach_o.NotMachO:
+            continue
+        for processor in missing:
+            yield app.name, processor
 
 
 def tree_findings(top):

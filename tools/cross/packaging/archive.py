@@ -9,13 +9,14 @@ import zipfile
 UNIX = 3
 # MS-DOS's mark of a folder, which some readers go by.
 FOLDER_ATTRIBUTE = 0x10
-# The format knows no earlier date.
+# The format knows no dates but those between.
 FIRST_DATE = (1980, 1, 1, 0, 0, 0)
+LAST_DATE = (2107, 12, 31, 23, 59, 58)
 
 
 def pack(app, archive, seconds):
     """Writes the zip file `archive` with `app` at its top. Every entry has the date `seconds`, counted since 1970."""
-    date = max(FIRST_DATE, time.gmtime(seconds)[:6])
+    date = min(LAST_DATE, max(FIRST_DATE, time.gmtime(seconds)[:6]))
     with zipfile.ZipFile(archive, "w") as packed:
         for path in (app, *sorted(app.rglob("*"), key=os.fsencode)):
             add(packed, path, str(path.relative_to(app.parent)), date)
