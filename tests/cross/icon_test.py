@@ -2,12 +2,16 @@
 
 import struct
 import subprocess
+import sys
 import tempfile
 import unittest
 from pathlib import Path
 
 from damaged_bundle import PROJECT
 from bundle_check import icon
+
+sys.path.insert(0, str(PROJECT / "tools/icon"))
+from icns import picture  # noqa: E402
 
 VECTORS = PROJECT / "resources/icon/karno.svg"
 SMALL = PROJECT / "resources/icon/small.css"
@@ -37,10 +41,19 @@ def unpacked(coded):
     return bytes(found)
 
 
+def output_of(command):
+    return subprocess.run(command, shell=True, check=True, stdout=subprocess.PIPE).stdout
+
+
 def pixels_seen_by_another_program(size):
-    command = f"rsvg-convert -w {size} -h {size} --stylesheet '{SMALL}' '{VECTORS}' | convert png:- -depth 8 rgba:-"
-    run = subprocess.run(command, shell=True, check=True, stdout=subprocess.PIPE)
-    return list(struct.iter_unpack("4B", run.stdout))
+    pixels = output_of(
+        f"rsvg-convert -w {size} -h {size} --stylesheet '{SMALL}' '{VECTORS}' | convert png:- -depth 8 rgba:-")
+    return list(struct.iter_unpack("4B", pixels))
+
+
+def png_with_rows(kind):
+    """A PNG picture whose rows are all stored by the one method, or for 5 each by another."""
+    return output_of(f"rsvg-convert -w 24 -h 24 '{VECTORS}' | convert png:- -define png:compression-filter={kind} png32:-")
 
 
 class Icon(unittest.TestCase):
@@ -67,6 +80,13 @@ class Icon(unittest.TestCase):
         entries = icon.entries(file.read_bytes())
         self.assertEqual(pixels_seen_by_another_program(16), plain_picture(entries, b"is32", b"s8mk"))
         self.assertEqual(pixels_seen_by_another_program(32), plain_picture(entries, b"il32", b"l8mk"))
+
+    def test_is_made_of_pictures_whose_rows_are_stored_in_any_way(self):
+        wanted = output_of(f"rsvg-convert -w 24 -h 24 '{VECTORS}' | convert png:- -depth 8 rgba:-")
+
+        for kind in range(6):
+            with self.subTest(kind):
+                self.assertEqual(wanted, picture.pixels(png_with_rows(kind)))
 
     def test_is_the_same_each_time(self):
         _, file = drawn(self.folder)

@@ -1,5 +1,6 @@
 """A folder in which a test makes packages of the cross-compiled bundle, and made-up parts to put into them."""
 
+import hashlib
 import os
 import plistlib
 import shutil
@@ -107,7 +108,7 @@ def change_identifier(app, identifier):
 
 
 def content_of(folder):
-    """Path to kind, permissions, and bytes or destination, of everything below."""
+    """Path to kind, permissions, and hash or destination, of everything below: megabytes would drown a difference."""
     return {str(path.relative_to(folder)): facts_of(path) for path in folder.rglob("*")}
 
 
@@ -115,4 +116,8 @@ def facts_of(path):
     if path.is_symlink():
         return "link", os.readlink(path)
     mode = oct(path.stat().st_mode & 0o7777)
-    return ("folder", mode) if path.is_dir() else ("file", mode, path.read_bytes())
+    return ("folder", mode) if path.is_dir() else ("file", mode, hash_of(path))
+
+
+def hash_of(file):
+    return hashlib.sha256(file.read_bytes()).hexdigest()
