@@ -52,15 +52,26 @@ foreach(resource IN LISTS localised_resources)
 endforeach()
 
 # The icon is drawn once, as vectors. macOS reads its own kind of file.
-if(NOT APPLE)
-  find_program(KARNO_RSVG_CONVERT rsvg-convert REQUIRED)
-  set(icon ${bundle_texts}/karno.png)
-  add_custom_command(OUTPUT ${icon}
-    COMMAND ${KARNO_RSVG_CONVERT} --width 128 --height 128 --output ${icon} ${resources}/icon/karno.svg
-    DEPENDS ${resources}/icon/karno.svg COMMENT "Drawing karno.png" VERBATIM)
-  karno_stage(${icon} "" Contents/Resources/karno.png)
-  set(other_resources karno.png)
+find_program(KARNO_RSVG_CONVERT rsvg-convert)
+if(NOT KARNO_RSVG_CONVERT)
+  message(FATAL_ERROR "rsvg-convert, which draws the icon, is missing. It comes with librsvg: "
+    "\"apt-get install librsvg2-bin\" on Debian, \"brew install librsvg\" on macOS.")
 endif()
+set(vectors ${resources}/icon/karno.svg)
+if(APPLE)
+  set(icon Karno.icns)
+  set(style ${resources}/icon/small.css)
+  set(drawing ${PROJECT_SOURCE_DIR}/tools/icon/draw-icns)
+  file(GLOB drawing_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/icon/icns/*.py)
+  set(draw ${drawing} ${KARNO_RSVG_CONVERT} ${vectors} ${style} ${bundle_texts}/${icon})
+else()
+  set(icon karno.png)
+  set(draw ${KARNO_RSVG_CONVERT} --width 128 --height 128 --output ${bundle_texts}/${icon} ${vectors})
+endif()
+add_custom_command(OUTPUT ${bundle_texts}/${icon} COMMAND ${draw}
+  DEPENDS ${vectors} ${style} ${drawing} ${drawing_sources} COMMENT "Drawing ${icon}" VERBATIM)
+karno_stage(${bundle_texts}/${icon} "" Contents/Resources/${icon})
+set(other_resources ${icon})
 
 # What a shell takes from the bundle: karnoctl's manual page, and its completions under the names that shells look for.
 karno_stage(${PROJECT_SOURCE_DIR}/docs/man/karnoctl.1 "" Contents/Resources/man/man1/karnoctl.1)

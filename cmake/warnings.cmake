@@ -1,7 +1,8 @@
 # One interface target that every target of ours links: warnings are errors, sanitizers where asked for.
 add_library(karno_flags INTERFACE)
 target_compile_options(karno_flags INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  $<$<BOOL:${KARNO_WARNINGS_AS_ERRORS}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # Both see things in std::string and std::variant that are not there once g++ 12 optimises (GCC bugs 105651 and
   # 105562). The other compiler and the sanitizers look for the real ones.

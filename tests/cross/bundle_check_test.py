@@ -5,6 +5,7 @@ import unittest
 from damaged_bundle import LAUNCHER, PROJECT, TOOL, DamagedBundle
 
 INFO = "Contents/Info.plist"
+ICON = "Contents/Resources/Karno.icns"
 HELPER_INFO = "Contents/Helpers/Karno(Fuse).app/Contents/Info.plist"
 
 
@@ -34,6 +35,31 @@ class BundleCheck(unittest.TestCase):
         self.bundle.remove("Contents/Resources/zh-Hant.lproj/Strings.json")
 
         self.assert_finding("Contents/Resources/zh-Hant.lproj/Strings.json is missing.")
+
+    def test_misses_what_macos_asks_in_a_language(self):
+        self.bundle.remove("Contents/Resources/nl.lproj/InfoPlist.strings")
+
+        self.assert_finding("Contents/Resources/nl.lproj/InfoPlist.strings is missing.")
+
+    def test_misses_the_icon(self):
+        self.bundle.remove(ICON)
+
+        self.assert_finding(f"{ICON} is missing.")
+
+    def test_refuses_an_icon_that_is_cut_short(self):
+        self.bundle.set_size(ICON, 20_000)
+
+        self.assert_finding(f"{ICON} is no icon: its length is not the one that it says.")
+
+    def test_refuses_an_icon_with_a_damaged_picture(self):
+        self.bundle.flip_a_byte_of_the_icon(ICON, b"ic08")
+
+        self.assert_finding(f"{ICON} has no picture of 256 pixels for 256 points.")
+
+    def test_misses_a_size_of_the_icon(self):
+        self.bundle.rename_icon_entry(ICON, b"is32", b"xxxx")
+
+        self.assert_finding(f"{ICON} has no picture for 16 points.")
 
     def test_misses_a_language_in_the_info_plist(self):
         self.bundle.replace_text(INFO, "    <string>ko</string>\n", "")
@@ -88,6 +114,11 @@ class BundleCheck(unittest.TestCase):
             "Contents/MacOS/Karno (x86_64) links /usr/lib/libc++.1.dylib, which is not one of the libraries it may "
             "use.")
 
+    def test_refuses_a_library_that_is_no_part_of_macos(self):
+        self.bundle.replace_bytes(LAUNCHER, "x86_64", b"/usr/lib/libobjc.A.dylib\0", b"@rpath/libobjc.A.dylib\0\0\0")
+
+        self.assert_finding("Contents/MacOS/Karno (x86_64) links @rpath/libobjc.A.dylib, which is no part of macOS.")
+
     def test_refuses_a_path_of_a_linux_home_folder(self):
         self.bundle.write_after_load_commands(LAUNCHER, "x86_64", b"/home/builder/main.cpp")
 
@@ -133,6 +164,24 @@ class BundleCheck(unittest.TestCase):
         self.assert_finding(
             "Contents/Helpers/Karno(Fuse).app/Contents/Info.plist has 'it.vantul.Karno' for CFBundleIdentifier "
             "instead of 'it.vantul.KarnoFuse'.")
+
+    def test_passes_a_package_without_helpers(self):
+        self.bundle.empty("Contents/Helpers")
+
+        sentence = "Karno.app is complete: 2 programs for x86_64 and arm64.\n"
+        self.assertEqual((0, sentence), self.bundle.check("--package"))
+
+    def test_refuses_a_package_with_one_of_two_helpers(self):
+        self.bundle.empty("Contents/Helpers/Karno.app")
+        self.bundle.remove("Contents/Helpers/Karno.app")
+
+        self.assertEqual((1, "Karno.app is missing.\n"), self.bundle.check("--package"))
+
+    def test_refuses_a_package_with_something_else_for_a_framework(self):
+        self.bundle.write("Contents/Frameworks/README", "Sparkle goes here.\n")
+
+        self.assertEqual((1, "Sparkle.framework is no framework: it has no Versions, or no Resources/Info.plist that "
+                             "can be read.\n"), self.bundle.check("--package"))
 
 
 if __name__ == "__main__":

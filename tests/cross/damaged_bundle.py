@@ -26,15 +26,19 @@ class DamagedBundle:
     def discard(self):
         self.folder.cleanup()
 
-    def check(self):
+    def check(self, *options):
         """(exit status, what was printed)."""
-        command = [PROJECT / "scripts/check-macos-bundle", self.app]
+        command = [PROJECT / "scripts/check-macos-bundle", *options, self.app]
         run = subprocess.run(command, stdout=subprocess.PIPE, text=True)
         return run.returncode, run.stdout
 
     def remove(self, name):
         path = self.app / name
         path.rmdir() if path.is_dir() else path.unlink()
+
+    def empty(self, name):
+        shutil.rmtree(self.app / name)
+        (self.app / name).mkdir()
 
     def write(self, name, text):
         (self.app / name).write_text(text)
@@ -50,6 +54,18 @@ class DamagedBundle:
     def set_size(self, name, size_bytes):
         with open(self.app / name, "r+b") as file:
             file.truncate(size_bytes)
+
+    def flip_a_byte_of_the_icon(self, name, entry):
+        """In the middle of an entry's picture."""
+        content = bytearray((self.app / name).read_bytes())
+        start = content.index(entry)
+        (length,) = struct.unpack_from(">I", content, start + 4)
+        content[start + length // 2] ^= 1
+        (self.app / name).write_bytes(content)
+
+    def rename_icon_entry(self, name, old, new):
+        content = (self.app / name).read_bytes()
+        (self.app / name).write_bytes(content.replace(old, new, 1))
 
     def keep_only_slice(self, name, processor):
         path = self.app / name

@@ -76,7 +76,7 @@ class MoveTables(unittest.TestCase):
     maxDiff = None
 
     def setUp(self):
-        self.tables = table_check.move_tables(RESOURCES)
+        self.tables = table_check.strings_tables(RESOURCES, "MoveApplication.strings")
 
     def test_are_there_for_every_language(self):
         self.assertEqual(LANGUAGES, sorted(self.tables))
@@ -93,6 +93,34 @@ class MoveTables(unittest.TestCase):
 
     def test_are_without_a_fault(self):
         base = self.tables.pop("Base")
+        found = [f"{language}: {sentence}"
+                 for language, table in self.tables.items()
+                 for sentence in table_check.findings(language, table, base)]
+
+        self.assertEqual([], found)
+
+
+class InformationTables(unittest.TestCase):
+    """What macOS says in its own questions, such as whether Karno may control the Finder."""
+
+    maxDiff = None
+
+    def setUp(self):
+        self.tables = table_check.strings_tables(RESOURCES, "InfoPlist.strings")
+
+    def test_are_there_for_every_language(self):
+        self.assertEqual(LANGUAGES, sorted(self.tables))
+
+    # Some of the questions come from programs that read Info.plist alone.
+    def test_have_the_purposes_of_the_info_plist_for_their_base(self):
+        info = plistlib.loads((RESOURCES / "Info.plist.in").read_bytes())
+        purposes = {key: text for key, text in info.items() if key.endswith("UsageDescription")}
+
+        self.assertIn("NSAppleEventsUsageDescription", purposes)
+        self.assertEqual(purposes, self.tables["Base"])
+
+    def test_are_without_a_fault(self):
+        base = self.tables["Base"]
         found = [f"{language}: {sentence}"
                  for language, table in self.tables.items()
                  for sentence in table_check.findings(language, table, base)]

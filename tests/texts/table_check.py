@@ -64,9 +64,8 @@ def read_strings(file):
     return table
 
 
-def move_tables(resources):
-    return {folder.stem: read_strings(folder / "MoveApplication.strings")
-            for folder in sorted(resources.glob("*.lproj"))}
+def strings_tables(resources, name):
+    return {folder.stem: read_strings(folder / name) for folder in sorted(resources.glob("*.lproj"))}
 
 
 def move_texts_asked_for(sources):

@@ -6,6 +6,8 @@ from . import code_signature, mach_o, text_stubs
 
 MINIMUM_VERSIONS = {"x86_64": "10.14", "arm64": "11.0"}
 SIZE_BYTES_MAX = 4 << 20
+# Where macOS keeps its own libraries.
+SYSTEM_FOLDERS = ("/usr/lib/", "/System/Library/")
 # Where the programs of a Linux machine lie. The build's own folders are added by the caller.
 LINUX_FOLDERS = (b"/home/", b"/root/", b"/usr/include/", b"/usr/local/", b"/.cache/")
 
@@ -59,7 +61,9 @@ def version_findings(program, label):
 
 def library_findings(program, label, declarations):
     for library in program.libraries():
-        if library not in declarations.libraries(program.processor):
+        if not library.startswith(SYSTEM_FOLDERS):
+            yield f"{label} links {library}, which is no part of macOS."
+        elif library not in declarations.libraries(program.processor):
             yield f"{label} links {library}, which is not one of the libraries it may use."
 
 

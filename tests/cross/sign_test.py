@@ -1,0 +1,165 @@
+"""scripts/sign-macos runs the Mac's tools from the inside out. Here they are stand-ins that note their arguments."""
+
+import os
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+import damaged_bundle  # makes what follows known
+from packaging import archive
+
+SCRIPT = damaged_bundle.PROJECT / "scripts/sign-macos"
+ENTITLEMENTS = damaged_bundle.PROJECT / "resources/macos/Karno.entitlements"
+IDENTITY = "Developer ID Application: Vantul"
+NOTED = '#!/bin/sh\nprintf "%s\\n" "$(basename "$0") $*" >>"$TOOL_LOG"\n'
+# It packs and unpacks with what Linux has.
+DITTO = NOTED + """case "$1" in
+  -x) exec unzip -q "$3" -d "$4" ;;
+  -c) for last; do :; done; cd "$(eval echo "\\${$(($# - 1))}")/.." && exec zip -q -r -y "$last" Karno.app ;;
+esac
+"""
+FAILING = NOTED + 'case "$*" in "$TOOL_FAILS"*) exit 65 ;; esac\n'
+SPARKLE = ("Frameworks/Sparkle.framework/Versions/B/XPCServices/Downloader.xpc/Info.plist",
+           "Frameworks/Sparkle.framework/Versions/B/XPCServices/Installer.xpc/Info.plist",
+           "Frameworks/Sparkle.framework/Versions/B/Updater.app/Info.plist",
+           "Frameworks/Sparkle.framework/Versions/B/Autoupdate",
+           "Frameworks/Sparkle.framework/Versions/B/Sparkle")
+HELPERS = "Helpers/Karno.app/Contents/Info.plist", "Helpers/Karno(Fuse).app/Contents/Info.plist"
+
+
+class Signing(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+        self.log = self.folder / "log"
+        self.release = self.folder / "Karno-1.1.zip"
+        for name, text in (("codesign", FAILING), ("xcrun", FAILING), ("spctl", NOTED), ("ditto", DITTO)):
+            self.make_tool(name, text)
+
+    def make_tool(self, name, text):
+        tool = self.folder / "bin" / name
+        tool.parent.mkdir(exist_ok=True)
+        tool.write_text(text)
+        tool.chmod(0o755)
+
+    def package(self, *more):
+        """The archive that comes from Linux."""
+        contents = self.folder / "made/Karno.app/Contents"
+        for name in ("MacOS/Karno", "MacOS/karnoctl", *more):
+            (contents / name).parent.mkdir(parents=True, exist_ok=True)
+            (contents / name).write_text(name)
+        if more and more[0] in SPARKLE:
+            (contents / "Frameworks/Sparkle.framework/Versions/Current").symlink_to("B")
+        packed = self.folder / "Karno-1.1-macos.zip"
+        archive.pack(contents.parent, packed, 0)
+        return packed
+
+    def sign(self, *words, fails="nothing"):
+        """(exit status, what was printed, what was said beside); the folder it worked in is WORK."""
+        environment = os.environ | {"PATH": f"{self.folder}/bin:{os.environ['PATH']}", "TMPDIR": str(self.folder),
+                                    "TOOL_LOG": str(self.log), "TOOL_FAILS": fails}
+        run = subprocess.run([SCRIPT, *words], capture_output=True, text=True, env=environment)
+        return run.returncode, run.stdout, run.stderr
+
+    def noted(self):
+        """What the tools were asked to do, without the place, which is another each time."""
+        lines = self.log.read_text().splitlines() if self.log.exists() else []
+        works = {word.split("/Karno.app")[0] for line in lines for word in line.split() if "/sign-macos." in word}
+        work = min(works, key=len, default="WORK")
+        return [line.replace(work, "WORK").replace(str(self.folder), "HERE") for line in lines]
+
+    def test_begins_with_what_lies_inside(self):
+        package = self.package(*SPARKLE, *HELPERS)
+
+        status, _, said = self.sign("--identity", IDENTITY, "--keychain-profile", "karno", package, self.release)
+
+        begin = f"codesign --force --options runtime --timestamp --sign {IDENTITY}"
+        framework = "WORK/Karno.app/Contents/Frameworks/Sparkle.framework"
+        self.assertEqual((0, ""), (status, said))
+        self.assertEqual([
+            "ditto -x -k HERE/Karno-1.1-macos.zip WORK",
+            f"{begin} --preserve-metadata=entitlements {framework}/Versions/B/XPCServices/Downloader.xpc",
+            f"{begin} --preserve-metadata=entitlements {framework}/Versions/B/XPCServices/Installer.xpc",
+            f"{begin} {framework}/Versions/B/Autoupdate",
+            f"{begin} {framework}/Versions/B/Updater.app",
+            f"{begin} {framework}",
+            "codesign --verify --deep --strict WORK/Karno.app/Contents/Helpers/Karno(Fuse).app",
+            "codesign --verify --deep --strict WORK/Karno.app/Contents/Helpers/Karno.app",
+            f"{begin} --identifier it.vantul.KarnoWrapper.karnoctl WORK/Karno.app/Contents/MacOS/karnoctl",
+            f"{begin} --entitlements {ENTITLEMENTS} WORK/Karno.app",
+            "codesign --verify --deep --strict --verbose=2 WORK/Karno.app",
+            "ditto -c -k --keepParent WORK/Karno.app WORK/submitted.zip",
+            "xcrun notarytool submit WORK/submitted.zip --keychain-profile karno --wait",
+            "xcrun stapler staple WORK/Karno.app",
+            "spctl --assess --type execute -vv WORK/Karno.app",
+            "ditto -c -k --sequesterRsrc --keepParent WORK/Karno.app HERE/Karno-1.1.zip.unfinished",
+        ], self.noted())
+        self.assertTrue(self.release.is_file())
+
+    def test_signs_the_helpers_when_asked_to(self):
+        package = self.package(*HELPERS)
+
+        self.sign("--identity", IDENTITY, "--sign-helpers", package, self.release)
+
+        begin = f"codesign --force --options runtime --timestamp --sign {IDENTITY} --preserve-metadata=entitlements"
+        self.assertEqual([f"{begin} WORK/Karno.app/Contents/Helpers/Karno(Fuse).app",
+                          f"{begin} WORK/Karno.app/Contents/Helpers/Karno.app"],
+                         [line for line in self.noted() if "/Helpers/" in line])
+
+    def test_says_what_is_missing(self):
+        status, _, said = self.sign("--identity", IDENTITY, self.package(), self.release)
+
+        self.assertEqual(0, status)
+        self.assertEqual(
+            "sign-macos: there is no Sparkle.framework in the package: its updater will never start\n"
+            "sign-macos: there is no client in the package: it will have nothing to start\n"
+            "sign-macos: without --keychain-profile the bundle is not notarised: other Macs will refuse it\n", said)
+
+    def test_releases_nothing_when_the_notary_refuses(self):
+        self.release.write_text("the last one")
+
+        status, _, _ = self.sign("--identity", IDENTITY, "--keychain-profile", "karno", self.package(*HELPERS),
+                                 self.release, fails="stapler")
+
+        self.assertEqual((65, "the last one"), (status, self.release.read_text()))
+        self.assertEqual([], list(self.folder.glob("sign-macos.*")))
+
+    def test_stops_at_a_helper_whose_signature_does_not_fit(self):
+        status, _, _ = self.sign("--identity", IDENTITY, self.package(*HELPERS), self.release, fails="--verify")
+
+        self.assertEqual(1 + 64, status)
+        self.assertFalse(self.release.exists())
+
+    def test_only_prints_when_it_is_dry(self):
+        package = self.package(*SPARKLE, *HELPERS)
+
+        status, printed, _ = self.sign("--identity", IDENTITY, "--dry-run", package, self.release)
+
+        self.assertEqual((0, ["ditto -x -k HERE/Karno-1.1-macos.zip WORK"]), (status, self.noted()))
+        self.assertIn("codesign --force --options runtime --timestamp --sign Developer\\ ID\\ Application:\\ Vantul ",
+                      printed)
+        self.assertEqual([*["codesign"] * 10, "ditto", "mv"], [line.split()[0] for line in printed.splitlines()])
+        self.assertFalse(self.release.exists())
+
+    def test_needs_an_identity(self):
+        status, _, said = self.sign(self.package(), self.release)
+
+        self.assertEqual((2, "usage: scripts/sign-macos --identity NAME"), (status, said[:41]))
+
+    def test_refuses_an_archive_of_something_else(self):
+        other = self.folder / "made/Other.app"
+        (other / "Contents").mkdir(parents=True)
+        packed = self.folder / "other.zip"
+        archive.pack(other, packed, 0)
+
+        status, _, said = self.sign("--identity", IDENTITY, packed, self.release)
+
+        self.assertEqual((1, f"sign-macos: {packed} holds no Karno.app\n"), (status, said))
+
+
+if __name__ == "__main__":
+    unittest.main()

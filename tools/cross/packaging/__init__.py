@@ -1,0 +1,1 @@
+"""What scripts/package-macos does: puts the bundle together, packs it, and replaces the last package."""
