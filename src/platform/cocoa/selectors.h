@@ -11,8 +11,8 @@
 // checked against GNUstep by the tests and against a Mac by "karnoctl self-check".
 namespace karno::platform::objc {
 
-// UpdaterFramework: on macOS, once the updater framework of the bundle has been loaded, which a bundle that
-// was put together without it does not have.
+// Where a message is sent. UpdaterFramework: on macOS, once the updater framework of the bundle has been
+// loaded, which a bundle that was put together without it does not have.
 enum class Where { Everywhere, MacOSOnly, GNUstepOnly, UpdaterFramework };
 
 struct MacOSVersion {
@@ -50,7 +50,7 @@ inline constexpr Message kMessages[] = {
     {"NSAutoreleasePool", '-', "init"},
     {"NSProcessInfo", '+', "initializeWithArguments:count:environment:", Where::GNUstepOnly},
     {"NSThread", '+', "isMainThread", Where::Everywhere, {10, 5}},
-    {"NSRunLoop", '+', "currentRunLoop"},
+    {"NSRunLoop", '+', "currentRunLoop", Where::GNUstepOnly},
     {"NSRunLoop", '-', "removeEvent:type:forMode:all:", Where::GNUstepOnly},
     {"NSRunLoop", '-', "addEvent:type:watcher:forMode:", Where::GNUstepOnly},
 
@@ -143,7 +143,7 @@ inline constexpr Message kMessages[] = {
     {"NSUserDefaults", '-', "boolForKey:"},
     {"NSUserDefaults", '-', "setBool:forKey:"},
     {"NSUserDefaults", '-', "synchronize"},
-    {"NSUserDefaults", '-', "registerDefaults:"},
+    {"NSUserDefaults", '-', "registerDefaults:", Where::GNUstepOnly},
     {"NSNotificationCenter", '+', "defaultCenter"},
     {"NSNotificationCenter", '-', "addObserver:selector:name:object:"},
     {"NSNotificationCenter", '-', "removeObserver:"},
@@ -157,7 +157,7 @@ inline constexpr Message kMessages[] = {
 
     {"NSApplication", '+', "sharedApplication"},
     {"NSApplication", '-', "setDelegate:"},
-    {"NSApplication", '-', "run"},
+    {"NSApplication", '-', "run", Where::GNUstepOnly},
     {"NSApplication", '-', "isActive"},
     {"NSApplication", '-', "activateIgnoringOtherApps:"},
     {"NSApplication", '-', "setActivationPolicy:", Where::MacOSOnly, {10, 6}, kAskedFor},
@@ -166,14 +166,14 @@ inline constexpr Message kMessages[] = {
     {"NSApplication", '-', "runModalForWindow:"},
     {"NSApplication", '-', "stopModalWithCode:"},
     {"NSApplication", '-', "applicationIconImage"},
-    {"NSApplication", '-', "setApplicationIconImage:"},
-    {"NSImage", '-', "initWithContentsOfFile:"},
-    {"NSColor", '+', "colorWithCalibratedRed:green:blue:alpha:"},
-    {"NSColor", '-', "set"},
-    {"NSBezierPath", '+', "bezierPathWithRoundedRect:xRadius:yRadius:", Where::Everywhere, {10, 5}},
-    {"NSBezierPath", '-', "setLineWidth:"},
-    {"NSBezierPath", '-', "fill"},
-    {"NSBezierPath", '-', "stroke"},
+    {"NSApplication", '-', "setApplicationIconImage:", Where::GNUstepOnly},
+    {"NSImage", '-', "initWithContentsOfFile:", Where::GNUstepOnly},
+    {"NSColor", '+', "colorWithCalibratedRed:green:blue:alpha:", Where::GNUstepOnly},
+    {"NSColor", '-', "set", Where::GNUstepOnly},
+    {"NSBezierPath", '+', "bezierPathWithRoundedRect:xRadius:yRadius:", Where::GNUstepOnly},
+    {"NSBezierPath", '-', "setLineWidth:", Where::GNUstepOnly},
+    {"NSBezierPath", '-', "fill", Where::GNUstepOnly},
+    {"NSBezierPath", '-', "stroke", Where::GNUstepOnly},
     {"GSTheme", '-', "drawButton:in:view:style:state:", Where::GNUstepOnly},
     {"GSTheme", '-', "drawFocusFrame:view:", Where::GNUstepOnly},
     {"GSTheme", '-', "drawProgressIndicatorBezel:withClip:", Where::GNUstepOnly},
@@ -214,7 +214,7 @@ inline constexpr Message kMessages[] = {
     {"NSView", '-', "addSubview:"},
     {"NSView", '-', "initWithFrame:"},
     {"NSView", '-', "setFrame:"},
-    {"NSView", '-', "bounds"},
+    {"NSView", '-', "bounds", Where::GNUstepOnly},
     {"NSView", '-', "setNeedsDisplay:"},
     {"NSView", '-', "setNextKeyView:"},
     {"NSFont", '+', "systemFontOfSize:"},
@@ -238,7 +238,7 @@ inline constexpr Message kMessages[] = {
     {"NSButton", '-', "setTitle:"},
     {"NSButton", '-', "title"},
     {"NSButton", '-', "setKeyEquivalent:"},
-    {"NSButtonCell", '-', "keyEquivalent"},
+    {"NSButtonCell", '-', "keyEquivalent", Where::GNUstepOnly},
     {"NSButton", '-', "setBezelStyle:"},
     {"NSButton", '-', "setButtonType:"},
     {"NSButton", '-', "performClick:"},
@@ -247,12 +247,12 @@ inline constexpr Message kMessages[] = {
     {"NSScrollView", '-', "setBorderType:"},
     {"NSScrollView", '-', "setDocumentView:"},
     {"NSScrollView", '-', "contentSize"},
-    {"NSText", '-', "setString:"},
-    {"NSText", '-', "string"},
-    {"NSText", '-', "setVerticallyResizable:"},
-    {"NSText", '-', "setHorizontallyResizable:"},
-    {"NSText", '-', "setMaxSize:"},
-    {"NSText", '-', "sizeToFit"},
+    {"NSTextView", '-', "setString:"},
+    {"NSTextView", '-', "string"},
+    {"NSTextView", '-', "setVerticallyResizable:"},
+    {"NSTextView", '-', "setHorizontallyResizable:"},
+    {"NSTextView", '-', "setMaxSize:"},
+    {"NSTextView", '-', "sizeToFit"},
     {"NSImageView", '-', "setImage:"},
     {"NSImageView", '-', "setImageScaling:"},
     {"NSProgressIndicator", '-', "setStyle:"},

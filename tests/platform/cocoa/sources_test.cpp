@@ -86,6 +86,40 @@ std::vector<std::string> misplacedMessages(Where system, std::string_view folder
   return misplaced;
 }
 
+// The files that name the message, but for the table.
+std::vector<std::string> filesNaming(const std::string& name, const std::vector<Source>& sources) {
+  std::vector<std::string> files;
+  for (const Source& source : sources) {
+    if (source.path == "src/platform/cocoa/selectors.h") continue;
+    if (source.text.find(name) != std::string::npos) files.push_back(source.path);
+  }
+  return files;
+}
+
+bool isOfLinux(const std::string& path) { return path.starts_with("src/platform/linux/"); }
+
+// The messages of the table that no file sends.
+std::vector<std::string_view> unsentMessages() {
+  const std::vector<Source> sources = sourcesIn("src");
+  std::vector<std::string_view> unsent;
+  for (const Message& row : kMessages) {
+    if (filesNaming(fmt::format("\"{}\"", row.selector), sources).empty()) unsent.push_back(row.selector);
+  }
+  return unsent;
+}
+
+// The messages that a Mac would be asked for although only the files of Linux send them.
+std::vector<std::string_view> needlessMessages() {
+  const std::vector<Source> sources = sourcesIn("src");
+  std::vector<std::string_view> needless;
+  for (const Message& row : kMessages) {
+    if (row.where == Where::GNUstepOnly) continue;
+    const auto files = filesNaming(fmt::format("\"{}\"", row.selector), sources);
+    if (std::ranges::all_of(files, isOfLinux)) needless.push_back(row.selector);
+  }
+  return needless;
+}
+
 TEST(Sources, CallTheRuntimeByHandOnlyWhereMessagesAreMade) {
   EXPECT_THAT(
       filesThatCallTheRuntime(),
@@ -101,6 +135,10 @@ TEST(Sources, SendWhatOnlyMacOSKnowsFromItsFolderAlone) {
   EXPECT_THAT(misplacedMessages(Where::MacOSOnly, "src/platform/macos/"), IsEmpty());
   EXPECT_THAT(misplacedMessages(Where::UpdaterFramework, "src/platform/macos/"), IsEmpty());
 }
+
+TEST(Sources, SendEveryMessageOfTheTable) { EXPECT_THAT(unsentMessages(), IsEmpty()); }
+
+TEST(Sources, AskAMacForNothingThatLinuxAloneSends) { EXPECT_THAT(needlessMessages(), IsEmpty()); }
 
 }  // namespace
 }  // namespace karno::platform::objc
