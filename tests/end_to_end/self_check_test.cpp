@@ -127,6 +127,29 @@ TEST_F(SelfCheck, NamesADamagedTableOfTheMove) {
   EXPECT_THAT(result.output, StartsWith("Contents/Resources/ja.lproj/MoveApplication.strings is damaged ("));
 }
 
+TEST_F(SelfCheck, NamesATableThatCannotBeRead) {
+  fs::remove(file(kGermanTable));
+  fs::create_symlink("Strings.json", file(kGermanTable));
+
+  const CommandResult result = check();
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output,
+            std::string(kGermanTable) +
+                " cannot be read (Too many levels of symbolic links): its texts are shown in the "
+                "base language.\n");
+}
+
+TEST_F(SelfCheck, NamesABundleThatCannotBeRead) {
+  const fs::path loop = machine_.root() / "loop.app";
+  fs::create_symlink("loop.app", loop);
+
+  const CommandResult result = check({loop});
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, loop.string() + " cannot be read (Too many levels of symbolic links).\n");
+}
+
 TEST_F(SelfCheck, NamesATextThatOneLanguageLacks) {
   replace(kGermanTable, "\"NOT_NOW\"", "\"NOT_NOW_\"");
   replace("Contents/Resources/Base.lproj/Strings.json", "{", "{\"NOT_NOW_\": \"x\",");

@@ -4,7 +4,9 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <utility>
 
+#include "karnoctl/log_printer.h"
 #include "karnoctl/program_file.h"
 
 namespace karno::karnoctl {
@@ -42,6 +44,14 @@ CheckedBundle::CheckedBundle(const platform::Platform& platform, const platform:
       ownProgram_(ownProgram),
       path_(std::move(path)),
       findings_(findings) {}
+
+void CheckedBundle::wrong(std::string_view sentence) const {
+  findings_.wrong.push_back(withoutControlCharacters(sentence));
+}
+
+void CheckedBundle::note(std::string_view sentence) const {
+  findings_.notes.push_back(withoutControlCharacters(sentence));
+}
 
 bool CheckedBundle::hasFile(const std::string& file, std::string_view cost) const {
   const auto opened = platform_.fileReading.open(pathOf(file));

@@ -2,7 +2,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "karnoctl/program_image.h"
 #include "karnoctl/self_check_findings.h"
@@ -28,8 +27,9 @@ class CheckedBundle {
   std::string pathOf(const std::string& file) const { return path_ + "/" + file; }
 
   SelfCheckFindings& findings() const { return findings_; }
-  void wrong(std::string sentence) const { findings_.wrong.push_back(std::move(sentence)); }
-  void note(std::string sentence) const { findings_.notes.push_back(std::move(sentence)); }
+  // Control characters that a file brings along are written as "^[".
+  void wrong(std::string_view sentence) const;
+  void note(std::string_view sentence) const;
 
   // Whether it is there and can be opened. If not, that is written down.
   bool hasFile(const std::string& file, std::string_view cost) const;

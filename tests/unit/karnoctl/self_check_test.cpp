@@ -192,6 +192,13 @@ TEST_F(KarnoctlSelfCheck, NamesAnotherIdentifier) {
             "it.vantul.KarnoWrapper: its updater and karnoctl take it for another application.\n");
 }
 
+TEST_F(KarnoctlSelfCheck, ShowsNoControlCharactersOfAFile) {
+  EXPECT_EQ(
+      saidAboutInformation("CFBundleIdentifier", "\x1b[2J\n\x7fx"),
+      "Contents/Info.plist has the CFBundleIdentifier ^[[2J^J^?x instead of it.vantul.KarnoWrapper: its "
+      "updater and karnoctl take it for another application.\n");
+}
+
 TEST_F(KarnoctlSelfCheck, NamesATextThatIsNone) {
   EXPECT_EQ(saidAboutInformation("CFBundleVersion", 1),
             "Contents/Info.plist has a CFBundleVersion that is no text: the updater cannot tell what is "
