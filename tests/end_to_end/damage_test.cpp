@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -5,6 +6,8 @@
 #include <fstream>
 
 #include "expected_logs.h"
+#include "hands.h"
+#include "made_up_programs.h"
 #include "places.h"
 
 namespace karno::test {
@@ -90,6 +93,122 @@ TEST(Damage, OfTheWholeLibraryStillStartsTheBuildOfTheAdministrator) {
   EXPECT_EQ(machine.waitForEnd(), 0);
   EXPECT_THAT(machine.console(), Contains(kStarted));
   EXPECT_THAT(machine.console(), Contains("INFO AppDelegate[TERMINATE] Reason: User selected quit"));
+}
+
+// Up to the launch of the client.
+Messages untilLaunch() {
+  return joined({openingMessages(),
+                 {kFirstStartup, "INFO Startup[CHECK] Checking system for FileProvider...",
+                  "INFO Startup[CHECK] Using FileProvider", "INFO Main: System is okay - launching Karno"}});
+}
+
+// Logged before the alert is shown, whose texts are read then.
+constexpr const char* kFailedToStart = "*** ERROR *** Main: Failed to start Karno";
+
+// Once it has been answered.
+Messages answeredMessages() {
+  return {"INFO AppDelegate[TERMINATE] Reason: Failed to start Karno.app", kTerminating};
+}
+
+// What is said where the client is missing, but for the path.
+Messages missingClientMessages(const Machine& machine) {
+  return {
+      "WARN Utilities[BUNDLE] Could not find bundle for Karno.app (path:" + machine.helper().string() + ")",
+      "WARN Startup[LAUNCH] Failed to launch Karno. Reason: Could not find embedded Karno app",
+      "*** ERROR *** Startup[LAUNCH] Failed to launch Karno. Reason: Could not find embedded Karno app"};
+}
+
+// Waits for the alert on the screen and presses its only button.
+void answerAlert(const Machine& machine) {
+  const auto alert = findWindow(machine, kLauncherTitle);
+  ASSERT_TRUE(alert) << machine.consoleText();
+  pressKey(machine, *alert, "Return");
+}
+
+std::vector<fs::path> tablesOf(const Machine& machine) {
+  std::vector<fs::path> tables;
+  for (const auto& entry : fs::recursive_directory_iterator(machine.bundle() / "Contents/Resources")) {
+    if (entry.path().filename() == "Strings.json") tables.push_back(entry.path());
+  }
+  return tables;
+}
+
+TEST(Damage, OfTheHelpersEndsTheLauncherWithAnAlert) {
+  Machine machine(builtTools());
+  fs::remove_all(machine.bundle() / "Contents/Helpers");
+
+  machine.start();
+  answerAlert(machine);
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(),
+              ElementsAreArray(joined(
+                  {untilLaunch(), missingClientMessages(machine), {kFailedToStart}, answeredMessages()})));
+}
+
+TEST(Damage, OfTheClientsProcessorEndsTheLauncherWithAnAlert) {
+  Machine machine(builtTools());
+  const fs::path client = machine.helper() / "Contents/MacOS/Karno";
+  overwrite(client, ELF{.processor = 0xbeef}.bytes());
+
+  machine.start();
+  answerAlert(machine);
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(),
+              ElementsAreArray(joined(
+                  {untilLaunch(),
+                   {"INFO Startup[LAUNCH] Launching Karno.app",
+                    fmt::format("WARN Startup[LAUNCH] Failed to launch 'file://{}'. Reason: Error "
+                                "Domain=NSPOSIXErrorDomain Code=8 \"Exec format error\"",
+                                client.string()),
+                    "*** ERROR *** Startup[LAUNCH] Failed to launch Karno. Reason: The operation couldn’t be "
+                    "completed. Exec format error",
+                    kFailedToStart},
+                   answeredMessages()})));
+}
+
+TEST(Damage, OfEveryTableLeavesAnAlertWithTokens) {
+  Machine machine(builtTools());
+  fs::remove_all(machine.helper());
+  for (const fs::path& table : tablesOf(machine)) fs::remove(table);
+
+  machine.start();
+  answerAlert(machine);
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(),
+              ElementsAreArray(joined(
+                  {untilLaunch(),
+                   missingClientMessages(machine),
+                   {kFailedToStart, "WARN KarnoLocalise: Failed to build path for 'Locale: Strings.json'",
+                    "WARN KarnoLocalise: Failed to build path for 'Base.lproj: Strings.json'",
+                    "--- KarnoLocalise token 'DRIVE_MOUNT_FAILED' not found",
+                    "--- KarnoLocalise token 'OK' not found"},
+                   answeredMessages()})));
+}
+
+TEST(Damage, OfTheUsersTableLeavesAnAlertInTheBaseLanguage) {
+  Machine machine(builtTools());
+  fs::remove_all(machine.helper());
+  overwrite(machine.bundle() / "Contents/Resources/de.lproj/Strings.json", "no JSON");
+
+  machine.start({"--env", "LANG=de_DE.UTF-8"});
+  answerAlert(machine);
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(
+      machine.console(),
+      ElementsAreArray(joined(
+          {untilLaunch(),
+           missingClientMessages(machine),
+           {kFailedToStart,
+            "WARN KarnoLocalise: Failed to serialise data for 'Locale: Strings.json'. Error=Error "
+            "Domain=NSCocoaErrorDomain Code=3840 \"The data couldn’t be read because it isn’t in the correct "
+            "format.\" UserInfo={NSDebugDescription=Not JSON from byte 2 on., NSLocalizedDescription=The "
+            "data "
+            "couldn’t be read because it isn’t in the correct format.}"},
+           answeredMessages()})));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "karnoctl/command_line.h"
+#include "platform/runtime_check.h"
 #include "platform/terminal.h"
 
 namespace {
@@ -29,6 +30,7 @@ int main(int argc, char** argv) {
     Context context{.out = std::cout,
                     .err = std::cerr,
                     .platform = [argc, argv]() -> Platform& { return installedPlatform(argc, argv); },
+                    .runtimeCheck = karno::platform::nativeRuntimeCheck,
                     .outputIsTerminal = karno::platform::standardOutputIsTerminal(),
                     .outputWantsColours = karno::platform::standardOutputWantsColours()};
     const int status = karno::karnoctl::run(arguments, KARNO_VERSION, context);

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/platform.h"
+#include "platform/runtime_check.h"
 
 namespace karno::karnoctl {
 
@@ -14,11 +15,13 @@ inline constexpr int kExitFailed = 1;
 inline constexpr int kExitNotRunning = 3;
 inline constexpr int kExitUsage = 64;
 
-// What a verb works with. The platform is only made, and installed, when a verb asks for it.
+// What a verb works with. The platform is only made, and installed, when a verb asks for it; what checks the
+// system is asked for after that.
 struct Context {
   std::ostream& out;
   std::ostream& err;
   std::function<platform::Platform&()> platform;
+  std::function<platform::RuntimeCheck&()> runtimeCheck;
   bool outputIsTerminal = false;
   bool outputWantsColours = false;
 };

@@ -9,12 +9,13 @@
 #include "karnoctl/explain_verb.h"
 #include "karnoctl/log_verb.h"
 #include "karnoctl/post_verb.h"
+#include "karnoctl/self_check_verb.h"
 #include "karnoctl/status_verb.h"
 
 namespace karno::karnoctl {
 
 std::span<const Verb> allVerbs() {
-  static const std::vector<Verb> verbs{statusVerb(), logVerb(), explainVerb(), postVerb()};
+  static const std::vector<Verb> verbs{statusVerb(), logVerb(), explainVerb(), selfCheckVerb(), postVerb()};
   return verbs;
 }
 

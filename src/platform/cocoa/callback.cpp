@@ -1,7 +1,5 @@
 #include "platform/cocoa/callback.h"
 
-#include <objc/runtime.h>
-
 #include "platform/cocoa/class_builder.h"
 
 namespace karno::platform::cocoa {
@@ -36,6 +34,6 @@ Callback::Callback(Function function)
 
 Callback::~Callback() { objc::setState(target_.get(), nullptr); }
 
-objc::Sel Callback::action() { return sel_registerName(kAction); }
+objc::Sel Callback::action() { return objc::selectorOf(kAction); }
 
 }  // namespace karno::platform::cocoa

@@ -52,6 +52,8 @@ Class ClassBuilder::registerClass() {
   return cls_;
 }
 
+Sel selectorOf(const char* method) { return sel_registerName(method); }
+
 void* stateOf(Id object) {
   void* state = nullptr;
   object_getInstanceVariable(object, kStateName, &state);

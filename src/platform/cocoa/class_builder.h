@@ -101,6 +101,9 @@ class ClassBuilder {
   Class cls_;
 };
 
+// The selector of a method that a ClassBuilder adds, for those who are to send it: targets, observers.
+Sel selectorOf(const char* method);
+
 // The C++ side of an instance of a class with state(). Borrowed: whoever sets it clears it before it dies.
 void* stateOf(Id object);
 void setState(Id object, void* state);

@@ -1,21 +1,28 @@
 #pragma once
+#include <algorithm>
 #include <array>
+#include <compare>
 #include <cstddef>
 #include <string_view>
 
 // Every Objective-C class and message that the launcher uses. A class or selector is named in code by a
-// string that is looked up here when it is compiled, so a misspelling or a missing row does not compile. What
-// the table claims is checked against GNUstep by the tests and against a Mac by its self-check.
+// string that is looked up here when it is compiled, so a misspelling or a missing row does not compile. That
+// each message goes to a class that has a row for it is seen when the tests send it. What the table claims is
+// checked against GNUstep by the tests and against a Mac by "karnoctl self-check".
 namespace karno::platform::objc {
 
-// UpdaterFramework: on macOS, once the updater framework of the bundle has been loaded, which a bundle that
-// was put together without it does not have.
+// Where a message is sent. UpdaterFramework: on macOS, once the updater framework of the bundle has been
+// loaded, which a bundle that was put together without it does not have.
 enum class Where { Everywhere, MacOSOnly, GNUstepOnly, UpdaterFramework };
 
 struct MacOSVersion {
   int major = 10;
   int minor = 0;
+  auto operator<=>(const MacOSVersion&) const = default;
 };
+
+// The lowest that the launcher runs on.
+inline constexpr MacOSVersion kLowestMacOS = {10, 14};
 
 struct Message {
   std::string_view className;
@@ -23,7 +30,10 @@ struct Message {
   std::string_view selector;
   Where where = Where::Everywhere;
   MacOSVersion since = {};  // the first macOS that has it; 10.0 for those always there
+  bool isAskedFor = false;  // sent only where the class says that it has it, and done without elsewhere
 };
+
+inline constexpr bool kAskedFor = true;
 
 inline constexpr Message kMessages[] = {
     {"NSObject", '+', "alloc"},
@@ -36,11 +46,11 @@ inline constexpr Message kMessages[] = {
     {"NSObject", '-', "isKindOfClass:"},
     {"NSObject", '+', "respondsToSelector:"},
     {"NSObject", '+', "instancesRespondToSelector:"},
-    {"NSObject", '-', "performSelectorOnMainThread:withObject:waitUntilDone:"},
+    {"NSObject", '-', "performSelectorOnMainThread:withObject:waitUntilDone:", Where::Everywhere, {10, 2}},
     {"NSAutoreleasePool", '-', "init"},
     {"NSProcessInfo", '+', "initializeWithArguments:count:environment:", Where::GNUstepOnly},
-    {"NSThread", '+', "isMainThread"},
-    {"NSRunLoop", '+', "currentRunLoop"},
+    {"NSThread", '+', "isMainThread", Where::Everywhere, {10, 5}},
+    {"NSRunLoop", '+', "currentRunLoop", Where::GNUstepOnly},
     {"NSRunLoop", '-', "removeEvent:type:forMode:all:", Where::GNUstepOnly},
     {"NSRunLoop", '-', "addEvent:type:watcher:forMode:", Where::GNUstepOnly},
 
@@ -60,7 +70,7 @@ inline constexpr Message kMessages[] = {
     {"NSDate", '+', "dateWithTimeIntervalSince1970:"},
     {"NSDate", '-', "timeIntervalSince1970"},
     {"NSData", '+', "dataWithBytes:length:"},
-    {"NSData", '+', "dataWithContentsOfURL:options:error:", Where::MacOSOnly},
+    {"NSData", '+', "dataWithContentsOfURL:options:error:", Where::MacOSOnly, {10, 4}},
     {"NSData", '-', "bytes"},
     {"NSData", '-', "length"},
     {"NSArray", '-', "count"},
@@ -70,49 +80,62 @@ inline constexpr Message kMessages[] = {
     {"NSDictionary", '-', "objectForKey:"},
     {"NSMutableDictionary", '-', "setObject:forKey:"},
     {"NSSet", '+', "setWithArray:"},
-    {"NSError", '-', "domain"},
-    {"NSError", '-', "code"},
-    {"NSError", '-', "localizedDescription"},
-    {"NSError", '-', "userInfo"},
+    {"NSError", '-', "domain", Where::Everywhere, {10, 2}},
+    {"NSError", '-', "code", Where::Everywhere, {10, 2}},
+    {"NSError", '-', "localizedDescription", Where::Everywhere, {10, 2}},
+    {"NSError", '-', "userInfo", Where::Everywhere, {10, 2}},
     {"NSURL", '+', "URLWithString:"},
     {"NSURL", '+', "fileURLWithPath:"},
     {"NSURL", '-', "absoluteString"},
     {"NSURL", '-', "path"},
-    {"NSURLRequest", '-', "URL"},
+    {"NSURLRequest", '-', "URL", Where::Everywhere, {10, 2}},
     {"NSUUID", '+', "UUID", Where::Everywhere, {10, 8}},
     {"NSUUID", '-', "UUIDString", Where::Everywhere, {10, 8}},
-    {"NSRegularExpression", '+', "regularExpressionWithPattern:options:error:"},
-    {"NSRegularExpression", '-', "firstMatchInString:options:range:"},
-    {"NSRegularExpression", '-', "stringByReplacingMatchesInString:options:range:withTemplate:"},
-    {"NSTextCheckingResult", '-', "range"},
-    {"NSDateFormatter", '-', "setLocale:"},
-    {"NSDateFormatter", '-', "setTimeZone:"},
-    {"NSDateFormatter", '-', "setDateFormat:"},
-    {"NSDateFormatter", '-', "stringFromDate:"},
-    {"NSLocale", '+', "autoupdatingCurrentLocale"},
+    {"NSRegularExpression", '+', "regularExpressionWithPattern:options:error:", Where::Everywhere, {10, 7}},
+    {"NSRegularExpression", '-', "firstMatchInString:options:range:", Where::Everywhere, {10, 7}},
+    {"NSRegularExpression",
+     '-',
+     "stringByReplacingMatchesInString:options:range:withTemplate:",
+     Where::Everywhere,
+     {10, 7}},
+    {"NSTextCheckingResult", '-', "range", Where::Everywhere, {10, 6}},
+    {"NSDateFormatter", '-', "setLocale:", Where::Everywhere, {10, 4}},
+    {"NSDateFormatter", '-', "setTimeZone:", Where::Everywhere, {10, 4}},
+    {"NSDateFormatter", '-', "setDateFormat:", Where::Everywhere, {10, 4}},
+    {"NSDateFormatter", '-', "stringFromDate:", Where::Everywhere, {10, 4}},
+    {"NSLocale", '+', "autoupdatingCurrentLocale", Where::Everywhere, {10, 5}},
     {"NSTimeZone", '+', "localTimeZone"},
     {"NSProcessInfo", '+', "processInfo"},
     {"NSProcessInfo", '-', "isOperatingSystemAtLeastVersion:", Where::MacOSOnly, {10, 10}},
     {"NSBundle", '+', "mainBundle"},
     {"NSBundle", '+', "bundleWithPath:"},
-    {"NSBundle", '-', "loadAndReturnError:"},
+    {"NSBundle", '-', "loadAndReturnError:", Where::Everywhere, {10, 5}},
     {"NSBundle", '-', "bundlePath"},
-    {"NSBundle", '-', "bundleURL"},
+    {"NSBundle", '-', "bundleURL", Where::Everywhere, {10, 6}},
     {"NSBundle", '-', "executablePath"},
-    {"NSBundle", '-', "executableURL"},
+    {"NSBundle", '-', "executableURL", Where::Everywhere, {10, 6}},
     {"NSBundle", '-', "bundleIdentifier"},
-    {"NSBundle", '-', "objectForInfoDictionaryKey:"},
+    {"NSBundle", '-', "objectForInfoDictionaryKey:", Where::Everywhere, {10, 2}},
     {"NSBundle", '-', "pathForResource:ofType:"},
     {"NSBundle", '-', "pathForResource:ofType:inDirectory:"},
     {"NSBundle", '-', "localizedStringForKey:value:table:"},
     {"NSFileManager", '+', "defaultManager"},
-    {"NSFileManager", '-', "copyItemAtPath:toPath:error:"},
+    {"NSFileManager", '-', "copyItemAtPath:toPath:error:", Where::Everywhere, {10, 5}},
     {"NSFileManager", '-', "trashItemAtURL:resultingItemURL:error:", Where::MacOSOnly, {10, 8}},
-    {"NSAppleScript", '-', "initWithSource:", Where::MacOSOnly},
-    {"NSAppleScript", '-', "executeAndReturnError:", Where::MacOSOnly},
+    {"NSAppleScript", '-', "initWithSource:", Where::MacOSOnly, {10, 2}},
+    {"NSAppleScript", '-', "executeAndReturnError:", Where::MacOSOnly, {10, 2}},
 
-    {"NSPropertyListSerialization", '+', "propertyListWithData:options:format:error:"},
-    {"NSKeyedUnarchiver", '+', "unarchivedObjectOfClasses:fromData:error:", Where::MacOSOnly, {10, 13}},
+    {"NSPropertyListSerialization",
+     '+',
+     "propertyListWithData:options:format:error:",
+     Where::Everywhere,
+     {10, 6}},
+    {"NSKeyedUnarchiver",
+     '+',
+     "unarchivedObjectOfClasses:fromData:error:",
+     Where::MacOSOnly,
+     {10, 13},
+     kAskedFor},
 
     {"NSUserDefaults", '+', "standardUserDefaults"},
     {"NSUserDefaults", '-', "initWithSuiteName:", Where::MacOSOnly, {10, 9}},
@@ -120,7 +143,7 @@ inline constexpr Message kMessages[] = {
     {"NSUserDefaults", '-', "boolForKey:"},
     {"NSUserDefaults", '-', "setBool:forKey:"},
     {"NSUserDefaults", '-', "synchronize"},
-    {"NSUserDefaults", '-', "registerDefaults:"},
+    {"NSUserDefaults", '-', "registerDefaults:", Where::GNUstepOnly},
     {"NSNotificationCenter", '+', "defaultCenter"},
     {"NSNotificationCenter", '-', "addObserver:selector:name:object:"},
     {"NSNotificationCenter", '-', "removeObserver:"},
@@ -134,23 +157,23 @@ inline constexpr Message kMessages[] = {
 
     {"NSApplication", '+', "sharedApplication"},
     {"NSApplication", '-', "setDelegate:"},
-    {"NSApplication", '-', "run"},
+    {"NSApplication", '-', "run", Where::GNUstepOnly},
     {"NSApplication", '-', "isActive"},
     {"NSApplication", '-', "activateIgnoringOtherApps:"},
-    {"NSApplication", '-', "setActivationPolicy:", Where::MacOSOnly, {10, 6}},
-    {"NSApplication", '-', "requestUserAttention:"},
+    {"NSApplication", '-', "setActivationPolicy:", Where::MacOSOnly, {10, 6}, kAskedFor},
+    {"NSApplication", '-', "requestUserAttention:", Where::Everywhere, {10, 1}},
     {"NSApplication", '-', "terminate:"},
     {"NSApplication", '-', "runModalForWindow:"},
     {"NSApplication", '-', "stopModalWithCode:"},
     {"NSApplication", '-', "applicationIconImage"},
-    {"NSApplication", '-', "setApplicationIconImage:"},
-    {"NSImage", '-', "initWithContentsOfFile:"},
-    {"NSColor", '+', "colorWithCalibratedRed:green:blue:alpha:"},
-    {"NSColor", '-', "set"},
-    {"NSBezierPath", '+', "bezierPathWithRoundedRect:xRadius:yRadius:"},
-    {"NSBezierPath", '-', "setLineWidth:"},
-    {"NSBezierPath", '-', "fill"},
-    {"NSBezierPath", '-', "stroke"},
+    {"NSApplication", '-', "setApplicationIconImage:", Where::GNUstepOnly},
+    {"NSImage", '-', "initWithContentsOfFile:", Where::GNUstepOnly},
+    {"NSColor", '+', "colorWithCalibratedRed:green:blue:alpha:", Where::GNUstepOnly},
+    {"NSColor", '-', "set", Where::GNUstepOnly},
+    {"NSBezierPath", '+', "bezierPathWithRoundedRect:xRadius:yRadius:", Where::GNUstepOnly},
+    {"NSBezierPath", '-', "setLineWidth:", Where::GNUstepOnly},
+    {"NSBezierPath", '-', "fill", Where::GNUstepOnly},
+    {"NSBezierPath", '-', "stroke", Where::GNUstepOnly},
     {"GSTheme", '-', "drawButton:in:view:style:state:", Where::GNUstepOnly},
     {"GSTheme", '-', "drawFocusFrame:view:", Where::GNUstepOnly},
     {"GSTheme", '-', "drawProgressIndicatorBezel:withClip:", Where::GNUstepOnly},
@@ -167,11 +190,11 @@ inline constexpr Message kMessages[] = {
     {"NSRunningApplication", '-', "bundleURL", Where::Everywhere, {10, 6}},
     {"NSRunningApplication", '-', "processIdentifier", Where::Everywhere, {10, 6}},
 
-    {"NSAlert", '-', "setAlertStyle:"},
-    {"NSAlert", '-', "setMessageText:"},
-    {"NSAlert", '-', "setInformativeText:"},
-    {"NSAlert", '-', "addButtonWithTitle:"},
-    {"NSAlert", '-', "runModal"},
+    {"NSAlert", '-', "setAlertStyle:", Where::Everywhere, {10, 3}},
+    {"NSAlert", '-', "setMessageText:", Where::Everywhere, {10, 3}},
+    {"NSAlert", '-', "setInformativeText:", Where::Everywhere, {10, 3}},
+    {"NSAlert", '-', "addButtonWithTitle:", Where::Everywhere, {10, 3}},
+    {"NSAlert", '-', "runModal", Where::Everywhere, {10, 3}},
 
     {"NSWindow", '-', "initWithContentRect:styleMask:backing:defer:"},
     {"NSWindow", '-', "setReleasedWhenClosed:"},
@@ -191,7 +214,7 @@ inline constexpr Message kMessages[] = {
     {"NSView", '-', "addSubview:"},
     {"NSView", '-', "initWithFrame:"},
     {"NSView", '-', "setFrame:"},
-    {"NSView", '-', "bounds"},
+    {"NSView", '-', "bounds", Where::GNUstepOnly},
     {"NSView", '-', "setNeedsDisplay:"},
     {"NSView", '-', "setNextKeyView:"},
     {"NSFont", '+', "systemFontOfSize:"},
@@ -215,21 +238,21 @@ inline constexpr Message kMessages[] = {
     {"NSButton", '-', "setTitle:"},
     {"NSButton", '-', "title"},
     {"NSButton", '-', "setKeyEquivalent:"},
-    {"NSButtonCell", '-', "keyEquivalent"},
+    {"NSButtonCell", '-', "keyEquivalent", Where::GNUstepOnly},
     {"NSButton", '-', "setBezelStyle:"},
     {"NSButton", '-', "setButtonType:"},
     {"NSButton", '-', "performClick:"},
     {"NSScrollView", '-', "setHasVerticalScroller:"},
-    {"NSScrollView", '-', "setAutohidesScrollers:"},
+    {"NSScrollView", '-', "setAutohidesScrollers:", Where::Everywhere, {10, 3}},
     {"NSScrollView", '-', "setBorderType:"},
     {"NSScrollView", '-', "setDocumentView:"},
     {"NSScrollView", '-', "contentSize"},
-    {"NSText", '-', "setString:"},
-    {"NSText", '-', "string"},
-    {"NSText", '-', "setVerticallyResizable:"},
-    {"NSText", '-', "setHorizontallyResizable:"},
-    {"NSText", '-', "setMaxSize:"},
-    {"NSText", '-', "sizeToFit"},
+    {"NSTextView", '-', "setString:"},
+    {"NSTextView", '-', "string"},
+    {"NSTextView", '-', "setVerticallyResizable:"},
+    {"NSTextView", '-', "setHorizontallyResizable:"},
+    {"NSTextView", '-', "setMaxSize:"},
+    {"NSTextView", '-', "sizeToFit"},
     {"NSImageView", '-', "setImage:"},
     {"NSImageView", '-', "setImageScaling:"},
     {"NSProgressIndicator", '-', "setStyle:"},
@@ -246,13 +269,20 @@ inline constexpr Message kMessages[] = {
     {"SPUUpdater", '-', "canCheckForUpdates", Where::UpdaterFramework},
     {"SPUUpdater", '-', "checkForUpdates", Where::UpdaterFramework},
     {"SPUUpdater", '-', "setAutomaticallyChecksForUpdates:", Where::UpdaterFramework},
-    {"SPUUpdater", '-', "clearFeedURLFromUserDefaults", Where::UpdaterFramework},  // since its version 2.4
+    // Since version 2.4 of the framework.
+    {"SPUUpdater", '-', "clearFeedURLFromUserDefaults", Where::UpdaterFramework, {}, kAskedFor},
     {"SUAppcastItem", '-', "title", Where::UpdaterFramework},
     {"SUAppcastItem", '-', "displayVersionString", Where::UpdaterFramework},
     {"SUAppcastItem", '-', "versionString", Where::UpdaterFramework},
 };
 
 inline constexpr std::size_t kMessageCount = std::size(kMessages);
+
+static_assert(std::ranges::all_of(kMessages,
+                                  [](const Message& message) {
+                                    return message.since <= kLowestMacOS || message.isAskedFor;
+                                  }),
+              "a message that the lowest macOS lacks has to be asked for before it is sent");
 
 // A selector of the table.
 class Selector {

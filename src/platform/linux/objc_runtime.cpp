@@ -2,10 +2,19 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 
 #include "platform/cocoa/objc.h"
+#include "platform/linux/message_observer.h"
 
 namespace karno::platform::objc {
+namespace {
+
+std::atomic<MessageObserver> messageObserver = nullptr;
+
+}  // namespace
+
+void observeMessages(MessageObserver observer) { messageObserver.store(observer, std::memory_order_release); }
 
 // GNUstep learns the program's name only: it would take the first argument for a document, and show an alert
 // when it cannot open it before the application has launched.
@@ -21,6 +30,8 @@ void startRuntime(int argc, char** argv) {
 
 // This runtime has no objc_msgSend: a message is carried by the method itself.
 detail::Function detail::messageFunction(Id receiver, Sel selector, bool /*returnsInMemory*/) {
+  const MessageObserver observer = messageObserver.load(std::memory_order_acquire);
+  if (observer != nullptr) observer(receiver, selector);
   return reinterpret_cast<Function>(objc_msg_lookup(receiver, selector));
 }
 

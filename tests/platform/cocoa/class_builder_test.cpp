@@ -29,15 +29,27 @@ Boolean isGreater(Id, double left, int right, Integer third, UInteger fourth, Se
 Class testClass() {
   static const Class made = ClassBuilder("KarnoTestBuilt", classNamed("NSObject"))
                                 .state()
-                                .method<throwInLength>("length")
-                                .method<raiseInLongLongValue>("longLongValue")
                                 .method<addToState>("addObject:")
                                 .method<isGreater>("isGreater:than:third:fourth:selector:class:")
                                 .registerClass();
   return made;
 }
 
-Object makeInstance() { return Object::adopting(send(send(testClass(), "alloc"), "init")); }
+// Each is asked for one thing, as an object of one class would be.
+Class throwingClass() {
+  static const Class made = ClassBuilder("KarnoTestThrowing", classNamed("NSObject"))
+                                .method<throwInLength>("length")
+                                .registerClass();
+  return made;
+}
+Class raisingClass() {
+  static const Class made = ClassBuilder("KarnoTestRaising", classNamed("NSObject"))
+                                .method<raiseInLongLongValue>("longLongValue")
+                                .registerClass();
+  return made;
+}
+
+Object makeInstance(Class cls = testClass()) { return Object::adopting(send(send(cls, "alloc"), "init")); }
 
 TEST(ClassBuilder, AMethodReachesTheStateOfItsInstance) {
   const AutoreleasePool pool;
@@ -55,7 +67,7 @@ TEST(ClassBuilder, ANewInstanceHasNoState) { EXPECT_EQ(stateOf(makeInstance().ge
 TEST(ClassBuilder, AThrownExceptionIsLoggedAndTheMessageAnswersZero) {
   const StandardErrorCapture errors;
 
-  const auto length = send<UInteger>(makeInstance(), "length");
+  const auto length = send<UInteger>(makeInstance(throwingClass()), "length");
 
   EXPECT_EQ(length, 0U);
   EXPECT_EQ(errors.text(), "length: no length\n");
@@ -65,7 +77,7 @@ TEST(ClassBuilder, ARaisedExceptionIsLoggedAndTheMessageAnswersZero) {
   const AutoreleasePool pool;
   const StandardErrorCapture errors;
 
-  const auto value = send<long long>(makeInstance(), "longLongValue");
+  const auto value = send<long long>(makeInstance(raisingClass()), "longLongValue");
 
   EXPECT_EQ(value, 0);
   EXPECT_EQ(errors.text(), "longLongValue: an exception was raised\n");

@@ -123,6 +123,7 @@ TEST(Karnoctl, ListsWhatItCanDo) {
             "  status     say whether the launcher and its client run\n"
             "  log        show what the launcher has logged\n"
             "  explain    say which build the launcher runs next, and why\n"
+            "  self-check say what is wrong with the launcher's bundle\n"
             "  post       tell the launcher what its client would tell it\n"
             "  help       say how a verb is used\n"
             "\n"

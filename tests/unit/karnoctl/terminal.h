@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "fake_platform.h"
+#include "fake_runtime_check.h"
 #include "karnoctl/command_line.h"
 
 namespace karno::test {
@@ -24,6 +25,9 @@ class Terminal {
   // From now on nothing can be printed any more.
   void close() { out_.setstate(std::ios::badbit); }
 
+  // What karnoctl finds when it checks the system.
+  FakeRuntimeCheck& runtime() { return runtime_; }
+
   std::string out() const { return out_.str(); }
   std::string err() const { return err_.str(); }
 
@@ -37,7 +41,11 @@ class Terminal {
  private:
   std::ostringstream out_;
   std::ostringstream err_;
-  karnoctl::Context context_{.out = out_, .err = err_, .platform = [] { return std::ref(platform::host()); }};
+  FakeRuntimeCheck runtime_;
+  karnoctl::Context context_{.out = out_,
+                             .err = err_,
+                             .platform = [] { return std::ref(platform::host()); },
+                             .runtimeCheck = [this]() -> platform::RuntimeCheck& { return runtime_; }};
 };
 
 }  // namespace karno::test

@@ -1,10 +1,26 @@
+#include <unistd.h>
+
 #include <string>
 
+#include "../../support/message_check.h"
 #include "platform/cocoa/alerts.h"
 #include "scenario.h"
 
+namespace {
+
+constexpr int kNoRowStatus = 99;
+
+// The output tells the test that runs the scenario.
+void endForWantOfARow(const std::string& message) {
+  karno::test::say("selectors.h has no row for " + message);
+  ::_exit(kNoRowStatus);
+}
+
+}  // namespace
+
 // Runs one scenario, named "group/name", in a real application and says on standard output what happens.
 int main(int argc, char** argv) {
+  karno::platform::test::watchMessages(endForWantOfARow);
   const std::string argument = argc > 1 ? argv[1] : "";
   const std::string group = argument.substr(0, argument.find('/'));
   const std::string name = argument.substr(argument.find('/') + 1);

@@ -1,0 +1,10 @@
+#include "platform/cocoa/runtime_check.h"
+
+namespace karno::platform {
+
+RuntimeCheck& nativeRuntimeCheck() {
+  static cocoa::CocoaRuntimeCheck check(objc::Where::GNUstepOnly);
+  return check;
+}
+
+}  // namespace karno::platform
