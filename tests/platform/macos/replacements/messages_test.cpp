@@ -138,5 +138,15 @@ TEST_F(MacMessages, LetThroughWhatIsRaised) {
   EXPECT_EQ(answer.error().localizedDescription(), "asking for a frame: raised by a stand-in");
 }
 
+TEST_F(MacMessages, LetThroughAnExceptionOfThePlatform) {
+  const objc::Object empty = objc::make("NSMutableArray");
+
+  const auto answer = objc::guarded(
+      "looking", [&empty] { return objc::send(empty, "objectAtIndex:", objc::UInteger{3}) != nullptr; });
+
+  ASSERT_FALSE(answer);
+  EXPECT_EQ(answer.error().localizedDescription(), "looking: an exception was raised");
+}
+
 }  // namespace
 }  // namespace karno::platform::test
