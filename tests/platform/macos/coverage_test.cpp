@@ -46,6 +46,17 @@ std::vector<std::string> messagesThatNoTestSends(const std::vector<std::string>&
   return missing;
 }
 
+TEST(MacSources, AreKnownForWhatTheySend) {
+  EXPECT_TRUE(sendsMessages("objc::send<bool>(manager, \"copy\")"));
+  EXPECT_TRUE(sendsMessages("send(manager, \"copy\")"));
+  EXPECT_TRUE(sendsMessages("objc::make(\"NSAlert\")"));
+  EXPECT_TRUE(sendsMessages("objc::classNamed(\"NSAlert\")"));
+  EXPECT_FALSE(sendsMessages("std::make_unique<Alert>()"));
+  EXPECT_TRUE(isCompiledHere("bundles.cpp"));
+  EXPECT_FALSE(isCompiledHere("undles.cpp"));
+  EXPECT_FALSE(isCompiledHere("native_platform.cpp"));
+}
+
 TEST(MacSources, ThatSendMessagesAreAllCompiledForTests) {
   const auto names = filesOfTheMac();
 
