@@ -100,11 +100,21 @@ void checkKey(const CheckedBundle& bundle, const Value::Dictionary& information,
   }
 }
 
+// macOS asks Info.plist which file it is; on Linux it always is the same one.
 void checkIcon(const CheckedBundle& bundle, const Value::Dictionary& information) {
-  const auto name = textIn(information, "CFBundleIconFile");
-  if (!name) return;
+  constexpr std::string_view kKey = "CFBundleIconFile";
+  constexpr std::string_view kCost = "the launcher has no icon";
+  if (!bundle.isForMacOS()) {
+    bundle.hasFile("Contents/Resources/karno.png", kCost);
+    return;
+  }
+  const auto name = textIn(information, kKey);
+  if (!name) {
+    bundle.wrong(fmt::format("{} has no {}: {}.", kInformationFile, kKey, kCost));
+    return;
+  }
   const bool hasExtension = name->find('.') != std::string::npos;
-  bundle.hasFile("Contents/Resources/" + *name + (hasExtension ? "" : ".icns"), "the launcher has no icon");
+  bundle.hasFile("Contents/Resources/" + *name + (hasExtension ? "" : ".icns"), kCost);
 }
 
 }  // namespace

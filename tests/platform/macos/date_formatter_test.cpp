@@ -51,11 +51,21 @@ Class formatterClass() {
   return made;
 }
 
-// A locale, a time zone and a date in one.
-Class valueClass() {
-  static const Class made = StandInClass("StandInDateValue")
+Class localeClass() {
+  static const Class made = StandInClass("StandInLocale")
                                 .classMethod("autoupdatingCurrentLocale", "@@:", withoutArguments)
-                                .classMethod("localTimeZone", "@@:", withoutArguments)
+                                .registerClass();
+  return made;
+}
+
+Class timeZoneClass() {
+  static const Class made =
+      StandInClass("StandInTimeZone").classMethod("localTimeZone", "@@:", withoutArguments).registerClass();
+  return made;
+}
+
+Class dateClass() {
+  static const Class made = StandInClass("StandInDate")
                                 .classMethod("dateWithTimeIntervalSince1970:", "@@:d", dateWithSeconds)
                                 .registerClass();
   return made;
@@ -64,18 +74,18 @@ Class valueClass() {
 class MacDateFormatter : public testing::Test {
  protected:
   MacDateFormatter() {
-    standIns_.answer("autoupdatingCurrentLocale", instanceOf(valueClass()));
-    standIns_.answer("localTimeZone", instanceOf(valueClass()));
-    standIns_.answer("dateWithTimeIntervalSince1970:", instanceOf(valueClass()));
+    standIns_.answer("autoupdatingCurrentLocale", instanceOf(localeClass()));
+    standIns_.answer("localTimeZone", instanceOf(timeZoneClass()));
+    standIns_.answer("dateWithTimeIntervalSince1970:", instanceOf(dateClass()));
   }
 
   const Date moment_{std::chrono::milliseconds(1500)};
   const objc::AutoreleasePool pool_;
   StandIns standIns_;
   const objc::ClassOverride formatter_{"NSDateFormatter", formatterClass()};
-  const objc::ClassOverride locale_{"NSLocale", valueClass()};
-  const objc::ClassOverride timeZone_{"NSTimeZone", valueClass()};
-  const objc::ClassOverride date_{"NSDate", valueClass()};
+  const objc::ClassOverride locale_{"NSLocale", localeClass()};
+  const objc::ClassOverride timeZone_{"NSTimeZone", timeZoneClass()};
+  const objc::ClassOverride date_{"NSDate", dateClass()};
 };
 
 TEST_F(MacDateFormatter, FollowsTheUsersLocaleAndTimeZone) {

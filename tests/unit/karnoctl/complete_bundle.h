@@ -25,6 +25,7 @@ class CompleteBundle {
     }
     writePrograms(ELF{}.bytes());
     write("Contents/Helpers/karno-installer", ELF{}.bytes());
+    write("Contents/Resources/karno.png", "the icon");
   }
 
   // As on a Mac.
@@ -32,6 +33,11 @@ class CompleteBundle {
     remove("Contents/Helpers/karno-installer");
     remove(table("Base", "Updater.json"));
     remove(table("de", "Updater.json"));
+    for (const char* const language : {"Base", "de"}) {
+      writeList(table(language, "InfoPlist.strings"), {{"NSAppleEventsUsageDescription", "A reason."}});
+    }
+    remove("Contents/Resources/karno.png");
+    write("Contents/Resources/Karno.icns", "the icon");
     writePrograms(universal({{.processor = kIntel}, {.processor = kAppleSilicon}}));
     machine_.files.addDirectory(path("Contents/Frameworks/Sparkle.framework"));
     write("Contents/_CodeSignature/CodeResources", "the seal");
@@ -62,6 +68,7 @@ class CompleteBundle {
   platform::Value::Dictionary information = {
       {"CFBundleDevelopmentRegion", "en"},
       {"CFBundleExecutable", "Karno"},
+      {"CFBundleIconFile", "Karno"},
       {"CFBundleIdentifier", "it.vantul.KarnoWrapper"},
       {"CFBundleLocalizations", platform::Value::Array{"en", "de"}},
       {"CFBundleName", "Karno"},

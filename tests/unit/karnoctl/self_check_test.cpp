@@ -249,12 +249,10 @@ TEST_F(KarnoctlSelfCheck, RemarksOnTheKeyThatNobodyHas) {
   EXPECT_EQ(status_, 0);
 }
 
-TEST_F(KarnoctlSelfCheck, MissesTheIconThatIsNamed) {
-  EXPECT_EQ(saidAboutInformation("CFBundleIconFile", "Karno"),
-            "Contents/Resources/Karno.icns is missing: the launcher has no icon.\n");
+TEST_F(KarnoctlSelfCheck, MissesTheIconOfLinux) {
+  bundle_.remove("Contents/Resources/karno.png");
 
-  bundle_.write("Contents/Resources/Karno.icns", "icon");
-  EXPECT_EQ(said(), kAllIsFine);
+  EXPECT_EQ(said(), "Contents/Resources/karno.png is missing: the launcher has no icon.\n");
 }
 
 TEST_F(KarnoctlSelfCheck, MissesTheLaunchersProgram) {
@@ -422,10 +420,34 @@ class KarnoctlSelfCheckOnAMac : public KarnoctlSelfCheck {
 TEST_F(KarnoctlSelfCheckOnAMac, SaysThatNothingIsWrong) {
   EXPECT_EQ(
       said(),
-      "Nothing is wrong with /Applications/Karno.app: 4 programs, 5 property lists, 4 tables of texts and "
+      "Nothing is wrong with /Applications/Karno.app: 4 programs, 7 property lists, 6 tables of texts and "
       "211 messages to the system were checked.\n");
   EXPECT_EQ(terminal_.runtime().loaded,
             std::vector<std::string>{"/Applications/Karno.app/Contents/Frameworks/Sparkle.framework"});
+}
+
+TEST_F(KarnoctlSelfCheckOnAMac, MissesTheIconThatIsNamed) {
+  EXPECT_EQ(saidAboutInformation("CFBundleIconFile", "Other"),
+            "Contents/Resources/Other.icns is missing: the launcher has no icon.\n");
+
+  bundle_.write("Contents/Resources/Other.icns", "the icon");
+  EXPECT_EQ(terminal_.run({"self-check"}), 0);
+}
+
+TEST_F(KarnoctlSelfCheckOnAMac, MissesTheNameOfTheIcon) {
+  bundle_.information.erase("CFBundleIconFile");
+  bundle_.writeInformation();
+
+  EXPECT_EQ(said(), "Contents/Info.plist has no CFBundleIconFile: the launcher has no icon.\n");
+}
+
+TEST_F(KarnoctlSelfCheckOnAMac, NamesALanguageWithoutAReasonThatMacOSGives) {
+  bundle_.writeList(CompleteBundle::table("de", "InfoPlist.strings"), {});
+
+  EXPECT_EQ(
+      said(),
+      "Contents/Resources/de.lproj/InfoPlist.strings has no text for \"NSAppleEventsUsageDescription\": "
+      "the base language stands in.\n");
 }
 
 TEST_F(KarnoctlSelfCheckOnAMac, MissesTheFrameworkThatUpdates) {

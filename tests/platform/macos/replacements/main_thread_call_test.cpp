@@ -58,6 +58,8 @@ constexpr const char* kPerformed = "performSelectorOnMainThread:withObject:waitU
 class MacMainThreadCall : public testing::Test {
  protected:
   MacMainThreadCall() {
+    // As in the launcher: while the thread has none, GNUstep performs at once.
+    objc::send(objc::classNamed("NSRunLoop"), "currentRunLoop");
     const cocoa::Callback any([](objc::Id) {});
     class_addMethod(object_getClass(any.target().get()),
                     sel_registerName("performSelectorOnMainThread:withObject:waitUntilDone:"),
