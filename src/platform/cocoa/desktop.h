@@ -1,4 +1,6 @@
 #pragma once
+#include <functional>
+
 #include "platform/cocoa/objc.h"
 
 // What the application object needs done differently on the two systems. Main thread only.
@@ -16,6 +18,10 @@ int runApplication(int argc, char** argv);
 
 // The application's icon, NSImage. Read when first asked for: most starts show no window.
 objc::Id applicationIcon();
+
+// Runs `draw` again a few times in the seconds to come where a window may lose what was drawn while it
+// appears: on Linux, when the window manager is slow.
+void drawAgain(const std::function<void()>& draw);
 
 // The shared NSWorkspace, made when first asked for.
 objc::Id sharedWorkspace();

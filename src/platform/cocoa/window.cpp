@@ -117,7 +117,7 @@ struct Window::State {
 
 Window::Window(std::string_view title, double width, double height, Options options) {
   const objc::AutoreleasePool pool;
-  state_ = std::make_unique<State>(width, height, options);
+  state_ = std::make_shared<State>(width, height, options);
   setTitle(title);
   const objc::Sel action = Callback::action();
   send<void>(notificationCenter(), "addObserver:selector:name:object:", state_->willClose.target(), action,
@@ -156,9 +156,16 @@ void Window::setContentSize(double width, double height) {
   state_->redraw();
 }
 
+void Window::redrawLater() {
+  drawAgain([weak = std::weak_ptr<State>(state_)] {
+    if (const auto state = weak.lock()) state->redraw();
+  });
+}
+
 void Window::show() {
   send<void>(state_->window, "makeKeyAndOrderFront:", nullptr);
   state_->redraw();
+  redrawLater();
 }
 void Window::close() { send<void>(state_->window, "close"); }
 bool Window::isVisible() const { return send<bool>(state_->window, "isVisible"); }
@@ -167,6 +174,7 @@ void Window::setWillClose(std::function<void()> handler) { state_->willCloseHand
 void Window::setCloseRequest(std::function<void()> handler) { state_->closeRequest = std::move(handler); }
 
 long Window::runModal() {
+  redrawLater();
   return send<objc::Integer>(sharedApplication(), "runModalForWindow:", state_->window);
 }
 

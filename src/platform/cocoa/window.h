@@ -69,8 +69,10 @@ class Window {
   void setTabOrder(const std::vector<Button>& buttons);
 
  private:
+  void redrawLater();
+
   struct State;
-  std::unique_ptr<State> state_;
+  std::shared_ptr<State> state_;  // what is late asks whether it is still there
 };
 
 }  // namespace karno::platform::cocoa

@@ -65,6 +65,17 @@ objc::Id applicationIcon() {
   return objc::send(application, "applicationIconImage");
 }
 
+// GNUstep (gui 0.29) makes room for a window's picture anew when it learns what the window manager did to it.
+// What was drawn before is gone then, the window stays black, and nothing is told that could be observed.
+void drawAgain(const std::function<void()>& draw) {
+  host().dispatch.globalQueue(QueuePriority::Default).async([draw] {
+    for (const double seconds : {0.25, 0.75, 2.0}) {
+      host().dispatch.sleep(seconds);
+      host().dispatch.mainQueue().async(draw);
+    }
+  });
+}
+
 objc::Id sharedWorkspace() {
   allowWorkspace();
   return objc::send(objc::classNamed("NSWorkspace"), "sharedWorkspace");

@@ -17,6 +17,8 @@ objc::Id applicationIcon() {
                     "applicationIconImage");
 }
 
+void drawAgain(const std::function<void()>& /*draw*/) {}
+
 objc::Id sharedWorkspace() { return objc::send(objc::classNamed("NSWorkspace"), "sharedWorkspace"); }
 
 std::vector<RunningApplication> runningApplicationsWithIdentifier(const std::string& bundleIdentifier) {

@@ -103,6 +103,12 @@ TEST_F(MacDesktop, TellsTheIconOfTheApplication) {
   EXPECT_THAT(standIns_.messages(), ElementsAre("sharedApplication", "applicationIconImage"));
 }
 
+TEST_F(MacDesktop, DrawsOnceOnly) {
+  cocoa::drawAgain([] { FAIL() << "a window keeps what was drawn here"; });
+
+  EXPECT_THAT(standIns_.messages(), IsEmpty());
+}
+
 TEST_F(MacDesktop, HasNoIconWithoutAnApplication) { EXPECT_EQ(cocoa::applicationIcon(), nullptr); }
 
 TEST_F(MacDesktop, ShowsFilesInTheWorkspace) {
