@@ -46,6 +46,6 @@ def unfiltered(kind, row, above):
 
 
 def nearest(left, up, corner):
-    """The neighbour that is nearest to left + up - corner, which the PNG specification calls Paeth's predictor."""
+    """The neighbour that is nearest to left + up - corner, which PNG calls Paeth's predictor."""
     estimate = left + up - corner
     return min((left, up, corner), key=lambda value: abs(estimate - value))
