@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <filesystem>
 
 #include "subprocess.h"
@@ -27,7 +28,8 @@ TEST_P(EveryFormat, IsUnpackedAsItWasPacked) {
 TEST_P(EveryFormat, HoldsLargeFiles) {
   UpdatePlace place;
   std::string content;
-  for (int number = 0; content.size() < 3'000'000; ++number) content += std::to_string(number * number);
+  for (std::uint64_t number = 0; content.size() < 3'000'000; ++number)
+    content += std::to_string(number * number);
   const auto items = joined(bundleItems(), {file("Karno.app/large", content), file("Karno.app/empty", "")});
 
   const std::string said = place.unpack(items, GetParam());
