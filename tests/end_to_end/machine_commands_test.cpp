@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <csignal>
+#include <fstream>
 
 #include "expected_logs.h"
+#include "hands.h"
 #include "places.h"
 
 namespace karno::test {
@@ -12,6 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using ::testing::Contains;
 using ::testing::HasSubstr;
 using ::testing::SizeIs;
 
@@ -152,6 +155,26 @@ TEST(StartMachine, FollowsTheLauncherThatWasOpenedInPlaceOfTheFirst) {
 
   EXPECT_EQ(posted.status, 0) << posted.output;
   EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_FALSE(machine.hasProcesses());
+}
+
+// Between the end of the command that opens a launcher and that launcher's start there must be no moment in
+// which nothing of the session runs, however slow the machine is.
+TEST(StartMachine, FollowsALauncherThatTakesLongToOpen) {
+  Machine machine(builtTools(), {"--into", "Downloads"});
+  const fs::path tools = machine.root() / "slow";
+  fs::create_directory(tools);
+  std::ofstream(tools / "setsid") << "#!/bin/sh\nsleep 1\nexec /usr/bin/setsid \"$@\"\n";
+  fs::permissions(tools / "setsid", fs::perms(0755));
+  machine.start({"--env", "KARNO_CLIENT_SCRIPT=1:user-selected-quit", "--env",
+                 "PATH=" + tools.string() + ":/usr/bin:/bin"});
+  const auto alert = findWindow(machine, kLauncherTitle);
+  ASSERT_TRUE(alert) << machine.consoleText();
+
+  pressKey(machine, *alert, "Return");
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.log(), Contains(kStarted)) << machine.consoleText();
   EXPECT_FALSE(machine.hasProcesses());
 }
 
