@@ -84,6 +84,11 @@ void pressKey(const Machine& machine, const WindowOnScreen& window, const std::s
   machine.in({"xdotool", "windowactivate", "--sync", window.identifier, "key", key});
 }
 
+void closeByKeys(const Machine& machine, const WindowOnScreen& window) {
+  machine.in({"xdotool", "windowactivate", "--sync", window.identifier, "key", "shift", "windowmove",
+              "--sync", "--relative", window.identifier, "10", "10", "key", "alt+F4"});
+}
+
 int coloursOf(const Machine& machine, const WindowOnScreen& window) {
   const std::string picture = (machine.root() / "var/run/window.png").string();
   machine.in({"import", "-window", window.identifier, picture});

@@ -40,6 +40,11 @@ void pressAlertButton(const Machine& machine, const WindowOnScreen& alert, int i
 // Presses a key, such as "Return", in that window.
 void pressKey(const Machine& machine, const WindowOnScreen& window, const std::string& key);
 
+// Closes the window with the window manager's keys, Alt and F4. The first key of all makes the server
+// announce a keyboard map, upon which the window manager is without its keys for a moment. It is done with
+// that when it has moved the window that was to be moved afterwards.
+void closeByKeys(const Machine& machine, const WindowOnScreen& window);
+
 // How many different colours a picture of the window has: a window that drew nothing has one or two.
 int coloursOf(const Machine& machine, const WindowOnScreen& window);
 

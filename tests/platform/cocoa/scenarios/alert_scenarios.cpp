@@ -113,10 +113,10 @@ void runAlertScenario(platform::Alerts& alerts, std::string_view name) {
     later([] { clickWhenActive("Nein"); });
     showAndEnd(alerts, question());
   } else if (name == "close-button") {
-    pressWhenActive("alt+F4");
+    closeWhenActive();
     showAndEnd(alerts, question());
   } else if (name == "close-button-of-one") {
-    pressWhenActive("alt+F4");
+    closeWhenActive();
     showAndEnd(alerts, {.messageText = "Karno", .informativeText = "", .buttons = {{"OK", ""}}});
   } else if (name == "look") {
     showLookAndEnd(alerts, question());

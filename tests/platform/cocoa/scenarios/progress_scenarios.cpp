@@ -100,7 +100,7 @@ void runProgressScenario(std::string_view name) {
   } else if (name == "key-space") {
     cancel([] { pressWhenActive("space"); });
   } else if (name == "close-button") {
-    cancel([] { pressWhenActive("alt+F4"); });
+    cancel(closeWhenActive);
   } else if (name == "click") {
     cancel([] { clickWhenActive("Cancel"); });
   } else if (name == "painted") {

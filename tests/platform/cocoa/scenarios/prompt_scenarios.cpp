@@ -45,7 +45,7 @@ void closeByTheWindowManager() {
       terminate();
     });
   });
-  pressWhenActive("alt+F4");
+  closeWhenActive();
 }
 
 void closeWithoutHavingBeenShown() {

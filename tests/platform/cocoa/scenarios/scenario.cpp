@@ -51,6 +51,10 @@ void runWhenActive(const std::string& command) {
 
 void pressWhenActive(const std::string& keys) { runWhenActive("xdotool key --delay 100 " + keys); }
 
+void closeWhenActive() {
+  runWhenActive("xdotool key shift getactivewindow windowmove --sync --relative 10 10 key alt+F4");
+}
+
 void pressUntil(const std::string& key, std::function<bool()> isDone) {
   onceActive([command = "xdotool key " + key, isDone = std::move(isDone)] {
     while (!isDone()) {

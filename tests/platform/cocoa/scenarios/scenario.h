@@ -28,6 +28,12 @@ void later(std::function<void()> block);
 // one.
 void pressWhenActive(const std::string& keys);
 
+// Closes the window with the window manager's keys, Alt and F4, once a window of this process is the active
+// one. The first key of all makes the server announce a keyboard map, upon which the window manager is
+// without its keys for a moment. It is done with that when it has moved the window that was to be moved
+// afterwards.
+void closeWhenActive();
+
 // Presses the key once a window of this process is the active one, and again every three seconds until it is
 // done. `isDone` is asked on a thread of its own.
 void pressUntil(const std::string& key, std::function<bool()> isDone);
