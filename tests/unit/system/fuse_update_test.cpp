@@ -92,6 +92,31 @@ INSTANTIATE_TEST_SUITE_P(
         Answer{R"({"name": ["4.5.0"], "tag_name": {"a": "4.5.0"}})", std::nullopt,
                R"(Fuse[UPDATE] Latest version: name='["4.5.0"]' (tag_name='{"a":"4.5.0"}') => '(null)')"}));
 
+std::string recordWithANameNested(std::size_t levels) {
+  return R"({"name": )" + std::string(levels, '[') + std::string(levels, ']') +
+         R"(, "tag_name": "macfuse-4.5.0"})";
+}
+
+TEST(LatestVersion, IsTakenFromARecordThatIsNestedAsDeeplyAsTheMacReads) {
+  FakePlatform machine;
+  prepare(machine, recordWithANameNested(511));
+
+  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), "4.5.0");
+}
+
+// Printing it would overflow the stack.
+TEST(LatestVersionFailure, IsARecordThatIsNestedTooDeeply) {
+  FakePlatform machine;
+  prepare(machine, recordWithANameNested(1'000'000));
+
+  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), std::nullopt);
+  EXPECT_THAT(
+      machine.consoleMessages(),
+      ElementsAre(kChecking, Line("*** ERROR ***",
+                                  "Fuse[UPDATE] Failed to parse metadata. Reason: The record is nested "
+                                  "too deeply.")));
+}
+
 TEST(LatestVersionFailure, IsLoggedWhenTheNetworkFails) {
   FakePlatform machine;
 
