@@ -303,6 +303,17 @@ TEST(UpdatePrompt, OpensThePreferencePaneWhenTheUserContinues) {
           Line("INFO", "Fuse[UPDATE] User continued - Opening Fuse preference pane.")));
 }
 
+TEST(UpdatePrompt, IsLoggedBeforeItIsShown) {
+  FakePlatform machine;
+  prepare(machine, R"({"name": "4.5.0"})");
+  Line lastLineWhileUp("", "");
+  machine.alerts.answerNext(1001, [&] { lastLineWhileUp = machine.consoleMessages().back(); });
+
+  completions(machine);
+
+  EXPECT_EQ(lastLineWhileUp, Line("INFO", "Fuse[UPDATE] Prompting user - Fuse update is available"));
+}
+
 class OtherAnswer : public ::testing::TestWithParam<long> {};
 
 TEST_P(OtherAnswer, OpensNothing) {
