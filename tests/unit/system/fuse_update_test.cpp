@@ -303,6 +303,24 @@ TEST(UpdatePrompt, OpensThePreferencePaneWhenTheUserContinues) {
           Line("INFO", "Fuse[UPDATE] User continued - Opening Fuse preference pane.")));
 }
 
+// It comes through the main dispatch queue, which waits for the block of it that runs.
+TEST(UpdatePrompt, WaitsForAnAlertThatIsOpen) {
+  FakePlatform machine;
+  prepare(machine, R"({"name": "4.5.0"})");
+  std::size_t shownWhileUp = 0;
+  machine.alerts.answerNext(1000, [&] {
+    fuse().promptUserIfUpdateIsAvailable(nullptr);
+    machine.runUntilIdle();
+    shownWhileUp = machine.alerts.shown().size();
+  });
+
+  machine.dispatch.mainQueue().async([&] { machine.alerts.runModal({}); });
+  machine.runUntilIdle();
+
+  EXPECT_EQ(shownWhileUp, 1U);
+  EXPECT_EQ(machine.alerts.shown().size(), 2U);
+}
+
 TEST(UpdatePrompt, IsLoggedBeforeItIsShown) {
   FakePlatform machine;
   prepare(machine, R"({"name": "4.5.0"})");
