@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <ctime>
 
 namespace karno::platform {
 namespace {
@@ -32,10 +33,9 @@ std::string quotedWhereNeeded(const std::string& text) {
 }
 
 std::string dateText(Date date) {
-  const auto seconds = std::chrono::floor<std::chrono::seconds>(date);
-  return fmt::format("{:%Y-%m-%d %H:%M:%S} +0000",
-                     fmt::gmtime(std::chrono::system_clock::to_time_t(
-                         std::chrono::time_point_cast<std::chrono::system_clock::duration>(seconds))));
+  // In seconds, since the moment itself rounded down may lie before the smallest moment of a clock.
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(date).time_since_epoch();
+  return fmt::format("{:%Y-%m-%d %H:%M:%S} +0000", fmt::gmtime(std::time_t{seconds.count()}));
 }
 
 std::string dataText(const Value::Data& data) {

@@ -16,6 +16,9 @@
 namespace karno {
 namespace {
 
+// As many arrays and objects in one another as Foundation reads.
+constexpr int kRecordDepthMax = 512;
+
 constexpr std::string_view kURLWithHost = R"(\Ahttps://[A-Za-z0-9.-]+(:[0-9]{1,5})?/)";
 
 // A field of a release record, as the log prints it. A value of another type than a string prints as JSON.
@@ -39,7 +42,14 @@ Result<nlohmann::json> parseRecord(const std::string& body) {
                  {{std::string(platform::kLocalizedDescriptionKey), reason}});
   };
   try {
-    nlohmann::json record = nlohmann::json::parse(body);
+    bool isTooDeep = false;
+    // What lies deeper is never built: printing it would overflow the stack.
+    nlohmann::json record =
+        nlohmann::json::parse(body, [&](int depth, nlohmann::json::parse_event_t, const nlohmann::json&) {
+          if (depth > kRecordDepthMax) isTooDeep = true;
+          return !isTooDeep;
+        });
+    if (isTooDeep) return failure("The record is nested too deeply.");
     if (!record.is_object())
       return failure(fmt::format("The record is no object but {}.", record.type_name()));
     return record;

@@ -22,6 +22,7 @@ class FakeUserDefaults final : public platform::UserDefaults {
   void setBool(bool value, std::string_view key) override {
     suite_->values.insert_or_assign(std::string(key), Value(value));
     suite_->writes.emplace_back(key, value);
+    if (suite_->whenWritten) suite_->whenWritten();
   }
 
   void synchronize() override { ++suite_->synchronisations; }

@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -17,6 +18,7 @@ class FakeUserDefaultsStore final : public platform::UserDefaultsStore {
     platform::Value::Dictionary values;
     std::vector<std::pair<std::string, platform::Value>> writes;  // by the launcher, in order
     int synchronisations = 0;
+    std::function<void()> whenWritten;  // runs after every write of the launcher
   };
 
   explicit FakeUserDefaultsStore(FakeScheduler& scheduler);

@@ -1,4 +1,6 @@
 #pragma once
+#include <fmt/format.h>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -50,31 +52,30 @@ class FakePushButton final : public platform::PushButton {
 
 class FakeProgressIndicator final : public platform::ProgressIndicator {
  public:
-  explicit FakeProgressIndicator(FakeScheduler& scheduler) : scheduler_(scheduler) {}
-  void setMinValue(double value) override { set(minValue_, value); }
-  void setMaxValue(double value) override { set(maxValue_, value); }
-  void setDoubleValue(double value) override { set(value_, value); }
+  // Notes each call there.
+  FakeProgressIndicator(FakeScheduler& scheduler, std::vector<std::string>& calls)
+      : scheduler_(scheduler), calls_(calls) {}
+  void setMinValue(double value) override { note("min", value); }
+  void setMaxValue(double value) override { note("max", value); }
+  void setDoubleValue(double value) override {
+    note("value", value);
+    value_ = value;
+  }
   double doubleValue() const override { return value_; }
   void stopAnimation() override {
     scheduler_.requireMainThread("ProgressIndicator::stopAnimation");
-    ++stops_;
+    calls_.emplace_back("stop");
   }
 
-  double minValue() const { return minValue_; }
-  double maxValue() const { return maxValue_; }
-  int stops() const { return stops_; }
-
  private:
-  void set(double& field, double value) {
+  void note(const char* property, double value) {
     scheduler_.requireMainThread("ProgressIndicator");
-    field = value;
+    calls_.push_back(fmt::format("{} {}", property, value));
   }
 
   FakeScheduler& scheduler_;
-  double minValue_ = -1;
-  double maxValue_ = -1;
+  std::vector<std::string>& calls_;
   double value_ = -1;
-  int stops_ = 0;
 };
 
 // The prompt window without a screen.
@@ -91,6 +92,7 @@ class FakePromptWindow final : public platform::PromptWindow {
     scheduler_.requireMainThread("PromptWindow::makeKeyAndOrderFront");
     isInFront_ = true;
     ++timesShown_;
+    if (whenShown) whenShown();
   }
 
   void addWillCloseObserver(std::function<void()> handler) override {
@@ -116,6 +118,8 @@ class FakePromptWindow final : public platform::PromptWindow {
   bool isInFront() const { return isInFront_; }
   int timesShown() const { return timesShown_; }
 
+  std::function<void()> whenShown;  // runs whenever it is brought to the front
+
  private:
   FakeScheduler& scheduler_;
   FakeTextLabel fuseMessage_{scheduler_};
@@ -131,12 +135,12 @@ class FakePromptWindow final : public platform::PromptWindow {
 // What became of a progress window; outlives the window itself.
 struct FakeProgressState {
   explicit FakeProgressState(FakeScheduler& scheduler)
-      : textField(scheduler), progressIndicator(scheduler), cancelButton(scheduler) {}
+      : textField(scheduler), progressIndicator(scheduler, calls), cancelButton(scheduler) {}
+  std::vector<std::string> calls;  // of the window and its bar: "show", "close", "min 0", "stop"
   FakeTextLabel textField;
   FakeProgressIndicator progressIndicator;
   FakePushButton cancelButton;
   std::string title;
-  std::vector<std::string> calls;  // "show", "close"
 };
 
 class FakeProgressWindow final : public platform::ProgressWindow {

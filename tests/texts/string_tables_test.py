@@ -39,6 +39,12 @@ class StringTables(unittest.TestCase):
 
         self.assertEqual([], found)
 
+    def test_quote_a_button_by_its_title(self):
+        for language, table in self.tables.items():
+            for token in ("MESSAGE_FUSE_INSTALL_CONTINUE", "MESSAGE_FUSE_INSTALL_CONTINUE_TO_SITE"):
+                with self.subTest(language=language, token=token):
+                    self.assertEqual([table["CONTINUE"]], table_check.quoted(language, table[token]))
+
     def test_have_the_placeholders_that_the_sources_fill(self):
         base = self.tables["Base"]
 
@@ -54,6 +60,13 @@ class UpdaterTables(unittest.TestCase):
 
     def test_are_there_for_every_language(self):
         self.assertEqual(LANGUAGES, sorted(self.tables))
+
+    def test_call_their_buttons_as_the_other_texts_do(self):
+        others = table_check.tables(RESOURCES)
+        for language, table in self.tables.items():
+            for token in sorted(table.keys() & others[language].keys()):
+                with self.subTest(language=language, token=token):
+                    self.assertEqual(others[language][token], table[token])
 
     def test_have_just_the_tokens_that_the_updater_asks_for(self):
         sources = PROJECT / "src/platform/linux/updater"

@@ -25,6 +25,18 @@ QUOTATION_MARKS = {
     "zh-Hans": ("“”", False),
     "zh-Hant": ("「」", False),
 }
+# How a language would address the user in another way than all of its tables do.
+OTHER_FORM_OF_ADDRESS = {
+    "de": r"\b[Dd](u|ich|ir|ein(e[mnrs]?)?)\b",
+    "es": r"\b[Uu]sted\b",
+    "fr": r"\b([Tt]u|[Tt]oi|[Tt]on|[Tt]a|[Tt]es)\b",
+    "it": r"\b(Lei|Suo|Sua)\b",
+    "ko": "시겠습니까",
+    "nl": r"\b[Uu]w?\b",
+    "pt-BR": r"\b([Tt]u|[Tt]eu|[Tt]ua)\b",
+    "zh-Hans": "您",
+    "zh-Hant": "你",
+}
 ALL_QUOTATION_MARKS = set("“”„‟‘’‚‛«»‹›「」『』\"'`´")
 
 
@@ -124,6 +136,12 @@ def quotation_findings(token, text, language):
         yield f"{token} has quotation marks that are not its language's."
 
 
+def quoted(language, text):
+    """What stands between quotation marks of the language."""
+    opening, closing = QUOTATION_MARKS[language][0]
+    return [part.strip(NARROW_BLANK) for part in re.findall(f"{opening}(.*?){closing}", text)]
+
+
 def punctuation_findings(token, text, language):
     if language == "fr":
         yield from french_findings(token, text)
@@ -140,6 +158,11 @@ def french_findings(token, text):
     marks = len(re.findall("[?!:;«»]", text))
     if len(text) - len(without) != marks or NARROW_BLANK in without or "\u00a0" in without:
         yield f"{token} lacks a narrow blank at a mark."
+
+
+def address_findings(token, text, language):
+    if language in OTHER_FORM_OF_ADDRESS and re.search(OTHER_FORM_OF_ADDRESS[language], text):
+        yield f"{token} addresses the user in another form than the other texts."
 
 
 def sentence_findings(token, text, base_text):
@@ -161,6 +184,7 @@ def findings(language, table, base):
         yield from typesetting_findings(token, text)
         yield from quotation_findings(token, text, language)
         yield from punctuation_findings(token, text, language)
+        yield from address_findings(token, text, language)
         yield from sentence_findings(token, text, base[token])
         if language != BASE and len(text.split()) > 2 and text == base[token]:
             yield f"{token} is not translated."

@@ -84,6 +84,21 @@ class TableCheck(unittest.TestCase):
     def test_refuses_narrow_marks_between_wide_characters(self):
         self.assert_finding("TOKEN has a narrow mark between wide characters.", "ja", "続けますか?", "Continue?")
 
+    def test_refuses_another_form_of_address(self):
+        sentence = "TOKEN addresses the user in another form than the other texts."
+
+        self.assert_finding(sentence, "de", "Möchtest du fortfahren?", "Continue?")
+        self.assert_finding(sentence, "de", "Deine Dateien", "Your files")
+        self.assert_finding(sentence, "es", "¿Quiere usted continuar?", "Continue?")
+        self.assert_finding(sentence, "fr", "Tu peux continuer", "You can continue")
+        self.assert_finding(sentence, "it", "Il Suo disco", "Your drive")
+        self.assert_finding(sentence, "ko", "설치하시겠습니까？", "Install?")
+        self.assert_finding(sentence, "nl", "Wilt u doorgaan?", "Continue?")
+        self.assert_finding(sentence, "pt-BR", "Tua unidade", "Your drive")
+        self.assert_finding(sentence, "zh-Hans", "您要继续吗？", "Continue?")
+        self.assert_finding(sentence, "zh-Hant", "你要繼續嗎？", "Continue?")
+        self.assertEqual([], findings("de", "Möchten Sie durch diesen Dialog fortfahren?", "Continue?"))
+
     def test_refuses_a_statement_for_a_question(self):
         self.assert_finding("TOKEN and the base do not end alike.", "zh-Hans", "继续。", "Continue?")
         self.assert_finding("TOKEN and the base do not end alike.", "de", "Fortfahren", "Continue.")

@@ -63,7 +63,8 @@ TEST_F(RequestedUpdate, ShowsAWindowWhileTheFeedIsFetchedAndOneWhileItDownloadsA
   ASSERT_THAT(machine.windows.progress, SizeIs(1));
   EXPECT_EQ(machine.windows.progress[0]->textField.stringValue(), "CHECKING");
   machine.runFor(1);
-  EXPECT_THAT(machine.windows.progress[0]->calls, ElementsAre("show", "close"));
+  EXPECT_THAT(machine.windows.progress[0]->calls,
+              ElementsAre("min 0", "max 100", "value 0", "show", "close"));
 
   answer(kUserUpdateChoiceInstall, 4.5);
   ASSERT_THAT(machine.windows.progress, SizeIs(2));
@@ -71,7 +72,10 @@ TEST_F(RequestedUpdate, ShowsAWindowWhileTheFeedIsFetchedAndOneWhileItDownloadsA
   EXPECT_EQ(machine.windows.progress[1]->progressIndicator.doubleValue(), 40);
   machine.runFor(9);
   ASSERT_THAT(machine.windows.progress, SizeIs(3));
-  EXPECT_THAT(machine.windows.progress[1]->calls, ElementsAre("show", "close"));
+  EXPECT_THAT(
+      machine.windows.progress[1]->calls,
+      ElementsAre("min 0", "max 100", "value 0", "show", "value 10", "value 20", "value 30", "value 40",
+                  "value 50", "value 60", "value 70", "value 80", "value 90", "value 100", "close"));
   EXPECT_EQ(machine.windows.progress[2]->textField.stringValue(), "EXTRACTING");
   EXPECT_EQ(machine.windows.progress[2]->progressIndicator.doubleValue(), 30);
 }

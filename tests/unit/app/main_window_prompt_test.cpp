@@ -50,6 +50,22 @@ TEST(InstallPrompt, IsFilledForAnUpgrade) {
   EXPECT_THAT(textsOf(*window), ElementsAre("macFUSE is old.", "Opens the web site.", "Go on", "Stop"));
 }
 
+TEST(InstallPrompt, IsFilledAndObservedBeforeItComesInFront) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+  std::vector<std::string> texts;
+  std::size_t observers = 0;
+  machine.windows.prompt.whenShown = [&] {
+    texts = textsOf(*window);
+    observers = machine.windows.prompt.observerCount();
+  };
+
+  window->showInstallFuseWindowWithUpgrading(true);
+
+  EXPECT_THAT(texts, ElementsAre("macFUSE is old.", "Opens the web site.", "Go on", "Stop"));
+  EXPECT_EQ(observers, 1U);
+}
+
 TEST(InstallPrompt, ComesInFrontBeforeTheApplicationIsActivated) {
   FakePlatform machine;
   const auto window = makeWindow(machine);
@@ -145,6 +161,23 @@ TEST(CancelButton, ClosesTheWindowResetsTheUpdaterAndQuits) {
                           Line("INFO", "AppDelegate[TERMINATE] Reason: User cancelled install of Fuse")));
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
   EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST(CancelButton, ResetsTheUpdaterBetweenTheClosingAndTheEnd) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+  window->showInstallFuseWindowWithUpgrading(false);
+  std::vector<Line> lines;
+  int closes = 0;
+  machine.userDefaults.standard().whenWritten = [&] {
+    lines = machine.consoleMessages();
+    closes = machine.windows.prompt.closes();
+  };
+
+  window->cancelInstallFusePressed();
+
+  EXPECT_THAT(lines, ElementsAre(Line("INFO", "Main: User pressed cancel - not installing Fuse")));
+  EXPECT_EQ(closes, 1);
 }
 
 TEST(InstallPromptClosedByTheUser, NeitherQuitsNorAnswers) {

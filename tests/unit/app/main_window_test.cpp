@@ -93,6 +93,23 @@ TEST(MainWindowCallbacks, LaunchTheEmbeddedApplicationWhenTheSystemIsOkay) {
   EXPECT_THAT(machine.tasks.running(), ElementsAre(5001));
 }
 
+TEST(MainWindowCallbacks, LaunchWithoutTheMainThread) {
+  FakePlatform machine;
+  machine.withEmbeddedBuilds();
+  const auto window = makeWindow(machine);
+  std::vector<std::int32_t> runningWhileUp;
+  machine.alerts.answerNext(1000, [&] {
+    machine.onThread([&] { window->startUpDidCheckSystemSuccessfully(manager()); });
+    machine.runUntilIdle();
+    runningWhileUp = machine.tasks.running();
+  });
+
+  machine.dispatch.mainQueue().async([&] { machine.alerts.runModal({}); });
+  machine.runUntilIdle();
+
+  EXPECT_THAT(runningWhileUp, ElementsAre(5001));
+}
+
 TEST(MainWindowCallbacks, CloseTheWindowOnTheMainQueueAfterALaunch) {
   FakePlatform machine;
   const auto window = makeWindow(machine);
@@ -113,6 +130,41 @@ TEST(MainWindowCallbacks, CloseTheWindowOnlyLaterWhenCalledOnTheMainThread) {
   window->startUpDidLaunchKarnoSuccessfully(manager());
 
   EXPECT_EQ(machine.windows.prompt.closes(), 0);
+}
+
+// What the main dispatch queue is given waits for the block of it that runs, and so for its alert.
+TEST(MainWindowCallbacks, CloseTheWindowOnlyAfterAnAlertThatIsOpen) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+  int closesWhileUp = 0;
+  machine.alerts.answerNext(1000, [&] {
+    window->startUpDidLaunchKarnoSuccessfully(manager());
+    machine.runUntilIdle();
+    closesWhileUp = machine.windows.prompt.closes();
+  });
+
+  machine.dispatch.mainQueue().async([&] { machine.alerts.runModal({}); });
+  machine.runUntilIdle();
+
+  EXPECT_EQ(closesWhileUp, 0);
+  EXPECT_EQ(machine.windows.prompt.closes(), 1);
+}
+
+TEST(MainWindowCallbacks, ShowTheLaunchFailureAlsoWhileAnotherAlertIsOpen) {
+  FakePlatform machine;
+  machine.withStrings(kStrings);
+  const auto window = makeWindow(machine);
+  std::size_t shownWhileUp = 0;
+  machine.alerts.answerNext(1000, [&] {
+    window->startUpDidFailToLaunchKarno(manager());
+    machine.runUntilIdle();
+    shownWhileUp = machine.alerts.shown().size();
+  });
+
+  machine.dispatch.mainQueue().async([&] { machine.alerts.runModal({}); });
+  machine.runUntilIdle();
+
+  EXPECT_EQ(shownWhileUp, 2U);
 }
 
 TEST(MainWindowCallbacks, ShowAnAlertAndQuitWhenALaunchFailed) {
@@ -172,6 +224,23 @@ TEST(MainWindowCallbacks, ResetTheUpdaterAndQuitWhenTheSetupFailed) {
   EXPECT_THAT(machine.userDefaults.standard().writes, ElementsAre(Pair("SUHasLaunchedBefore", Value(false))));
 }
 
+TEST(MainWindowCallbacks, ResetTheUpdaterOnTheCallingThreadBeforeTheLaunchFailure) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+  std::vector<Line> lines;
+  std::string thread;
+  machine.userDefaults.standard().whenWritten = [&] {
+    lines = machine.consoleMessages();
+    thread = machine.scheduler.currentThreadName();
+  };
+
+  machine.onThread([&] { window->startUpDidFailToSetupSystem(manager()); }, "caller");
+  machine.runUntilIdle();
+
+  EXPECT_THAT(lines, ElementsAre(Line("*** ERROR ***", "Main: Failed to setup system")));
+  EXPECT_EQ(thread, "caller");
+}
+
 TEST(MainWindowCallbacks, LeaveTheUpdaterAloneWhenOnlyALaunchFailed) {
   FakePlatform machine;
   machine.withStrings(kStrings);
@@ -187,9 +256,10 @@ TEST(MainWindowCallbacks, QuitWhenTheManagerSaysSo) {
   FakePlatform machine;
   const auto window = makeWindow(machine);
 
-  machine.onThread([&] { window->startupAppShouldTerminate(manager()); });
+  machine.onThread([&] { window->startupAppShouldTerminate(manager()); }, "caller");
   machine.runFor(6);
 
+  EXPECT_EQ(machine.consoleLog.entries().at(1).thread, "caller");
   EXPECT_THAT(machine.log(),
               ElementsAre(Line("INFO", "Main: App should terminate"),
                           Line("INFO", "AppDelegate[TERMINATE] Reason: App should terminate")));

@@ -259,7 +259,8 @@ TEST(ProgressCancel, ClosesTheWindowOnTheMainThreadAndEndsTheSetup) {
               ElementsAre(Line("WARN", "Startup[FUSE] User decided not to install fuse")));
   machine.runUntilIdle();
   EXPECT_EQ(manager().progressController(), nullptr);
-  EXPECT_THAT(machine.windows.progress.at(0)->calls, ElementsAre("show", "close"));
+  EXPECT_THAT(machine.windows.progress.at(0)->calls,
+              ElementsAre("show", "min 0", "max 100", "value 0", "close", "stop"));
 }
 
 TEST(HideProgress, HopsToTheMainThread) {
@@ -270,7 +271,7 @@ TEST(HideProgress, HopsToTheMainThread) {
   machine.runUntilIdle();
 
   EXPECT_EQ(manager().progressController(), nullptr);
-  EXPECT_THAT(machine.windows.progress.at(0)->calls, ElementsAre("close"));
+  EXPECT_THAT(machine.windows.progress.at(0)->calls, ElementsAre("close", "stop"));
 }
 
 TEST(HideProgress, WithoutAWindowDoesNothing) {

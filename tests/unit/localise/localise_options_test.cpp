@@ -71,6 +71,14 @@ TEST(LocaliseOptions, BreakNoLineInTheSentencesThatFollow) {
             "Quit\n\nAsk them. Please.");
 }
 
+TEST(LocaliseOptions, BreakNoLineInTheQuestionThatFollows) {
+  FakePlatform machine;
+  machine.withStrings(R"({"MESSAGE_ARE_YOU_SURE_CONTINUE": "It takes time. Really go on?"})");
+
+  EXPECT_EQ(applied("Quit", LocaliseOptionNewLineAfterFirstSentence | LocaliseOptionAreYouSure),
+            "Quit\n\nIt takes time. Really go on?");
+}
+
 TEST(LocaliseOptions, WriteTheWholeTextInUpperCase) {
   FakePlatform machine;
   machine.withStrings(kSentences);

@@ -42,6 +42,12 @@ INSTANTIATE_TEST_SUITE_P(
                 "    \"/usr\"\n)"},
         Printed{Value::Array{"say \"hi\"\n"}, "(\n    \"say \\\"hi\\\"\\n\"\n)"}));
 
+// The second in which the smallest moment lies began before it.
+TEST(ValueDescription, OfTheFarthestMomentsIsTheirDate) {
+  EXPECT_EQ(Value(Date::min()).description(), "1677-09-21 00:12:43 +0000");
+  EXPECT_EQ(Value(Date::max()).description(), "2262-04-11 23:47:16 +0000");
+}
+
 TEST(ValueDescription, OfDeepNestingEnds) {
   Value value = 1;
   for (int i = 0; i < 1000; ++i) value = Value::Array{value};

@@ -92,6 +92,31 @@ INSTANTIATE_TEST_SUITE_P(
         Answer{R"({"name": ["4.5.0"], "tag_name": {"a": "4.5.0"}})", std::nullopt,
                R"(Fuse[UPDATE] Latest version: name='["4.5.0"]' (tag_name='{"a":"4.5.0"}') => '(null)')"}));
 
+std::string recordWithANameNested(std::size_t levels) {
+  return R"({"name": )" + std::string(levels, '[') + std::string(levels, ']') +
+         R"(, "tag_name": "macfuse-4.5.0"})";
+}
+
+TEST(LatestVersion, IsTakenFromARecordThatIsNestedAsDeeplyAsTheMacReads) {
+  FakePlatform machine;
+  prepare(machine, recordWithANameNested(511));
+
+  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), "4.5.0");
+}
+
+// Printing it would overflow the stack.
+TEST(LatestVersionFailure, IsARecordThatIsNestedTooDeeply) {
+  FakePlatform machine;
+  prepare(machine, recordWithANameNested(1'000'000));
+
+  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), std::nullopt);
+  EXPECT_THAT(
+      machine.consoleMessages(),
+      ElementsAre(kChecking, Line("*** ERROR ***",
+                                  "Fuse[UPDATE] Failed to parse metadata. Reason: The record is nested "
+                                  "too deeply.")));
+}
+
 TEST(LatestVersionFailure, IsLoggedWhenTheNetworkFails) {
   FakePlatform machine;
 
@@ -276,6 +301,35 @@ TEST(UpdatePrompt, OpensThePreferencePaneWhenTheUserContinues) {
           Line("INFO", "Fuse[UPDATE] Installed Version=4.4.1, Latest Version=4.5.0 (update available=YES)"),
           Line("INFO", "Fuse[UPDATE] Prompting user - Fuse update is available"),
           Line("INFO", "Fuse[UPDATE] User continued - Opening Fuse preference pane.")));
+}
+
+// It comes through the main dispatch queue, which waits for the block of it that runs.
+TEST(UpdatePrompt, WaitsForAnAlertThatIsOpen) {
+  FakePlatform machine;
+  prepare(machine, R"({"name": "4.5.0"})");
+  std::size_t shownWhileUp = 0;
+  machine.alerts.answerNext(1000, [&] {
+    fuse().promptUserIfUpdateIsAvailable(nullptr);
+    machine.runUntilIdle();
+    shownWhileUp = machine.alerts.shown().size();
+  });
+
+  machine.dispatch.mainQueue().async([&] { machine.alerts.runModal({}); });
+  machine.runUntilIdle();
+
+  EXPECT_EQ(shownWhileUp, 1U);
+  EXPECT_EQ(machine.alerts.shown().size(), 2U);
+}
+
+TEST(UpdatePrompt, IsLoggedBeforeItIsShown) {
+  FakePlatform machine;
+  prepare(machine, R"({"name": "4.5.0"})");
+  Line lastLineWhileUp("", "");
+  machine.alerts.answerNext(1001, [&] { lastLineWhileUp = machine.consoleMessages().back(); });
+
+  completions(machine);
+
+  EXPECT_EQ(lastLineWhileUp, Line("INFO", "Fuse[UPDATE] Prompting user - Fuse update is available"));
 }
 
 class OtherAnswer : public ::testing::TestWithParam<long> {};
