@@ -297,6 +297,25 @@ TEST(EmbeddedAppBundle, IsLookedForAgainWhileItIsMissing) {
   EXPECT_NE(after, nullptr);
 }
 
+TEST(EmbeddedAppBundle, ThatOneCallerFoundIsKeptThoughAnotherHadMissedIt) {
+  FakePlatform machine;
+  KarnoEmbeddedApp& app = KarnoEmbeddedApp::manager();
+  std::shared_ptr<const platform::Bundle> found;
+  machine.whenLogged(Line("WARN",
+                          "Utilities[BUNDLE] Could not find bundle for Karno.app "
+                          "(path:/Applications/Karno.app/Contents/Helpers/Karno.app)"),
+                     [&] {
+                       machine.withEmbeddedBuilds();
+                       found = app.bundle();
+                     });
+
+  static_cast<void>(app.bundle());
+  machine.bundles.removeHelper("Karno.app");
+
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(app.bundle(), found);
+}
+
 TEST(EmbeddedAppBundle, NeverChangesOnceItWasFound) {
   FakePlatform machine;
   machine.withEmbeddedBuilds();
