@@ -161,6 +161,23 @@ TEST(EmbeddedAppSettings, ForcedOffByTheAdministratorAreRecordedAsVerified) {
                           Line("WARN", "Object=false")));
 }
 
+TEST(EmbeddedAppSettings, ThatAreVerifiedGiveWayToTheAdministrator) {
+  FakePlatform machine;
+  machine.withAdmin("USE_FILE_PROVIDER", "NO")
+      .withUserSetting("useFileProviderVerified", true)
+      .withUserSetting("useFileProvider", true);
+
+  const KarnoAppType type = KarnoEmbeddedApp::manager().appType();
+
+  EXPECT_EQ(type, KarnoAppType::Fuse);
+  EXPECT_THAT(machine.settings().writes, ElementsAre(Pair("useFileProviderVerified", Value(true)),
+                                                     Pair("useFileProvider", Value(false))));
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("WARN", "Object=NO"),
+                          Line("INFO", "EmbeddedApp[CONFIGURE] Use File Provider = No (admin)"),
+                          Line("WARN", "Object=NO")));
+}
+
 TEST(EmbeddedAppSettings, ThatAreVerifiedHoldWithoutAWrite) {
   FakePlatform machine;
   machine.withUserSetting("useFileProviderVerified", true)

@@ -180,9 +180,9 @@ TEST_F(Restart, OfTheLauncherOpensItAnewAndQuits) {
   EXPECT_THAT(opened.arguments,
               ElementsAre("-n", "/Applications/Karno.app", "--args", "-launch", "Karno(Fuse).app"));
   EXPECT_EQ(opened.thread, "main");
-  const std::vector<std::string> messages = messagesOf(machine);
-  EXPECT_THAT(messages,
-              Contains("Startup[RESTART] Karno has quit - restarting wrapper (-launch Karno(Fuse).app)"));
+  EXPECT_THAT(linesOfTheRestart(),
+              Contains(Line(
+                  "INFO", "Startup[RESTART] Karno has quit - restarting wrapper (-launch Karno(Fuse).app)")));
   EXPECT_EQ(machine.log().back(), Line("INFO", "AppDelegate[TERMINATE] Reason: Restart Wrapper"));
   EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
   EXPECT_EQ(machine.application.terminations(), 1);
@@ -235,8 +235,10 @@ TEST_F(Restart, OfTheLauncherQuitsAlsoWhenItCannotBeOpened) {
   endChild();
   machine.runFor(10);
 
-  EXPECT_THAT(messagesOf(machine),
-              Contains("Startup[RESTART] Failed to restart wrapper. Reason: " + kRefused.description()));
+  EXPECT_THAT(linesOfTheRestart(), Contains(Line("*** ERROR ***",
+                                                 "Startup[RESTART] Failed to restart wrapper. Reason: Error "
+                                                 "Domain=NSCocoaErrorDomain Code=4 \"The file is damaged.\" "
+                                                 "UserInfo={NSLocalizedDescription=The file is damaged.}")));
   EXPECT_EQ(machine.application.terminations(), 1);
 }
 
