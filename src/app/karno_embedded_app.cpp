@@ -63,15 +63,32 @@ void KarnoEmbeddedApp::configureAppTypeForSystem() {
                           use ? "first startup" : "already using Fuse"));
 }
 
-const std::string& KarnoEmbeddedApp::name() {
+std::string KarnoEmbeddedApp::name() {
+  const std::lock_guard lock(lookupLock_);
   if (!name_)
     name_ = std::string(appType_ != KarnoAppType::FileProvider ? nameForFuseApp() : nameForFileProviderApp());
   return *name_;
 }
 
+void KarnoEmbeddedApp::setName(std::string name) {
+  const std::lock_guard lock(lookupLock_);
+  name_ = std::move(name);
+}
+
 std::shared_ptr<const platform::Bundle> KarnoEmbeddedApp::bundle() {
-  if (!bundle_) bundle_ = Utilities::bundleForEmbeddedKarnoAppWithName(name());
+  {
+    const std::lock_guard lock(lookupLock_);
+    if (bundle_) return bundle_;
+  }
+  auto found = Utilities::bundleForEmbeddedKarnoAppWithName(name());
+  const std::lock_guard lock(lookupLock_);
+  if (!bundle_) bundle_ = std::move(found);
   return bundle_;
+}
+
+void KarnoEmbeddedApp::setBundle(std::shared_ptr<const platform::Bundle> bundle) {
+  const std::lock_guard lock(lookupLock_);
+  bundle_ = std::move(bundle);
 }
 
 }  // namespace karno

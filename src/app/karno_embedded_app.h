@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,14 +30,14 @@ class KarnoEmbeddedApp {
   void setAppType(KarnoAppType type) { appType_ = type; }
   bool useFileProvider() const { return appType_ == KarnoAppType::FileProvider; }
 
-  // The chosen build's bundle name; once read it never changes. Not locked: first read on the main thread.
-  const std::string& name();
-  void setName(std::string name) { name_ = std::move(name); }
+  // The chosen build's bundle name; once read it never changes. Any thread.
+  std::string name();
+  void setName(std::string name);
 
   // The chosen build's bundle in Contents/Helpers, or null. Once found it never changes; a bundle that was
-  // not found is looked for again by the next call.
+  // not found is looked for again by the next call. Any thread: a launch and restarts may ask at once.
   std::shared_ptr<const platform::Bundle> bundle();
-  void setBundle(std::shared_ptr<const platform::Bundle> bundle) { bundle_ = std::move(bundle); }
+  void setBundle(std::shared_ptr<const platform::Bundle> bundle);
 
   // A list kept for whoever asks; the launcher itself neither fills nor reads it.
   const std::vector<std::string>& arguments() const { return arguments_; }
@@ -52,6 +53,7 @@ class KarnoEmbeddedApp {
   KarnoEmbeddedApp() { setAppType(appTypeForCommandLineArguments()); }
 
   KarnoAppType appType_ = KarnoAppType::FileProvider;
+  std::mutex lookupLock_;  // guards name_ and bundle_
   std::optional<std::string> name_;
   std::shared_ptr<const platform::Bundle> bundle_;
   std::vector<std::string> arguments_;

@@ -28,6 +28,7 @@ class StartupManager : public FuseManagerDelegate,
 
   // Set once on the main thread before checkSystem().
   void setDelegate(std::weak_ptr<StartupInterface> delegate) { delegate_ = std::move(delegate); }
+  std::shared_ptr<StartupInterface> delegate() const { return delegate_.lock(); }
 
   // For the File Provider build on macOS 12.3 or later the delegate is told on the calling thread, before
   // this returns; otherwise the answer comes later from a global queue.
@@ -88,10 +89,12 @@ class StartupManager : public FuseManagerDelegate,
 
   // The last launched child; -1 after a launch that failed, 0 before the first.
   std::int32_t embeddedKarnoProcessIdentifier() const { return embeddedKarnoProcessIdentifier_; }
+  void setEmbeddedKarnoProcessIdentifier(std::int32_t identifier) {
+    embeddedKarnoProcessIdentifier_ = identifier;
+  }
 
  private:
   void childDidTerminate(const platform::TaskEnd& end);
-  std::shared_ptr<StartupInterface> delegate() const { return delegate_.lock(); }
 
   std::weak_ptr<StartupInterface> delegate_;
   std::atomic<bool> cancelled_{false};

@@ -26,7 +26,7 @@ class Alerts {
   virtual ~Alerts() = default;
 
   // Shows the alert and waits for an answer: 1000 for the first button, 1001 for the second and so on.
-  // Main thread only; other main-thread work goes on while it is up.
+  // Main thread only; events and the main operation queue go on while it is up.
   virtual long runModal(const Alert& alert) = 0;
 };
 

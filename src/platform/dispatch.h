@@ -35,7 +35,7 @@ class Dispatch {
  public:
   virtual ~Dispatch() = default;
 
-  // The dispatch queue of the main thread.
+  // The dispatch queue of the main thread. On macOS a block that shows an alert holds up those after it.
   virtual Queue& mainQueue() = 0;
 
   // The operation queue of the main thread; its blocks also run while a modal alert is up.

@@ -134,6 +134,12 @@ std::vector<Line> FakePlatform::consoleMessages() const {
   return result;
 }
 
+void FakePlatform::whenLogged(const Line& line, std::function<void()> block) {
+  consoleLog.whenLogged = [line, run = std::move(block)](std::string_view entry) {
+    if (Line::parse(std::string(entry)) == line) run();
+  };
+}
+
 void FakePlatform::postMessage(platform::Value message) { postUserInfo({{"message", std::move(message)}}); }
 
 void FakePlatform::postUserInfo(platform::Value::Dictionary userInfo) {

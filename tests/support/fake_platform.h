@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -113,6 +114,9 @@ class FakePlatform {
   // The console log: whole lines, and the same taken apart.
   std::vector<std::string> console() const { return consoleLog.lines(); }
   std::vector<Line> consoleMessages() const;
+
+  // Runs the block inside the logging of each such line, which tells what came before the line and what not.
+  void whenLogged(const Line& line, std::function<void()> block);
 
   // Posts what the embedded application would.
   void postMessage(platform::Value message);

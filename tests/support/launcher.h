@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -40,10 +41,12 @@ class StartupRecorder final : public StartupInterface {
   void startUpDidFailToLaunchKarno(StartupManager&) override { note("launch failed"); }
 
   std::vector<std::string> calls;
+  std::function<void()> whenTold;  // runs inside every call
 
  private:
   void note(const std::string& call) {
     calls.push_back(call + " on " + machine_.scheduler.currentThreadName());
+    if (whenTold) whenTold();
   }
 
   FakePlatform& machine_;

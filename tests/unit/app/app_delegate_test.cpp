@@ -99,6 +99,21 @@ TEST(AppDelegateStart, StartsTheMainWindowOnTheMainThreadOnceNoMoveIsNeeded) {
   EXPECT_EQ(threadOf(machine, log[7]), "main");
 }
 
+TEST(AppDelegateStart, StartsTheMainWindowAlsoWhileTheMainDispatchQueueIsAtWork) {
+  FakePlatform machine;
+  Launcher launcher(machine);
+  std::size_t observersWhileAtWork = 99;
+  machine.dispatch.mainQueue().async([&] {
+    launcher.delegate().moveApplicationNotNeeded(mover());
+    machine.runFor(1);
+    observersWhileAtWork = machine.windows.prompt.observerCount();
+  });
+
+  machine.runUntilIdle();
+
+  EXPECT_EQ(observersWhileAtWork, 1U);
+}
+
 TEST(AppDelegateStart, DoesNotStartTheUpdater) {
   FakePlatform machine;
   Launcher launcher(machine);
@@ -163,7 +178,13 @@ TEST(AppDelegateMove, ThatTheUserCancelledQuits) {
                           Line("INFO", "AppDelegate:: Terminating")));
 }
 
-using MoveAnswer = void (*)(AppDelegate&);
+struct MoveAnswer {
+  void (*tell)(AppDelegate&);
+  Line answer;
+  Line reason;
+};
+
+void PrintTo(const MoveAnswer& answer, std::ostream* out) { *out << answer.answer.message; }
 
 class AppDelegateMoveThatQuits : public ::testing::TestWithParam<MoveAnswer> {};
 
@@ -171,7 +192,7 @@ TEST_P(AppDelegateMoveThatQuits, ResetsTheUpdaterAndSavesThatOnTheCallingThread)
   FakePlatform machine;
   Launcher launcher(machine);
 
-  machine.onThread([&] { GetParam()(launcher.delegate()); }, "caller");
+  machine.onThread([&] { GetParam().tell(launcher.delegate()); }, "caller");
   machine.runUntilIdle();
 
   EXPECT_THAT(machine.userDefaults.standard().writes, ElementsAre(Pair("SUHasLaunchedBefore", Value(false))));
@@ -179,13 +200,43 @@ TEST_P(AppDelegateMoveThatQuits, ResetsTheUpdaterAndSavesThatOnTheCallingThread)
   EXPECT_EQ(machine.consoleLog.entries().back().thread, "caller");
 }
 
+TEST_P(AppDelegateMoveThatQuits, ResetsTheUpdaterAfterItsOwnLine) {
+  FakePlatform machine;
+  Launcher launcher(machine);
+  std::size_t writesThen = 99;
+  machine.whenLogged(GetParam().answer, [&] { writesThen = machine.userDefaults.standard().writes.size(); });
+
+  GetParam().tell(launcher.delegate());
+
+  EXPECT_EQ(writesThen, 0U);
+}
+
+TEST_P(AppDelegateMoveThatQuits, HasSavedTheResetBeforeItAsksForTheEnd) {
+  FakePlatform machine;
+  Launcher launcher(machine);
+  int savesThen = -1;
+  machine.whenLogged(GetParam().reason,
+                     [&] { savesThen = machine.userDefaults.standard().synchronisations; });
+
+  GetParam().tell(launcher.delegate());
+
+  EXPECT_EQ(savesThen, 1);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Answers, AppDelegateMoveThatQuits,
-    ::testing::Values([](AppDelegate& delegate) { delegate.moveApplicationDidComplete(mover()); },
-                      [](AppDelegate& delegate) {
-                        delegate.moveApplicationDidFail(mover(), Utilities::errorWithPOSIXCode(22, "x"));
-                      },
-                      [](AppDelegate& delegate) { delegate.moveApplicationUserDidCancel(mover()); }));
+    ::testing::Values(
+        MoveAnswer{[](AppDelegate& delegate) { delegate.moveApplicationDidComplete(mover()); },
+                   Line("INFO", "AppDelegate[MOVE] Karno has been moved and will be restarted. Quitting."),
+                   Line("INFO", "AppDelegate[TERMINATE] Reason: Karno was moved to /Applications")},
+        MoveAnswer{[](AppDelegate& delegate) {
+                     delegate.moveApplicationDidFail(mover(), Utilities::errorWithPOSIXCode(22, "x"));
+                   },
+                   Line("*** ERROR ***", "AppDelegate[MOVE] Failed to move Karno. Error=x"),
+                   Line("INFO", "AppDelegate[TERMINATE] Reason: Karno failed to moved to /Applications")},
+        MoveAnswer{[](AppDelegate& delegate) { delegate.moveApplicationUserDidCancel(mover()); },
+                   Line("WARN", "AppDelegate[MOVE] User cancelled the move operation - quitting"),
+                   Line("INFO", "AppDelegate[TERMINATE] Reason: user cancelled move to /Applications")}));
 
 TEST(AppDelegateMove, ThatIsNotNeededLeavesTheUpdaterAlone) {
   FakePlatform machine;
@@ -247,6 +298,21 @@ TEST(TerminateWithReason, TerminatesAfterFiveSecondsThoughTheLogIsNeverEmpty) {
   EXPECT_EQ(machine.application.terminatedAtSeconds(), 5.05);
 }
 
+TEST(TerminateWithReason, TerminatesWhileAnAlertOfTheMainDispatchQueueIsUp) {
+  FakePlatform machine;
+  int terminationsWhileUp = -1;
+  machine.alerts.answerNext(1000, [&] {
+    AppDelegate::terminateWithReason("under an alert");
+    machine.runFor(6);
+    terminationsWhileUp = machine.application.terminations();
+  });
+
+  machine.dispatch.mainQueue().async([&] { machine.alerts.runModal({}); });
+  machine.runUntilIdle();
+
+  EXPECT_EQ(terminationsWhileUp, 1);
+}
+
 TEST(TerminateWithReason, TerminatesThoughTheLogFolderCouldNotBeMade) {
   FakePlatform machine;
   machine.files.failCreateDirectory(test::kLogFolder, EROFS);
@@ -281,6 +347,19 @@ TEST(TerminateWithReason, CalledTwiceWritesTwoReasonsAndTerminatesTwice) {
   EXPECT_THAT(machine.log(), ElementsAre(Line("INFO", "AppDelegate[TERMINATE] Reason: first"),
                                          Line("INFO", "AppDelegate[TERMINATE] Reason: second")));
   EXPECT_EQ(machine.application.terminations(), 2);
+}
+
+TEST(AppDelegateEnd, StillListensWhenItSaysSo) {
+  FakePlatform machine;
+  Launcher launcher(machine);
+  launcher.finishLaunching();
+  std::size_t observersThen = 99;
+  machine.whenLogged(Line("INFO", "AppDelegate:: Terminating"),
+                     [&] { observersThen = machine.notifications.observerCount(); });
+
+  launcher.delegate().applicationWillTerminate();
+
+  EXPECT_EQ(observersThen, 1U);
 }
 
 TEST(AppDelegateEnd, LogsAndStopsListeningAndDoesNothingElse) {

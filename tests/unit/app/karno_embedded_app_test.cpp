@@ -161,6 +161,23 @@ TEST(EmbeddedAppSettings, ForcedOffByTheAdministratorAreRecordedAsVerified) {
                           Line("WARN", "Object=false")));
 }
 
+TEST(EmbeddedAppSettings, ThatAreVerifiedGiveWayToTheAdministrator) {
+  FakePlatform machine;
+  machine.withAdmin("USE_FILE_PROVIDER", "NO")
+      .withUserSetting("useFileProviderVerified", true)
+      .withUserSetting("useFileProvider", true);
+
+  const KarnoAppType type = KarnoEmbeddedApp::manager().appType();
+
+  EXPECT_EQ(type, KarnoAppType::Fuse);
+  EXPECT_THAT(machine.settings().writes, ElementsAre(Pair("useFileProviderVerified", Value(true)),
+                                                     Pair("useFileProvider", Value(false))));
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("WARN", "Object=NO"),
+                          Line("INFO", "EmbeddedApp[CONFIGURE] Use File Provider = No (admin)"),
+                          Line("WARN", "Object=NO")));
+}
+
 TEST(EmbeddedAppSettings, ThatAreVerifiedHoldWithoutAWrite) {
   FakePlatform machine;
   machine.withUserSetting("useFileProviderVerified", true)
@@ -295,6 +312,25 @@ TEST(EmbeddedAppBundle, IsLookedForAgainWhileItIsMissing) {
 
   EXPECT_EQ(before, nullptr);
   EXPECT_NE(after, nullptr);
+}
+
+TEST(EmbeddedAppBundle, ThatOneCallerFoundIsKeptThoughAnotherHadMissedIt) {
+  FakePlatform machine;
+  KarnoEmbeddedApp& app = KarnoEmbeddedApp::manager();
+  std::shared_ptr<const platform::Bundle> found;
+  machine.whenLogged(Line("WARN",
+                          "Utilities[BUNDLE] Could not find bundle for Karno.app "
+                          "(path:/Applications/Karno.app/Contents/Helpers/Karno.app)"),
+                     [&] {
+                       machine.withEmbeddedBuilds();
+                       found = app.bundle();
+                     });
+
+  static_cast<void>(app.bundle());
+  machine.bundles.removeHelper("Karno.app");
+
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(app.bundle(), found);
 }
 
 TEST(EmbeddedAppBundle, NeverChangesOnceItWasFound) {

@@ -53,6 +53,18 @@ TEST(FuseDownload, OpensTheWebSiteOnAGlobalQueue) {
       ElementsAre(Line("INFO", "Startup[FUSE] Showing macFuse website and asking user to install Fuse")));
 }
 
+TEST(FuseDownload, HasOpenedTheWebSiteWhenItSaysSo) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  std::size_t openedThen = 99;
+  machine.whenLogged(Line("INFO", "Startup[FUSE] Showing macFuse website and asking user to install Fuse"),
+                     [&] { openedThen = machine.workspace.opened.size(); });
+
+  manager().informUserToDownloadFuse();
+
+  EXPECT_EQ(openedThen, 1U);
+}
+
 TEST(FuseDownload, TakesTheWebSiteFromTheBundle) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
@@ -78,15 +90,31 @@ TEST(FuseDownload, ShowsTheAlertTwoSecondsLater) {
   const auto delegate = recordCallsOf(machine);
 
   manager().informUserToDownloadFuse();
-  machine.runFor(1.9);
+  machine.runFor(1.999);
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
-  machine.runFor(0.2);
+  machine.runFor(0.001);
 
   EXPECT_THAT(machine.alerts.shown(), ElementsAre(kInstallAlert));
   EXPECT_THAT(
       machine.consoleMessages(),
       ElementsAre(Line("INFO", "Startup[FUSE] Showing macFuse website and asking user to install Fuse"),
                   Line("INFO", "Startup[FUSE] Waiting for Fuse to install")));
+}
+
+TEST(FuseDownload, ShowsTheAlertWhenItIsItsTurnOnTheMainDispatchQueue) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  std::size_t shownBeforeItsTurn = 99;
+  machine.dispatch.mainQueue().async([&] {
+    manager().informUserToDownloadFuse();
+    machine.runFor(3);
+    shownBeforeItsTurn = machine.alerts.shown().size();
+  });
+
+  machine.runUntilIdle();
+
+  EXPECT_EQ(shownBeforeItsTurn, 0U);
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kInstallAlert));
 }
 
 TEST(FuseDownload, WaitsWhileTheAlertIsStillUp) {
@@ -123,9 +151,9 @@ TEST(FuseDownload, PollsForTheFirstTimeTwoSecondsAfterTheWaitBegan) {
   machine.withFuse("4.4.1");
 
   manager().informUserToDownloadFuse();
-  machine.runFor(3.9);
+  machine.runFor(3.999);
   EXPECT_THAT(delegate->calls, IsEmpty());
-  machine.runFor(0.2);
+  machine.runFor(0.001);
 
   EXPECT_THAT(delegate->calls, ElementsAre("checked on it.vantul.KarnoWrapper.download-wait"));
 }
@@ -194,13 +222,30 @@ TEST(ManualInstall, AsksAfterTwoSeconds) {
   machine.alerts.answerNext(1002);
 
   manager().continueAfterManualInstall();
-  machine.runFor(1.9);
+  machine.runFor(1.999);
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
-  machine.runFor(0.2);
+  machine.runFor(0.001);
 
   EXPECT_THAT(machine.alerts.shown(), ElementsAre(kContinueAlert));
   EXPECT_EQ(std::ranges::count(machine.dispatch.serialQueues(), "it.vantul.KarnoWrapper.fuse.install.wait"),
             1);
+}
+
+TEST(ManualInstall, AsksWhenItIsItsTurnOnTheMainDispatchQueue) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.alerts.answerNext(1002);
+  std::size_t shownBeforeItsTurn = 99;
+  machine.dispatch.mainQueue().async([&] {
+    manager().continueAfterManualInstall();
+    machine.runFor(3);
+    shownBeforeItsTurn = machine.alerts.shown().size();
+  });
+
+  machine.runUntilIdle();
+
+  EXPECT_EQ(shownBeforeItsTurn, 0U);
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kContinueAlert));
 }
 
 TEST(ManualInstall, AnotherAnswerDoesNothing) {
@@ -261,6 +306,58 @@ TEST(ProgressCancel, ClosesTheWindowOnTheMainThreadAndEndsTheSetup) {
   EXPECT_EQ(manager().progressController(), nullptr);
   EXPECT_THAT(machine.windows.progress.at(0)->calls,
               ElementsAre("show", "min 0", "max 100", "value 0", "close", "stop"));
+}
+
+TEST(ProgressCancel, IsNotedAndTheWindowOnItsWayOutBeforeAnybodyHears) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  const auto controller = ProgressWindowController::make();
+  manager().setProgressController(controller);
+  std::vector<bool> cancelledThen;
+  std::vector<std::shared_ptr<ProgressWindowController>> controllerOnTheNextTurn;
+  const auto look = [&] {
+    cancelledThen.push_back(manager().cancelled());
+    machine.dispatch.mainQueue().async(
+        [&] { controllerOnTheNextTurn.push_back(manager().progressController()); });
+  };
+  machine.whenLogged(Line("WARN", "Startup[FUSE] User decided not to install fuse"), look);
+  delegate->whenTold = look;
+
+  manager().progressWindowControllerUserPressedCancel(*controller);
+  machine.runUntilIdle();
+
+  EXPECT_THAT(cancelledThen, ElementsAre(true, true));
+  EXPECT_THAT(controllerOnTheNextTurn, ElementsAre(nullptr, nullptr));
+}
+
+TEST(ProgressCancel, IsLoggedBeforeTheDelegateHears) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  const auto controller = ProgressWindowController::make();
+  std::size_t callsThen = 99;
+  machine.whenLogged(Line("WARN", "Startup[FUSE] User decided not to install fuse"),
+                     [&] { callsThen = delegate->calls.size(); });
+
+  manager().progressWindowControllerUserPressedCancel(*controller);
+
+  EXPECT_EQ(callsThen, 0U);
+}
+
+TEST(HideProgress, WaitsForItsTurnOnTheMainDispatchQueue) {
+  FakePlatform machine;
+  const auto controller = ProgressWindowController::make();
+  manager().setProgressController(controller);
+  std::shared_ptr<ProgressWindowController> beforeItsTurn;
+  machine.dispatch.mainQueue().async([&] {
+    manager().hideProgress();
+    machine.runFor(1);
+    beforeItsTurn = manager().progressController();
+  });
+
+  machine.runUntilIdle();
+
+  EXPECT_EQ(beforeItsTurn, controller);
+  EXPECT_EQ(manager().progressController(), nullptr);
 }
 
 TEST(HideProgress, HopsToTheMainThread) {

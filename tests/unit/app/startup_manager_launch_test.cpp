@@ -27,11 +27,13 @@ const Error kRefused("NSCocoaErrorDomain", 4, {{"NSLocalizedDescription", "The f
 // Notes the completions of launches.
 struct Completion {
   std::vector<bool> successes;
+  std::vector<std::int32_t> processIdentifiers;  // that the manager had when it completed
   std::optional<Error> error;
 
   StartupManager::LaunchCompletion note() {
     return [this](bool success, const std::optional<Error>& ofLaunch) {
       successes.push_back(success);
+      processIdentifiers.push_back(StartupManager::instance().embeddedKarnoProcessIdentifier());
       error = ofLaunch;
     };
   }
@@ -116,6 +118,18 @@ TEST(Launch, KeepsTheProcessIdentifierOfTheLastChild) {
   EXPECT_EQ(before, 0);
   EXPECT_EQ(first, 5001);
   EXPECT_EQ(second, 5002);
+}
+
+TEST(Launch, HasStoredTheProcessIdentifierWhenItCompletes) {
+  FakePlatform machine;
+  machine.withEmbeddedBuilds();
+  Completion completion;
+
+  StartupManager::instance().launchKarnoWithCompletion(completion.note());
+  machine.tasks.failNextLaunch(kRefused);
+  StartupManager::instance().launchKarnoWithCompletion(completion.note());
+
+  EXPECT_THAT(completion.processIdentifiers, ElementsAre(5001, -1));
 }
 
 TEST(LaunchWithoutABundle, FailsWithCode2AndLeavesTheProcessIdentifierUnchanged) {

@@ -35,6 +35,12 @@ class Restart : public ::testing::Test {
     manager().setDelegate(delegate);
     manager().launchKarnoWithCompletion([](bool, const std::optional<Error>&) {});
     machine.workspace.running = {{.processIdentifier = 5001, .bundleIdentifier = "it.vantul.Karno"}};
+    linesBefore_ = machine.consoleMessages().size();
+  }
+
+  std::vector<Line> linesOfTheRestart() const {
+    const std::vector<Line> lines = machine.consoleMessages();
+    return {lines.begin() + static_cast<std::ptrdiff_t>(linesBefore_), lines.end()};
   }
 
   void endChild() {
@@ -44,6 +50,9 @@ class Restart : public ::testing::Test {
 
   FakePlatform machine;
   std::shared_ptr<StartupRecorder> delegate;
+
+ private:
+  std::size_t linesBefore_ = 0;
 };
 
 TEST_F(Restart, SetsTheFlagBeforeItReturns) {
@@ -68,6 +77,19 @@ TEST_F(Restart, LaunchesTheApplicationAgainOnceItHasQuit) {
               Contains("Startup[TERMINATED] Embedded Karno.app terminated. Reason: Being restarted"));
 }
 
+TEST_F(Restart, HasClearedTheFlagBeforeTheNewLaunch) {
+  bool flagThen = true;
+  machine.whenLogged(Line("INFO", "Startup[LAUNCH] Launching Karno.app"),
+                     [&] { flagThen = manager().restartingEmbeddedKarnoApp(); });
+
+  manager().restartKarno();
+  endChild();
+  machine.runFor(2);
+
+  EXPECT_THAT(delegate->calls, ElementsAre("launched on global(0)"));
+  EXPECT_FALSE(flagThen);
+}
+
 TEST_F(Restart, DoesNotStartTheUpdaterAgain) {
   manager().restartKarno();
   endChild();
@@ -83,12 +105,29 @@ TEST_F(Restart, FailsWhenTheApplicationStays) {
   EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
   machine.runFor(0.2);
 
-  EXPECT_EQ(machine.consoleMessages().back(),
-            Line("*** ERROR ***", "Startup[RESTART] Failed to restart Karno - because it has not exited"));
+  EXPECT_THAT(
+      linesOfTheRestart(),
+      ElementsAre(
+          Line("INFO", "ProcessUtils: Waiting for 'it.vantul.Karno' to terminate"),
+          Line("WARN", "ProcessUtils: 'it.vantul.Karno' has not terminated (timed-out after 5.0 seconds)"),
+          Line("*** ERROR ***", "Startup[RESTART] Failed to restart Karno - because it has not exited")));
   EXPECT_THAT(delegate->calls, ElementsAre("launch failed on global(0)"));
   EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
   EXPECT_THAT(machine.tasks.running(), ElementsAre(5001));
   EXPECT_THAT(machine.processes.signalled, IsEmpty());
+}
+
+TEST_F(Restart, OfEitherThatFailsClearsTheFlagOnlyAfterTheDelegateWasTold) {
+  std::vector<bool> flagsThen;
+  delegate->whenTold = [&] { flagsThen.push_back(manager().restartingEmbeddedKarnoApp()); };
+
+  manager().restartKarno();
+  machine.runFor(6);
+  manager().restartWrapper();
+  machine.runFor(6);
+
+  EXPECT_THAT(flagsThen, ElementsAre(true, true));
+  EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
 }
 
 TEST_F(Restart, TellsWhenTheNewLaunchFails) {
@@ -141,13 +180,28 @@ TEST_F(Restart, OfTheLauncherOpensItAnewAndQuits) {
   EXPECT_THAT(opened.arguments,
               ElementsAre("-n", "/Applications/Karno.app", "--args", "-launch", "Karno(Fuse).app"));
   EXPECT_EQ(opened.thread, "main");
-  const std::vector<std::string> messages = messagesOf(machine);
-  EXPECT_THAT(messages,
-              Contains("Startup[RESTART] Karno has quit - restarting wrapper (-launch Karno(Fuse).app)"));
+  EXPECT_THAT(linesOfTheRestart(),
+              Contains(Line(
+                  "INFO", "Startup[RESTART] Karno has quit - restarting wrapper (-launch Karno(Fuse).app)")));
   EXPECT_EQ(machine.log().back(), Line("INFO", "AppDelegate[TERMINATE] Reason: Restart Wrapper"));
   EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
   EXPECT_EQ(machine.application.terminations(), 1);
   EXPECT_THAT(delegate->calls, IsEmpty());
+}
+
+TEST_F(Restart, OfTheLauncherOpensItWhenItIsItsTurnOnTheMainDispatchQueue) {
+  std::size_t launchesBeforeItsTurn = 99;
+  machine.dispatch.mainQueue().async([&] {
+    manager().restartWrapperForFuse();
+    endChild();
+    machine.runFor(6);
+    launchesBeforeItsTurn = machine.tasks.launches().size();
+  });
+
+  machine.runUntilIdle();
+
+  EXPECT_EQ(launchesBeforeItsTurn, 1U);
+  EXPECT_EQ(machine.tasks.launches().size(), 2U);
 }
 
 TEST_F(Restart, OfTheLauncherWaitsForTheBuildThatRunsNow) {
@@ -162,9 +216,13 @@ TEST_F(Restart, OfTheLauncherFailsWhenTheApplicationStays) {
   manager().restartWrapperForFileProvider();
   machine.runFor(6);
 
-  EXPECT_EQ(
-      machine.consoleMessages().back(),
-      Line("*** ERROR ***", "Startup[RESTART] Failed to restart Wrapper - because Karno has not exited"));
+  EXPECT_THAT(
+      linesOfTheRestart(),
+      ElementsAre(
+          Line("INFO", "ProcessUtils: Waiting for 'it.vantul.Karno' to terminate"),
+          Line("WARN", "ProcessUtils: 'it.vantul.Karno' has not terminated (timed-out after 5.0 seconds)"),
+          Line("*** ERROR ***",
+               "Startup[RESTART] Failed to restart Wrapper - because Karno has not exited")));
   EXPECT_THAT(delegate->calls, ElementsAre("launch failed on global(0)"));
   EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
   EXPECT_EQ(machine.application.terminations(), 0);
@@ -177,8 +235,10 @@ TEST_F(Restart, OfTheLauncherQuitsAlsoWhenItCannotBeOpened) {
   endChild();
   machine.runFor(10);
 
-  EXPECT_THAT(messagesOf(machine),
-              Contains("Startup[RESTART] Failed to restart wrapper. Reason: " + kRefused.description()));
+  EXPECT_THAT(linesOfTheRestart(), Contains(Line("*** ERROR ***",
+                                                 "Startup[RESTART] Failed to restart wrapper. Reason: Error "
+                                                 "Domain=NSCocoaErrorDomain Code=4 \"The file is damaged.\" "
+                                                 "UserInfo={NSLocalizedDescription=The file is damaged.}")));
   EXPECT_EQ(machine.application.terminations(), 1);
 }
 

@@ -175,6 +175,22 @@ TEST(SystemCheckForFileProvider, OnAnOldSystemStillLaunchesTheFileProviderBuild)
             "/Applications/Karno.app/Contents/Helpers/Karno.app/Contents/MacOS/Karno");
 }
 
+TEST(StartupManagerAccessors, GiveBackWhatTheyWereGiven) {
+  FakePlatform machine;
+  const auto delegate = std::make_shared<StartupRecorder>(machine);
+  StartupManager& manager = StartupManager::instance();
+
+  manager.setDelegate(delegate);
+  manager.setEmbeddedKarnoProcessIdentifier(77);
+  manager.setRestartingEmbeddedKarnoApp(true);
+  manager.setCancelled(true);
+
+  EXPECT_EQ(manager.delegate(), delegate);
+  EXPECT_EQ(manager.embeddedKarnoProcessIdentifier(), 77);
+  EXPECT_TRUE(manager.restartingEmbeddedKarnoApp());
+  EXPECT_TRUE(manager.cancelled());
+}
+
 TEST(StartupManagerDelegate, IsHeldWeakly) {
   FakePlatform machine;
   auto delegate = std::make_shared<StartupRecorder>(machine);

@@ -167,6 +167,19 @@ TEST_F(Listener, ShowsTheCrashDialogOnlyAfterTheHandlerHasReturned) {
   EXPECT_THAT(machine.alerts.shown(), ElementsAre(kCrashAlert));
 }
 
+TEST_F(Listener, ShowsTheCrashDialogAlsoWhileTheMainDispatchQueueIsAtWork) {
+  std::vector<platform::Alert> shownWhileAtWork;
+  machine.dispatch.mainQueue().async([&] {
+    machine.postMessage("app-is-terminating-abnormally");
+    machine.runFor(1);
+    shownWhileAtWork = machine.alerts.shown();
+  });
+
+  machine.runUntilIdle();
+
+  EXPECT_THAT(shownWhileAtWork, ElementsAre(kCrashAlert));
+}
+
 TEST_F(Listener, GoesOnListeningWhileTheCrashDialogIsUp) {
   std::vector<Line> linesWhileUp;
   machine.alerts.answerNext(1001, [&] {
@@ -286,6 +299,18 @@ TEST_F(Listener, RestartsTheApplicationWhenItNeedsTo) {
                           Line("WARN", "ProcessUtils: 'it.vantul.Karno terminated (0.2 seconds)"),
                           Line("INFO", "Startup[LAUNCH] Launching Karno.app"),
                           Line("INFO", "Startup[LAUNCH] Launched Karno.app (pid: 5001)")));
+}
+
+TEST_F(Listener, SaysThatItRestartsTheApplicationBeforeItDoes) {
+  bool flagThen = true;
+  machine.whenLogged(Line("INFO", "Notify[LISTEN] Restarting Karno.app."),
+                     [&] { flagThen = StartupManager::instance().restartingEmbeddedKarnoApp(); });
+
+  machine.postMessage("app-needs-restart");
+  machine.runUntilIdle();
+
+  EXPECT_FALSE(flagThen);
+  EXPECT_TRUE(StartupManager::instance().restartingEmbeddedKarnoApp());
 }
 
 class UpdateInProgress : public Listener, public ::testing::WithParamInterface<bool> {
