@@ -64,6 +64,21 @@ TEST(KarnoLogLine, KeepsNewlinesOfTheMessage) {
             "2024-03-05 14:07:09:042+0100 (4242) [WARN] Object=(\n    1\n)\n");
 }
 
+// What the file has is the C string of the line.
+TEST(KarnoLogLine, EndsInTheFileAtAZeroByte) {
+  FakePlatform machine;
+
+  KarnoLog::manager().logWarn(std::string("before\0after", 12));
+  KarnoLog::manager().logWarn("next");
+  machine.runFor(1);
+
+  EXPECT_EQ(machine.files.text(test::kLogFile),
+            "2024-03-05 14:07:09:042+0100 (4242) [WARN] before\n"
+            "2024-03-05 14:07:09:042+0100 (4242) [WARN] next\n");
+  EXPECT_EQ(machine.console().front(),
+            std::string("2024-03-05 14:07:09:042+0100 (4242) [WARN] before\0after", 55));
+}
+
 TEST(KarnoLogLine, TakesTheMessageAsItStands) {
   FakePlatform machine;
 
