@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
 
 #include "../support/scoped_environment.h"
 #include "../support/temporary_folder.h"
@@ -145,6 +146,42 @@ TEST_F(LinuxFileManagerTest, TellsThatThereIsNoPlaceForATrash) {
 
   EXPECT_EQ(manager_.trashItem(folder_ / "A.app"), Error::posix(ENOTDIR));
   EXPECT_EQ(contentOf(folder_ / "A.app/file"), "text");
+}
+
+// An item on another file system than the Trash, which it can only be copied to.
+class LinuxFileManagerAcrossDisks : public LinuxFileManagerTest {
+ protected:
+  const fs::path other_ = fs::path("/dev/shm") / fs::path(folder_.path()).filename();
+  const fs::path item_ = other_ / "A.app";
+
+  LinuxFileManagerAcrossDisks() { fs::create_directories(item_ / "Contents"); }
+  ~LinuxFileManagerAcrossDisks() override { fs::remove_all(other_); }
+
+  void write(const fs::path& path, const std::string& text) const { std::ofstream(path) << text; }
+};
+
+TEST_F(LinuxFileManagerAcrossDisks, MovesToTheTrash) {
+  write(item_ / "Contents/file", "text");
+  fs::create_symlink("file", item_ / "Contents/link");
+
+  const auto error = manager_.trashItem(item_);
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_FALSE(fs::exists(item_));
+  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A.app/Contents/file"), "text");
+  EXPECT_EQ(fs::read_symlink(folder_ / "home/.Trash/A.app/Contents/link"), "file");
+}
+
+TEST_F(LinuxFileManagerAcrossDisks, LeavesWhatItCannotCopyWhereItIs) {
+  write(item_ / "Contents/file", "text");
+  ASSERT_EQ(::mkfifo((item_ / "Contents/pipe").c_str(), 0600), 0);
+
+  const auto error = manager_.trashItem(item_);
+
+  EXPECT_EQ(error, Error::posix(ENOTSUP));
+  EXPECT_EQ(contentOf(item_ / "Contents/file"), "text");
+  EXPECT_TRUE(fs::exists(item_ / "Contents/pipe"));
+  EXPECT_TRUE(fs::is_empty(folder_ / "home/.Trash"));
 }
 
 }  // namespace
