@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +22,10 @@ class FakeConsoleLog final : public platform::ConsoleLog {
   void log(std::string_view line) override {
     scheduler_.countAction();
     entries_.push_back({std::string(line), scheduler_.currentThreadName()});
+    if (whenLogged) whenLogged();
   }
+
+  std::function<void()> whenLogged;  // before log() returns
 
   const std::vector<Entry>& entries() const { return entries_; }
 

@@ -42,6 +42,21 @@ TEST(KarnoLogLine, GoesToTheConsoleInTheSameForm) {
               ElementsAre("2024-03-05 14:07:09:042+0100 (4242) [*** ERROR ***] Startup[RESTART] Failed"));
 }
 
+TEST(KarnoLogLine, GoesToTheConsoleBeforeItIsQueued) {
+  FakePlatform machine;
+  std::vector<Line> inFileThen = {Line("", "not asked")};
+  machine.consoleLog.whenLogged = [&] {
+    machine.runFor(1);
+    inFileThen = machine.log();
+  };
+
+  KarnoLog::manager().logInfo("hello");
+  machine.runFor(1);
+
+  EXPECT_THAT(inFileThen, IsEmpty());
+  EXPECT_THAT(machine.log(), ElementsAre(Line("INFO", "hello")));
+}
+
 TEST(KarnoLogLine, EndsWithOneNewlineInTheFile) {
   FakePlatform machine;
 

@@ -85,6 +85,11 @@ TEST(ContainsString, IsLiteralAndMindsCase) {
   EXPECT_FALSE(u_containsString("Karno", "Karno.app"));
 }
 
+TEST(ContainsString, FindsNoEmptyText) {
+  EXPECT_FALSE(u_containsString("Karno", ""));
+  EXPECT_FALSE(u_containsString("", ""));
+}
+
 TEST(ContainsString, FindsTheTextInItself) { EXPECT_TRUE(u_containsString("é", "é")); }
 
 struct Prefix {
