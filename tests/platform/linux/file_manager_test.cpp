@@ -96,6 +96,16 @@ TEST_F(LinuxFileManagerTest, CopiesOverNothing) {
   EXPECT_EQ(contentOf(folder_ / "B.app/file"), "old");
 }
 
+TEST_F(LinuxFileManagerTest, CopiesOverNoLinkThatLeadsNowhere) {
+  folder_.write("A.app/file", "new");
+  fs::create_symlink("nowhere", folder_ / "B.app");
+
+  const auto error = manager_.copyItem(folder_ / "A.app", folder_ / "B.app");
+
+  EXPECT_EQ(error, Error::posix(EEXIST));
+  EXPECT_EQ(fs::read_symlink(folder_ / "B.app"), "nowhere");
+}
+
 TEST_F(LinuxFileManagerTest, TellsWhyItCannotCopy) {
   folder_.write("A.app/file", "text");
   ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);

@@ -202,6 +202,12 @@ TEST(IsEqualToCaseInsensitive, ComparesAllOfUnicodeByCase) {
   EXPECT_FALSE(u_isEqualToCaseInsensitive("karno", "karno "));
 }
 
+TEST(TrimmingWhitespace, KnowsThatOfAllOfUnicode) {
+  EXPECT_EQ(trimmingWhitespaceAndNewlines("\u2003\u00A0 a\u3000b\u2028\u205F\r\n"), "a\u3000b");
+  EXPECT_EQ(trimmingWhitespaceAndNewlines("\u1680\u2029\u202F\u2000\u200A\u0085\t"), "");
+  EXPECT_EQ(trimmingWhitespaceAndNewlines("ä\x1F"), "ä\x1F");
+}
+
 TEST(StringForInteger, IsItsDecimalText) {
   EXPECT_EQ(u_stringForInteger(0), "0");
   EXPECT_EQ(u_stringForInteger(-42), "-42");
