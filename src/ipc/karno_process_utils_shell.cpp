@@ -18,6 +18,8 @@ std::string shellLineFor(const std::string& command) {
   return fmt::format("/bin/sh --noprofile -c \"{}\"", escaped);
 }
 
+// On a Mac as well, whose own 8-bit encoding depends on the user's language: what is read of commands is
+// ASCII, which is the same in all of them.
 std::string textOfLatin1(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size());

@@ -90,7 +90,8 @@ void KarnoLog::write(std::string_view line) {
   if (!stream) return;
   if (!checkLogs()) return;
   if (stream != filePointer_) return;
-  stream->writeLine(line);
+  // As a C string, which ends at a zero byte: a message may hold what another process sent.
+  stream->writeLine(line.substr(0, line.find('\0')));
   stream->flush();
 }
 

@@ -35,7 +35,8 @@ class KarnoLog {
   void logError(std::string_view message);
   void logNet(std::string_view message);
 
-  // The common path, without any filtering. A message that holds newlines makes several lines.
+  // The common path, without any filtering. A message that holds newlines makes several lines; in the file,
+  // one that holds a zero byte ends there.
   void logMessage(std::string_view message, std::string_view level);
 
   // Waits until the queue is empty, at most five seconds, then calls the completion (which may be empty) on

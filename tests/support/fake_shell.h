@@ -37,6 +37,7 @@ class FakeShell final : public platform::Shell {
   std::map<std::string, bool> closeFailures;   // by shell line
   std::vector<Opened> opened;
   std::vector<std::string> closed;
+  std::vector<std::string> closedUnread;  // those of them that still had something to print
 
  private:
   class Pipe final : public platform::ShellPipe {
@@ -57,6 +58,7 @@ class FakeShell final : public platform::Shell {
 
     bool close() override {
       shell_.closed.push_back(line_);
+      if (read_ != output_.size()) shell_.closedUnread.push_back(line_);
       return !shell_.closeFailures[line_];
     }
 

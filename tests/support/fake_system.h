@@ -58,7 +58,7 @@ class FakeWorkspace final : public platform::Workspace {
     asked.push_back({bundleIdentifier, scheduler_.secondsSinceStart()});
     std::vector<platform::RunningApplication> found;
     for (const auto& application : running) {
-      if (application.bundleIdentifier == bundleIdentifier) found.push_back(application);
+      if (!filters || application.bundleIdentifier == bundleIdentifier) found.push_back(application);
     }
     return found;
   }
@@ -73,6 +73,7 @@ class FakeWorkspace final : public platform::Workspace {
   };
   std::vector<Asked> asked;  // every question after running applications
   std::vector<platform::RunningApplication> running;
+  bool filters = true;  // false: every question is answered with all that run
   std::vector<std::pair<std::string, std::string>> selected;  // path and root folder
 
  private:

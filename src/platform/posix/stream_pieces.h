@@ -5,8 +5,8 @@
 
 namespace karno::platform {
 
-// The next piece of a shell's output, in the form that ShellPipe::readPiece() promises: one fgets() into 4096
-// bytes, as a C string.
+// The next piece of a shell's output, in the form that ShellPipe::readPiece() promises: what one fgets() into
+// 4096 bytes gives, as a C string. A signal that interrupts the wait loses nothing.
 std::optional<std::string> readPiece(std::FILE* stream);
 
 }  // namespace karno::platform

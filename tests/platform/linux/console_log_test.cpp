@@ -30,6 +30,19 @@ TEST(StandardErrorLog, WritesOneLine) {
   EXPECT_EQ(console.text(), "Grüße\n\n");
 }
 
+TEST(StandardErrorLog, WritesLongLinesWhole) {
+  const StandardErrorCapture console;
+  StandardErrorLog log;
+  std::string expected;
+
+  for (const std::size_t length : {1022U, 1023U, 1024U, 1025U, 20'000U}) {
+    log.log(std::string(length, 'x'));
+    expected += std::string(length, 'x') + "\n";
+  }
+
+  EXPECT_EQ(console.text(), expected);
+}
+
 TEST(StandardErrorLog, DoesNotMixTheLinesOfSeveralThreads) {
   const StandardErrorCapture console;
   StandardErrorLog log;

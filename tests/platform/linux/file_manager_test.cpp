@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
 
 #include "../support/scoped_environment.h"
 #include "../support/temporary_folder.h"
@@ -95,6 +96,16 @@ TEST_F(LinuxFileManagerTest, CopiesOverNothing) {
   EXPECT_EQ(contentOf(folder_ / "B.app/file"), "old");
 }
 
+TEST_F(LinuxFileManagerTest, CopiesOverNoLinkThatLeadsNowhere) {
+  folder_.write("A.app/file", "new");
+  fs::create_symlink("nowhere", folder_ / "B.app");
+
+  const auto error = manager_.copyItem(folder_ / "A.app", folder_ / "B.app");
+
+  EXPECT_EQ(error, Error::posix(EEXIST));
+  EXPECT_EQ(fs::read_symlink(folder_ / "B.app"), "nowhere");
+}
+
 TEST_F(LinuxFileManagerTest, TellsWhyItCannotCopy) {
   folder_.write("A.app/file", "text");
   ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
@@ -145,6 +156,42 @@ TEST_F(LinuxFileManagerTest, TellsThatThereIsNoPlaceForATrash) {
 
   EXPECT_EQ(manager_.trashItem(folder_ / "A.app"), Error::posix(ENOTDIR));
   EXPECT_EQ(contentOf(folder_ / "A.app/file"), "text");
+}
+
+// An item on another file system than the Trash, which it can only be copied to.
+class LinuxFileManagerAcrossDisks : public LinuxFileManagerTest {
+ protected:
+  const fs::path other_ = fs::path("/dev/shm") / fs::path(folder_.path()).filename();
+  const fs::path item_ = other_ / "A.app";
+
+  LinuxFileManagerAcrossDisks() { fs::create_directories(item_ / "Contents"); }
+  ~LinuxFileManagerAcrossDisks() override { fs::remove_all(other_); }
+
+  void write(const fs::path& path, const std::string& text) const { std::ofstream(path) << text; }
+};
+
+TEST_F(LinuxFileManagerAcrossDisks, MovesToTheTrash) {
+  write(item_ / "Contents/file", "text");
+  fs::create_symlink("file", item_ / "Contents/link");
+
+  const auto error = manager_.trashItem(item_);
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_FALSE(fs::exists(item_));
+  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A.app/Contents/file"), "text");
+  EXPECT_EQ(fs::read_symlink(folder_ / "home/.Trash/A.app/Contents/link"), "file");
+}
+
+TEST_F(LinuxFileManagerAcrossDisks, LeavesWhatItCannotCopyWhereItIs) {
+  write(item_ / "Contents/file", "text");
+  ASSERT_EQ(::mkfifo((item_ / "Contents/pipe").c_str(), 0600), 0);
+
+  const auto error = manager_.trashItem(item_);
+
+  EXPECT_EQ(error, Error::posix(ENOTSUP));
+  EXPECT_EQ(contentOf(item_ / "Contents/file"), "text");
+  EXPECT_TRUE(fs::exists(item_ / "Contents/pipe"));
+  EXPECT_TRUE(fs::is_empty(folder_ / "home/.Trash"));
 }
 
 }  // namespace

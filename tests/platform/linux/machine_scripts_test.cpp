@@ -165,6 +165,18 @@ TEST_F(MachineScripts, AreToldThatTheUserCancelled) {
   EXPECT_EQ(authorisations.create()->copyRight("system.privilege.admin", kMayAsk), RightAnswer::Cancelled);
 }
 
+// Without a rule that keeps the first answer, each command asks once more.
+TEST_F(MachineScripts, AreToldThatTheUserCancelledTheQuestionForACommand) {
+  layOutMachine({"--administrator", "cancels"});
+  PkexecAuthorisations authorisations(commands_);
+
+  const auto end = authorisations.create()->executeWithPrivileges(
+      {.executablePath = "/bin/rm", .arguments = {"-rf", "x"}});
+
+  ASSERT_FALSE(end);
+  EXPECT_EQ(end.error(), Error::posix(EPERM));
+}
+
 TEST_F(MachineScripts, AreToldThatTheUserMayNot) {
   layOutMachine({"--administrator", "refuses"});
   PkexecAuthorisations authorisations(commands_);

@@ -51,6 +51,19 @@ TEST_F(LinuxMountsTest, TakeTheMachineRootForTheRootFileSystem) {
   EXPECT_TRUE(information->isRootFileSystem);
 }
 
+// A machine root on a disk of its own, such as a home folder often has.
+TEST_F(LinuxMountsTest, TakeTheDiskOfTheMachineRootForTheRootFileSystem) {
+  const ScopedEnvironment root("KARNO_MACHINE_ROOT", "/dev/shm");
+
+  const auto onThatDisk = mounts_.informationOf("/dev/shm");
+  const auto onAnother = mounts_.informationOf("/proc");
+
+  ASSERT_TRUE(onThatDisk);
+  EXPECT_TRUE(onThatDisk->isRootFileSystem);
+  ASSERT_TRUE(onAnother);
+  EXPECT_FALSE(onAnother->isRootFileSystem);
+}
+
 TEST_F(LinuxMountsTest, KnowTheDiskImagesOfTheMachine) {
   folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Karno")));
 

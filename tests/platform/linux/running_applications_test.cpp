@@ -215,5 +215,15 @@ TEST(RunningApplications, AreKnownByTheirBundles) {
   EXPECT_THAT(during, testing::Contains(folder / "Karno.app"));
 }
 
+TEST(RunningApplications, AreKnownByTheirBundlesOnlyWhileTheirExecutableIsThere) {
+  const TemporaryFolder folder;
+  const std::string executable = makeSleepingBundle(folder, "Karno", "test.vantul.DeletedBundle");
+  const SleepingProcess process(executable);
+
+  std::filesystem::remove(executable);
+
+  EXPECT_THAT(bundlesOfRunningApplications(), testing::Not(testing::Contains(folder / "Karno.app")));
+}
+
 }  // namespace
 }  // namespace karno::platform::cocoa

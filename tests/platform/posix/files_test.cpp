@@ -10,10 +10,12 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "../support/scoped_environment.h"
 #include "../support/temporary_folder.h"
+#include "platform/posix/folder_walk.h"
 #include "platform/posix/whole_file.h"
 
 namespace karno::platform {
@@ -279,6 +281,16 @@ TEST(PosixFiles, DoesNotEnterAFolderThatTheVisitorDeclines) {
   EXPECT_THAT(seen, ElementsAre("closed"));
 }
 
+TEST(PosixFiles, DoesNotWalkDownWithoutEnd) {
+  const TemporaryFolder folder;
+  std::filesystem::path deep = folder.path();
+  for (int i = 0; i < kFolderDepthMax + 10; ++i) deep /= "d";
+  std::filesystem::create_directories(deep);
+  const PosixFiles files;
+
+  EXPECT_THAT(pathsIn(files, folder.path()), testing::SizeIs(kFolderDepthMax));
+}
+
 TEST(PosixFiles, WalksOverNamesThatAreNoUTF8) {
   const TemporaryFolder folder;
   folder.write(kNameThatIsNoUTF8, "");
@@ -310,6 +322,25 @@ TEST(PosixFiles, TellsWhenAFileWasCreatedWhateverItsOtherTimesSay) {
 
   ASSERT_TRUE(created);
   EXPECT_LT(std::chrono::abs(std::chrono::system_clock::now() - *created), std::chrono::minutes(1));
+}
+
+TEST(PosixFiles, DoesNotTakeALaterChangeOfAFileForItsCreation) {
+  const TemporaryFolder folder;
+  const std::string path = folder.write("file", "");
+  const PosixFiles files;
+  std::vector<std::optional<Date>> created;
+  const auto note = [&](const DirectoryEntry& entry) {
+    created.push_back(entry.creationDate);
+    return true;
+  };
+
+  files.enumerate(folder.path(), note);
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  ::chmod(path.c_str(), 0600);
+  files.enumerate(folder.path(), note);
+
+  ASSERT_EQ(created.size(), 2U);
+  EXPECT_EQ(created[0], created[1]);
 }
 
 TEST(PosixFiles, AppendsLinesToWhatIsThere) {

@@ -205,5 +205,14 @@ TEST(RunningApplication, IsFoundByItsExactIdentifier) {
   EXPECT_FALSE(KarnoProcessUtils::isApplicationRunningWithBundleID("it.vantul"));
 }
 
+TEST(RunningApplication, IsComparedOnceMoreWithWhatTheSystemFound) {
+  FakePlatform machine;
+  machine.workspace.filters = false;
+  machine.workspace.running = {{.processIdentifier = 7, .bundleIdentifier = "it.vantul.karno"},
+                               {.processIdentifier = 8, .bundleIdentifier = std::nullopt}};
+
+  EXPECT_FALSE(KarnoProcessUtils::isApplicationRunningWithBundleID(kIdentifier));
+}
+
 }  // namespace
 }  // namespace karno

@@ -104,6 +104,17 @@ TEST(ExecuteCommand, LeavesTheListEmptyWhenNothingIsPrinted) {
   EXPECT_EQ(error, std::nullopt);
 }
 
+// A command whose output nobody reads would be stopped by it.
+TEST(ExecuteCommand, ReadsWhatNobodyWantsToItsEnd) {
+  FakePlatform machine;
+  machine.shell.outputs[kUnameLine] = "one\ntwo\n";
+
+  EXPECT_TRUE(KarnoProcessUtils::executeCommand("uname -m", nullptr, true, nullptr));
+
+  EXPECT_THAT(machine.shell.closed, ElementsAre(kUnameLine));
+  EXPECT_THAT(machine.shell.closedUnread, IsEmpty());
+}
+
 TEST(ExecuteCommand, TellsWhenThePipeCannotBeOpened) {
   FakePlatform machine;
   machine.shell.openFailures[R"(/bin/sh --noprofile -c "echo \"x\"")"] = EMFILE;

@@ -42,6 +42,21 @@ TEST(KarnoLogLine, GoesToTheConsoleInTheSameForm) {
               ElementsAre("2024-03-05 14:07:09:042+0100 (4242) [*** ERROR ***] Startup[RESTART] Failed"));
 }
 
+TEST(KarnoLogLine, GoesToTheConsoleBeforeItIsQueued) {
+  FakePlatform machine;
+  std::vector<Line> inFileThen = {Line("", "not asked")};
+  machine.consoleLog.whenLogged = [&](std::string_view) {
+    machine.runFor(1);
+    inFileThen = machine.log();
+  };
+
+  KarnoLog::manager().logInfo("hello");
+  machine.runFor(1);
+
+  EXPECT_THAT(inFileThen, IsEmpty());
+  EXPECT_THAT(machine.log(), ElementsAre(Line("INFO", "hello")));
+}
+
 TEST(KarnoLogLine, EndsWithOneNewlineInTheFile) {
   FakePlatform machine;
 
@@ -62,6 +77,21 @@ TEST(KarnoLogLine, KeepsNewlinesOfTheMessage) {
 
   EXPECT_EQ(machine.files.text(test::kLogFile),
             "2024-03-05 14:07:09:042+0100 (4242) [WARN] Object=(\n    1\n)\n");
+}
+
+// What the file has is the C string of the line.
+TEST(KarnoLogLine, EndsInTheFileAtAZeroByte) {
+  FakePlatform machine;
+
+  KarnoLog::manager().logWarn(std::string("before\0after", 12));
+  KarnoLog::manager().logWarn("next");
+  machine.runFor(1);
+
+  EXPECT_EQ(machine.files.text(test::kLogFile),
+            "2024-03-05 14:07:09:042+0100 (4242) [WARN] before\n"
+            "2024-03-05 14:07:09:042+0100 (4242) [WARN] next\n");
+  EXPECT_EQ(machine.console().front(),
+            std::string("2024-03-05 14:07:09:042+0100 (4242) [WARN] before\0after", 55));
 }
 
 TEST(KarnoLogLine, TakesTheMessageAsItStands) {

@@ -70,6 +70,17 @@ TEST(Move, IsNothingToDoInAnApplicationsFolder) {
   EXPECT_THAT(machine.commands.started, IsEmpty());
 }
 
+TEST(Move, LooksForADiskImageBeforeItLooksAtTheFolder) {
+  MovingMachine machine("/Volumes/Applications/Karno.app");
+  machine.withDiskImageAt("/Volumes/Applications", "/dev/disk4s1");
+
+  const auto error = moveApplicationToApplicationsFolder(false);
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_THAT(machine.commands.ran, ElementsAre(test::kHdiutilLine));
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+}
+
 // The default keeps the question from being needed; the routine itself does not ask for it.
 TEST(Move, DoesNotLookAtTheSuppressionDefault) {
   MovingMachine machine;

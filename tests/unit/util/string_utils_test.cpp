@@ -85,6 +85,11 @@ TEST(ContainsString, IsLiteralAndMindsCase) {
   EXPECT_FALSE(u_containsString("Karno", "Karno.app"));
 }
 
+TEST(ContainsString, FindsNoEmptyText) {
+  EXPECT_FALSE(u_containsString("Karno", ""));
+  EXPECT_FALSE(u_containsString("", ""));
+}
+
 TEST(ContainsString, FindsTheTextInItself) { EXPECT_TRUE(u_containsString("é", "é")); }
 
 struct Prefix {
@@ -195,6 +200,12 @@ TEST(IsEqualToCaseInsensitive, ComparesAllOfUnicodeByCase) {
   EXPECT_TRUE(u_isEqualToCaseInsensitive("", ""));
   EXPECT_FALSE(u_isEqualToCaseInsensitive("a", "ä"));
   EXPECT_FALSE(u_isEqualToCaseInsensitive("karno", "karno "));
+}
+
+TEST(TrimmingWhitespace, KnowsThatOfAllOfUnicode) {
+  EXPECT_EQ(trimmingWhitespaceAndNewlines("\u2003\u00A0 a\u3000b\u2028\u205F\r\n"), "a\u3000b");
+  EXPECT_EQ(trimmingWhitespaceAndNewlines("\u1680\u2029\u202F\u2000\u200A\u0085\t"), "");
+  EXPECT_EQ(trimmingWhitespaceAndNewlines("ä\x1F"), "ä\x1F");
 }
 
 TEST(StringForInteger, IsItsDecimalText) {
