@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <limits>
+
 #include "linux_updater_fixture.h"
 #include "printing.h"
 
@@ -113,6 +115,18 @@ TEST_F(ScheduledCheck, IsNeverMadeMoreOftenThanOnceAnHour) {
   EXPECT_THAT(machine.network.requests, SizeIs(3));
 }
 
+// A property list may hold such a number.
+TEST_F(ScheduledCheck, IsMadeOnceADayWhereItsIntervalIsNoNumber) {
+  machine.network.bodies[kFeed] = feedOf("");
+  settings.setObject(true, "SUEnableAutomaticChecks");
+  settings.setObject(std::numeric_limits<double>::quiet_NaN(), "SUScheduledCheckInterval");
+
+  updater.startUpdater();
+  machine.runFor(3 * kDay - 3600);
+
+  EXPECT_THAT(machine.network.requests, SizeIs(3));
+}
+
 TEST_F(ScheduledCheck, IsNotKeptWaitingByALastOneInTheFuture) {
   settings.setObject(machine.clock.now() + std::chrono::hours(24 * 365), "SULastCheckTime");
   settings.setObject(true, "SUEnableAutomaticChecks");
@@ -191,6 +205,20 @@ TEST_F(Permission, ThatIsGivenBeginsTheChecks) {
 
   EXPECT_EQ(standard("SUEnableAutomaticChecks"), Value(true));
   EXPECT_THAT(machine.network.requests, SizeIs(1));
+}
+
+// The administrator's policy comes while the question is on the screen.
+TEST_F(Permission, ThatIsGivenChangesNothingThatWasDecidedMeanwhile) {
+  machine.bundles.main().info.erase("SUEnableAutomaticChecks");
+  settings.setObject(true, "SUHasLaunchedBefore");
+  machine.alerts.answerNext(kAlertFirstButtonReturn,
+                            [this] { updater.setAutomaticallyChecksForUpdates(false); });
+
+  updater.startUpdater();
+  machine.runFor(10);
+
+  EXPECT_EQ(standard("SUEnableAutomaticChecks"), Value(false));
+  EXPECT_THAT(machine.network.requests, IsEmpty());
 }
 
 TEST_F(Permission, MakesASessionWhileItIsAsked) {
