@@ -46,6 +46,18 @@ TEST_F(RequestedUpdate, HandsTheFeedsWordsToTheInstaller) {
   EXPECT_EQ(downloads.requests[0].thread, "global(0)");
 }
 
+TEST_F(RequestedUpdate, IsNeverDownloadedBeyondFourGibibytesWhateverTheFeedSays) {
+  machine.network.bodies[kFeed] = feedOf(
+      "<item><sparkle:version>1.1</sparkle:version>"
+      "<enclosure url=\"https://files.example.org/a.zip\" length=\"9000000000000000000\"/></item>");
+
+  check();
+  answer(kUserUpdateChoiceInstall);
+
+  ASSERT_THAT(downloads.requests, SizeIs(1));
+  EXPECT_EQ(downloads.requests[0].bytesMax, 4294967296U);
+}
+
 TEST_F(RequestedUpdate, OpensTheNewVersionAndEndsWhenTheDelegateWantsThat) {
   delegate.relaunches = true;
 
