@@ -63,6 +63,30 @@ TEST_F(UpdaterSettings, AreReadAtAStartThatClearsAwayWhatWasCutOff) {
   EXPECT_THAT(folders.cleanedBeside, ElementsAre("/Applications/Karno.app"));
 }
 
+TEST_F(UpdaterSettings, ThatAreMendedLetALaterStartSucceed) {
+  machine.bundles.main().info.insert_or_assign("SUPublicEDKey", "");
+  updater.startUpdater();
+  machine.bundles.main().info.insert_or_assign("SUPublicEDKey", kKey);
+
+  const auto error = updater.startUpdater();
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_TRUE(updater.canCheckForUpdates());
+}
+
+TEST_F(UpdaterSettings, AreLeftAloneByASecondStart) {
+  machine.bundles.main().info.erase("SUEnableAutomaticChecks");
+  updater.startUpdater();
+  machine.runFor(10);
+
+  const auto error = updater.startUpdater();
+  machine.runFor(10);
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+  EXPECT_THAT(folders.cleanedBeside, SizeIs(1));
+}
+
 using ScheduledCheck = LinuxUpdaterTest;
 
 TEST_F(ScheduledCheck, IsNotMadeUnlessItIsWanted) {
@@ -102,6 +126,32 @@ TEST_F(ScheduledCheck, BeginsSoonAfterItIsSwitchedOnAndEndsWhenItIsSwitchedOff) 
 
   EXPECT_THAT(machine.network.requests, SizeIs(1));
   EXPECT_EQ(standard("SUEnableAutomaticChecks"), Value(false));
+}
+
+TEST_F(ScheduledCheck, IsNotMadeBeforeTheStart) {
+  updater.setAutomaticallyChecksForUpdates(true);
+  machine.runFor(10);
+
+  EXPECT_THAT(machine.network.requests, IsEmpty());
+}
+
+TEST_F(ScheduledCheck, WaitsForTheEndOfASession) {
+  settings.setObject(true, "SUEnableAutomaticChecks");
+  updater.startUpdater();
+  machine.runFor(3 * kDay);
+
+  EXPECT_THAT(machine.network.requests, SizeIs(1));
+  EXPECT_THAT(offers.shown, SizeIs(1));
+}
+
+TEST_F(ScheduledCheck, OfAFeedThatIsRefusedIsNotMadeMoreOftenForThat) {
+  delegate.feed = "http://updates.example.org/appcast.xml";
+  settings.setObject(true, "SUEnableAutomaticChecks");
+
+  updater.startUpdater();
+  machine.runFor(3600);
+
+  EXPECT_THAT(delegate.calls, ElementsAre("aborted 3"));
 }
 
 TEST_F(ScheduledCheck, IsNeverMadeMoreOftenThanOnceAnHour) {
