@@ -7,7 +7,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "support/install_place.h"
 
@@ -241,6 +243,25 @@ TEST(Installing, WaitsForTheProcess) {
 
   EXPECT_EQ(said(end), "installed: ");
   EXPECT_EQ(place.tree(), place.newTree());
+}
+
+// The staging folder may hold the only whole bundle by then.
+TEST(Installing, TouchesNothingWhenTheBundleGoesWhileItWaits) {
+  const InstallPlace place;
+  auto request = place.request();
+  const WaitingChild child;
+  request.after = child.processIdentifier();
+  std::thread somebody([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    fs::rename(place.bundle(), place.folder() / "elsewhere");
+    child.endSoon();
+  });
+
+  const InstallEnd end = installUpdate(request);
+  somebody.join();
+
+  EXPECT_EQ(said(end), "not: There is no bundle to be replaced.");
+  EXPECT_TRUE(fs::exists(place.newBundle()));
 }
 
 TEST(Installing, GivesUpWhenTheProcessStays) {

@@ -99,6 +99,8 @@ TEST(SignedArchive, OfAnotherLengthIsRefusedBeforeItsSignature) {
   place.request.lengthInBytes = 6;
 
   EXPECT_EQ(place.unpack(), "2001 The archive has 5 bytes instead of 6.");
+  place.request.lengthInBytes = 4;
+  EXPECT_EQ(place.unpack(), "2001 The archive has 5 bytes instead of 4.");
 }
 
 TEST(SignedArchive, IsUnpackedWithoutALengthAsWell) {

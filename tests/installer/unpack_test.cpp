@@ -162,6 +162,13 @@ TEST(Unpacking, TakesAnotherNameOfTheBundle) {
   EXPECT_EQ(place.unpack(items), "ready Karno 2.app");
 }
 
+TEST(Unpacking, TakesAsManyEntriesAsItsLimitSays) {
+  UpdatePlace place;
+  place.request.limits.entriesMax = bundleItems().size();
+
+  EXPECT_EQ(place.unpack(bundleItems()), "ready Karno.app");
+}
+
 TEST(Unpacking, LeavesAFolderAloneThatIsNotEmpty) {
   UpdatePlace place;
   place.folder().write(".karno-update-test/mine", "mine");
@@ -174,8 +181,10 @@ TEST(Unpacking, LeavesAFolderAloneThatIsNotEmpty) {
 
 TEST(Unpacking, NeedsAFolderThatNobodyElseMayEnter) {
   UpdatePlace place;
-  ::chmod(place.into().c_str(), 0755);
 
+  ::chmod(place.into().c_str(), 0710);
+  EXPECT_EQ(place.unpack(bundleItems()), "3000 The folder to unpack into is open to others.");
+  ::chmod(place.into().c_str(), 0701);
   EXPECT_EQ(place.unpack(bundleItems()), "3000 The folder to unpack into is open to others.");
 }
 

@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -9,6 +9,7 @@ namespace karno::appcast::test {
 namespace {
 
 using karno::test::contentOf;
+using ::testing::StartsWith;
 
 // Whatever is wrong, the feed that was there stays as it was.
 class FeedRefusals : public testing::Test {
@@ -52,6 +53,29 @@ TEST_F(FeedRefusals, AFileThatIsNoArchive) {
   manager_.addFile("a.zip", "this is no archive");
 
   EXPECT_EQ(refusal(), "karno-appcast: a.zip: the archive cannot be read: Unrecognized archive format\n");
+}
+
+class CutOffArchive : public FeedRefusals, public testing::WithParamInterface<const char*> {};
+
+// It would be signed and offered, and no launcher could unpack it.
+TEST_P(CutOffArchive, IsNotOfferedThoughItsPropertyListCanBeRead) {
+  manager_.addArchive(GetParam(), {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0")},
+                                   {"Karno.app/Contents/Resources/data", noise(300'000)}});
+  manager_.cutOff(GetParam(), 150'000);
+
+  EXPECT_THAT(refusal(),
+              StartsWith(std::string("karno-appcast: ") + GetParam() + ": the archive cannot be read: "));
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, CutOffArchive,
+                         testing::Values("a.zip", "a.tar", "a.tar.gz", "a.tar.xz", "a.tar.bz2", "a.tar.zst"));
+
+TEST_F(FeedRefusals, AnApplicationWhoseNameNoFeedCanCarry) {
+  manager_.addArchive("a.tar",
+                      {{"K\xff.app/Contents/Info.plist",
+                        "<plist><dict><key>CFBundleVersion</key><string>7</string></dict></plist>"}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar: the name of its application is no plain text\n");
 }
 
 TEST_F(FeedRefusals, ABundleWithABrokenPropertyList) {

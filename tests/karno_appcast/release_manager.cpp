@@ -5,10 +5,12 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 
@@ -87,6 +89,10 @@ void ReleaseManager::addFile(const std::string& name, const std::string& content
   setDate(name);
 }
 
+void ReleaseManager::cutOff(const std::string& name, std::uintmax_t bytes) const {
+  std::filesystem::resize_file(inFolder(name), bytes);
+}
+
 void ReleaseManager::setDate(const std::string& name, long secondsSince1970) const {
   const std::array<timespec, 2> times{timespec{secondsSince1970, 0}, timespec{secondsSince1970, 0}};
   require(::utimensat(AT_FDCWD, inFolder(name).c_str(), times.data(), 0) == 0, "the date of " + name);
@@ -107,6 +113,13 @@ std::string ReleaseManager::signatureOf(const std::string& name) {
 
 std::string ReleaseManager::lengthOf(const std::string& name) const {
   return std::to_string(std::filesystem::file_size(inFolder(name)));
+}
+
+std::string noise(std::size_t bytes) {
+  std::mt19937 source(1);
+  std::string text(bytes, '\0');
+  std::generate(text.begin(), text.end(), [&source] { return static_cast<char>(source() & 0xFFU); });
+  return text;
 }
 
 std::string infoPlist(const std::string& version, const std::string& shortVersion,

@@ -1,4 +1,6 @@
 #pragma once
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,6 +37,9 @@ class ReleaseManager {
   void addRelease(const std::string& name, const std::string& version, const std::string& shortVersion) const;
   void addFile(const std::string& name, const std::string& content) const;
 
+  // Leaves so many bytes of a file of the folder.
+  void cutOff(const std::string& name, std::uintmax_t bytes) const;
+
   // Every file of the folder has this date unless another is set: Tue, 14 Nov 2023 22:13:20 UTC.
   void setDate(const std::string& name, long secondsSince1970 = 1'700'000'000) const;
 
@@ -55,5 +60,8 @@ class ReleaseManager {
 // The Info.plist of a bundle.
 std::string infoPlist(const std::string& version, const std::string& shortVersion,
                       const std::string& minimumSystem = "10.14.6");
+
+// Bytes that no archiver makes smaller, always the same.
+std::string noise(std::size_t bytes);
 
 }  // namespace karno::appcast::test

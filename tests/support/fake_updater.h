@@ -1,4 +1,5 @@
 #pragma once
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,6 +30,8 @@ class FakeUpdater final : public platform::Updaters {
   std::vector<bool> automaticChecks;
   std::vector<std::string> calls;  // what was asked for on the main thread, in its order
 
+  std::function<void()> whenChecking;  // runs inside every requested check
+
   bool inSession = false;
   bool canCheck = true;
   std::optional<platform::Error> startError;
@@ -47,6 +50,7 @@ class FakeUpdater final : public platform::Updaters {
     void checkForUpdates() override {
       owner_.note("checkForUpdates");
       ++owner_.checks;
+      if (owner_.whenChecking) owner_.whenChecking();
     }
     void setAutomaticallyChecksForUpdates(bool automatically) override {
       owner_.automaticChecks.push_back(automatically);

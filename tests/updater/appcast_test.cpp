@@ -110,6 +110,26 @@ TEST(Appcast, KnowsItemsThatAreOnlyToBeRead) {
   EXPECT_TRUE(items[1].isInformationOnly);
 }
 
+// Whoever writes to the feed may not have anything else opened on the user's machine.
+TEST(Appcast, SendsNobodyToWhatIsNoPageOfTheWeb) {
+  const auto items = itemsOf(R"(<item><sparkle:version>7</sparkle:version><link>file:///a/b.app</link></item>
+    <item><sparkle:version>8</sparkle:version><link>karno:quit</link><enclosure url="https://a/b"/></item>
+    <item><sparkle:version>9</sparkle:version><link>HTTP://a/</link></item>)");
+
+  ASSERT_THAT(items, SizeIs(2));
+  EXPECT_EQ(items[0].version, "8");
+  EXPECT_EQ(items[0].informationURL, "");
+  EXPECT_EQ(items[1].informationURL, "HTTP://a/");
+}
+
+TEST(Appcast, ReadsNotesInSeveralPiecesToTheirEnd) {
+  const auto items = itemsOf(R"(<item><sparkle:version>7</sparkle:version><enclosure url="https://a/b"/>
+    <description><![CDATA[An array]]]]><![CDATA[> and more.]]> &amp; more<!-- here --> still.</description></item>)");
+
+  ASSERT_THAT(items, SizeIs(1));
+  EXPECT_EQ(items[0].notes, "An array]]> and more. & more still.");
+}
+
 TEST(Appcast, KnowsPlainNotes) {
   const auto items = itemsOf(R"(<item><sparkle:version>7</sparkle:version><enclosure url="https://a/b"/>
     <description sparkle:format="plain-text">1 &lt; 2</description></item>)");

@@ -11,10 +11,10 @@ namespace {
 constexpr int kSteps = 10;
 
 // Answers whether nobody stopped it.
-bool work(FakePlatform& machine, const platform::updates::Progress& progress) {
+bool work(FakePlatform& machine, const platform::updates::Progress& progress, std::uint64_t total = kSteps) {
   for (int step = 1; step <= kSteps; ++step) {
     machine.dispatch.sleep(1);
-    if (!progress(static_cast<std::uint64_t>(step), kSteps)) return false;
+    if (!progress(static_cast<std::uint64_t>(step), total)) return false;
   }
   return true;
 }
@@ -27,7 +27,7 @@ std::optional<Error> FakeDownloads::download(const std::string& url, const std::
                                              std::uint64_t bytesMax,
                                              const platform::updates::Progress& progress) {
   requests.push_back({url, path, bytesMax, machine_.scheduler.currentThreadName()});
-  if (!work(machine_, progress)) return kStopped;
+  if (!work(machine_, progress, total)) return kStopped;
   if (failure) return failure;
   machine_.files.addFile(path, "archive");
   return std::nullopt;
@@ -38,6 +38,7 @@ Result<std::string> FakeInstaller::unpack(const platform::updates::UnpackRequest
   requests.push_back(request);
   if (!work(machine_, progress)) return kStopped;
   if (failure) return *failure;
+  if (whenDone) whenDone();
   return request.folder + "/Karno.app";
 }
 

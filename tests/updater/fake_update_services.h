@@ -27,6 +27,7 @@ class FakeDownloads final : public platform::updates::FileDownloads {
   };
   std::vector<Request> requests;
   std::optional<platform::Error> failure;
+  std::uint64_t total = 10;  // that the progress tells; 0 when the server does not
 
  private:
   FakePlatform& machine_;
@@ -45,6 +46,7 @@ class FakeInstaller final : public platform::updates::UpdateInstaller {
   std::optional<platform::Error> failure;
   std::optional<platform::Error> installFailure;
   std::vector<std::string> installations;  // "NEW for OLD", with " and relaunch"
+  std::function<void()> whenDone;          // runs when all is unpacked, before anybody is told
 
  private:
   FakePlatform& machine_;

@@ -61,6 +61,8 @@ TEST_F(ItemChoice, IsTheNewestThatThisSystemCanRun) {
 
   EXPECT_EQ(choose({newer, older}), "2");
   EXPECT_EQ(choose({newer}), none(NothingToOffer::SystemTooOld));
+  newer.minimumSystemVersion = "99999999999";
+  EXPECT_EQ(choose({newer}), none(NothingToOffer::SystemTooOld));
 }
 
 TEST_F(ItemChoice, MayEndWithASystem) {

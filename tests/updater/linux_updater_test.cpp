@@ -46,6 +46,18 @@ TEST_F(RequestedUpdate, HandsTheFeedsWordsToTheInstaller) {
   EXPECT_EQ(downloads.requests[0].thread, "global(0)");
 }
 
+TEST_F(RequestedUpdate, IsNeverDownloadedBeyondFourGibibytesWhateverTheFeedSays) {
+  machine.network.bodies[kFeed] = feedOf(
+      "<item><sparkle:version>1.1</sparkle:version>"
+      "<enclosure url=\"https://files.example.org/a.zip\" length=\"9000000000000000000\"/></item>");
+
+  check();
+  answer(kUserUpdateChoiceInstall);
+
+  ASSERT_THAT(downloads.requests, SizeIs(1));
+  EXPECT_EQ(downloads.requests[0].bytesMax, 4294967296U);
+}
+
 TEST_F(RequestedUpdate, OpensTheNewVersionAndEndsWhenTheDelegateWantsThat) {
   delegate.relaunches = true;
 
@@ -94,6 +106,17 @@ TEST_F(RequestedUpdate, OffersWithTheNotesAndThreeAnswers) {
   EXPECT_EQ(offers.shown[0].later, "Later");
   EXPECT_EQ(offers.shown[0].skip, "Skip");
   EXPECT_EQ(offers.timesBroughtToFront, 1);
+}
+
+TEST_F(RequestedUpdate, OffersPlainNotesAsTheyAre) {
+  machine.network.bodies[kFeed] = feedOf(
+      "<item><sparkle:version>1.1</sparkle:version><enclosure url=\"https://files.example.org/a.zip\"/>"
+      "<description sparkle:format=\"plain-text\">1 &lt;2 &amp;amp; 3&gt; 2</description></item>");
+
+  check();
+
+  ASSERT_THAT(offers.shown, SizeIs(1));
+  EXPECT_EQ(offers.shown[0].notes, "1 <2 &amp; 3> 2");
 }
 
 TEST_F(RequestedUpdate, ThatIsCriticalCannotBeSkipped) {
@@ -159,7 +182,20 @@ TEST_F(RequestedUpdate, ThatFindsNothingTellsTheUserAfterTheSession) {
   EXPECT_THAT(delegate.calls, ElementsAre("loaded", "nothing 1001 UP_TO_DATE_EXPLANATION"));
   ASSERT_THAT(machine.alerts.shown(), SizeIs(1));
   EXPECT_EQ(machine.alerts.shown()[0].messageText, "UP_TO_DATE");
+  EXPECT_EQ(machine.application.activations(), 1);
   EXPECT_FALSE(wasInProgress);
+}
+
+TEST_F(RequestedUpdate, ThatTheSystemCannotRunIsNoneAndTheUserHearsWhy) {
+  machine.network.bodies[kFeed] =
+      feedOf(item("1.1", "<sparkle:minimumSystemVersion>15</sparkle:minimumSystemVersion>"));
+  check();
+  machine.network.bodies[kFeed] =
+      feedOf(item("1.1", "<sparkle:maximumSystemVersion>13</sparkle:maximumSystemVersion>"));
+  check();
+
+  EXPECT_THAT(delegate.calls,
+              ElementsAre("loaded", "nothing 1001 SYSTEM_TOO_OLD", "loaded", "nothing 1001 SYSTEM_TOO_NEW"));
 }
 
 TEST_F(RequestedUpdate, AskedForAgainComesToTheFrontInsteadOfASecondOne) {
@@ -205,6 +241,29 @@ TEST_F(RequestedUpdate, CancelledWhileItUnpacksLeavesNothingBehind) {
   EXPECT_EQ(delegate.calls.back(), "aborted 4007");
   EXPECT_THAT(folders.removed, SizeIs(2));
   EXPECT_THAT(installer.installations, IsEmpty());
+}
+
+TEST_F(RequestedUpdate, CancelledWhenItHasJustBeenUnpackedIsNotInstalled) {
+  installer.whenDone = [this] {
+    machine.dispatch.mainOperationQueue().async(
+        [this] { machine.windows.progress.at(2)->cancelButton.press(); });
+  };
+
+  check();
+  answer(kUserUpdateChoiceInstall);
+
+  EXPECT_EQ(delegate.calls.back(), "aborted 4007");
+  EXPECT_THAT(installer.installations, IsEmpty());
+  EXPECT_THAT(folders.removed, SizeIs(2));
+}
+
+TEST_F(RequestedUpdate, OfUnknownLengthShowsNoShareOfIt) {
+  downloads.total = 0;
+
+  check();
+  answer(kUserUpdateChoiceInstall, 5);
+
+  EXPECT_EQ(machine.windows.progress.at(1)->progressIndicator.doubleValue(), 0);
 }
 
 TEST_F(RequestedUpdate, WhoseDownloadFailsTellsTheDelegateTwiceAndTheUserOnce) {

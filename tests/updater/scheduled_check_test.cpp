@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <limits>
+
 #include "linux_updater_fixture.h"
 #include "printing.h"
 
@@ -61,6 +63,30 @@ TEST_F(UpdaterSettings, AreReadAtAStartThatClearsAwayWhatWasCutOff) {
   EXPECT_THAT(folders.cleanedBeside, ElementsAre("/Applications/Karno.app"));
 }
 
+TEST_F(UpdaterSettings, ThatAreMendedLetALaterStartSucceed) {
+  machine.bundles.main().info.insert_or_assign("SUPublicEDKey", "");
+  updater.startUpdater();
+  machine.bundles.main().info.insert_or_assign("SUPublicEDKey", kKey);
+
+  const auto error = updater.startUpdater();
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_TRUE(updater.canCheckForUpdates());
+}
+
+TEST_F(UpdaterSettings, AreLeftAloneByASecondStart) {
+  machine.bundles.main().info.erase("SUEnableAutomaticChecks");
+  updater.startUpdater();
+  machine.runFor(10);
+
+  const auto error = updater.startUpdater();
+  machine.runFor(10);
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+  EXPECT_THAT(folders.cleanedBeside, SizeIs(1));
+}
+
 using ScheduledCheck = LinuxUpdaterTest;
 
 TEST_F(ScheduledCheck, IsNotMadeUnlessItIsWanted) {
@@ -102,6 +128,32 @@ TEST_F(ScheduledCheck, BeginsSoonAfterItIsSwitchedOnAndEndsWhenItIsSwitchedOff) 
   EXPECT_EQ(standard("SUEnableAutomaticChecks"), Value(false));
 }
 
+TEST_F(ScheduledCheck, IsNotMadeBeforeTheStart) {
+  updater.setAutomaticallyChecksForUpdates(true);
+  machine.runFor(10);
+
+  EXPECT_THAT(machine.network.requests, IsEmpty());
+}
+
+TEST_F(ScheduledCheck, WaitsForTheEndOfASession) {
+  settings.setObject(true, "SUEnableAutomaticChecks");
+  updater.startUpdater();
+  machine.runFor(3 * kDay);
+
+  EXPECT_THAT(machine.network.requests, SizeIs(1));
+  EXPECT_THAT(offers.shown, SizeIs(1));
+}
+
+TEST_F(ScheduledCheck, OfAFeedThatIsRefusedIsNotMadeMoreOftenForThat) {
+  delegate.feed = "http://updates.example.org/appcast.xml";
+  settings.setObject(true, "SUEnableAutomaticChecks");
+
+  updater.startUpdater();
+  machine.runFor(3600);
+
+  EXPECT_THAT(delegate.calls, ElementsAre("aborted 3"));
+}
+
 TEST_F(ScheduledCheck, IsNeverMadeMoreOftenThanOnceAnHour) {
   machine.network.bodies[kFeed] = feedOf("");
   settings.setObject(true, "SUEnableAutomaticChecks");
@@ -109,6 +161,18 @@ TEST_F(ScheduledCheck, IsNeverMadeMoreOftenThanOnceAnHour) {
 
   updater.startUpdater();
   machine.runFor(3 * 3600 - 700);
+
+  EXPECT_THAT(machine.network.requests, SizeIs(3));
+}
+
+// A property list may hold such a number.
+TEST_F(ScheduledCheck, IsMadeOnceADayWhereItsIntervalIsNoNumber) {
+  machine.network.bodies[kFeed] = feedOf("");
+  settings.setObject(true, "SUEnableAutomaticChecks");
+  settings.setObject(std::numeric_limits<double>::quiet_NaN(), "SUScheduledCheckInterval");
+
+  updater.startUpdater();
+  machine.runFor(3 * kDay - 3600);
 
   EXPECT_THAT(machine.network.requests, SizeIs(3));
 }
@@ -191,6 +255,20 @@ TEST_F(Permission, ThatIsGivenBeginsTheChecks) {
 
   EXPECT_EQ(standard("SUEnableAutomaticChecks"), Value(true));
   EXPECT_THAT(machine.network.requests, SizeIs(1));
+}
+
+// The administrator's policy comes while the question is on the screen.
+TEST_F(Permission, ThatIsGivenChangesNothingThatWasDecidedMeanwhile) {
+  machine.bundles.main().info.erase("SUEnableAutomaticChecks");
+  settings.setObject(true, "SUHasLaunchedBefore");
+  machine.alerts.answerNext(kAlertFirstButtonReturn,
+                            [this] { updater.setAutomaticallyChecksForUpdates(false); });
+
+  updater.startUpdater();
+  machine.runFor(10);
+
+  EXPECT_EQ(standard("SUEnableAutomaticChecks"), Value(false));
+  EXPECT_THAT(machine.network.requests, IsEmpty());
 }
 
 TEST_F(Permission, MakesASessionWhileItIsAsked) {

@@ -26,11 +26,12 @@ Failure damaged(const Reader& reader) {
   return Failure(std::string("the archive cannot be read: ") + (reason == nullptr ? "no reason" : reason));
 }
 
-// Only what releases come in: some of the other filters start programs.
+// Only what releases come in: some of the other filters start programs. A zip without its list of contents,
+// as one that was cut off, counts as damaged, since launchers do not unpack it.
 Reader open(Bytes bytes) {
   Reader reader(archive_read_new());
   archive_read_support_format_tar(reader.get());
-  archive_read_support_format_zip(reader.get());
+  archive_read_support_format_zip_seekable(reader.get());
   archive_read_support_filter_gzip(reader.get());
   archive_read_support_filter_xz(reader.get());
   archive_read_support_filter_bzip2(reader.get());
@@ -81,14 +82,18 @@ std::string_view nameWithoutArchiveEnding(std::string_view fileName) {
 
 ArchivedBundle bundleInArchive(Bytes archive) {
   const Reader reader = open(archive);
+  std::optional<ArchivedBundle> found;
+  // To the end, also where the bundle is found before: what is behind it may be damaged.
   for (int count = 0; count < kArchiveEntriesMax; ++count) {
     archive_entry* entry = nullptr;
     const int outcome = archive_read_next_header(reader.get(), &entry);
-    if (outcome == ARCHIVE_EOF) throw Failure("there is no application at the top of the archive");
+    if (outcome == ARCHIVE_EOF && !found) throw Failure("there is no application at the top of the archive");
+    if (outcome == ARCHIVE_EOF) return std::move(*found);
     if (outcome < ARCHIVE_WARN) throw damaged(reader);
-    if (auto name = bundleOfInfo(pathOf(entry))) return {std::move(*name), contentOf(reader)};
+    if (found) continue;
+    if (auto name = bundleOfInfo(pathOf(entry))) found = {std::move(*name), contentOf(reader)};
   }
-  throw Failure("there is no application among the first 200000 entries of the archive");
+  throw Failure("the archive has more than 200000 entries");
 }
 
 }  // namespace karno::appcast

@@ -19,8 +19,8 @@ struct ArchivedBundle {
   std::string infoPlist;  // the bytes of its Info.plist
 };
 
-// Looks for the first bundle at the top of the archive, in memory. A Failure, without the archive's name,
-// when there is none or the archive is damaged or exceeds the limits.
+// Looks for the first bundle at the top of the archive, in memory, and reads the archive to its end. A
+// Failure, without the archive's name, when there is none or the archive is damaged or exceeds the limits.
 ArchivedBundle bundleInArchive(Bytes archive);
 
 }  // namespace karno::appcast

@@ -57,8 +57,10 @@ Release readRelease(const std::string& path, const std::string& fileName, const 
   const MappedFile archive(path);
   const ArchivedBundle bundle = bundleInArchive(archive.bytes());
   const BundleInfo info = readInfoPlist(bundle.infoPlist);
+  const std::string& applicationName = info.name.empty() ? bundle.name : info.name;
+  if (!isTextForFeed(applicationName)) throw Failure("the name of its application is no plain text");
   return {.fileName = fileName,
-          .applicationName = info.name.empty() ? bundle.name : info.name,
+          .applicationName = applicationName,
           .version = info.version,
           .shortVersion = info.shortVersion.empty() ? info.version : info.shortVersion,
           .minimumSystem = info.minimumSystem.empty() ? "" : threePartVersion(info.minimumSystem),

@@ -31,6 +31,15 @@ TEST(Feed, TakesItsHostFromTheBundle) {
   EXPECT_EQ(feed(), "https://feed.example.org:8443/updates/macos/appcast.eddsa.xml");
 }
 
+TEST(Feed, HasThePublicHostWhereTheBundleNamesNone) {
+  FakePlatform machine;
+
+  machine.bundles.main().info.insert_or_assign("KarnoUpdateFeedHost", "");
+  EXPECT_EQ(feed(), kFeed);
+  machine.bundles.main().info.insert_or_assign("KarnoUpdateFeedHost", 7);
+  EXPECT_EQ(feed(), kFeed);
+}
+
 TEST(Feed, IsChosenAfreshEveryTime) {
   FakePlatform machine;
   EXPECT_EQ(feed(), kFeed);
@@ -115,6 +124,8 @@ TEST(AutomaticChecks, DoNotShowInTheProperty) {
 
   EXPECT_FALSE(KarnoSparkleManager::instance().checkForUpdatesAutomatically());
   EXPECT_THAT(machine.updater.automaticChecks, ElementsAre(true));
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("INFO", "Sparkle[CONFIG] Check updates automatically=1")));
 }
 
 }  // namespace

@@ -272,9 +272,12 @@ TEST(CheckFollowingAnUpdate, LogsATouchFileThatCannotBeRemovedAndChecksAgainAtTh
 
 TEST(RequestedCheck, MakesTheLauncherARegularApplicationBeforeTheUpdaterShowsAnything) {
   FakePlatform machine;
+  std::vector<platform::ActivationPolicy> policiesWhenChecking;
+  machine.updater.whenChecking = [&] { policiesWhenChecking = machine.application.policies; };
 
   manager().checkForUpdates();
 
+  EXPECT_THAT(policiesWhenChecking, ElementsAre(platform::ActivationPolicy::Regular));
   EXPECT_THAT(machine.application.policies, ElementsAre(platform::ActivationPolicy::Regular));
   EXPECT_EQ(machine.updater.checks, 1);
 }

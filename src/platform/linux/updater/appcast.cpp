@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <pugixml.hpp>
 
@@ -42,7 +43,14 @@ xml_node child(xml_node parent, std::string_view local) {
   return parent.find_child([local](xml_node node) { return isOurs(node.name(), local, node); });
 }
 
-std::string text(xml_node node) { return trimmed(node.text().get()); }
+// A text may come in several pieces: a CDATA section cannot hold its own end.
+std::string text(xml_node node) {
+  std::string pieces;
+  for (const xml_node piece : node.children()) {
+    if (piece.type() == pugi::node_pcdata || piece.type() == pugi::node_cdata) pieces += piece.value();
+  }
+  return trimmed(pieces);
+}
 
 std::string childText(xml_node parent, std::string_view local) { return text(child(parent, local)); }
 
@@ -64,6 +72,17 @@ std::optional<std::uint64_t> number(std::string_view digits) {
   return isWhole ? std::optional(value) : std::nullopt;
 }
 
+// The feed is not signed, so it may have nothing opened but a page of the web.
+std::string pageAddress(const std::string& link) {
+  const auto beginsWith = [&link](std::string_view scheme) {
+    return link.size() > scheme.size() &&
+           std::equal(scheme.begin(), scheme.end(), link.begin(), [](char one, char other) {
+             return one == std::tolower(static_cast<unsigned char>(other));
+           });
+  };
+  return beginsWith("https://") || beginsWith("http://") ? link : std::string();
+}
+
 FeedItem itemOf(xml_node item) {
   const xml_node enclosure = item.child("enclosure");
   const xml_node notes = item.child("description");
@@ -73,7 +92,7 @@ FeedItem itemOf(xml_node item) {
   read.displayVersion = textOrAttribute(item, enclosure, "shortVersionString");
   if (read.displayVersion.empty()) read.displayVersion = read.version;
   read.downloadURL = trimmed(enclosure.attribute("url").value());
-  read.informationURL = text(item.child("link"));
+  read.informationURL = pageAddress(text(item.child("link")));
   read.length = number(trimmed(enclosure.attribute("length").value()));
   read.edSignature = attribute(enclosure, "edSignature");
   read.minimumSystemVersion = childText(item, "minimumSystemVersion");

@@ -15,10 +15,10 @@ enum class NotesFormat { HTML, PlainText };
 // One release that a feed offers.
 struct FeedItem {
   std::optional<std::string> title;
-  std::string version;         // compared with CFBundleVersion
-  std::string displayVersion;  // shown; the version where the feed gives no other
-  std::string downloadURL;     // empty: there is nothing to download, only a page to read
-  std::string informationURL;
+  std::string version;                  // compared with CFBundleVersion
+  std::string displayVersion;           // shown; the version where the feed gives no other
+  std::string downloadURL;              // empty: there is nothing to download, only a page to read
+  std::string informationURL;           // http or https; empty: none
   std::optional<std::uint64_t> length;  // of the download, in bytes
   std::string edSignature;              // base64
   std::string minimumSystemVersion;     // empty: any
@@ -35,8 +35,8 @@ struct FeedItem {
 inline constexpr std::size_t kFeedItemsMax = 1000;
 
 // Reads an RSS 2.0 appcast. Names with a prefix count by the namespace that the prefix stands for. Items
-// without a version, or with neither a download nor a page, are left out, and those after the first thousand.
-// An error when it is no XML or no feed.
+// without a version, or with neither a download nor a page of the web, are left out, and those after the
+// first thousand. An error when it is no XML or no feed.
 Result<std::vector<FeedItem>> parseAppcast(std::string_view bytes);
 
 }  // namespace karno::platform::updates

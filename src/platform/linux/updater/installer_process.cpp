@@ -1,12 +1,15 @@
 #include "platform/linux/updater/installer_process.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <optional>
 #include <string_view>
 
 #include "platform/linux/updater/installer_answer.h"
@@ -39,20 +42,66 @@ class Lines {
   std::string line_;
 };
 
-InstallerAnswer read(int output, pid_t installer, const Progress& progress) {
-  InstallerAnswer answer;
-  Lines lines;
-  std::array<char, 4096> buffer = {};
-  const auto take = [&](std::string_view line) {
-    const auto amount = answer.take(line);
-    if (amount && !progress(amount->done, amount->total)) ::kill(installer, SIGTERM);
-  };
-  while (true) {
-    const ssize_t count = retryOnInterrupt([&] { return ::read(output, buffer.data(), buffer.size()); });
-    if (count <= 0) return answer;
-    lines.add({buffer.data(), static_cast<std::size_t>(count)}, take);
+// Hears an installer to its end, and ends it when nobody wants its work any more or when it has fallen
+// silent.
+class Conversation {
+ public:
+  Conversation(int output, pid_t installer, const Progress& progress, const InstallerWaits& waits)
+      : output_(output), installer_(installer), progress_(progress), waits_(waits) {}
+
+  InstallerAnswer hear() {
+    while (readWhatCame()) look();
+    // It has nothing more to say. Whoever closes the output without ending is not waited for.
+    ::kill(installer_, SIGKILL);
+    return answer_;
   }
-}
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  // False at the end of the output.
+  bool readWhatCame() {
+    pollfd watched{.fd = output_, .events = POLLIN, .revents = 0};
+    const auto wait = static_cast<int>(waits_.look.count());
+    if (retryOnInterrupt([&] { return ::poll(&watched, 1, wait); }) == 0) return true;
+    const ssize_t count = retryOnInterrupt([&] { return ::read(output_, buffer_.data(), buffer_.size()); });
+    if (count <= 0) return false;
+    lastHeard_ = Clock::now();
+    lines_.add({buffer_.data(), static_cast<std::size_t>(count)}, [this](std::string_view line) {
+      if (const auto amount = answer_.take(line)) tell(*amount);
+    });
+    return true;
+  }
+
+  void tell(const InstallerAnswer::Amount& amount) {
+    amount_ = amount;
+    if (!progress_(amount.done, amount.total)) end();
+  }
+
+  // Also while it is silent.
+  void look() {
+    if (!endingSince_) tell(amount_);
+    if (Clock::now() - lastHeard_ > waits_.silence) end();
+    if (endingSince_ && Clock::now() - *endingSince_ > waits_.ending) ::kill(installer_, SIGKILL);
+  }
+
+  void end() {
+    if (endingSince_) return;
+    endingSince_ = Clock::now();
+    ::kill(installer_, SIGTERM);
+  }
+
+  const int output_;
+  const pid_t installer_;
+  const Progress& progress_;
+  const InstallerWaits waits_;
+  InstallerAnswer answer_;
+  InstallerAnswer::Amount amount_;
+  Lines lines_;
+  std::array<char, 4096> buffer_ = {};
+  Clock::time_point lastHeard_ = Clock::now();
+  std::optional<Clock::time_point> endingSince_;
+};
 
 std::vector<std::string> argumentsFor(const UnpackRequest& request) {
   std::vector<std::string> arguments = {"unpack",          "--archive",    request.archive,   "--signature",
@@ -74,7 +123,7 @@ Result<std::string> InstallerProcess::unpack(const UnpackRequest& request, const
   if (!installer) return installer.error();
   input.reset();
 
-  const InstallerAnswer answer = read(output.get(), installer.value(), progress);
+  const InstallerAnswer answer = Conversation(output.get(), installer.value(), progress, waits_).hear();
   retryOnInterrupt([&] { return ::waitpid(installer.value(), nullptr, 0); });
   return answer.outcome();
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <limits>
+#include <system_error>
 
 #include "platform/linux/updater/version_order.h"
 
@@ -17,11 +18,12 @@ bool isForUs(const FeedItem& item) {
   return item.channel.empty() && (item.operatingSystem.empty() || item.operatingSystem == "macos");
 }
 
-// Major, minor and patch; what is missing or no number is 0.
+// Major, minor and patch; what is missing or no number is 0, and no number is larger than the largest int.
 std::array<int, 3> partsOf(std::string_view version) {
   std::array<int, 3> parts = {};
   for (int& part : parts) {
-    std::from_chars(version.data(), version.data() + version.size(), part);
+    const auto read = std::from_chars(version.data(), version.data() + version.size(), part);
+    if (read.ec == std::errc::result_out_of_range) part = std::numeric_limits<int>::max();
     const std::size_t dot = version.find('.');
     if (dot == std::string_view::npos) break;
     version.remove_prefix(dot + 1);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 #include "platform/linux/updater/base64_key.h"
@@ -48,7 +49,8 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
     double seconds = kUsualIntervalSeconds;
     if (interval && interval->get<std::int64_t>() != nullptr)
       seconds = static_cast<double>(*interval->get<std::int64_t>());
-    if (interval && interval->get<double>() != nullptr) seconds = *interval->get<double>();
+    if (const double* const real = interval ? interval->get<double>() : nullptr; real && !std::isnan(*real))
+      seconds = *real;
     const auto last = services.settings.objectForKey(kLastCheckKey);
     if (!last || last->get<Date>() == nullptr) return 0;
     const double age = secondsBetween(*last->get<Date>(), host().clock.now());
@@ -99,6 +101,8 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
          .buttons = {{.title = sentences.text("PERMISSION_YES"), .keyEquivalent = "\r"},
                      {.title = sentences.text("PERMISSION_NO"), .keyEquivalent = "\033"}}});
     inSession = false;
+    // The administrator, or the client, may have decided while the question was on the screen.
+    if (services.settings.objectForKey(kAutomaticChecksKey)) return;
     services.settings.setObject(answer == kAlertFirstButtonReturn, kAutomaticChecksKey);
   }
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/linux/updater/notes_text.h"
@@ -13,7 +14,7 @@
 namespace karno::platform::updates {
 namespace {
 
-constexpr std::uint64_t kDownloadBytesMax = 4ULL << 30U;  // where the feed tells no length
+constexpr std::uint64_t kDownloadBytesMax = 4ULL << 30U;  // whatever length the feed tells
 
 const Bundle& bundle() { return host().bundles.mainBundle(); }
 
@@ -148,7 +149,7 @@ void UpdateSession::download() {
       [self = shared_from_this(), progress = progressOnMainThread()] {
         return self->parts_.services.downloads.download(
             self->item_.downloadURL, self->downloadFolder_ + "/archive",
-            self->item_.length.value_or(kDownloadBytesMax), progress);
+            std::min(self->item_.length.value_or(kDownloadBytesMax), kDownloadBytesMax), progress);
       },
       [self = shared_from_this()](const std::optional<Error>& error) { self->downloaded(error); });
 }

@@ -1,0 +1,53 @@
+#include "installer/tree_removal.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "temporary_folder.h"
+
+namespace karno::installer {
+namespace {
+
+namespace fs = std::filesystem;
+using test::TemporaryFolder;
+
+// The path of as many folders, each in the one before, inside "tree".
+std::string makeDeepTree(const TemporaryFolder& place, int depth) {
+  std::string path = place / "tree";
+  for (int level = 1; level < depth; ++level) path += "/d";
+  fs::create_directories(path);
+  return path;
+}
+
+TEST(TreeRemoval, ReachesFoldersOfEveryDepthThatItKnows) {
+  const TemporaryFolder place;
+  makeDeepTree(place, kRemovedDepthMax);
+
+  EXPECT_EQ(removeTree(place / "tree"), 0);
+
+  EXPECT_TRUE(fs::is_empty(place.path()));
+}
+
+TEST(TreeRemoval, LeavesDeeperFoldersButNothingElse) {
+  const TemporaryFolder place;
+  const std::string deepest = makeDeepTree(place, kRemovedDepthMax + 1);
+  place.write("tree/a", "a");
+  place.write("tree/z", "z");
+
+  EXPECT_EQ(removeTree(place / "tree"), ELOOP);
+
+  EXPECT_TRUE(fs::exists(deepest));
+  EXPECT_FALSE(fs::exists(place / "tree/a"));
+  EXPECT_FALSE(fs::exists(place / "tree/z"));
+}
+
+TEST(TreeRemoval, OfNothingIsDoneAlready) {
+  const TemporaryFolder place;
+
+  EXPECT_EQ(removeTree(place / "tree"), 0);
+}
+
+}  // namespace
+}  // namespace karno::installer
