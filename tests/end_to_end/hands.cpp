@@ -26,6 +26,28 @@ std::string exactPattern(const std::string& title) {
   return pattern + "$";
 }
 
+bool isVisible(const Machine& machine, const WindowOnScreen& window) {
+  std::istringstream identifiers(machine.in({"xdotool", "search", "--onlyvisible", "--name", ""}).output);
+  for (std::string identifier; identifiers >> identifier;) {
+    if (identifier == window.identifier) return true;
+  }
+  return false;
+}
+
+// A click shorter than a fifth of a second may go unnoticed, and one into a window that is not the active one
+// only makes it that.
+void pressAt(const Machine& machine, const WindowOnScreen& window, int x, int y) {
+  machine.in({"xdotool", "windowactivate", "--sync", window.identifier, "mousemove", "--window",
+              window.identifier, std::to_string(x), std::to_string(y), "sleep", "0.2", "mousedown", "1",
+              "sleep", "0.2", "mouseup", "1"});
+}
+
+std::ptrdiff_t timesHeard(const Machine& machine, std::string_view message) {
+  const auto lines = machine.console();
+  return std::count(lines.begin(), lines.end(),
+                    "INFO Notify[LISTEN] Received '" + std::string(message) + "'");
+}
+
 }  // namespace
 
 std::optional<WindowOnScreen> findWindow(const Machine& machine, const std::string& title,
@@ -54,10 +76,11 @@ std::optional<WindowOnScreen> findNextWindow(const Machine& machine, const std::
   return window;
 }
 
-// A click shorter than a fifth of a second may go unnoticed.
-void pressAt(const Machine& machine, const WindowOnScreen& window, int x, int y) {
-  machine.in({"xdotool", "mousemove", "--window", window.identifier, std::to_string(x), std::to_string(y),
-              "sleep", "0.2", "mousedown", "1", "sleep", "0.2", "mouseup", "1"});
+void closeAt(const Machine& machine, const WindowOnScreen& window, int x, int y) {
+  for (int press = 0; press < 10 && isVisible(machine, window); ++press) {
+    pressAt(machine, window, x, y);
+    machine.waitUntil([&] { return !isVisible(machine, window); }, std::chrono::seconds(3));
+  }
 }
 
 void pressMessageButton(const Machine& machine, const WindowOnScreen& window, std::string_view message) {
@@ -66,7 +89,11 @@ void pressMessageButton(const Machine& machine, const WindowOnScreen& window, st
   const client::Rectangle button = client::clientLayout().messageButton(index);
   const double x = button.x + button.width / 2;
   const double y = window.height - (button.y + button.height / 2);
-  pressAt(machine, window, static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y)));
+  const auto before = timesHeard(machine, message);
+  for (int press = 0; press < 3 && timesHeard(machine, message) == before; ++press) {
+    pressAt(machine, window, static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y)));
+    machine.waitUntil([&] { return timesHeard(machine, message) > before; }, std::chrono::seconds(10));
+  }
 }
 
 // The buttons stand at the lower right, the first one outermost; a short title leaves them at their least
@@ -77,7 +104,7 @@ void pressAlertButton(const Machine& machine, const WindowOnScreen& alert, int i
   constexpr int kGap = 10;
   constexpr int kHalfHeight = 14;
   const int fromRight = kMargin + kWidth / 2 + index * (kWidth + kGap);
-  pressAt(machine, alert, alert.width - fromRight, alert.height - kMargin - kHalfHeight);
+  closeAt(machine, alert, alert.width - fromRight, alert.height - kMargin - kHalfHeight);
 }
 
 void pressKey(const Machine& machine, const WindowOnScreen& window, const std::string& key) {

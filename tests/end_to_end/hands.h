@@ -28,10 +28,12 @@ std::optional<WindowOnScreen> findNextWindow(const Machine& machine, const std::
                                              const WindowOnScreen& before,
                                              std::chrono::seconds limit = std::chrono::seconds(30));
 
-// Presses the mouse at a place counted from the window's upper left corner.
-void pressAt(const Machine& machine, const WindowOnScreen& window, int x, int y);
+// Presses the mouse at a place counted from the window's upper left corner, again when the window is still
+// there three seconds later: a press that comes while a window appears may go unheard.
+void closeAt(const Machine& machine, const WindowOnScreen& window, int x, int y);
 
-// Presses the button of that message in the client's window.
+// Presses the button of that message in the client's window, again when the launcher has not heard of it
+// within ten seconds.
 void pressMessageButton(const Machine& machine, const WindowOnScreen& window, std::string_view message);
 
 // Presses a button of a modal alert; 0 is the first and outermost one.

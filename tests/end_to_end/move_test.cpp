@@ -144,7 +144,7 @@ TEST(MoveFromDownloads, IsDeclinedByAClick) {
   const auto alert = findWindow(machine, kLauncherTitle);
   ASSERT_TRUE(alert) << machine.consoleText();
 
-  pressAt(machine, *alert, alert->width - kFromRight, alert->height - kFromBottom);
+  closeAt(machine, *alert, alert->width - kFromRight, alert->height - kFromBottom);
 
   EXPECT_EQ(machine.waitForEnd(), 0);
   EXPECT_THAT(machine.log(), ElementsAreArray(joined({askingMessages(), cancelledMessages()})));

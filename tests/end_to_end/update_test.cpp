@@ -167,7 +167,7 @@ TEST_F(Update, ThatIsSkippedIsKeptInTheUserDefaults) {
   const auto offer = machine_.askForOffer();
   ASSERT_TRUE(offer) << machine_->consoleText();
 
-  pressAt(*machine_, *offer, 70, offer->height - 34);
+  closeAt(*machine_, *offer, 70, offer->height - 34);
   ASSERT_TRUE(waitForLine("User decided to skip update")) << machine_->consoleText();
   quit();
 
