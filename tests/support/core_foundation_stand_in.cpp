@@ -28,9 +28,10 @@ int liveDictionaries() { return static_cast<int>(world().dictionaries.size()); }
 
 }  // namespace karno::test
 
+using karno::test::StandInString;
 using karno::test::world;
 
-CFStringRef CFSTR(const char* text) { return &world().constants.emplace_back(text); }
+CFStringRef CFSTR(const char* text) { return &world().constants.emplace_back(StandInString{text}); }
 
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values, CFIndex numValues,
                                    const CFDictionaryKeyCallBacks*, const CFDictionaryValueCallBacks*) {

@@ -29,7 +29,7 @@ std::optional<std::string> programOfMachine(std::string_view path) {
 }
 
 // As one word of a shell line, whatever is in it.
-std::string quoted(std::string_view word) {
+std::string shellQuoted(std::string_view word) {
   std::string text = "'";
   for (const char letter : word) text += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
   return text + "'";
@@ -41,7 +41,7 @@ std::string scriptInMachine(const std::string& script) {
   std::string text = "set +o posix\n";
   for (const char* const command : kCommandsInScripts) {
     const std::optional<std::string> program = programOfMachine(command);
-    if (program) text += std::string(command) + "() { " + quoted(*program) + " \"$@\"; }\n";
+    if (program) text += std::string(command) + "() { " + shellQuoted(*program) + " \"$@\"; }\n";
   }
   return text + script;
 }
@@ -55,7 +55,7 @@ std::string lineForMachine(const std::string& line) {
   const std::size_t end = std::min(line.find_first_of(kEndsOfWord), line.size());
   const std::string path = line.substr(0, end);
   const std::optional<std::string> program = path == kShell ? shellOfMachine() : programOfMachine(path);
-  return program ? quoted(*program) + line.substr(end) : line;
+  return program ? shellQuoted(*program) + line.substr(end) : line;
 }
 
 TaskLaunch launchForMachine(const TaskLaunch& command) {

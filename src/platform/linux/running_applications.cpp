@@ -46,7 +46,7 @@ class Identifiers {
     return identifier == nullptr ? std::nullopt : std::optional(*identifier);
   }
 
-  const CocoaPropertyLists propertyLists_;
+  const CocoaPropertyLists propertyLists_{};
   std::map<std::string, std::optional<std::string>> known_;
 };
 

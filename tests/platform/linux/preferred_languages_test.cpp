@@ -26,7 +26,7 @@ class PreferredLanguages : public testing::Test {
   }
   std::vector<std::string> languages() const { return preferredLanguages(propertyLists); }
 
-  const cocoa::CocoaPropertyLists propertyLists;
+  const cocoa::CocoaPropertyLists propertyLists{};
   const TemporaryFolder folder;
   const ScopedEnvironment home{"HOME", folder.path()};
   const ScopedEnvironment language{"LANGUAGE", std::nullopt};

@@ -14,7 +14,9 @@
 
 // What the Security framework declares.
 extern "C" {
-struct AuthorizationOpaqueRef {};
+struct AuthorizationOpaqueRef {
+  char unused = 0;  // an empty structure has another size in C
+};
 struct AuthorizationItem {
   const char* name;
   std::size_t valueLength;

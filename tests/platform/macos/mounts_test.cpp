@@ -26,7 +26,7 @@ struct Mount {
 class MacMountsTest : public testing::Test {
  protected:
   Mount mount_;
-  const MacMounts mounts_;
+  const MacMounts mounts_{};
 };
 
 constexpr std::uint32_t kReadOnlyAndLocal = 0x1001;

@@ -57,7 +57,7 @@ std::vector<int> identifiersOf(const std::vector<RunningProcess>& processes) {
 class MacProcesses : public testing::Test {
  protected:
   Kernel kernel_;
-  const MacProcessList processes_;
+  const MacProcessList processes_{};
 };
 
 TEST_F(MacProcesses, AreThisUsersWithParentPathAndStart) {

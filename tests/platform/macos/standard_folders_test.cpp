@@ -26,9 +26,9 @@ using ::testing::IsEmpty;
 
 class MacStandardFolders : public testing::Test {
  protected:
-  const objc::AutoreleasePool pool_;
+  const objc::AutoreleasePool pool_{};
   StandIns standIns_;
-  const FoundationStandardFolders folders_;
+  const FoundationStandardFolders folders_{};
 };
 
 TEST_F(MacStandardFolders, AreThoseOfAllDomainsInThePlatformsOrder) {
@@ -63,7 +63,7 @@ TEST_F(MacStandardFolders, MayBeAskedForOnAnyThread) {
 }
 
 TEST_F(MacStandardFolders, WhatIsRaisedEndsOnTheConsole) {
-  const StandardErrorCapture console;
+  const StandardErrorCapture console{};
   standIns_.raise();
 
   EXPECT_EQ(folders_.localApplications(), "/Applications");

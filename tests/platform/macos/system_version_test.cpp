@@ -37,10 +37,10 @@ Class processInfoClass() {
 
 class MacSystemVersion : public testing::Test {
  protected:
-  const objc::AutoreleasePool pool_;
+  const objc::AutoreleasePool pool_{};
   StandIns standIns_;
   const objc::ClassOverride override_{"NSProcessInfo", processInfoClass()};
-  const FoundationSystemVersion systemVersion_;
+  const FoundationSystemVersion systemVersion_{};
 };
 
 TEST_F(MacSystemVersion, AsksThePlatformWithThreeNumbers) {
@@ -60,7 +60,7 @@ TEST_F(MacSystemVersion, IsNotMetWhenThePlatformSaysNo) {
 TEST_F(MacSystemVersion, IsNotMetWithoutAnAnswer) { EXPECT_FALSE(systemVersion_.isAtLeast(10, 14, 6)); }
 
 TEST_F(MacSystemVersion, IsNotMetWhenAskingRaises) {
-  const StandardErrorCapture console;
+  const StandardErrorCapture console{};
   standIns_.raise();
 
   EXPECT_FALSE(systemVersion_.isAtLeast(10, 14, 6));

@@ -1,0 +1,6 @@
+// The same for tests.
+#pragma once
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "standard.h"
