@@ -36,7 +36,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "(\n    one,\n    2,\n    \"two words\",\n    \"\"\n)"},
         Printed{Value::Dictionary{{"b", true}, {"a", "x"}}, "{\n    a = x;\n    b = 1;\n}"},
         Printed{Value::Dictionary{{"list", Value::Array{1}}}, "{\n    list =     (\n        1\n    );\n}"},
-        Printed{Value::Array{Value::Array{1}}, "(\n        (\n        1\n    )\n)"},
+        Printed{Value::Array{Value(Value::Array{1})}, "(\n        (\n        1\n    )\n)"},
         Printed{Value::Array{-1, 0.5, "1.0", "com.example", "a_b", "/usr"},
                 "(\n    \"-1\",\n    \"0.5\",\n    \"1.0\",\n    \"com.example\",\n    \"a_b\",\n"
                 "    \"/usr\"\n)"},
