@@ -10,6 +10,8 @@
 namespace karno::test {
 namespace {
 
+constexpr const char* kClientTitle = "Karno.app";
+
 // The value of a line such as "WIDTH=578".
 int valueOf(const std::string& text, const std::string& key) {
   const std::size_t place = text.find(key + "=");
@@ -34,18 +36,29 @@ bool isVisible(const Machine& machine, const WindowOnScreen& window) {
   return false;
 }
 
-// A click shorter than a fifth of a second may go unnoticed, and one into a window that is not the active one
-// only makes it that.
-void pressAt(const Machine& machine, const WindowOnScreen& window, int x, int y) {
-  machine.in({"xdotool", "windowactivate", "--sync", window.identifier, "mousemove", "--window",
-              window.identifier, std::to_string(x), std::to_string(y), "sleep", "0.2", "mousedown", "1",
-              "sleep", "0.2", "mouseup", "1"});
+// Whether keys go to that window, and went there already a moment ago: a window that appears takes the
+// keyboard, and its program hears of that a little later.
+bool keepsFocus(const Machine& machine, const WindowOnScreen& window) {
+  const std::string wanted = window.identifier + "\n";
+  const CommandResult looks =
+      machine.in({"sh", "-c", "xdotool getwindowfocus; sleep 0.3; xdotool getwindowfocus"});
+  return looks.output == wanted + wanted;
 }
 
-std::ptrdiff_t timesHeard(const Machine& machine, std::string_view message) {
-  const auto lines = machine.console();
-  return std::count(lines.begin(), lines.end(),
-                    "INFO Notify[LISTEN] Received '" + std::string(message) + "'");
+void focus(const Machine& machine, const WindowOnScreen& window) {
+  const auto isFocused = [&] {
+    if (keepsFocus(machine, window)) return true;
+    machine.in({"xdotool", "windowactivate", window.identifier});
+    return keepsFocus(machine, window);
+  };
+  machine.waitUntil(isFocused, std::chrono::seconds(30));
+}
+
+// A click shorter than a fifth of a second may go unnoticed.
+void pressAt(const Machine& machine, const WindowOnScreen& window, int x, int y) {
+  focus(machine, window);
+  machine.in({"xdotool", "mousemove", "--window", window.identifier, std::to_string(x), std::to_string(y),
+              "sleep", "0.2", "mousedown", "1", "sleep", "0.2", "mouseup", "1"});
 }
 
 }  // namespace
@@ -76,11 +89,11 @@ std::optional<WindowOnScreen> findNextWindow(const Machine& machine, const std::
   return window;
 }
 
+void waitForClientWindow(const Machine& machine) { findWindow(machine, kClientTitle); }
+
 void closeAt(const Machine& machine, const WindowOnScreen& window, int x, int y) {
-  for (int press = 0; press < 10 && isVisible(machine, window); ++press) {
-    pressAt(machine, window, x, y);
-    machine.waitUntil([&] { return !isVisible(machine, window); }, std::chrono::seconds(3));
-  }
+  pressAt(machine, window, x, y);
+  machine.waitUntil([&] { return !isVisible(machine, window); }, std::chrono::seconds(30));
 }
 
 void pressMessageButton(const Machine& machine, const WindowOnScreen& window, std::string_view message) {
@@ -89,11 +102,7 @@ void pressMessageButton(const Machine& machine, const WindowOnScreen& window, st
   const client::Rectangle button = client::clientLayout().messageButton(index);
   const double x = button.x + button.width / 2;
   const double y = window.height - (button.y + button.height / 2);
-  const auto before = timesHeard(machine, message);
-  for (int press = 0; press < 3 && timesHeard(machine, message) == before; ++press) {
-    pressAt(machine, window, static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y)));
-    machine.waitUntil([&] { return timesHeard(machine, message) > before; }, std::chrono::seconds(10));
-  }
+  pressAt(machine, window, static_cast<int>(std::lround(x)), static_cast<int>(std::lround(y)));
 }
 
 // The buttons stand at the lower right, the first one outermost; a short title leaves them at their least
@@ -108,12 +117,14 @@ void pressAlertButton(const Machine& machine, const WindowOnScreen& alert, int i
 }
 
 void pressKey(const Machine& machine, const WindowOnScreen& window, const std::string& key) {
-  machine.in({"xdotool", "windowactivate", "--sync", window.identifier, "key", key});
+  focus(machine, window);
+  machine.in({"xdotool", "key", key});
 }
 
 void closeByKeys(const Machine& machine, const WindowOnScreen& window) {
-  machine.in({"xdotool", "windowactivate", "--sync", window.identifier, "key", "shift", "windowmove",
-              "--sync", "--relative", window.identifier, "10", "10", "key", "alt+F4"});
+  focus(machine, window);
+  machine.in({"xdotool", "key", "shift", "windowmove", "--sync", "--relative", window.identifier, "10", "10",
+              "key", "alt+F4"});
 }
 
 int coloursOf(const Machine& machine, const WindowOnScreen& window) {

@@ -28,12 +28,17 @@ std::optional<WindowOnScreen> findNextWindow(const Machine& machine, const std::
                                              const WindowOnScreen& before,
                                              std::chrono::seconds limit = std::chrono::seconds(30));
 
-// Presses the mouse at a place counted from the window's upper left corner, again when the window is still
-// there three seconds later: a press that comes while a window appears may go unheard.
+// Waits for the window of the File Provider build, which takes the keyboard when it appears, so that nothing takes it
+// from a window that comes afterwards.
+void waitForClientWindow(const Machine& machine);
+
+// All that press first make sure that the window has the keyboard and that the program behind it has had the time to
+// learn of it, and press once.
+
+// Presses the mouse at a place counted from the window's upper left corner, and waits for the window to go.
 void closeAt(const Machine& machine, const WindowOnScreen& window, int x, int y);
 
-// Presses the button of that message in the client's window, again when the launcher has not heard of it
-// within ten seconds.
+// Presses the button of that message in the client's window.
 void pressMessageButton(const Machine& machine, const WindowOnScreen& window, std::string_view message);
 
 // Presses a button of a modal alert; 0 is the first and outermost one.

@@ -72,6 +72,7 @@ TEST(Messages, ThatTheClientIsTerminatingEndTheLauncher) {
 TEST(CrashAlert, EndsTheLauncherByItsSecondButton) {
   Machine machine(builtTools());
   machine.startWithScript("1:app-is-terminating-abnormally=disk full");
+  waitForClientWindow(machine);
   const auto alert = findWindow(machine, kLauncherTitle);
   ASSERT_TRUE(alert) << machine.consoleText();
 
@@ -92,6 +93,7 @@ TEST(CrashAlert, EndsTheLauncherByEscape) {
   Machine machine(builtTools());
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  waitForClientWindow(machine);
   machine.in({"karnoctl", "post", "app-is-terminating-abnormally"});
   const auto alert = findWindow(machine, kLauncherTitle);
   ASSERT_TRUE(alert) << machine.consoleText();
@@ -134,6 +136,7 @@ TEST(Restart, FailsWhenTheClientStays) {
   Machine machine(builtTools());
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  waitForClientWindow(machine);
   machine.in({"karnoctl", "post", "app-needs-restart"});
   const auto alert = findWindow(machine, kLauncherTitle);
   ASSERT_TRUE(alert) << machine.consoleText();

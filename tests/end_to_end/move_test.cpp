@@ -268,7 +268,8 @@ TEST_P(MoveWithAPasswordInVain, SaysSoAndKeepsTheOldBundle) {
   EXPECT_TRUE(fs::exists(executableOf(downloaded(machine))));
 }
 
-INSTANTIATE_TEST_SUITE_P(Administrators, MoveWithAPasswordInVain, ::testing::Values("refuses", "fails"));
+INSTANTIATE_TEST_SUITE_P(Administrators, MoveWithAPasswordInVain, ::testing::Values("refuses", "fails"),
+                         [](const auto& answer) { return std::string(answer.param); });
 
 TEST(MoveOnAFullDisk, FailsAndKeepsTheOldBundle) {
   Machine machine(builtTools(), {"--into", "Downloads"});

@@ -45,6 +45,7 @@ void UpdateMachine::start(const std::vector<std::string>& options) {
   machine_.start(options);
   if (!machine_.waitForMessage("INFO Sparkle[START] Starting Up"))
     throw std::runtime_error("the launcher does not start: " + machine_.consoleText());
+  waitForClientWindow(machine_);
 }
 
 std::optional<WindowOnScreen> UpdateMachine::askForOffer() {
@@ -59,16 +60,13 @@ std::optional<WindowOnScreen> UpdateMachine::askForOffer() {
   return window && window->width >= kOfferWidthMin ? window : std::nullopt;
 }
 
-// A key that comes while the window appears may go unheard.
 void UpdateMachine::answer(const WindowOnScreen& offer, const std::string& key) {
   const auto isGone = [&] {
     const auto now = findWindow(machine_, kOfferTitle, std::chrono::seconds(0));
     return !now || now->identifier != offer.identifier;
   };
-  for (int press = 0; press < 10 && !isGone(); ++press) {
-    pressKey(machine_, offer, key);
-    machine_.waitUntil(isGone, std::chrono::seconds(3));
-  }
+  pressKey(machine_, offer, key);
+  machine_.waitUntil(isGone, kLimit);
 }
 
 std::string UpdateMachine::installedVersion() const {

@@ -237,7 +237,12 @@ TEST_P(FlawedUpdate, IsToldAndLeavesEverythingAsItWas) {
 INSTANTIATE_TEST_SUITE_P(Flaws, FlawedUpdate,
                          ::testing::Values(BadRelease{"changed", "3001 "}, BadRelease{"truncated", "2001 "},
                                            BadRelease{"truncated-before-signing", "3000 "},
-                                           BadRelease{"hostile", "3000 "}));
+                                           BadRelease{"hostile", "3000 "}),
+                         [](const auto& flaw) {
+                           std::string name = flaw.param.flaw;
+                           std::erase(name, '-');
+                           return name;
+                         });
 
 TEST_F(Update, ForWhichTheDiskHasNoRoomIsToldAndLeavesEverythingAsItWas) {
   machine_.offer("1.1");
@@ -326,7 +331,8 @@ TEST_P(ManagedUpdate, IsLookedForByItselfWhenTheAdministratorSaysSo) {
                                                          : "INFO Sparkle[CONFIG] Updates disabled by admin"));
 }
 
-INSTANTIATE_TEST_SUITE_P(OnAndOff, ManagedUpdate, ::testing::Bool());
+INSTANTIATE_TEST_SUITE_P(OnAndOff, ManagedUpdate, ::testing::Bool(),
+                         [](const auto& on) { return on.param ? "On" : "Off"; });
 
 }  // namespace
 }  // namespace karno::test

@@ -106,6 +106,7 @@ TEST(CrashAlert, StartsTheClientAgainWhenTheUserWantsIt) {
   Machine machine(builtTools());
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  waitForClientWindow(machine);
   machine.in({"karnoctl", "post", "app-is-terminating-abnormally", "--reason", "disk full"});
   const auto alert = findWindow(machine, "Karno");
   ASSERT_TRUE(alert) << machine.consoleText();

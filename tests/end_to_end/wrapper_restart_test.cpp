@@ -122,6 +122,7 @@ TEST_F(WrapperRestart, BringsTheSameBuildAgainWhenNoneIsNamed) {
 TEST_F(WrapperRestart, FailsWhenTheClientStays) {
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  waitForClientWindow(machine);
   machine.in({"karnoctl", "post", "restart-wrapper"});
   const auto alert = findWindow(machine, kLauncherTitle);
   ASSERT_TRUE(alert) << machine.consoleText();

@@ -8,6 +8,7 @@
 #include "platform/cocoa/threads.h"
 #include "platform/linux/appearance.h"
 #include "platform/linux/desktop_services.h"
+#include "platform/linux/keyboard_focus.h"
 #include "platform/linux/termination_signal.h"
 #include "platform/linux/theme.h"
 #include "platform/platform.h"
@@ -42,6 +43,7 @@ void prepareForApplication() {
   registerAppearance();
   installTheme();
   keepDesktopServicesAway();
+  keepKeyboardFocus();
 }
 
 // GNUstep's own handler runs terminate: inside the signal handler, on whatever thread the signal hit.

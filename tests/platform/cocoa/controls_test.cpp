@@ -34,6 +34,11 @@ TEST(CocoaControlsOnScreen, AWindowAnnouncesItsClosingAndCanBeShownAgain) {
   EXPECT_EQ(result.status, 0);
 }
 
+TEST(CocoaControlsOnScreen, AWindowThatHasTheFocusTakesKeysThoughItsApplicationWasDeactivated) {
+  EXPECT_EQ(onScreen("window/deactivated").output,
+            "did finish launching\ndeactivated\nclicked Weiter\nwill terminate\n");
+}
+
 TEST(CocoaControlsOnScreen, ADestroyedWindowSaysNothing) {
   EXPECT_EQ(onScreen("window/destroyed").output, "did finish launching\ngone\nwill terminate\n");
 }

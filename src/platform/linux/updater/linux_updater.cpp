@@ -66,7 +66,10 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
                                                                    .services = services,
                                                                    .texts = texts,
                                                                    .isUserAsking = isUserAsking,
-                                                                   .ended = [self = shared_from_this()] {
+                                                                   .ended = [weak = weak_from_this()] {
+                                                                     // The session is this one's own.
+                                                                     const auto self = weak.lock();
+                                                                     if (!self) return;
                                                                      self->inSession = false;
                                                                      self->session.reset();
                                                                    }});

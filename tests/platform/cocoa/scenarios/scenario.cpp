@@ -45,6 +45,10 @@ void SayingDelegate::applicationWillTerminate() { say("will terminate"); }
 
 void later(std::function<void()> block) { platform::host().dispatch.mainQueue().async(std::move(block)); }
 
+void laterWhenActive(std::function<void()> block) {
+  onceActive([block = std::move(block)] { later(block); });
+}
+
 void runWhenActive(const std::string& command) {
   onceActive([command] { static_cast<void>(std::system(command.c_str())); });
 }

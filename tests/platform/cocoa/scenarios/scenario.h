@@ -24,6 +24,9 @@ class SayingDelegate final : public platform::ApplicationDelegate {
 // Adds a block to the main queue.
 void later(std::function<void()> block);
 
+// Adds a block to the main queue once a window of this process is the active one.
+void laterWhenActive(std::function<void()> block);
+
 // Presses the keys one after the other, named as xdotool does, once a window of this process is the active
 // one.
 void pressWhenActive(const std::string& keys);

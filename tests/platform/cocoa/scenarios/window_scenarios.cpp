@@ -1,5 +1,8 @@
 #include <fmt/format.h>
 
+#include <atomic>
+
+#include "platform/cocoa/objc.h"
 #include "platform/cocoa/window.h"
 #include "platform/never_destroyed.h"
 #include "scenario.h"
@@ -68,6 +71,24 @@ void closeAndReopen() {
   window().close();
 }
 
+// What GNUstep does when another program has the keyboard for a moment.
+void deactivate() {
+  static std::atomic<bool> isClicked{false};
+  window().addButton({.x = 300, .y = 12, .width = 100, .height = 32}, "Weiter", "\r", [] {
+    isClicked = true;
+    say("clicked Weiter");
+    terminate();
+  });
+  window().show();
+  platform::host().application.activateIgnoringOtherApps();
+  laterWhenActive([] {
+    using platform::objc::send;
+    send<void>(send(platform::objc::classNamed("NSApplication"), "sharedApplication"), "deactivate");
+    say("deactivated");
+    pressUntil("Return", [] { return isClicked.load(); });
+  });
+}
+
 void destroy() {
   {
     Window shortLived("short", 100, 100);
@@ -88,6 +109,8 @@ void runWindowScenario(std::string_view name) {
     useControls();
   } else if (name == "close") {
     closeAndReopen();
+  } else if (name == "deactivated") {
+    deactivate();
   } else if (name == "destroyed") {
     destroy();
   }
