@@ -6,7 +6,7 @@ import unittest
 import packaging_place
 from packaging_place import PackagingPlace
 
-USAGE_ERROR = 2
+USAGE_ERROR = 64
 
 
 class Refusal(unittest.TestCase):
@@ -21,7 +21,8 @@ class Refusal(unittest.TestCase):
     def assert_misused(self, sentence, *options):
         status, _, said = self.place.package(*options)
 
-        self.assertEqual((USAGE_ERROR, f"scripts/package-macos: error: {sentence}"), (status, said.splitlines()[-1]))
+        self.assertEqual(
+            (USAGE_ERROR, f"scripts/package-macos: {sentence}; see scripts/package-macos --help\n"), (status, said))
 
 
 class Helpers(Refusal):
