@@ -8,11 +8,13 @@ if(NOT KARNO_CROSS_TOOLS)
   set(KARNO_CROSS_TOOLS ${CMAKE_BINARY_DIR}/cross-tools)
   execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../tools/cross/find-zig
     OUTPUT_VARIABLE zig OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-  # Each tool is a sub-command of the one program, and CMake wants a program per tool.
+  # Each tool is a sub-command of the one program, and CMake wants a program per tool. -s leaves out the paths of
+  # object files that a debugger would follow. It stands here, where CMake's first look at the compiler gets it too,
+  # since the compiler makes its C++ library anew for a link with another word on it.
   foreach(command c++ ar ranlib)
     set(arguments ${command})
     if(command STREQUAL "c++")
-      string(APPEND arguments " -target ${KARNO_ZIG_TARGET}")
+      string(APPEND arguments " -target ${KARNO_ZIG_TARGET} -s")
     endif()
     file(CONFIGURE OUTPUT ${KARNO_CROSS_TOOLS}/${command}
       CONTENT "#!/bin/sh\nexec '${zig}' ${arguments} \"$@\"\n" @ONLY)
@@ -43,6 +45,6 @@ set(CMAKE_CXX_FLAGS_INIT
   "-Wunguarded-availability -fvisibility=hidden -fvisibility-inlines-hidden -ffile-prefix-map=${source_folder}/=")
 
 # The text stubs stand for the system's libraries and declare all that is imported from them; what they lack does
-# not link. -s leaves out the paths of object files that a debugger would follow.
+# not link.
 set(stubs ${CMAKE_CURRENT_LIST_DIR}/macos_stubs)
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-s -Wl,-dead_strip -F${stubs} -L${stubs}")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-dead_strip -F${stubs} -L${stubs}")
