@@ -29,9 +29,13 @@ std::uint64_t statusValue(const fs::path& file, const std::string& key) {
   return 0;
 }
 
-void replaceExecutable(const fs::path& helper, const fs::path& probe) {
-  for (const fs::directory_entry& entry : fs::directory_iterator(helper / "Contents" / "MacOS")) {
-    fs::copy_file(probe, entry.path(), fs::copy_options::overwrite_existing);
+// Of the embedded applications: beside them lie programs that are no bundles.
+void replaceExecutables(const fs::path& helpers, const fs::path& probe) {
+  for (const fs::directory_entry& helper : fs::directory_iterator(helpers)) {
+    if (helper.path().extension() != ".app") continue;
+    for (const fs::directory_entry& entry : fs::directory_iterator(helper.path() / "Contents" / "MacOS")) {
+      fs::copy_file(probe, entry.path(), fs::copy_options::overwrite_existing);
+    }
   }
 }
 
@@ -40,9 +44,7 @@ Programs stage() {
   const fs::path bundle = Workplace::home() / "Applications" / "Karno.app";
   fs::create_directories(bundle.parent_path());
   fs::copy(builtBundle(), bundle, fs::copy_options::recursive);
-  for (const fs::directory_entry& helper : fs::directory_iterator(bundle / "Contents" / "Helpers")) {
-    replaceExecutable(helper.path(), bench / "start_probe");
-  }
+  replaceExecutables(bundle / "Contents" / "Helpers", bench / "start_probe");
   const fs::path version =
       Workplace::home().parent_path().parent_path() / "System/Library/CoreServices/SystemVersion.plist";
   fs::create_directories(version.parent_path());
