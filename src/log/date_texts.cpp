@@ -1,8 +1,10 @@
 #include "log/date_texts.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
@@ -31,13 +33,25 @@ class LogDateFormatter {
                   .upToSeconds = upToSeconds_->stringFromDate(start),
                   .zone = zone_->stringFromDate(start),
                   .digits = {}};
+    const bool hasPlainDigits = isPlain(second.upToSeconds);
     for (std::size_t digit = 0; digit < second.digits.size(); ++digit) {
-      second.digits[digit] = tenths_->stringFromDate(Date(start) + std::chrono::milliseconds(100 * digit));
+      second.digits[digit] = hasPlainDigits ? std::to_string(digit) : localDigit(start, digit);
     }
     return second;
   }
 
  private:
+  // The digits of the seconds are those of the milliseconds: it takes no formatter to see that a locale has
+  // none of its own.
+  static bool isPlain(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+  }
+
+  std::string localDigit(std::chrono::sys_seconds start, std::size_t digit) const {
+    return tenths_->stringFromDate(Date(start) + std::chrono::milliseconds(100 * digit));
+  }
+
   static std::unique_ptr<DateFormatter> make(const char* pattern) {
     return platform::host().text.makeDateFormatter(pattern);
   }
@@ -49,7 +63,7 @@ class LogDateFormatter {
 
 }  // namespace
 
-std::string stringForLogDate(Date date) {
+void appendLogDate(std::string& text, Date date) {
   static NeverDestroyed<LogDateFormatter> formatter;
   thread_local LogDateFormatter::Second second;
 
@@ -58,13 +72,16 @@ std::string stringForLogDate(Date date) {
 
   const auto milliseconds =
       static_cast<std::size_t>(std::chrono::floor<std::chrono::milliseconds>(date - start).count());
-  std::string text;
-  text.reserve(second.upToSeconds.size() + 3 * second.digits[0].size() + second.zone.size());
   text += second.upToSeconds;
   text += second.digits[milliseconds / 100];
   text += second.digits[milliseconds / 10 % 10];
   text += second.digits[milliseconds % 10];
   text += second.zone;
+}
+
+std::string stringForLogDate(Date date) {
+  std::string text;
+  appendLogDate(text, date);
   return text;
 }
 

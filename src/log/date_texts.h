@@ -11,6 +11,9 @@ namespace karno {
 // is formatted once a second on each thread, so a new time zone shows from the next second on.
 std::string stringForLogDate(platform::Date date);
 
+// The same at the end of `text`.
+void appendLogDate(std::string& text, platform::Date date);
+
 // "yyyyMMddHHmmssSSS": 20240305140709042
 std::string timestampForDate(platform::Date date);
 

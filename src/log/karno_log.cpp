@@ -1,6 +1,5 @@
 #include "log/karno_log.h"
 
-#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <utility>
@@ -18,6 +17,12 @@ constexpr double kFlushLookSeconds = 1.0;
 constexpr int kFlushLooksMax = 5;
 constexpr std::uint64_t kLinesPerSizeCheck = 10;
 constexpr std::uint64_t kRotationSizeBytes = 10'000'000;
+constexpr std::size_t kUsualPrefixBytesMax = 64;  // all of a line but the message
+
+// What stands between the date and the level.
+std::string processText() {
+  return fmt::format(" ({}) [", platform::host().processes.currentProcessIdentifier());
+}
 
 }  // namespace
 
@@ -27,7 +32,7 @@ KarnoLog& KarnoLog::manager() {
 }
 
 KarnoLog::KarnoLog()
-    : processIdentifier_(platform::host().processes.currentProcessIdentifier()),
+    : processText_(processText()),
       logDirectory_(wrapperLogDirectory()),
       filename_(wrapperLogFile()),
       oldFilename_(wrapperOldLogFile()) {
@@ -55,31 +60,31 @@ void KarnoLog::logIfVerbose(std::string_view message, std::string_view level) {
 }
 
 void KarnoLog::logMessage(std::string_view message, std::string_view level) {
-  const std::string date = stringForLogDate(platform::host().clock.now());
-  std::string line = fmt::format(FMT_COMPILE("{} ({}) [{}] {}"), date, processIdentifier_, level, message);
+  std::string line;
+  line.reserve(kUsualPrefixBytesMax + message.size());
+  appendLogDate(line, platform::host().clock.now());
+  line.append(processText_).append(level).append("] ").append(message);
   platform::host().consoleLog.log(line);
-  addEntry(std::move(line));
+  addEntry(line);
 }
 
-void KarnoLog::addEntry(std::string line) {
+void KarnoLog::addEntry(std::string_view line) {
   const std::lock_guard guard(lock_);
-  queuedLogs_.push_back(std::move(line));
+  queuedLogs_.push(line);
   queuedCount_.store(queuedLogs_.size(), std::memory_order_relaxed);
 }
 
-std::optional<std::string> KarnoLog::nextEntry() {
+bool KarnoLog::nextEntry(std::string& line) {
   const std::lock_guard guard(lock_);
-  if (queuedLogs_.empty()) return std::nullopt;
-  std::string line = std::move(queuedLogs_.front());
-  queuedLogs_.pop_front();
+  if (!queuedLogs_.pop(line)) return false;
   queuedCount_.store(queuedLogs_.size(), std::memory_order_relaxed);
-  return line;
+  return true;
 }
 
 void KarnoLog::dequeueLogEntries() {
   while (true) {
     platform::host().dispatch.sleep(kWriterPauseSeconds);
-    while (const std::optional<std::string> line = nextEntry()) write(*line);
+    for (std::string line; nextEntry(line);) write(line);
   }
 }
 

@@ -1,14 +1,13 @@
 #pragma once
 #include <atomic>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <string_view>
 
+#include "log/line_queue.h"
 #include "platform/dispatch.h"
 #include "platform/files.h"
 #include "platform/never_destroyed.h"
@@ -56,8 +55,8 @@ class KarnoLog {
   void cleanupOldLumberjackLogs();
   void logIfVerbose(std::string_view message, std::string_view level);
 
-  void addEntry(std::string line);
-  std::optional<std::string> nextEntry();
+  void addEntry(std::string_view line);
+  bool nextEntry(std::string& line);
   std::size_t queuedCount() const { return queuedCount_.load(std::memory_order_relaxed); }
   void waitUntilDrained() const;
 
@@ -67,7 +66,7 @@ class KarnoLog {
   std::shared_ptr<platform::AppendStream> filePointer();
   bool checkLogs();
 
-  const std::int32_t processIdentifier_;
+  const std::string processText_;
   const std::string logDirectory_;
   const std::string filename_;
   const std::string oldFilename_;
@@ -76,7 +75,7 @@ class KarnoLog {
   std::shared_ptr<platform::Queue> flushQueue_;
 
   std::mutex lock_;  // guards queuedLogs_
-  std::deque<std::string> queuedLogs_;
+  LineQueue queuedLogs_;
   std::atomic<std::size_t> queuedCount_{0};  // for the flush, which is content with an approximate answer
 
   std::uint64_t count_ = 0;                              // size checks asked for, writer only
