@@ -55,12 +55,18 @@ class Floor final : public PeerLog {
     if (write(STDERR_FILENO, line.data(), line.size()) < 0) return;
     const std::lock_guard guard(lock_);
     lines_.push_back(std::move(line));
-    ++appended_;
   }
 
-  void drain() override {
-    while (written_.load() < appended_) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  void settle() override {
+    logInfo("settle");
+    drain(lines() + 1);
   }
+
+  void drain(std::uint64_t lines) override {
+    waitUntil([&] { return written_.load() >= lines; });
+  }
+
+  std::uint64_t lines() const override { return written_.load(); }
 
  private:
   void run() {
@@ -86,7 +92,6 @@ class Floor final : public PeerLog {
   std::FILE* file_;
   std::mutex lock_;
   std::deque<std::string> lines_;
-  std::uint64_t appended_ = 0;
   std::atomic<std::uint64_t> written_{0};
   std::atomic<bool> stop_{false};
   std::thread writer_;

@@ -1,6 +1,4 @@
-#include <chrono>
 #include <cstdint>
-#include <thread>
 
 #include "log/karno_log.h"
 #include "peers.h"
@@ -13,19 +11,23 @@ class WrapperLog final : public PeerLog {
  public:
   void logInfo(std::string_view message) override { log_.logInfo(message); }
 
-  // A rotation costs the line whose check made it, so the queue is empty when lines and rotations add up. The
-  // queue itself tells nothing about the last line on its way.
-  void drain() override {
-    std::uint64_t before = 0;
-    do {
-      before = done();
-      std::this_thread::sleep_for(std::chrono::milliseconds(150));
-    } while (done() != before);
+  void settle() override {
+    log_.logInfo("settle");
+    drain(lines() + 1);
   }
+
+  // A rotation costs the line whose check made it. The queue itself tells nothing about the last line on its
+  // way.
+  void drain(std::uint64_t lines) override {
+    waitUntil([&] { return this->lines() >= lines; });
+  }
+
+  std::uint64_t lines() const override { return done() - before_; }
 
  private:
   static std::uint64_t done() { return fileCounts().linesWritten.load() + fileCounts().rotations.load(); }
 
+  const std::uint64_t before_ = done();
   KarnoLog& log_ = KarnoLog::manager();
 };
 

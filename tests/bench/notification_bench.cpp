@@ -1,73 +1,69 @@
 #include <benchmark/benchmark.h>
-#include <fmt/format.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "comparison.h"
-#include "ipc/wrapper_notification.h"
-#include "platform/platform.h"
+#include "load.h"
+#include "measurement.h"
+#include "receiver.h"
 #include "spoken_program.h"
-#include "started_program.h"
 
 namespace karno::bench {
 namespace {
 
-constexpr auto kSettle = std::chrono::milliseconds(1500);
 constexpr auto kPause = std::chrono::milliseconds(5);  // so that each finds its receiver asleep
-constexpr int kPosts = 100;
+
+int singlePosts() { return amount(100, 5); }
+int burstPosts() { return amount(10'000, 100); }
 
 // From the call that posts until the line that the receiver writes has been read; the median of many.
-void received(benchmark::State& state, const std::vector<std::string>& command, const std::string& ready) {
-  setenv("KARNO_BENCH_PROBE", "/dev/null", 1);
-  setenv("KARNO_BENCH_WAIT", "1", 1);
-  auto& centre = platform::host().distributedNotifications;
+void oneByOne(benchmark::State& state, const Receiver& receiver) {
   for (auto _ : state) {
-    SpokenProgram program(command);
-    if (!program.lineWith(ready)) return state.SkipWithError("the receiver did not start");
-    std::this_thread::sleep_for(kSettle);
-
+    const auto program = receiver.start();
     std::vector<double> took;
-    for (int number = 0; number < kPosts; ++number) {
-      const std::string text = fmt::format("bench-{}", number);
-      const auto notification = wrapperNotification(text, std::nullopt);
+    for (int number = 0; number < singlePosts(); ++number) {
       const std::int64_t before = monotonicNanoseconds();
-      if (!centre.post(notification)) return state.SkipWithError("nothing could be posted");
-      const auto line = program.lineWith("Received '" + text + "'");
-      if (!line) return state.SkipWithError("a notification was not received");
-      took.push_back(static_cast<double>(line->readNanoseconds - before) / 1e3);
+      postNumber(number);
+      took.push_back(static_cast<double>(received(*program, number) - before) / 1e3);
       std::this_thread::sleep_for(kPause);
     }
-    std::nth_element(took.begin(), took.begin() + kPosts / 2, took.end());
-    state.counters["microseconds"] = took[kPosts / 2];
+    state.counters["microseconds"] = medianOf(took);
+    state.counters["notifications"] = static_cast<double>(took.size());
   }
 }
 
-const bool registered = [] {
-  benchmark::RegisterBenchmark(
-      "notification_karno",
-      [](benchmark::State& state) { received(state, {Programs::staged().launcher.string()}, "(pid: "); })
-      ->Iterations(1)
-      ->Repetitions(9);
-  benchmark::RegisterBenchmark("notification_bare",
-                               [](benchmark::State& state) {
-                                 received(state, {Programs::staged().bareObserver.string()}, "listening");
-                               })
-      ->Iterations(1)
-      ->Repetitions(9);
+// From the first call that posts until the last line has been read.
+void burst(benchmark::State& state, const Receiver& receiver) {
+  for (auto _ : state) {
+    const auto program = receiver.start();
+    const std::int64_t before = monotonicNanoseconds();
+    const std::int64_t last = postAndRead(*program, 0, burstPosts());
+    state.counters["seconds"] = static_cast<double>(last - before) / 1e9;
+    state.counters["notifications"] = burstPosts();  // each was waited for
+  }
+}
+
+const Registration registration([] {
+  measure("notification_karno", 9, [](benchmark::State& state) { oneByOne(state, Receiver::launcher()); });
+  measure("notification_bare", 9, [](benchmark::State& state) { oneByOne(state, Receiver::bareObserver()); });
+  measure("notification_burst_karno", 9, [](benchmark::State& state) { burst(state, Receiver::launcher()); });
+  measure("notification_burst_bare", 9,
+          [](benchmark::State& state) { burst(state, Receiver::bareObserver()); });
 
   compare(
       {.name = "posting to the line that a notification was received, microseconds, beside a bare observer",
-       .ours = {"notification_karno", "microseconds"},
-       .beside = {"notification_bare", "microseconds"},
-       .bound = 1.2});
-  return true;
-}();
+       .ours = {"notification_karno", "microseconds", "notifications"},
+       .beside = {"notification_bare", "microseconds", "notifications"},
+       .bound = 1.1});
+  compare({.name = "10,000 notifications to the last line, seconds, beside a bare observer",
+           .ours = {"notification_burst_karno", "seconds", "notifications"},
+           .beside = {"notification_burst_bare", "seconds", "notifications"},
+           .bound = 1.2});
+});
 
 }  // namespace
 }  // namespace karno::bench

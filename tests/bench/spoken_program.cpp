@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -53,6 +54,16 @@ std::optional<SpokenProgram::Line> SpokenProgram::lineWith(const std::string& wo
     if (line->text.find(words) != std::string::npos) return line;
   }
   return std::nullopt;
+}
+
+std::optional<std::int64_t> SpokenProgram::endNanoseconds() {
+  const platform::ScopedDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, processIdentifier_, 0)));
+  pollfd item{.fd = process.get(), .events = POLLIN, .revents = 0};
+  if (poll(&item, 1, static_cast<int>(kLimitNanoseconds / 1'000'000)) != 1) return std::nullopt;
+  const std::int64_t end = monotonicNanoseconds();
+  waitpid(processIdentifier_, nullptr, 0);
+  processIdentifier_ = -1;
+  return end;
 }
 
 std::optional<SpokenProgram::Line> SpokenProgram::nextLine(std::int64_t giveUpAt) {

@@ -30,6 +30,11 @@ class SpokenProgram {
   // seconds or the program has ended.
   std::optional<Line> lineWith(const std::string& words);
 
+  // When it ended; absent when it still runs after ten seconds. To be asked once.
+  std::optional<std::int64_t> endNanoseconds();
+
+  pid_t processIdentifier() const { return processIdentifier_; }
+
  private:
   std::optional<Line> nextLine(std::int64_t giveUpAt);
 

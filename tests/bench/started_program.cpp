@@ -55,10 +55,15 @@ Programs stage() {
           .minimal = bench / "minimal_application",
           .probe = bench / "start_probe",
           .bareObserver = bench / "bare_observer",
-          .bareWaiter = bench / "bare_waiter"};
+          .bareWaiter = bench / "bare_waiter",
+          .growingLog = bench / "growing_log"};
 }
 
 }  // namespace
+
+std::uint64_t residentBytesOf(pid_t process) {
+  return 1024 * statusValue("/proc/" + std::to_string(process) + "/status", "VmRSS");
+}
 
 const Programs& Programs::staged() {
   static const Programs programs = stage();
@@ -115,10 +120,6 @@ double StartedProgram::processorSeconds() const {
   std::uint64_t system = 0;
   fields >> user >> system;
   return static_cast<double>(user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
-}
-
-std::uint64_t StartedProgram::residentBytes() const {
-  return 1024 * statusValue("/proc/" + std::to_string(processIdentifier_) + "/status", "VmRSS");
 }
 
 }  // namespace karno::bench

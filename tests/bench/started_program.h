@@ -8,6 +8,9 @@
 
 namespace karno::bench {
 
+// Of a running process.
+std::uint64_t residentBytesOf(pid_t process);
+
 // A bundle whose embedded application is the start probe, and the minimal programs that stand beside the
 // launcher.
 struct Programs {
@@ -16,6 +19,7 @@ struct Programs {
   std::filesystem::path probe;
   std::filesystem::path bareObserver;
   std::filesystem::path bareWaiter;
+  std::filesystem::path growingLog;
 
   // Stages them in the workplace, once.
   static const Programs& staged();
@@ -35,7 +39,7 @@ class StartedProgram {
   // All threads together, since the program started.
   std::uint64_t wakeUps() const;
   double processorSeconds() const;
-  std::uint64_t residentBytes() const;
+  std::uint64_t residentBytes() const { return residentBytesOf(processIdentifier_); }
 
  private:
   std::filesystem::path probeFile_;

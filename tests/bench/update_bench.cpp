@@ -1,8 +1,5 @@
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -11,7 +8,10 @@
 #include <thread>
 #include <vector>
 
+#include "command.h"
 #include "comparison.h"
+#include "load.h"
+#include "measurement.h"
 #include "update_files.h"
 #include "workplace.h"
 
@@ -20,33 +20,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kTurns = 5;
 constexpr auto kSampleInterval = std::chrono::milliseconds(2);
 
-double medianOf(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
-pid_t start(std::vector<std::string> words) {
-  std::vector<char*> pointers;
-  for (std::string& word : words) pointers.push_back(word.data());
-  pointers.push_back(nullptr);
-  posix_spawn_file_actions_t files;
-  posix_spawn_file_actions_init(&files);
-  posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  pid_t process = -1;
-  const int error = posix_spawnp(&process, pointers[0], &files, nullptr, pointers.data(), environ);
-  posix_spawn_file_actions_destroy(&files);
-  return error == 0 ? process : -1;
-}
-
-bool endedWell(pid_t process) {
-  int status = 0;
-  return process > 0 && waitpid(process, &status, 0) == process && WIFEXITED(status) &&
-         WEXITSTATUS(status) == 0;
-}
+int turns() { return amount(9, 1); }
 
 std::vector<std::string> ours(const UpdateFiles& files, const fs::path& archive, const fs::path& into) {
   return {builtBundle() / "Contents/Helpers/karno-installer",
@@ -75,13 +51,6 @@ std::vector<std::string> beside(const UpdateFiles& files, const fs::path& archiv
               files.signatureFile(archive).string() + "' -in '" + archive.string() + "' && " + unpack};
 }
 
-// Negative when it failed.
-double secondsOf(const std::vector<std::string>& command) {
-  const auto before = std::chrono::steady_clock::now();
-  if (!endedWell(start(command))) return -1;
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - before).count();
-}
-
 double anonymousMegabytes(pid_t process) {
   std::ifstream status("/proc/" + std::to_string(process) + "/status");
   std::string word;
@@ -94,7 +63,7 @@ double anonymousMegabytes(pid_t process) {
 
 // The most that was seen while the command ran; negative when it failed.
 double peakMegabytesOf(const std::vector<std::string>& command) {
-  const pid_t process = start(command);
+  const pid_t process = startCommand(command);
   if (process < 0) return -1;
   double peak = 0;
   siginfo_t end = {};
@@ -103,57 +72,76 @@ double peakMegabytesOf(const std::vector<std::string>& command) {
     std::this_thread::sleep_for(kSampleInterval);
     waitid(P_PID, static_cast<id_t>(process), &end, WEXITED | WNOHANG | WNOWAIT);
   }
-  return endedWell(process) ? peak : -1;
+  return exitStatusOf(process) == 0 ? peak : -1;
 }
+
+double bytesOfFilesIn(const fs::path& folder) {
+  std::uintmax_t bytes = 0;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file()) bytes += entry.file_size();
+  }
+  return static_cast<double>(bytes);
+}
+
+using MakeCommand = std::vector<std::string>(const UpdateFiles&, const fs::path&, const fs::path&);
+
+// One side of a comparison: the time of each turn, and what lay in the folder after the last.
+struct Side {
+  MakeCommand* command;
+  std::vector<double> seconds;
+  double bytes = 0;
+
+  bool takeTurn(const UpdateFiles& files, const fs::path& archive) {
+    const fs::path into = files.freshFolder();
+    seconds.push_back(secondsOfCommand(command(files, archive, into)));
+    bytes = bytesOfFilesIn(into);
+    return seconds.back() >= 0;
+  }
+};
 
 // Both take turns within one run, since a busy machine changes its pace from one run to the next.
 void unpack(benchmark::State& state, fs::path (UpdateFiles::*archive)() const) {
   const UpdateFiles& files = UpdateFiles::made();
   const fs::path path = (files.*archive)();
-  std::vector<double> oursSeconds;
-  std::vector<double> besideSeconds;
+  Side our{.command = ours, .seconds = {}};
+  Side other{.command = beside, .seconds = {}};
   for (auto _ : state) {
-    for (int turn = 0; turn < kTurns; ++turn) {
-      besideSeconds.push_back(secondsOf(beside(files, path, files.freshFolder())));
-      oursSeconds.push_back(secondsOf(ours(files, path, files.freshFolder())));
-      if (besideSeconds.back() < 0 || oursSeconds.back() < 0) return state.SkipWithError("a command failed");
+    for (int turn = 0; turn < turns(); ++turn) {
+      if (!other.takeTurn(files, path) || !our.takeTurn(files, path)) {
+        return state.SkipWithError("a command failed");
+      }
     }
     const double peak = peakMegabytesOf(ours(files, path, files.freshFolder()));
     if (peak < 0) return state.SkipWithError("the installer failed");
     state.counters["anonymous_megabytes"] = peak;
   }
-  state.counters["seconds"] = medianOf(oursSeconds);
-  state.counters["beside_seconds"] = medianOf(besideSeconds);
+  state.counters["seconds"] = medianOf(our.seconds);
+  state.counters["beside_seconds"] = medianOf(other.seconds);
+  state.counters["bytes"] = our.bytes;
+  state.counters["beside_bytes"] = other.bytes;
   state.counters["one_megabyte"] = 1;
   state.counters["archive_megabytes"] = static_cast<double>(fs::file_size(path)) / 1e6;
 }
 
-void addRows(const std::string& benchmark, const std::string& archive, const std::string& commands) {
-  compare({.name = "update verify and unpack 100 MB " + archive + ", seconds, beside " + commands,
-           .ours = {benchmark, "seconds"},
-           .beside = {benchmark, "beside_seconds"},
-           .bound = 1.2});
+void addBenchmark(const std::string& name, fs::path (UpdateFiles::*archive)() const, const std::string& kind,
+                  const std::string& commands) {
+  measure(name, 1, [archive](benchmark::State& state) { unpack(state, archive); });
+  compare({.name = "update verify and unpack 100 MB " + kind + ", seconds, beside " + commands,
+           .ours = {name, "seconds", "bytes"},
+           .beside = {name, "beside_seconds", "beside_bytes"},
+           .bound = 0.6});
   // The launcher needs no more of it while the installer runs: what it has beside is what the installer
   // takes.
-  compare({.name = "anonymous memory while unpacking above idle, MB, " + archive,
-           .ours = {benchmark, "anonymous_megabytes"},
-           .beside = {benchmark, "one_megabyte"},
+  compare({.name = "anonymous memory while unpacking above idle, MB, " + kind,
+           .ours = {name, "anonymous_megabytes", "bytes"},
+           .beside = {name, "one_megabyte", ""},
            .bound = 32});
 }
 
-const bool registered = [] {
-  benchmark::RegisterBenchmark("update_zip",
-                               [](benchmark::State& state) { unpack(state, &UpdateFiles::zip); })
-      ->Iterations(1)
-      ->Unit(benchmark::kMillisecond);
-  benchmark::RegisterBenchmark("update_tar_gz",
-                               [](benchmark::State& state) { unpack(state, &UpdateFiles::tarGzip); })
-      ->Iterations(1)
-      ->Unit(benchmark::kMillisecond);
-  addRows("update_zip", "zip", "openssl and unzip");
-  addRows("update_tar_gz", "tar.gz", "openssl and tar");
-  return true;
-}();
+const Registration registration([] {
+  addBenchmark("update_zip", &UpdateFiles::zip, "zip", "openssl and unzip");
+  addBenchmark("update_tar_gz", &UpdateFiles::tarGzip, "tar.gz", "openssl and tar");
+});
 
 }  // namespace
 }  // namespace karno::bench

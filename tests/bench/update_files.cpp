@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "load.h"
 #include "workplace.h"
 
 namespace karno::bench {
@@ -18,9 +19,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kFiles = 200;
 constexpr std::size_t kFileBytes = 384'000;  // of each kind; all files together pack to about 100 MB
-constexpr std::size_t kLibraryBytes = 15'000'000;
+
+std::size_t files() { return amount(std::size_t{200}, std::size_t{2}); }
+std::size_t libraryBytes() { return amount(std::size_t{15'000'000}, std::size_t{300'000}); }
 
 void run(const fs::path& folder, const std::string& command) {
   const std::string line = "cd '" + folder.string() + "' && { " + command + "; } >/dev/null 2>&1";
@@ -73,13 +75,13 @@ void writeBundle(const fs::path& bundle, std::string_view version) {
 
 void fillBundle(const fs::path& bundle) {
   std::mt19937_64 random(1);
-  for (std::size_t number = 0; number < kFiles; ++number) {
+  for (std::size_t number = 0; number < files(); ++number) {
     const fs::path folder = bundle / "Contents/Resources" / std::to_string(number % 20);
     write(folder / ("picture" + std::to_string(number)), packed(random, kFileBytes));
     write(folder / ("texts" + std::to_string(number)), packable(random, kFileBytes / 2));
   }
   for (const char* name : {"One", "Two"})
-    write(bundle / "Contents/Frameworks" / name, packable(random, kLibraryBytes));
+    write(bundle / "Contents/Frameworks" / name, packable(random, libraryBytes()));
 }
 
 }  // namespace

@@ -70,6 +70,23 @@ class CountingFiles final : public platform::Files {
   platform::Files& files_;
 };
 
+std::atomic<std::uint64_t>& shellCount() {
+  static std::atomic<std::uint64_t> count{0};
+  return count;
+}
+
+class CountingShell final : public platform::Shell {
+ public:
+  explicit CountingShell(platform::Shell& shell) : shell_(shell) {}
+  platform::Result<std::unique_ptr<platform::ShellPipe>> open(const std::string& line) override {
+    shellCount().fetch_add(1, std::memory_order_relaxed);
+    return shell_.open(line);
+  }
+
+ private:
+  platform::Shell& shell_;
+};
+
 class LaunchersBundles final : public platform::Bundles {
  public:
   explicit LaunchersBundles(const platform::Bundles& bundles)
@@ -88,7 +105,7 @@ class LaunchersBundles final : public platform::Bundles {
 };
 
 platform::Platform withServices(const platform::Platform& native, platform::Files& files,
-                                platform::Bundles& bundles) {
+                                platform::Bundles& bundles, platform::Shell& shell) {
   return {native.application,
           native.alerts,
           native.windows,
@@ -107,7 +124,7 @@ platform::Platform withServices(const platform::Platform& native, platform::File
           native.consoleLog,
           native.systemVersion,
           native.updaters,
-          native.shell,
+          shell,
           native.urlLoading,
           native.identifiers,
           native.processList,
@@ -162,10 +179,13 @@ FileCounts& fileCounts() {
   return counts;
 }
 
+std::uint64_t shellCommands() { return shellCount(); }
+
 platform::Platform& countingPlatform(platform::Platform& native) {
   static CountingFiles files(native.files);
   static LaunchersBundles bundles(native.bundles);
-  static platform::Platform platform = withServices(native, files, bundles);
+  static CountingShell shell(native.shell);
+  static platform::Platform platform = withServices(native, files, bundles, shell);
   return platform;
 }
 

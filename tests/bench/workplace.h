@@ -37,8 +37,11 @@ struct FileCounts {
 
 FileCounts& fileCounts();
 
-// The native platform with its files wrapped, so that lines that reached the file and rotations are counted,
-// and with the launcher's bundle for its own.
+// How many shell lines the launcher's code has run since the program started.
+std::uint64_t shellCommands();
+
+// The native platform with its files and its shell wrapped, so that lines that reached the file, rotations
+// and shell lines are counted, and with the launcher's bundle for its own.
 platform::Platform& countingPlatform(platform::Platform& native);
 
 }  // namespace karno::bench
