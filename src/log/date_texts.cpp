@@ -16,59 +16,53 @@ using platform::Date;
 using platform::DateFormatter;
 using platform::NeverDestroyed;
 
-// A log line's date changes only in its milliseconds from one line to the next. The pattern is kept in three
-// pieces, which the formatter renders to the same text as the whole, so that the slow two are rendered
-// rarely.
-class LogDateFormatter {
- public:
-  struct Second {
-    std::chrono::sys_seconds start{std::chrono::seconds::min()};
-    std::string upToSeconds;
-    std::string zone;
-    std::array<std::string, 10> digits;  // the locale's own
-  };
+// A log line's date changes only in its milliseconds from one line to the next. All but them is rendered once
+// a second, in one go, with a mark where they belong.
+constexpr char kMark = '|';
+constexpr const char* kSecondPattern = "yyyy-MM-dd HH:mm:ss:'|'ZZZ";
 
-  Second render(std::chrono::sys_seconds start) const {
-    Second second{.start = start,
-                  .upToSeconds = upToSeconds_->stringFromDate(start),
-                  .zone = zone_->stringFromDate(start),
-                  .digits = {}};
-    const bool hasPlainDigits = isPlain(second.upToSeconds);
-    for (std::size_t digit = 0; digit < second.digits.size(); ++digit) {
-      second.digits[digit] = hasPlainDigits ? std::to_string(digit) : localDigit(start, digit);
-    }
-    return second;
-  }
-
- private:
-  // The digits of the seconds are those of the milliseconds: it takes no formatter to see that a locale has
-  // none of its own.
-  static bool isPlain(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
-  }
-
-  std::string localDigit(std::chrono::sys_seconds start, std::size_t digit) const {
-    return tenths_->stringFromDate(Date(start) + std::chrono::milliseconds(100 * digit));
-  }
-
-  static std::unique_ptr<DateFormatter> make(const char* pattern) {
-    return platform::host().text.makeDateFormatter(pattern);
-  }
-
-  std::unique_ptr<DateFormatter> upToSeconds_ = make("yyyy-MM-dd HH:mm:ss:");
-  std::unique_ptr<DateFormatter> tenths_ = make("S");
-  std::unique_ptr<DateFormatter> zone_ = make("ZZZ");
+struct LogSecond {
+  std::chrono::sys_seconds start{std::chrono::seconds::min()};
+  std::string upToSeconds;
+  std::string zone;
+  std::array<std::string, 10> digits;  // the locale's own
 };
+
+// The digits of the seconds are those of the milliseconds: it takes no formatter to see that a locale has
+// none of its own.
+bool hasPlainDigits(std::string_view upToSeconds) {
+  return std::all_of(upToSeconds.begin(), upToSeconds.end(),
+                     [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
+std::string localDigit(std::chrono::sys_seconds start, std::size_t digit) {
+  static NeverDestroyed<std::unique_ptr<DateFormatter>> tenths(platform::host().text.makeDateFormatter("S"));
+  return (*tenths)->stringFromDate(Date(start) + std::chrono::milliseconds(100 * digit));
+}
+
+LogSecond renderLogSecond(std::chrono::sys_seconds start) {
+  static NeverDestroyed<std::unique_ptr<DateFormatter>> formatter(
+      platform::host().text.makeDateFormatter(kSecondPattern));
+  const std::string text = (*formatter)->stringFromDate(start);
+  const std::size_t mark = std::min(text.find(kMark), text.size());
+  LogSecond second{.start = start,
+                   .upToSeconds = text.substr(0, mark),
+                   .zone = text.substr(std::min(mark + 1, text.size())),
+                   .digits = {}};
+  const bool isPlain = hasPlainDigits(second.upToSeconds);
+  for (std::size_t digit = 0; digit < second.digits.size(); ++digit) {
+    second.digits[digit] = isPlain ? std::to_string(digit) : localDigit(start, digit);
+  }
+  return second;
+}
 
 }  // namespace
 
 void appendLogDate(std::string& text, Date date) {
-  static NeverDestroyed<LogDateFormatter> formatter;
-  thread_local LogDateFormatter::Second second;
+  thread_local LogSecond second;
 
   const auto start = std::chrono::floor<std::chrono::seconds>(date);
-  if (second.start != start) second = formatter->render(start);
+  if (second.start != start) second = renderLogSecond(start);
 
   const auto milliseconds =
       static_cast<std::size_t>(std::chrono::floor<std::chrono::milliseconds>(date - start).count());
