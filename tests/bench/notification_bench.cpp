@@ -59,10 +59,11 @@ const Registration registration([] {
        .ours = {"notification_karno", "microseconds", "notifications"},
        .beside = {"notification_bare", "microseconds", "notifications"},
        .bound = 1.1});
+  // The launcher writes two lines for each, the observer one.
   compare({.name = "10,000 notifications to the last line, seconds, beside a bare observer",
            .ours = {"notification_burst_karno", "seconds", "notifications"},
            .beside = {"notification_burst_bare", "seconds", "notifications"},
-           .bound = 1.2});
+           .bound = 1.5});
 });
 
 }  // namespace
