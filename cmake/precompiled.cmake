@@ -1,5 +1,5 @@
 # Compiles the headers that nearly every source includes once, instead of once a source. Every source still includes
-# what it uses: cmake -DKARNO_PRECOMPILE=OFF shows whether it does.
+# what it uses: the release preset, which goes without, shows whether it does.
 option(KARNO_PRECOMPILE "Compile common headers once" ON)
 if(NOT KARNO_PRECOMPILE)
   return()
