@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <iterator>
 #include <utility>
 
 namespace karno::test {
@@ -10,36 +11,48 @@ using platform::Block;
 using platform::Queue;
 using platform::QueuePriority;
 
+namespace {
+
+constexpr const char* kMainQueue = "main queue";
+constexpr const char* kMainOperationQueue = "main operation queue";
+
+}  // namespace
+
 class FakeDispatch::MainQueue final : public Queue {
  public:
-  MainQueue(FakeScheduler& scheduler, MainLane lane) : scheduler_(scheduler), lane_(lane) {}
-  void async(Block block) override { scheduler_.addToMain(lane_, std::move(block)); }
+  MainQueue(FakeDispatch& dispatch, MainLane lane) : dispatch_(dispatch), lane_(lane) {}
+  void async(Block block) override {
+    dispatch_.submissions_.emplace_back(lane_ == MainLane::DispatchQueue ? kMainQueue : kMainOperationQueue);
+    dispatch_.scheduler_.addToMain(lane_, std::move(block));
+  }
 
  private:
-  FakeScheduler& scheduler_;
+  FakeDispatch& dispatch_;
   MainLane lane_;
 };
 
 class FakeDispatch::GlobalQueue final : public Queue {
  public:
-  GlobalQueue(FakeScheduler& scheduler, QueuePriority ofQueue) : priority(ofQueue), scheduler_(scheduler) {}
+  GlobalQueue(FakeDispatch& dispatch, QueuePriority ofQueue) : priority(ofQueue), dispatch_(dispatch) {}
   void async(Block block) override {
-    scheduler_.addThread("global(" + std::to_string(static_cast<long>(priority)) + ")", std::move(block));
+    const std::string thread = "global(" + std::to_string(static_cast<long>(priority)) + ")";
+    dispatch_.submissions_.push_back(thread);
+    dispatch_.scheduler_.addThread(thread, std::move(block));
   }
 
   const QueuePriority priority;
 
  private:
-  FakeScheduler& scheduler_;
+  FakeDispatch& dispatch_;
 };
 
 // One virtual thread per block; the next one is made when the block before it has ended.
 class FakeDispatch::SerialQueue final : public Queue, public std::enable_shared_from_this<SerialQueue> {
  public:
-  SerialQueue(FakeScheduler& scheduler, std::string label)
-      : scheduler_(scheduler), label_(std::move(label)) {}
+  SerialQueue(FakeDispatch& dispatch, std::string label) : dispatch_(dispatch), label_(std::move(label)) {}
 
   void async(Block block) override {
+    dispatch_.submissions_.push_back(label_);
     blocks_.push_back(std::move(block));
     if (!busy_) runNext();
   }
@@ -62,13 +75,13 @@ class FakeDispatch::SerialQueue final : public Queue, public std::enable_shared_
     if (!busy_) return;
     Block block = std::move(blocks_.front());
     blocks_.pop_front();
-    scheduler_.addThread(label_, [self = shared_from_this(), run = std::move(block)] {
+    dispatch_.scheduler_.addThread(label_, [self = shared_from_this(), run = std::move(block)] {
       const Turn turn(*self);
       run();
     });
   }
 
-  FakeScheduler& scheduler_;
+  FakeDispatch& dispatch_;
   const std::string label_;
   std::deque<Block> blocks_;
   bool busy_ = false;
@@ -97,11 +110,11 @@ class FakeDispatch::Group final : public platform::DispatchGroup {
 
 FakeDispatch::FakeDispatch(FakeScheduler& scheduler)
     : scheduler_(scheduler),
-      mainQueue_(std::make_unique<MainQueue>(scheduler, MainLane::DispatchQueue)),
-      mainOperationQueue_(std::make_unique<MainQueue>(scheduler, MainLane::OperationQueue)) {
+      mainQueue_(std::make_unique<MainQueue>(*this, MainLane::DispatchQueue)),
+      mainOperationQueue_(std::make_unique<MainQueue>(*this, MainLane::OperationQueue)) {
   for (const QueuePriority priority :
        {QueuePriority::High, QueuePriority::Default, QueuePriority::Low, QueuePriority::Background}) {
-    globalQueues_.push_back(std::make_unique<GlobalQueue>(scheduler, priority));
+    globalQueues_.push_back(std::make_unique<GlobalQueue>(*this, priority));
   }
 }
 
@@ -120,7 +133,15 @@ Queue& FakeDispatch::globalQueue(QueuePriority priority) {
 
 std::shared_ptr<Queue> FakeDispatch::makeSerialQueue(std::string label) {
   serialQueues_.push_back(label);
-  return std::make_shared<SerialQueue>(scheduler_, std::move(label));
+  return std::make_shared<SerialQueue>(*this, std::move(label));
+}
+
+std::vector<std::string> FakeDispatch::mainSubmissions() const {
+  std::vector<std::string> found;
+  std::ranges::copy_if(submissions_, std::back_inserter(found), [](const std::string& queue) {
+    return queue == kMainQueue || queue == kMainOperationQueue;
+  });
+  return found;
 }
 
 std::shared_ptr<platform::DispatchGroup> FakeDispatch::makeGroup() {

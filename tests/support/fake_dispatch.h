@@ -26,6 +26,13 @@ class FakeDispatch final : public platform::Dispatch {
   // Labels of the serial queues in the order made.
   const std::vector<std::string>& serialQueues() const { return serialQueues_; }
 
+  // Which queue each block was given to, in that order: "main queue", "main operation queue", or the name of
+  // the thread that is to run it.
+  const std::vector<std::string>& submissions() const { return submissions_; }
+
+  // The same for the blocks of the main thread alone.
+  std::vector<std::string> mainSubmissions() const;
+
  private:
   class MainQueue;
   class GlobalQueue;
@@ -37,6 +44,7 @@ class FakeDispatch final : public platform::Dispatch {
   std::unique_ptr<MainQueue> mainOperationQueue_;
   std::vector<std::unique_ptr<GlobalQueue>> globalQueues_;
   std::vector<std::string> serialQueues_;
+  std::vector<std::string> submissions_;
 };
 
 }  // namespace karno::test

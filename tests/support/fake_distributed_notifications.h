@@ -19,6 +19,9 @@ class FakeDistributedNotifications final : public platform::DistributedNotificat
 
   std::size_t observerCount() const { return observers_.size(); }
 
+  // How many notifications anybody has posted.
+  std::size_t postCount() const { return postCount_; }
+
  private:
   struct Observer {
     const void* observer;
@@ -33,6 +36,7 @@ class FakeDistributedNotifications final : public platform::DistributedNotificat
   FakeScheduler& scheduler_;
   std::vector<Observer> observers_;
   std::size_t nextNumber_ = 0;
+  std::size_t postCount_ = 0;
 };
 
 }  // namespace karno::test

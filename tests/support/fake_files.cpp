@@ -154,6 +154,10 @@ void FakeFiles::addSymbolicLink(const std::string& path, std::string destination
   insert(path, {FileType::SymbolicLink, clock_.now(), nullptr, std::move(destination)});
 }
 
+void FakeFiles::addEntry(const std::string& path, FileType type, platform::Date creationDate) {
+  insert(path, {type, creationDate, nullptr, {}});
+}
+
 void FakeFiles::setSize(const std::string& path, std::uint64_t size) {
   if (find(path) == nullptr) addFile(path, "");
   Content& content = *nodes_.at(path).content;

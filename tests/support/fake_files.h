@@ -47,6 +47,9 @@ class FakeFiles final : public platform::Files {
   void addDirectory(const std::string& path);
   void addSymbolicLink(const std::string& path, std::string destination);
 
+  // One of any type, without content.
+  void addEntry(const std::string& path, platform::FileType type, platform::Date creationDate);
+
   // Makes the file appear this big; the bytes in front of its text are not stored.
   void setSize(const std::string& path, std::uint64_t size);
 

@@ -1,5 +1,6 @@
 #pragma once
 #include <array>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -44,7 +45,10 @@ class FakeWorkspace final : public platform::Workspace {
     selected.emplace_back(path, rootFolder);
   }
 
-  void openURL(const std::string& url) override { opened.push_back({url, scheduler_.currentThreadName()}); }
+  void openURL(const std::string& url) override {
+    opened.push_back({url, scheduler_.currentThreadName()});
+    if (whenOpened) whenOpened();
+  }
 
   struct Opened {
     std::string url;
@@ -52,6 +56,7 @@ class FakeWorkspace final : public platform::Workspace {
     bool operator==(const Opened&) const = default;
   };
   std::vector<Opened> opened;
+  std::function<void()> whenOpened;  // runs inside every opening
 
   std::vector<platform::RunningApplication> runningApplications(
       const std::string& bundleIdentifier) override {

@@ -28,7 +28,8 @@ class FakeUpdater final : public platform::Updaters {
   int made = 0;
   int checks = 0;
   std::vector<bool> automaticChecks;
-  std::vector<std::string> calls;  // what was asked for on the main thread, in its order
+  std::vector<std::string> calls;      // what was asked for on the main thread, in its order
+  std::vector<std::string> questions;  // after its state, in their order
 
   std::function<void()> whenChecking;  // runs inside every requested check
 
@@ -45,8 +46,14 @@ class FakeUpdater final : public platform::Updaters {
       owner_.note("startUpdater");
       return owner_.startError;
     }
-    bool sessionInProgress() const override { return owner_.inSession; }
-    bool canCheckForUpdates() const override { return owner_.canCheck; }
+    bool sessionInProgress() const override {
+      owner_.questions.emplace_back("sessionInProgress");
+      return owner_.inSession;
+    }
+    bool canCheckForUpdates() const override {
+      owner_.questions.emplace_back("canCheckForUpdates");
+      return owner_.canCheck;
+    }
     void checkForUpdates() override {
       owner_.note("checkForUpdates");
       ++owner_.checks;

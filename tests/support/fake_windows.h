@@ -136,7 +136,8 @@ class FakePromptWindow final : public platform::PromptWindow {
 struct FakeProgressState {
   explicit FakeProgressState(FakeScheduler& scheduler)
       : textField(scheduler), progressIndicator(scheduler, calls), cancelButton(scheduler) {}
-  std::vector<std::string> calls;  // of the window and its bar: "show", "close", "min 0", "stop"
+  std::vector<std::string> calls;    // of the window and its bar: "show", "close", "min 0", "stop"
+  std::function<void()> whenClosed;  // runs inside every close
   FakeTextLabel textField;
   FakeProgressIndicator progressIndicator;
   FakePushButton cancelButton;
@@ -156,7 +157,10 @@ class FakeProgressWindow final : public platform::ProgressWindow {
   FakeProgressIndicator& progressIndicator() override { return state_->progressIndicator; }
   FakePushButton& cancelButton() override { return state_->cancelButton; }
   void show() override { note("show"); }
-  void close() override { note("close"); }
+  void close() override {
+    note("close");
+    if (state_->whenClosed) state_->whenClosed();
+  }
 
  private:
   void note(const char* call) {
