@@ -66,6 +66,18 @@ TEST(AppDelegateStart, ComesToTheFrontAfterTheLogAndTheListenerAndBeforeTheMoveC
   EXPECT_EQ(observersThen, 1U);
 }
 
+TEST(AppDelegateStart, BeginsToListenOnlyOnceTheLogHasStarted) {
+  FakePlatform machine;
+  std::size_t observersThen = 99;
+  machine.whenLogged(kBannerParent, [&] { observersThen = machine.notifications.observerCount(); });
+  Launcher launcher(machine);
+
+  launcher.finishLaunching();
+
+  EXPECT_EQ(observersThen, 0U);
+  EXPECT_EQ(machine.notifications.observerCount(), 1U);
+}
+
 TEST(AppDelegateStart, ChecksForAMoveOnTheBackgroundQueue) {
   FakePlatform machine;
   machine.withEmbeddedBuilds();
@@ -97,6 +109,20 @@ TEST(AppDelegateStart, StartsTheMainWindowOnTheMainThreadOnceNoMoveIsNeeded) {
                           Line("INFO", "EmbeddedApp[CONFIGURE] Use File Provider = Yes (first startup)"),
                           Line("INFO", "Startup[CHECK] Checking system for FileProvider...")));
   EXPECT_EQ(threadOf(machine, log[7]), "main");
+}
+
+TEST(AppDelegateStart, StartsTheMainWindowOnALaterTurnAlsoWhenTheAnswerComesOnTheMainThread) {
+  FakePlatform machine;
+  Launcher launcher(machine);
+
+  launcher.delegate().moveApplicationNotNeeded(mover());
+  const std::size_t observersAtReturn = machine.windows.prompt.observerCount();
+  const auto submissionsAtReturn = machine.dispatch.mainSubmissions();
+  machine.runUntilIdle();
+
+  EXPECT_EQ(observersAtReturn, 0U);
+  EXPECT_THAT(submissionsAtReturn, ElementsAre("main operation queue"));
+  EXPECT_EQ(machine.windows.prompt.observerCount(), 1U);
 }
 
 TEST(AppDelegateStart, StartsTheMainWindowAlsoWhileTheMainDispatchQueueIsAtWork) {
@@ -277,6 +303,15 @@ TEST(TerminateWithReason, ReturnsAtOnceOnAnyThreadAndTerminatesOnTheMainOne) {
   EXPECT_EQ(returnedAt, 0);
   EXPECT_EQ(terminationsAtReturn, 0);
   EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST(TerminateWithReason, TerminatesThroughTheMainOperationQueue) {
+  FakePlatform machine;
+
+  AppDelegate::terminateWithReason("by that queue");
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main operation queue"));
 }
 
 TEST(TerminateWithReason, TerminatesAfterFiveSecondsThoughTheLogIsNeverEmpty) {

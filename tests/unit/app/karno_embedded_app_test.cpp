@@ -124,6 +124,16 @@ INSTANTIATE_TEST_SUITE_P(WithoutAPair, EmbeddedAppOtherCommandLine,
                              {"-launch", "x", "Karno.app"},
                              {"Karno.app", "-launch"}}));
 
+// What starts a program chooses every word, the first as well.
+TEST(EmbeddedAppArguments, AreLookedAtFromTheVeryFirstWord) {
+  FakePlatform machine;
+  machine.withFirstStartup(false);
+  machine.processes.commandLine = {"-launch", "Karno.app"};
+
+  EXPECT_EQ(KarnoEmbeddedApp::manager().appType(), KarnoAppType::FileProvider);
+  EXPECT_THAT(machine.settings().writes, IsEmpty());
+}
+
 TEST(EmbeddedAppArguments, MayBeNone) {
   FakePlatform machine;
   machine.processes.commandLine.clear();
@@ -229,6 +239,31 @@ TEST(EmbeddedAppSettings, OfAnInstallationInUseStayFuse) {
   EXPECT_THAT(
       machine.consoleMessages(),
       ElementsAre(Line("INFO", "EmbeddedApp[CONFIGURE] Use File Provider = No (already using Fuse)")));
+}
+
+TEST(EmbeddedAppSettings, ThatNobodyHasVerifiedAreNotKeptInAnInstallationInUse) {
+  FakePlatform machine;
+  machine.withFirstStartup(false).withUserSetting("useFileProvider", true);
+
+  const KarnoAppType type = KarnoEmbeddedApp::manager().appType();
+
+  EXPECT_EQ(type, KarnoAppType::Fuse);
+  EXPECT_THAT(machine.settings().writes, ElementsAre(Pair("useFileProviderVerified", Value(true)),
+                                                     Pair("useFileProvider", Value(false))));
+  EXPECT_THAT(
+      machine.consoleMessages(),
+      ElementsAre(Line("INFO", "EmbeddedApp[CONFIGURE] Use File Provider = No (already using Fuse)")));
+}
+
+TEST(EmbeddedAppSettings, ThatNobodyHasVerifiedAreNotKeptInANewInstallation) {
+  FakePlatform machine;
+  machine.withFirstStartup(true).withUserSetting("useFileProvider", false);
+
+  const KarnoAppType type = KarnoEmbeddedApp::manager().appType();
+
+  EXPECT_EQ(type, KarnoAppType::FileProvider);
+  EXPECT_THAT(machine.settings().writes, ElementsAre(Pair("useFileProviderVerified", Value(true)),
+                                                     Pair("useFileProvider", Value(true))));
 }
 
 TEST(EmbeddedAppSettings, AreVerifiedAtTheSecondStart) {

@@ -11,8 +11,10 @@ namespace {
 using platform::Value;
 using test::FakePlatform;
 using test::Line;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::Pair;
 
 constexpr const char* kStrings = R"({"CONTINUE": "Go on", "CANCEL": "Stop",
@@ -97,6 +99,7 @@ TEST(InstallPrompt, IsShownLaterThroughTheMainOperationQueue) {
   machine.onThread([&] { window->startUpNeedsToInstallFuse(manager(), true); });
   machine.runUntilIdle();
 
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main operation queue"));
   EXPECT_THAT(machine.consoleMessages(), ElementsAre(Line("INFO", "Main: Need to install Fuse")));
   EXPECT_EQ(window->fuseMessage().stringValue(), "macFUSE is old.");
   EXPECT_TRUE(machine.windows.prompt.isInFront());
@@ -144,6 +147,20 @@ TEST(ContinueButton, ClosesTheWindowAndBeginsTheDownload) {
       ElementsAre(Line("INFO", "Main: User pressed continue to install Fuse"),
                   Line("INFO", "Startup[FUSE] Showing macFuse website and asking user to install Fuse")));
   EXPECT_EQ(machine.workspace.opened.size(), 1U);
+}
+
+TEST(ContinueButton, HasClosedTheWindowBeforeTheDownloadIsAskedFor) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+  std::vector<std::string> submissionsAtTheClosing = {"never closed"};
+  machine.windows.prompt.addWillCloseObserver(
+      [&] { submissionsAtTheClosing = machine.dispatch.submissions(); });
+
+  window->continueToInstallFusePressed();
+
+  EXPECT_THAT(submissionsAtTheClosing, Not(Contains("global(0)")));
+  EXPECT_THAT(submissionsAtTheClosing, Not(Contains("never closed")));
+  EXPECT_THAT(machine.dispatch.submissions(), Contains("global(0)"));
 }
 
 TEST(CancelButton, ClosesTheWindowResetsTheUpdaterAndQuits) {

@@ -44,6 +44,18 @@ TEST(MainWindowStartUp, ObservesItsOwnClosingAndChecksTheSystem) {
                           Line("INFO", "Main: System is okay - launching Karno")));
 }
 
+TEST(MainWindowStartUp, ObservesItsOwnClosingBeforeTheCheck) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+  std::size_t observersThen = 99;
+  machine.whenLogged(Line("INFO", "Startup[CHECK] Checking system for FileProvider..."),
+                     [&] { observersThen = machine.windows.prompt.observerCount(); });
+
+  window->startUp();
+
+  EXPECT_EQ(observersThen, 1U);
+}
+
 TEST(MainWindowStartUp, HasBecomeTheManagersDelegateBeforeTheCheck) {
   FakePlatform machine;
   machine.withEmbeddedBuilds();
@@ -132,6 +144,15 @@ TEST(MainWindowCallbacks, CloseTheWindowOnlyLaterWhenCalledOnTheMainThread) {
   EXPECT_EQ(machine.windows.prompt.closes(), 0);
 }
 
+TEST(MainWindowCallbacks, CloseTheWindowThroughTheMainDispatchQueue) {
+  FakePlatform machine;
+  const auto window = makeWindow(machine);
+
+  window->startUpDidLaunchKarnoSuccessfully(manager());
+
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
+}
+
 // What the main dispatch queue is given waits for the block of it that runs, and so for its alert.
 TEST(MainWindowCallbacks, CloseTheWindowOnlyAfterAnAlertThatIsOpen) {
   FakePlatform machine;
@@ -189,6 +210,7 @@ TEST(MainWindowCallbacks, ShowTheAlertLaterThroughTheMainOperationQueue) {
   window->startUpDidFailToLaunchKarno(manager());
 
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main operation queue"));
 }
 
 TEST(MainWindowCallbacks, QuitOnlyOnceTheAlertIsDismissed) {

@@ -58,6 +58,22 @@ TEST(ProgressWindow, ShowingItResetsTheBarButNotTheProgress) {
   EXPECT_EQ(controller->progress(), 42);
 }
 
+class ProgressBeyondTheBar : public ::testing::TestWithParam<std::int64_t> {};
+
+// The bar itself draws no more than its ends.
+TEST_P(ProgressBeyondTheBar, IsHandedOnAsItIs) {
+  FakePlatform machine;
+  const auto controller = ProgressWindowController::make();
+
+  controller->setProgress(GetParam());
+
+  EXPECT_EQ(controller->progress(), GetParam());
+  EXPECT_EQ(windowOf(machine).progressIndicator.doubleValue(), static_cast<double>(GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(ProgressWindow, ProgressBeyondTheBar,
+                         ::testing::Values(-1, -5'000'000'000, 101, 5'000'000'000));
+
 TEST(ProgressWindow, ClosingItThenStopsTheAnimation) {
   FakePlatform machine;
   const auto controller = ProgressWindowController::make();

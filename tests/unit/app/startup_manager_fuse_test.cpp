@@ -11,6 +11,7 @@ namespace {
 using test::FakePlatform;
 using test::Line;
 using test::StartupRecorder;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -198,10 +199,46 @@ TEST(FuseDownload, DoesNotLookAtACancel) {
 
   manager().informUserToDownloadFuse();
   machine.runFor(60);
+  EXPECT_THAT(delegate->calls, IsEmpty());
   machine.withFuse("4.4.1");
   machine.runFor(2);
 
   EXPECT_THAT(delegate->calls, ElementsAre("checked on it.vantul.KarnoWrapper.download-wait"));
+}
+
+// Four hours, which are more than seven thousand looks.
+TEST(FuseDownload, NeverGivesUp) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+
+  manager().informUserToDownloadFuse();
+  machine.runFor(4.0 * 3600);
+  EXPECT_THAT(delegate->calls, IsEmpty());
+  machine.withFuse("4.4.1");
+  machine.runFor(2);
+
+  EXPECT_THAT(delegate->calls, ElementsAre("checked on it.vantul.KarnoWrapper.download-wait"));
+}
+
+TEST(FuseDownload, HasAQueueToWaitOnBeforeItOpensTheWebSite) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  std::vector<std::string> queuesThen;
+  machine.workspace.whenOpened = [&] { queuesThen = machine.dispatch.serialQueues(); };
+
+  manager().informUserToDownloadFuse();
+
+  EXPECT_THAT(queuesThen, Contains("it.vantul.KarnoWrapper.download-wait"));
+}
+
+TEST(FuseDownload, ShowsTheAlertThroughTheMainDispatchQueue) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+
+  manager().informUserToDownloadFuse();
+  machine.runFor(3);
+
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
 }
 
 TEST(FuseDownload, UsesOneQueueForEveryWait) {
@@ -248,10 +285,23 @@ TEST(ManualInstall, AsksWhenItIsItsTurnOnTheMainDispatchQueue) {
   EXPECT_THAT(machine.alerts.shown(), ElementsAre(kContinueAlert));
 }
 
-TEST(ManualInstall, AnotherAnswerDoesNothing) {
+TEST(ManualInstall, AsksThroughTheMainDispatchQueue) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
   machine.alerts.answerNext(1002);
+
+  manager().continueAfterManualInstall();
+  machine.runFor(3);
+
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
+}
+
+class AnswerOfNoButton : public ::testing::TestWithParam<long> {};
+
+TEST_P(AnswerOfNoButton, DoesNothing) {
+  FakePlatform machine;
+  const auto delegate = recordCallsOf(machine);
+  machine.alerts.answerNext(GetParam());
 
   manager().continueAfterManualInstall();
   machine.runFor(60);
@@ -259,6 +309,9 @@ TEST(ManualInstall, AnotherAnswerDoesNothing) {
   EXPECT_THAT(delegate->calls, IsEmpty());
   EXPECT_THAT(machine.console(), IsEmpty());
 }
+
+// A modal loop that something else ends answers with 0 or with a number from -1000 down.
+INSTANTIATE_TEST_SUITE_P(ManualInstall, AnswerOfNoButton, ::testing::Values(0, 1, -1000, -1001, 999, 1002));
 
 TEST(ManualInstall, CancelEndsTheSetup) {
   FakePlatform machine;
@@ -358,6 +411,27 @@ TEST(HideProgress, WaitsForItsTurnOnTheMainDispatchQueue) {
 
   EXPECT_EQ(beforeItsTurn, controller);
   EXPECT_EQ(manager().progressController(), nullptr);
+}
+
+TEST(HideProgress, GoesThroughTheMainDispatchQueue) {
+  FakePlatform machine;
+
+  manager().hideProgress();
+
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
+}
+
+TEST(HideProgress, ForgetsTheWindowOnlyAfterItsClosing) {
+  FakePlatform machine;
+  const auto controller = ProgressWindowController::make();
+  manager().setProgressController(controller);
+  std::shared_ptr<ProgressWindowController> duringTheClosing;
+  machine.windows.progress.at(0)->whenClosed = [&] { duringTheClosing = manager().progressController(); };
+
+  manager().hideProgress();
+  machine.runUntilIdle();
+
+  EXPECT_EQ(duringTheClosing, controller);
 }
 
 TEST(HideProgress, HopsToTheMainThread) {

@@ -386,6 +386,16 @@ TEST_F(ChildsEnd, IsJudgedOnAThreadOfThePlatforms) {
   EXPECT_EQ(machine.consoleLog.entries().back().thread, "task termination");
 }
 
+TEST_F(ChildsEnd, IsJudgedAlsoWhileTheMainThreadIsHeldUp) {
+  machine.tasks.end(5001);
+  machine.dispatch.sleep(1);
+
+  EXPECT_THAT(linesSince(),
+              ElementsAre(Line("WARN", "Startup[TERMINATED] Child terminated (status:0, reason:1)"),
+                          Line("WARN", "Startup[TERMINATED] Embedded Karno.app terminated - quitting"),
+                          Line("INFO", "AppDelegate[TERMINATE] Reason: Embedded Karno.app terminated")));
+}
+
 TEST_F(ChildsEnd, KeepsTheProcessIdentifier) {
   machine.tasks.end(5001);
   machine.runFor(6);

@@ -204,6 +204,15 @@ TEST_F(Restart, OfTheLauncherOpensItWhenItIsItsTurnOnTheMainDispatchQueue) {
   EXPECT_EQ(machine.tasks.launches().size(), 2U);
 }
 
+TEST_F(Restart, OfTheLauncherOpensItThroughTheMainDispatchQueue) {
+  manager().restartWrapperForFuse();
+  endChild();
+  machine.runFor(1);
+
+  EXPECT_EQ(machine.tasks.launches().size(), 2U);
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
+}
+
 TEST_F(Restart, OfTheLauncherWaitsForTheBuildThatRunsNow) {
   manager().restartWrapperForFuse();
   machine.runFor(1);

@@ -24,6 +24,14 @@ std::vector<Line> afterTheChoice(const FakePlatform& machine) {
   return lines;
 }
 
+// Counts what another listener than the startup manager is told.
+class FuseRecorder final : public FuseManagerDelegate {
+ public:
+  void fuseMeetsRequirements(FuseManager&) override { ++answers; }
+  void fuseNeedsToBeInstalled(FuseManager&, bool) override { ++answers; }
+  int answers = 0;
+};
+
 TEST(SystemCheckForFileProvider, SucceedsOnTheCallingThreadBeforeItReturns) {
   FakePlatform machine;
   const auto delegate = std::make_shared<StartupRecorder>(machine);
@@ -111,6 +119,22 @@ TEST(SystemCheckForFuse, ReturnsAtOnce) {
   EXPECT_THAT(afterTheChoice(machine),
               ElementsAre(Line("INFO", "Startup[CHECK] Checking system for Fuse...")));
   EXPECT_THAT(delegate->calls, IsEmpty());
+}
+
+// Until then the answers of a check that runs already go to whoever asked for it.
+TEST(SystemCheckForFuse, BecomesTheDelegateOfTheCheckOnlyWhenItsBlockRuns) {
+  FakePlatform machine;
+  machine.withFirstStartup(false).withSystem("14.5", "arm64").withFuse("4.4.1");
+  const auto earlier = std::make_shared<FuseRecorder>();
+  FuseManager::instance().setDelegate(earlier);
+
+  StartupManager::instance().checkSystem();
+  FuseManager::instance().checkSystemMeetsRequirements();
+  const int answersBeforeItRuns = earlier->answers;
+  machine.runUntilIdle();
+
+  EXPECT_EQ(answersBeforeItRuns, 1);
+  EXPECT_EQ(earlier->answers, 1);
 }
 
 TEST(SystemCheckForFuse, SucceedsOnAGlobalQueueWhenMacFUSEIsGood) {
