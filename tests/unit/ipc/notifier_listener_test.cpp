@@ -180,6 +180,93 @@ TEST_F(Listener, ShowsTheCrashDialogAlsoWhileTheMainDispatchQueueIsAtWork) {
   EXPECT_THAT(shownWhileAtWork, ElementsAre(kCrashAlert));
 }
 
+TEST_F(Listener, ShowsTheCrashDialogThroughTheMainOperationQueue) {
+  machine.postMessage("app-is-terminating-abnormally");
+  machine.runUntilIdle();
+
+  EXPECT_EQ(machine.dispatch.mainSubmissions().at(0), "main operation queue");
+}
+
+class RestartFlag : public Listener, public ::testing::WithParamInterface<bool> {
+ protected:
+  RestartFlag() { StartupManager::instance().setRestartingEmbeddedKarnoApp(GetParam()); }
+};
+
+TEST_P(RestartFlag, DoesNotKeepTheUserFromQuitting) {
+  machine.postMessage("user-selected-quit");
+  machine.runFor(6);
+
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST_P(RestartFlag, DoesNotKeepTheLauncherFromFollowingTheApplication) {
+  machine.postMessage("app-is-terminating");
+  machine.runFor(6);
+
+  EXPECT_THAT(machine.log(),
+              ElementsAre(Line("INFO", "Notify[LISTEN] Received 'app-is-terminating'"),
+                          Line("INFO", "AppDelegate[TERMINATE] Reason: Karno.app is terminated")));
+  EXPECT_EQ(machine.application.terminations(), 1);
+}
+
+TEST_P(RestartFlag, DoesNotKeepTheCrashDialogAway) {
+  machine.postMessage("app-is-terminating-abnormally");
+  machine.runUntilIdle();
+
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(kCrashAlert));
+}
+
+TEST_P(RestartFlag, StaysAsItIsWhenTheUserHasTheApplicationLaunchedAfterACrash) {
+  std::vector<bool> flags;
+  const auto look = [&] { flags.push_back(StartupManager::instance().restartingEmbeddedKarnoApp()); };
+  machine.whenLogged(Line("INFO", "Startup[LAUNCH] Launching Karno.app"), look);
+  machine.alerts.answerNext(1000);
+
+  machine.postMessage("app-is-terminating-abnormally");
+  machine.runFor(6);
+  look();
+
+  EXPECT_THAT(flags, ElementsAre(GetParam(), GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(SetOrNot, RestartFlag, ::testing::Bool());
+
+class ListenerOnMessage : public Listener, public ::testing::WithParamInterface<std::string_view> {};
+
+TEST_P(ListenerOnMessage, AnswersNothing) {
+  machine.postMessage(std::string(GetParam()));
+  machine.runFor(10);
+
+  EXPECT_EQ(machine.consoleMessages().at(0),
+            Line("INFO", "Notify[LISTEN] Received '" + std::string(GetParam()) + "'"));
+  EXPECT_EQ(machine.notifications.postCount(), 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryOne, ListenerOnMessage, ::testing::ValuesIn(kWrapperMessages));
+
+class ListenerOnMessageThatNoUpdateMatters : public Listener,
+                                             public ::testing::WithParamInterface<std::string_view> {};
+
+TEST_P(ListenerOnMessageThatNoUpdateMatters, DoesNotAskForOne) {
+  machine.postMessage(std::string(GetParam()));
+  machine.runFor(10);
+
+  EXPECT_THAT(machine.updater.questions, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Messages, ListenerOnMessageThatNoUpdateMatters,
+                         ::testing::Values(kEnableAutomaticUpdates, kDisableAutomaticUpdates,
+                                           kUserSelectedQuit, kRestartWrapperWithFuse,
+                                           kRestartWrapperWithFileProvider, kRestartWrapper, "hello", ""));
+
+// The update manager's own question, and none of the listener's before it.
+TEST_F(Listener, LeavesItToTheUpdateManagerToAskAboutASessionBeforeACheck) {
+  machine.postMessage("check-for-updates");
+  machine.runUntilIdle();
+
+  EXPECT_THAT(machine.updater.questions, ElementsAre("sessionInProgress"));
+}
+
 TEST_F(Listener, GoesOnListeningWhileTheCrashDialogIsUp) {
   std::vector<Line> linesWhileUp;
   machine.alerts.answerNext(1001, [&] {

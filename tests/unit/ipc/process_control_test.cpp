@@ -65,6 +65,15 @@ TEST(Terminate, SucceedsWhenTheChildEndsOnTheSignal) {
               ElementsAre(Line("WARN", "ProcessUtils[TERMINATE] Process 77 terminated successfully")));
 }
 
+TEST(Terminate, RefusesNoProcessFromTheFirstOn) {
+  FakePlatform machine;
+  machine.processes.signalFailure = EPERM;
+
+  EXPECT_FALSE(KarnoProcessUtils::terminateKarnoAppWithPid(1, "Updated"));
+
+  EXPECT_THAT(machine.processes.signalled, ElementsAre(1));
+}
+
 TEST(Terminate, GivesUpAfterTenSecondsAndSendsNoStrongerSignal) {
   FakePlatform machine;
 

@@ -153,6 +153,33 @@ TEST(ExecuteCommand, FailsWithoutAnErrorWhenThePipeCannotBeClosed) {
               ElementsAre(Line("WARN", R"(Utilities:: Command Failed (/bin/sh --noprofile -c "uname -m"))")));
 }
 
+TEST(ExecuteCommand, LeavesAnErrorThatTheCallerHadAloneWhenItSucceeds) {
+  FakePlatform machine;
+  std::optional<Error> error = Error("before", 7);
+
+  EXPECT_TRUE(KarnoProcessUtils::executeCommand("uname -m", nullptr, true, &error));
+
+  EXPECT_EQ(error, Error("before", 7));
+}
+
+TEST(ExecuteCommand, LeavesAnErrorThatTheCallerHadAloneWhenThePipeCannotBeClosed) {
+  FakePlatform machine;
+  machine.shell.closeFailures[kUnameLine] = true;
+  std::optional<Error> error = Error("before", 7);
+
+  EXPECT_FALSE(KarnoProcessUtils::executeCommand("uname -m", nullptr, true, &error));
+
+  EXPECT_EQ(error, Error("before", 7));
+}
+
+TEST(RunInMainThread, UsesTheMainDispatchQueue) {
+  FakePlatform machine;
+
+  KarnoProcessUtils::runInMainThread([] {});
+
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
+}
+
 TEST(RunInMainThread, NeverRunsTheBlockInline) {
   FakePlatform machine;
   std::vector<std::string> steps;
