@@ -86,6 +86,17 @@ TEST(KarnoLogSizeCheck, TakesAFileThatHasVanishedAsEmpty) {
   EXPECT_THAT(filesIn(machine, kLogFolder), IsEmpty());
 }
 
+TEST(KarnoLogSizeCheck, RotatesNothingForAFileThatHasVanished) {
+  FakePlatform machine;
+  machine.files.addFile(kOldLogFile, "older\n");
+  logLines(machine, 1, 9);
+  machine.files.remove(kLogFile);
+
+  logLines(machine, 10, 10);
+
+  EXPECT_EQ(machine.files.text(kOldLogFile), "older\n");
+}
+
 TEST(KarnoLogRotation, LeavesAFileOfOneByteLessAlone) {
   FakePlatform machine;
   logLines(machine, 1, 9);

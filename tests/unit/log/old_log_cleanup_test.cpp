@@ -141,6 +141,24 @@ TEST(OldLogCleanup, SkipsAFolderWithThePrefixAndAllItHolds) {
   EXPECT_TRUE(machine.files.fileExists(inLogFolder("it.vantul.Karno.d/it.vantul.Karno.log")));
 }
 
+class OldLogThatIsNoFile : public ::testing::TestWithParam<platform::FileType> {};
+
+TEST_P(OldLogThatIsNoFile, IsRemovedAsAFileIs) {
+  FakePlatform machine;
+  machine.files.addEntry(inLogFolder("it.vantul.Karno.log"), GetParam(), kStartOfTest - kFourteenDays * 2);
+
+  KarnoLog::manager().start();
+
+  EXPECT_THAT(afterBanner(machine),
+              ElementsAre(Line("STARTUP",
+                               "KarnoLog[Clean] Removing old lumberjack log: 'it.vantul.Karno.log' (age: "
+                               "2419200 seconds)")));
+  EXPECT_FALSE(machine.files.fileExists(inLogFolder("it.vantul.Karno.log")));
+}
+
+INSTANTIATE_TEST_SUITE_P(OldLogCleanup, OldLogThatIsNoFile,
+                         ::testing::Values(platform::FileType::SymbolicLink, platform::FileType::Other));
+
 TEST(OldLogCleanup, GoesThroughTheFolderInItsOrder) {
   FakePlatform machine;
   machine.withVerboseLogging(true);
