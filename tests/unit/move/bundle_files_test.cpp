@@ -146,6 +146,25 @@ TEST(DeleteOrTrash, DoesNotWarnOfATranslocatedBundle) {
   EXPECT_THAT(machine.console(), IsEmpty());
 }
 
+class BundleBesideATranslocation : public ::testing::TestWithParam<const char*> {};
+
+// Only a folder of exactly that name is the system's.
+TEST_P(BundleBesideATranslocation, IsWarnedOf) {
+  const std::string path = GetParam();
+  MovingMachine machine(path);
+  machine.files.failRemove(path, EROFS);
+
+  deleteOrTrash(path);
+
+  EXPECT_THAT(machine.console(), ElementsAre("WARNING -- Could not delete '" + path +
+                                             "': " + Error::posix(EROFS).localizedDescription()));
+}
+
+INSTANTIATE_TEST_SUITE_P(DeleteOrTrash, BundleBesideATranslocation,
+                         ::testing::Values("/Users/tester/MyAppTranslocation/Karno.app",
+                                           "/Users/tester/AppTranslocation 2/Karno.app",
+                                           "/Users/tester/AppTranslocation"));
+
 TEST(DeleteOrTrash, FailsWhenBothFail) {
   MovingMachine machine;
   machine.files.failRemove(kDownloaded, EPERM);

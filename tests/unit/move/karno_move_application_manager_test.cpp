@@ -118,6 +118,12 @@ TEST_F(MoveManager, TellsThatItFailedAndWhy) {
   EXPECT_THAT(told_->calls, ElementsAre("failed (14 Failed to copy bundle) on main"));
 }
 
+TEST_F(MoveManager, TakesTheMoveUpThroughTheMainDispatchQueue) {
+  askInBackground();
+
+  EXPECT_THAT(machine_.dispatch.mainSubmissions(), ElementsAre("main queue"));
+}
+
 TEST_F(MoveManager, RefusesASecondMoveWhileTheFirstWaits) {
   mover().moveApplicationIfRequired();
   const bool waiting = mover().moveInProgress();

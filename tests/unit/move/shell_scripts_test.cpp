@@ -102,6 +102,16 @@ TEST(IsApplicationAtPathRunning, IsFalseWhenTheShellFindsNothing) {
   EXPECT_FALSE(isApplicationAtPathRunning("/Applications/It's.app"));
 }
 
+// As a search that went wrong ends.
+TEST(IsApplicationAtPathRunning, IsFalseWhenTheSearchCannotBeMade) {
+  MovingMachine machine;
+  machine.systemVersion.appKit = 949;
+  machine.commands.answers.insert_or_assign(
+      kSearchLine, platform::CommandEnd{.end = {.terminationStatus = 2}, .standardOutput = ""});
+
+  EXPECT_FALSE(isApplicationAtPathRunning("/Applications/It's.app"));
+}
+
 TEST(IsApplicationAtPathRunning, IsFalseWhenThereIsNoShell) {
   MovingMachine machine;
   machine.systemVersion.appKit = 949;

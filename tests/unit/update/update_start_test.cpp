@@ -65,6 +65,14 @@ TEST(UpdaterStart, ReturnsOnlyWhenTheMainThreadHasStartedTheUpdater) {
   EXPECT_THAT(callsAtReturn, ElementsAre("clearFeedURLFromUserDefaults", "startUpdater"));
 }
 
+TEST(UpdaterStart, StartsTheUpdaterThroughTheMainDispatchQueue) {
+  FakePlatform machine;
+
+  start(machine);
+
+  EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
+}
+
 TEST(UpdaterStart, LogsAFailureAndGoesOn) {
   FakePlatform machine;
   machine.withFirstStartup(false).withUserSetting("useFileProvider", true);
