@@ -70,6 +70,57 @@ TEST_P(CutOffArchive, IsNotOfferedThoughItsPropertyListCanBeRead) {
 INSTANTIATE_TEST_SUITE_P(Kinds, CutOffArchive,
                          testing::Values("a.zip", "a.tar", "a.tar.gz", "a.tar.xz", "a.tar.bz2", "a.tar.zst"));
 
+// The list of contents is the last thing in it.
+TEST_F(FeedRefusals, AZipWithoutTheEndOfItsListOfContents) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  manager_.cutOff("a.zip", std::filesystem::file_size(manager_.inFolder("a.zip")) - 10);
+
+  EXPECT_THAT(refusal(), StartsWith("karno-appcast: a.zip: the archive cannot be read: "));
+}
+
+TEST_F(FeedRefusals, AnArchiveThatEndsInItsPropertyList) {
+  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("1", noise(5000))}});
+  manager_.cutOff("a.tar", 2000);
+
+  EXPECT_THAT(refusal(), StartsWith("karno-appcast: a.tar: the archive cannot be read: "));
+}
+
+// Launchers want exactly one.
+TEST_F(FeedRefusals, TwoBundlesAtTheTop) {
+  manager_.addArchive("a.zip", {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0")},
+                                {"Other.app/Contents/Info.plist", infoPlist("1", "1.0")}});
+
+  EXPECT_EQ(refusal(),
+            "karno-appcast: a.zip: there is more than one application at the top of the archive\n");
+}
+
+TEST_F(FeedRefusals, ABundleWithoutAName) {
+  manager_.addArchive("a.zip", {{".app/Contents/Info.plist", infoPlist("1", "1.0")}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.zip: there is no application at the top of the archive\n");
+}
+
+TEST_F(FeedRefusals, ABundleWhoseVersionIsNoString) {
+  manager_.addArchive("a.tar",
+                      {{"Karno.app/Contents/Info.plist",
+                        "<plist><dict><key>CFBundleVersion</key><integer>7</integer></dict></plist>"}});
+
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar: its Info.plist has no CFBundleVersion\n");
+}
+
+TEST_F(FeedRefusals, AFolderWithMoreThanAThousandArchives) {
+  for (int number = 0; number <= 1000; ++number) manager_.addFile(std::to_string(number) + ".zip", "");
+
+  EXPECT_EQ(refusal(), "karno-appcast: " + manager_.folder() + " holds more than 1000 archives\n");
+}
+
+TEST_F(FeedRefusals, NotesOfMoreThanAMebibyte) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  manager_.addFile("a.txt", std::string((std::size_t{1} << 20U) + 1, 'x'));
+
+  EXPECT_EQ(refusal(), "karno-appcast: " + manager_.inFolder("a.txt") + " is larger than 1 MiB\n");
+}
+
 TEST_F(FeedRefusals, AnApplicationWhoseNameNoFeedCanCarry) {
   manager_.addArchive("a.tar",
                       {{"K\xff.app/Contents/Info.plist",
@@ -121,6 +172,7 @@ TEST_F(FeedRefusals, ALowestSystemThatIsNoVersion) {
   EXPECT_EQ(refusal({"--minimum-system", "11.0.0.1"}),
             "karno-appcast: '11.0.0.1' is no version of a system\n");
   EXPECT_EQ(refusal({"--minimum-system", "11."}), "karno-appcast: '11.' is no version of a system\n");
+  EXPECT_EQ(refusal({"--minimum-system", "1234567"}), "karno-appcast: '1234567' is no version of a system\n");
 }
 
 TEST_F(FeedRefusals, ABundleWhoseSystemIsNoVersion) {
@@ -235,6 +287,9 @@ TEST(FeedPrefix, MustBeAURLWithAHost) {
   EXPECT_EQ(errorFor("https:///updates"), "karno-appcast: 'https:///updates' is no prefix of a URL\n");
   EXPECT_EQ(errorFor("https://a b"), "karno-appcast: 'https://a b' is no prefix of a URL\n");
   EXPECT_EQ(errorFor("https://host/?x="), "karno-appcast: 'https://host/?x=' is no prefix of a URL\n");
+  EXPECT_EQ(errorFor("https://host/#x"), "karno-appcast: 'https://host/#x' is no prefix of a URL\n");
+  EXPECT_EQ(errorFor("https://host/\"x"), "karno-appcast: 'https://host/\"x' is no prefix of a URL\n");
+  EXPECT_EQ(errorFor("https://host/<x"), "karno-appcast: 'https://host/<x' is no prefix of a URL\n");
 }
 
 }  // namespace

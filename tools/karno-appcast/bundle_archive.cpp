@@ -83,17 +83,20 @@ std::string_view nameWithoutArchiveEnding(std::string_view fileName) {
 ArchivedBundle bundleInArchive(Bytes archive) {
   const Reader reader = open(archive);
   std::optional<ArchivedBundle> found;
-  // To the end, also where the bundle is found before: what is behind it may be damaged.
-  for (int count = 0; count < kArchiveEntriesMax; ++count) {
+  // To the end, also where the bundle is found before: what is behind it may be damaged. The end itself takes
+  // one look more than there may be entries.
+  for (int count = 0; count <= kArchiveEntriesMax; ++count) {
     archive_entry* entry = nullptr;
     const int outcome = archive_read_next_header(reader.get(), &entry);
     if (outcome == ARCHIVE_EOF && !found) throw Failure("there is no application at the top of the archive");
     if (outcome == ARCHIVE_EOF) return std::move(*found);
     if (outcome < ARCHIVE_WARN) throw damaged(reader);
-    if (found) continue;
-    if (auto name = bundleOfInfo(pathOf(entry))) found = {std::move(*name), contentOf(reader)};
+    auto name = bundleOfInfo(pathOf(entry));
+    if (!name) continue;
+    if (found) throw Failure("there is more than one application at the top of the archive");
+    found = {std::move(*name), contentOf(reader)};
   }
-  throw Failure("the archive has more than 200000 entries");
+  throw Failure("the archive has more than 100000 entries");
 }
 
 }  // namespace karno::appcast

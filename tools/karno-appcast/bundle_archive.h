@@ -8,7 +8,7 @@
 namespace karno::appcast {
 
 inline constexpr std::size_t kInfoBytesMax = std::size_t{1} << 20U;
-inline constexpr int kArchiveEntriesMax = 200'000;
+inline constexpr int kArchiveEntriesMax = 100'000;  // launchers unpack no more
 
 // The name without the ending of an archive that releases come in; empty when it has none of them.
 std::string_view nameWithoutArchiveEnding(std::string_view fileName);
