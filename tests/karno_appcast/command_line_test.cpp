@@ -81,6 +81,8 @@ TEST_F(WrongUsage, OfAVerb) {
             "karno-appcast: --private is there twice\n" + hint);
   EXPECT_EQ(error({"sign", "--privat", "x"}),
             "karno-appcast: unknown option '--privat'; did you mean '--private'?\n" + hint);
+  EXPECT_EQ(error({"sign", "--help=x"}),
+            "karno-appcast: unknown option '--help=x'; did you mean '--help'?\n" + hint);
   EXPECT_EQ(error({"keys", "x"}),
             "karno-appcast: keys takes no argument 'x'\nTry \"karno-appcast help keys\".\n");
 }

@@ -1,15 +1,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 
+#include "forked_process.h"
 #include "release_manager.h"
 
 namespace karno::appcast::test {
 namespace {
 
 using karno::test::contentOf;
+using karno::test::ForkedProcess;
 using ::testing::MatchesRegex;
 
 mode_t modeOf(const std::string& path) {
@@ -95,6 +99,44 @@ TEST(Keys, APrivateOneThatOthersMayReadIsRefused) {
   EXPECT_EQ(status, 1);
   EXPECT_EQ(manager.err(),
             "karno-appcast: " + manager.keyFile() + " can be read by others than its owner; chmod 600 it\n");
+}
+
+TEST(Keys, APrivateOneThatEverybodyMayReadIsRefused) {
+  ReleaseManager manager;
+  ::chmod(manager.keyFile().c_str(), 0604);
+
+  const int status = manager.run({"public-key", "--private", manager.keyFile()});
+
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(manager.out(), "");
+}
+
+TEST(Keys, WhiteSpaceBehindAPrivateOneDoesNotMatter) {
+  ReleaseManager manager;
+  manager.run({"public-key", "--private", manager.keyFile()});
+  const std::string publicKey = manager.out();
+  const std::string file =
+      manager.desk().write("typed.key", "nWGxne/9WmC6hEr0kuwsxERJxWl7MmkZcDusAxyuf2A= \t\r\n\n");
+  ::chmod(file.c_str(), 0600);
+
+  const int status = manager.run({"public-key", "--private", file});
+
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(manager.out(), publicKey);
+}
+
+TEST(Keys, ThatCannotBeWrittenLeaveNoFileBehind) {
+  ReleaseManager manager;
+  const std::string file = manager.desk() / "new.key";
+  ForkedProcess process([&] {
+    ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit nothing = {.rlim_cur = 0, .rlim_max = 0};
+    ::setrlimit(RLIMIT_FSIZE, &nothing);
+    return manager.run({"keys", "--private", file});
+  });
+
+  EXPECT_EQ(process.exitStatus(), 1);
+  EXPECT_FALSE(std::filesystem::exists(file));
 }
 
 TEST(Keys, AFileThatIsNoPrivateKeyIsRefused) {

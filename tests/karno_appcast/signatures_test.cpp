@@ -1,4 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <filesystem>
 
 #include "release_manager.h"
 
@@ -80,6 +84,24 @@ TEST(Signatures, ATextThatCannotBeAPublicKeyIsRefused) {
 
   EXPECT_EQ(status, 1);
   EXPECT_EQ(manager.err(), "karno-appcast: this is no public key: base64 of 32 bytes is wanted\n");
+}
+
+TEST(Signatures, AreNotWaitedForAtAPipe) {
+  ReleaseManager manager;
+  const std::string pipe = manager.inFolder("pipe.zip");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+
+  EXPECT_EQ(manager.run({"sign", pipe, "--private", manager.keyFile()}), 1);
+  EXPECT_EQ(manager.err(), "karno-appcast: " + pipe + " is no file\n");
+}
+
+TEST(Signatures, AreNotMadeOfAnArchiveOfMoreThanFourGibibytes) {
+  ReleaseManager manager;
+  manager.addFile("huge.zip", "");
+  std::filesystem::resize_file(manager.inFolder("huge.zip"), (std::uintmax_t{4} << 30U) + 1);
+
+  EXPECT_EQ(manager.run({"sign", manager.inFolder("huge.zip"), "--private", manager.keyFile()}), 1);
+  EXPECT_EQ(manager.err(), "karno-appcast: " + manager.inFolder("huge.zip") + " is larger than 4 GiB\n");
 }
 
 TEST(Signatures, NeedAnArchive) {
