@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <signal.h>
 
 #include <memory>
 #include <mutex>
@@ -49,6 +50,8 @@ class TableListener final : public testing::EmptyTestEventListener {
 
 // The real services of this system. No application object is made.
 int main(int argc, char** argv) {
+  // What a program begins with, whoever starts the tests.
+  ::signal(SIGPIPE, SIG_DFL);
   karno::platform::test::watchMessages([](const std::string& message) { messagesWithoutRow().add(message); });
   karno::platform::install(karno::platform::nativePlatform(argc, argv));
   testing::InitGoogleMock(&argc, argv);

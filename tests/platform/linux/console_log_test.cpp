@@ -90,16 +90,5 @@ TEST(StandardErrorLog, OutlivesAClosedStandardError) {
   EXPECT_EQ(process.exitStatus(), 42);
 }
 
-TEST(ProcessSetup, KeepsFilesOffTheNumbersOfClosedStandardStreams) {
-  ForkedProcess process([] {
-    ::close(STDIN_FILENO);
-    ::close(STDOUT_FILENO);
-    setUpProcess();
-    return ::dup(STDIN_FILENO) > STDERR_FILENO ? 42 : 1;
-  });
-
-  EXPECT_EQ(process.exitStatus(), 42);
-}
-
 }  // namespace
 }  // namespace karno::platform
