@@ -96,7 +96,17 @@ TEST(Arguments, TakeOnlyNumbersThatFit) {
             "no number for --length: '9223372036854775808'");
   EXPECT_EQ(errorOf({"install", "--new", "n", "--bundle", "b", "--after", "0"}),
             "no number for --after: '0'");
+  EXPECT_EQ(errorOf({"install", "--new", "n", "--bundle", "b", "--after", "2147483648"}),
+            "no number for --after: '2147483648'");
   EXPECT_EQ(errorOf(with(kInstall, {"--give-up", "604801"})), "no number for --give-up: '604801'");
+}
+
+TEST(Arguments, TakeTheNumbersAtTheEdges) {
+  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "0"})), "(none)");
+  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "9223372036854775807"})), "(none)");
+  EXPECT_EQ(errorOf({"install", "--new", "n", "--bundle", "b", "--after", "2147483647"}), "(none)");
+  EXPECT_EQ(errorOf(with(kInstall, {"--give-up", "0"})), "(none)");
+  EXPECT_EQ(errorOf(with(kInstall, {"--give-up", "604800"})), "(none)");
 }
 
 }  // namespace

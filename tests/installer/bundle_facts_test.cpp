@@ -66,6 +66,8 @@ TEST(BundleFacts, NameNoExecutableElsewhere) {
             "3002 The bundle names no executable.");
   EXPECT_EQ(said(parseBundleFacts(propertyList(others + stringEntry("CFBundleExecutable", "..")))),
             "3002 The bundle names no executable.");
+  EXPECT_EQ(said(parseBundleFacts(propertyList(others + stringEntry("CFBundleExecutable", ".")))),
+            "3002 The bundle names no executable.");
 }
 
 TEST(BundleFacts, AreNotReadFromBinaryOrBrokenLists) {
@@ -112,6 +114,13 @@ TEST(BundleFacts, MakeNoUpdateWhenTheyAreNotNewer) {
 TEST(BundleFacts, MakeNoUpdateOfSomethingElse) {
   EXPECT_EQ(said(checkIsUpdate({"it.vantul.Other", "10", "Karno"}, kFacts)),
             "3002 The update is of \"it.vantul.Other\", not of \"it.vantul.KarnoWrapper\".");
+}
+
+TEST(BundleFacts, AreToldInOneLineWhateverTheyHold) {
+  EXPECT_EQ(said(checkIsUpdate({"a\nb", "10", "Karno"}, {"c\nd", "1", "Karno"})),
+            "3002 The update is of \"a?b\", not of \"c?d\".");
+  EXPECT_EQ(said(checkIsUpdate({"a", "1\n0", "Karno"}, {"a", "2\n0", "Karno"})),
+            "4006 The update has version 1?0, which is not newer than 2?0.");
 }
 
 }  // namespace

@@ -92,6 +92,11 @@ TEST_P(HostileArchive, MayNotHoldAnEntryTwice) {
   EXPECT_EQ(said({link("Karno.app/Contents", "x")}), badEntry("Karno.app/Contents", "comes twice"));
 }
 
+TEST_P(HostileArchive, IsToldOfInOneLine) {
+  EXPECT_EQ(said({file("Karno.app/a\nb", "x"), file("Karno.app/a\nb", "y")}),
+            badEntry("Karno.app/a?b", "comes twice"));
+}
+
 TEST_P(HostileArchive, MayHoldOneBundleOnly) {
   EXPECT_EQ(said({folder("Second.app")}), kNotOneBundle);
   EXPECT_EQ(said({file("Second.app/Contents/Info.plist", "x")}), kNotOneBundle);

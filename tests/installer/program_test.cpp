@@ -5,8 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <filesystem>
 
+#include "forked_process.h"
+#include "installer/interruption.h"
 #include "installer/progress.h"
 #include "support/install_place.h"
 #include "support/installer_program.h"
@@ -165,6 +168,26 @@ TEST(ProgressLines, NeverGoBackNorBeyondTheTotal) {
   EXPECT_EQ(contentOf(folder / "lines"), "progress 70 100\nprogress 70 100\nprogress 100 100\n");
 }
 
+// A pipe that is full would hold it for as long as somebody keeps the other end.
+TEST(ProgressLines, AreNotWaitedForOnceNobodyWantsThem) {
+  std::array<int, 2> ends = {};
+  ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+  const platform::ScopedDescriptor reader(ends[0]);
+  const platform::ScopedDescriptor writer(ends[1]);
+  const std::string filling(static_cast<std::size_t>(::fcntl(writer.get(), F_GETPIPE_SZ)), '\n');
+  ASSERT_EQ(::write(writer.get(), filling.data(), filling.size()), static_cast<ssize_t>(filling.size()));
+
+  ForkedProcess process([&] {
+    installer::noteInterruptions();
+    const installer::ProgressLines lines(writer.get(), 10);
+    ::raise(SIGTERM);
+    ::alarm(20);
+    return lines.say("too late") ? 1 : 42;
+  });
+
+  EXPECT_EQ(process.exitStatus(), 42);
+}
+
 TEST(InstallProgram, Installs) {
   const InstallPlace place;
 
@@ -196,6 +219,16 @@ TEST(InstallProgram, GivesUpWhenItIsToldTo) {
 
   EXPECT_EQ(end.status, 1);
   EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+TEST(InstallProgram, OutlivesTheReaderOfItsComplaints) {
+  const InstallPlace place(".karno-update-1", {.version = "1"});
+  std::vector<std::string> command{"bash", "-c", "exec 2> >(exec true); wait $!; \"$@\"; echo $?", "bash"};
+  for (const std::string& word : place.command()) command.push_back(word);
+
+  const ProgramEnd end = runProgram(command);
+
+  EXPECT_EQ(end.output, "1\n");
 }
 
 TEST(InstallProgram, OpensTheBundleAgainWithoutIgnoringSignals) {

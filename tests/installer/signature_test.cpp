@@ -1,6 +1,7 @@
 #include "installer/signature.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "support/signing_key.h"
 #include "support/update_place.h"
@@ -120,6 +121,22 @@ TEST(SignedArchive, LeavesNothingWhenItWasSignedByAnother) {
 
   EXPECT_EQ(said, kForeign);
   EXPECT_EQ(place.unpackedTree(), "");
+}
+
+TEST(SignedArchive, NeedsItsSignatureAlsoWhenItIsEmpty) {
+  UpdatePlace place;
+  place.setArchive("");
+  place.request.signature = SigningKey().signatureOf("");
+
+  EXPECT_EQ(place.unpack(), kForeign);
+}
+
+TEST(SignedArchive, MayNotBeAPipeThatNobodyWritesTo) {
+  UpdatePlace place;
+  place.request.archive = place.folder() / "pipe";
+  ASSERT_EQ(::mkfifo(place.request.archive.c_str(), 0600), 0);
+
+  EXPECT_EQ(place.unpack(), "3000 The archive is not a regular file.");
 }
 
 TEST(SignedArchive, MayNotBeReachedThroughALink) {

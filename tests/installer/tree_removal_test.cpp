@@ -43,6 +43,22 @@ TEST(TreeRemoval, LeavesDeeperFoldersButNothingElse) {
   EXPECT_FALSE(fs::exists(place / "tree/z"));
 }
 
+// Whichever of the two comes first, the other is looked at as well.
+TEST(TreeRemoval, GoesOnBehindAFolderThatStays) {
+  const TemporaryFolder place;
+  for (const std::string name : {"tree/one", "tree/other"}) {
+    std::string deep = place / name;
+    for (int level = 0; level < kRemovedDepthMax; ++level) deep += "/d";
+    fs::create_directories(deep);
+    place.write(name + "/file", "x");
+  }
+
+  EXPECT_EQ(removeTree(place / "tree"), ELOOP);
+
+  EXPECT_FALSE(fs::exists(place / "tree/one/file"));
+  EXPECT_FALSE(fs::exists(place / "tree/other/file"));
+}
+
 TEST(TreeRemoval, OfNothingIsDoneAlready) {
   const TemporaryFolder place;
 

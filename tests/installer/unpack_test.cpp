@@ -14,6 +14,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
+std::uint64_t bytesIn(const std::vector<Item>& items) {
+  std::uint64_t bytes = 0;
+  for (const Item& item : items) bytes += item.kind == Kind::File ? item.content.size() : 0;
+  return bytes;
+}
+
 class EveryFormat : public testing::TestWithParam<Format> {};
 
 TEST_P(EveryFormat, IsUnpackedAsItWasPacked) {
@@ -95,14 +101,16 @@ TEST(Unpacking, PassesOverWhatAMacsArchiverAdds) {
 TEST(Unpacking, LeavesTheRightToWriteToTheOwnerAlone) {
   UpdatePlace place;
   const auto items = joined(bundleItems(), {folder("Karno.app/a", 07777), file("Karno.app/a/b", "b", 06777),
-                                            file("Karno.app/a/c", "c", 0444), folder("Karno.app/d", 0500)});
+                                            file("Karno.app/a/c", "c", 0444), folder("Karno.app/d", 0500),
+                                            file("Karno.app/e", "e", 0111)});
 
   const std::string said = place.unpack(items, Format::Tar);
 
   EXPECT_EQ(said, "ready Karno.app");
   EXPECT_EQ(place.unpackedTree(),
             treeOf(joined(bundleItems(), {folder("Karno.app/a", 0755), file("Karno.app/a/b", "b", 0755),
-                                          file("Karno.app/a/c", "c", 0644), folder("Karno.app/d", 0700)})));
+                                          file("Karno.app/a/c", "c", 0644), folder("Karno.app/d", 0700),
+                                          file("Karno.app/e", "e", 0711)})));
 }
 
 TEST(Unpacking, TellsNamesApartThatDifferInCase) {
@@ -154,6 +162,16 @@ TEST(Unpacking, NeedsThePresentBundle) {
   EXPECT_EQ(place.unpackedTree(), "");
 }
 
+TEST(Unpacking, TakesNoNameOfABundleWithAControlCharacterInIt) {
+  UpdatePlace place;
+  for (const char* const name : {"Ka\x7Frno", "Ka\nrno", ""}) {
+    auto items = bundleItems();
+    for (Item& item : items) item.name.replace(0, 5, name);
+
+    EXPECT_EQ(place.unpack(items), "3002 The archive does not hold exactly one application bundle.");
+  }
+}
+
 TEST(Unpacking, TakesAnotherNameOfTheBundle) {
   UpdatePlace place;
   auto items = bundleItems();
@@ -167,6 +185,25 @@ TEST(Unpacking, TakesAsManyEntriesAsItsLimitSays) {
   place.request.limits.entriesMax = bundleItems().size();
 
   EXPECT_EQ(place.unpack(bundleItems()), "ready Karno.app");
+}
+
+TEST(Unpacking, TakesAsManyBytesAsItsLimitSays) {
+  UpdatePlace place;
+  const auto items = joined(bundleItems(), {file("__MACOSX/passed over", "0123456789")});
+  place.request.limits.unpackedBytesMax = bytesIn(items);
+
+  EXPECT_EQ(place.unpack(items), "ready Karno.app");
+}
+
+TEST(Unpacking, CountsWhatItPassesOver) {
+  UpdatePlace place;
+  const auto items = joined(bundleItems(), {file("__MACOSX/passed over", "0123456789")});
+  place.request.limits.unpackedBytesMax = bytesIn(items) - 1;
+
+  EXPECT_EQ(place.unpack(joined(items, {file("Karno.app/empty", "")})),
+            "3000 The archive is too large when unpacked.");
+  EXPECT_EQ(place.unpack(joined({items.back()}, bundleItems())),
+            "3000 The archive is too large when unpacked.");
 }
 
 TEST(Unpacking, LeavesAFolderAloneThatIsNotEmpty) {
@@ -204,6 +241,36 @@ TEST(Unpacking, StopsWhenItIsNoLongerWanted) {
 
   EXPECT_EQ(place.unpack(bundleItems(), Format::TarGzip), "3000 The update was cancelled.");
   EXPECT_EQ(place.unpackedTree(), "");
+}
+
+// A zip has a sum of each file's bytes.
+TEST(Unpacking, NoticesDamageInAFileThoughTheEntriesBehindItAreWhole) {
+  UpdatePlace place;
+  std::string noise;
+  for (std::uint32_t number = 1; noise.size() < 10'000; number = number * 1'664'525U + 1'013'904'223U)
+    noise += static_cast<char>(number >> 24U);
+  place.makeArchive(joined({file("Karno.app/noise", noise)}, bundleItems()));
+  std::string bytes = contentOf(place.archive());
+  bytes.at(5000) = static_cast<char>(bytes.at(5000) ^ 1);
+  place.setArchive(bytes);
+
+  const std::string said = place.unpack();
+
+  EXPECT_TRUE(said.starts_with("3000 The archive could not be unpacked: ")) << said;
+  EXPECT_EQ(place.unpackedTree(), "");
+}
+
+TEST(Unpacking, AsksAlsoInTheMiddleOfALargeFile) {
+  UpdatePlace place;
+  const auto items = joined(bundleItems(), {file("Karno.app/x", std::string(2'000'000, 'x'))});
+  std::size_t questions = 0;
+  place.goesOn = [&](std::uint64_t) {
+    ++questions;
+    return true;
+  };
+
+  EXPECT_EQ(place.unpack(items, Format::TarGzip), "ready Karno.app");
+  EXPECT_GT(questions, 2 * items.size() + 10);
 }
 
 TEST(Unpacking, TellsHowFarItHasCome) {
