@@ -146,6 +146,18 @@ TEST_F(LinuxFileManagerTest, KeepsWhatIsInTheTrashAlready) {
   EXPECT_EQ(contentOf(folder_ / "home/.Trash/A 3.app/file"), "third");
 }
 
+TEST_F(LinuxFileManagerTest, KeepsALinkInTheTrashThatLeadsNowhere) {
+  fs::create_directories(folder_ / "home/.Trash");
+  fs::create_symlink("nowhere", folder_ / "home/.Trash/A.app");
+  folder_.write("A.app", "text");
+
+  const auto error = manager_.trashItem(folder_ / "A.app");
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_TRUE(fs::is_symlink(folder_ / "home/.Trash/A.app"));
+  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A 2.app"), "text");
+}
+
 TEST_F(LinuxFileManagerTest, TellsWhyItCannotTrash) {
   EXPECT_EQ(manager_.trashItem(folder_ / "nowhere"), Error::posix(ENOENT));
 }

@@ -60,6 +60,18 @@ TEST_F(LinuxManagedPreferencesTest, TellForcedValuesFromTheOthers) {
   EXPECT_TRUE(preferences.isAppValueForced("KEY", kDomain));
 }
 
+TEST_F(LinuxManagedPreferencesTest, ForceWhatIsSetForOneUserAlone) {
+  set("root/Library/Managed Preferences/" + userName(), stringEntry("KEY", "forced for this user"));
+
+  EXPECT_TRUE(preferences.isAppValueForced("KEY", kDomain));
+}
+
+TEST_F(LinuxManagedPreferencesTest, OfNoApplicationAreNone) {
+  folder.write("root/Library/Preferences/.plist", propertyList(stringEntry("KEY", "nobody's")));
+
+  EXPECT_EQ(preferences.copyAppValue("KEY", ""), std::nullopt);
+}
+
 TEST_F(LinuxManagedPreferencesTest, LookFurtherWhenAFileLacksTheKey) {
   set("root/Library/Managed Preferences", stringEntry("OTHER", "forced"));
   set("root/Library/Preferences", stringEntry("KEY", "machine"));

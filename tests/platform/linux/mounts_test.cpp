@@ -84,6 +84,18 @@ TEST_F(LinuxMountsTest, FindADiskImageBehindALink) {
   EXPECT_EQ(information->sourceDevice, "/dev/disk4s1");
 }
 
+TEST_F(LinuxMountsTest, FindADiskImageInAMachineRootBehindALink) {
+  folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Karno")));
+  const TemporaryFolder elsewhere;
+  fs::create_symlink(folder_.path(), elsewhere / "root");
+  const ScopedEnvironment root("KARNO_MACHINE_ROOT", elsewhere / "root");
+
+  const auto information = mounts_.informationOf(elsewhere / "root/Volumes/Karno/Tools");
+
+  ASSERT_TRUE(information);
+  EXPECT_EQ(information->sourceDevice, "/dev/disk4s1");
+}
+
 TEST_F(LinuxMountsTest, DoNotTakeAFolderForAnotherOneThatBeginsLikeIt) {
   folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Kar")));
 

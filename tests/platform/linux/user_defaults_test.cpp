@@ -166,6 +166,14 @@ TEST_F(LinuxUserDefaultsTest, LoseNoKeyOfTwoProcessesThatWriteAtTheSameTime) {
   EXPECT_THAT(stored(), testing::Each(testing::Pair(testing::_, Value(false))));
 }
 
+TEST_F(LinuxUserDefaultsTest, OfASuiteWithoutANameAreStoredNowhere) {
+  const StandardErrorCapture console;
+
+  store.makeSuite("")->setBool(true, "key");
+
+  EXPECT_FALSE(std::filesystem::exists(home / "Library/Preferences/.plist"));
+}
+
 TEST_F(LinuxUserDefaultsTest, LoseNoKeyOfThreadsThatShareOneSuite) {
   const auto defaults = suite();
   {

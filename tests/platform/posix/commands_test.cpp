@@ -89,5 +89,15 @@ TEST_F(PosixCommandsTest, AreFoundWhereTheMachineHasThem) {
   EXPECT_EQ(run.value().standardOutput, "/usr/bin/hdiutil\n");
 }
 
+TEST_F(PosixCommandsTest, AreStartedWhereTheMachineHasThem) {
+  const TemporaryFolder folder;
+  PosixCommands placed(tasks_, [&](const TaskLaunch&) { return script("echo >'" + folder / "placed'"); });
+
+  const auto error = placed.start({.executablePath = "/bin/true", .arguments = {}});
+  waitForFile(folder / "placed");
+
+  EXPECT_EQ(error, std::nullopt);
+}
+
 }  // namespace
 }  // namespace karno::platform

@@ -71,6 +71,19 @@ TEST(ProcessSetup, KeepsFilesOffTheNumbersOfClosedStandardStreams) {
   EXPECT_EQ(process.exitStatus(), kFine);
 }
 
+TEST(ProcessSetup, OpensNothingWhereAllStreamsAreOpen) {
+  ForkedProcess process([] {
+    const ScopedDescriptor null(::open("/dev/null", O_RDWR));
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) ::dup2(null.get(), stream);
+    const int free = ::dup(null.get());
+    ::close(free);
+    setUpProcess();
+    return ::dup(null.get()) == free ? kFine : 2;
+  });
+
+  EXPECT_EQ(process.exitStatus(), kFine);
+}
+
 TEST(ProcessSetup, LeavesAnOpenStandardStreamAlone) {
   std::array<int, 2> ends = {};
   ASSERT_EQ(::pipe(ends.data()), 0);
@@ -88,13 +101,15 @@ TEST(ProcessSetup, LeavesAnOpenStandardStreamAlone) {
   EXPECT_EQ(byte, 'x');
 }
 
-// The tests of this folder have made it, in a process that took a broken pipe for its end.
+// The tests of this folder have made it, in a process to which both signals meant its end.
 TEST(NativePlatform, HasSetTheProcessUp) {
-  struct sigaction ofBrokenPipes = {};
+  for (const int number : {SIGPIPE, SIGXFSZ}) {
+    struct sigaction now = {};
 
-  ::sigaction(SIGPIPE, nullptr, &ofBrokenPipes);
+    ::sigaction(number, nullptr, &now);
 
-  EXPECT_EQ(ofBrokenPipes.sa_handler, SIG_IGN);
+    EXPECT_EQ(now.sa_handler, SIG_IGN) << number;
+  }
 }
 
 }  // namespace

@@ -33,6 +33,7 @@ TEST(PosixProcesses, TellsTheKernelsShortNameOfAProcess) {
   const PosixProcesses processes;
 
   EXPECT_EQ(processes.name(::getpid()) + "\n", test::contentOf("/proc/self/comm"));
+  EXPECT_EQ(processes.name(1) + "\n", test::contentOf("/proc/1/comm"));
 }
 
 TEST(PosixProcesses, NamesNoProcessThatIsNotThere) {

@@ -152,6 +152,27 @@ TEST(PosixTasks, RefusesAMissingFile) {
   EXPECT_EQ(task.result().error(), Error::posix(ENOENT));
 }
 
+TEST(PosixTasks, RefusesAWordWithAZeroByteInIt) {
+  PosixTasks tasks;
+
+  StartedTask task(tasks, "/bin/true", {std::string("a\0b", 3)});
+
+  ASSERT_FALSE(task.result());
+  EXPECT_EQ(task.result().error(), Error::posix(EINVAL));
+}
+
+TEST(PosixTasks, HasRoomAgainForEveryChildThatHasEnded) {
+  PosixTasks tasks;
+  int started = 0;
+
+  for (int count = 0; count <= kRunningChildrenMax; ++count) {
+    StartedTask task(tasks, "/bin/true", {});
+    if (task.result() && task.waitForEnd()) ++started;
+  }
+
+  EXPECT_EQ(started, kRunningChildrenMax + 1);
+}
+
 TEST(PosixTasks, RefusesAnEmptyPath) {
   PosixTasks tasks;
 
@@ -275,6 +296,19 @@ TEST(PosixTasks, ReportsAHandlerThatThrows) {
 
   EXPECT_TRUE(called);
   EXPECT_EQ(console.text(), "Tasks: a block threw an exception: no luck\n");
+}
+
+TEST(PosixTasks, ReportsAHandlerThatThrowsWhatIsNoException) {
+  const StandardErrorCapture console;
+  PosixTasks tasks;
+
+  const auto child =
+      tasks.launch({.executablePath = "/bin/true", .arguments = {}}, [](const TaskEnd&) { throw 7; });
+  ASSERT_TRUE(child);
+  waitUntilGone(child.value());
+  while (console.text().empty()) std::this_thread::yield();
+
+  EXPECT_EQ(console.text(), "Tasks: a block threw an exception\n");
 }
 
 }  // namespace

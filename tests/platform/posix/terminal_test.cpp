@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -52,6 +53,17 @@ TEST_F(Terminal, IsKnownAsOne) {
 TEST_F(Terminal, WantsColours) {
   EXPECT_TRUE(wantsColours());
   EXPECT_FALSE(askedWithOutputTo("/dev/null", standardOutputWantsColours));
+}
+
+TEST(ToolWithoutAReader, EndsAsOthersDo) {
+  ForkedProcess process([] {
+    ::signal(SIGPIPE, SIG_IGN);
+    endWithTheReaderOfTheOutput();
+    ::raise(SIGPIPE);
+    return 1;
+  });
+
+  EXPECT_EQ(process.exitStatus(), 128 + SIGPIPE);
 }
 
 TEST_F(Terminal, WantsNoColoursWhenTheEnvironmentSaysSo) {
