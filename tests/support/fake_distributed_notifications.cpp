@@ -14,6 +14,7 @@ void FakeDistributedNotifications::removeObserver(const void* observer) {
 }
 
 bool FakeDistributedNotifications::post(const platform::DistributedNotification& notification) {
+  if (!isReachable) return false;
   ++postCount_;
   scheduler_.addToMain(MainLane::Events, [this, notification] { deliver(notification); });
   return true;

@@ -19,6 +19,8 @@ class FakeDistributedNotifications final : public platform::DistributedNotificat
 
   std::size_t observerCount() const { return observers_.size(); }
 
+  bool isReachable = true;  // else nothing can be posted
+
   // How many notifications anybody has posted.
   std::size_t postCount() const { return postCount_; }
 

@@ -26,7 +26,16 @@ TEST(ClosestWord, IsTheFirstOfSeveralAsNear) {
 TEST(ClosestWord, IsNoneWhenNothingIsNear) {
   EXPECT_EQ(closestWord("banana", kWords), std::nullopt);
   EXPECT_EQ(closestWord("", kWords), std::nullopt);
+  EXPECT_EQ(closestWord("stabcd", kWords), std::nullopt);
   EXPECT_EQ(closestWord(std::string(101, 'p'), kWords), std::nullopt);
+}
+
+TEST(ClosestWord, IsLookedForUpToAHundredLetters) {
+  const std::string longest(100, 'p');
+  const std::array<std::string_view, 1> words{longest};
+
+  EXPECT_EQ(closestWord(std::string(100, 'p'), words), longest);
+  EXPECT_EQ(closestWord(std::string(101, 'p'), words), std::nullopt);
 }
 
 TEST(Suggestion, FollowsAnErrorText) {

@@ -140,6 +140,31 @@ TEST(Karnoctl, SuggestsTheVerbThatWasMeant) {
             "karnoctl: unknown verb 'pots'; did you mean 'post'?\nTry \"karnoctl --help\".\n");
 }
 
+TEST(Karnoctl, RefusesWhatFollowsAHelpOrAVersion) {
+  test::FakePlatform machine;
+  Terminal terminal;
+
+  EXPECT_EQ(terminal.run({"--version", "now"}), 64);
+  EXPECT_EQ(terminal.run({"help", "post", "log"}), 64);
+
+  EXPECT_EQ(terminal.out(), "");
+  EXPECT_EQ(terminal.err(),
+            "karnoctl: --version stands alone\nTry \"karnoctl --help\".\n"
+            "karnoctl: help takes one verb at most\nTry \"karnoctl --help\".\n");
+}
+
+TEST(Karnoctl, SaysThatAMessageCannotBePosted) {
+  test::FakePlatform machine;
+  Terminal terminal;
+  machine.notifications.isReachable = false;
+
+  EXPECT_EQ(terminal.run({"post", "user-selected-quit"}), 1);
+
+  EXPECT_EQ(
+      terminal.err(),
+      "karnoctl: cannot post 'user-selected-quit': the session's notification service cannot be reached\n");
+}
+
 TEST(Karnoctl, WantsAVerb) {
   Terminal terminal;
 

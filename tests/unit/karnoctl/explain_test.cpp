@@ -16,6 +16,28 @@ using test::Terminal;
 
 constexpr const char* kMarker = "/Users/tester/KARNOUPGRADE.debug";
 
+TEST(KarnoctlExplain, KnowsTheFirstSystemWithFileProvider) {
+  FakePlatform machine;
+  Terminal terminal;
+  machine.withSystem("12.3", "arm64").withEmbeddedBuilds();
+  machine.systemVersion.running = {12, 3, 0};
+
+  terminal.run({"explain"});
+
+  EXPECT_NE(terminal.out().find("The system check passes: macOS has File Provider"), std::string::npos)
+      << terminal.out();
+}
+
+TEST(KarnoctlExplain, TakesAnEmptyAnswerOfTheSystemForNone) {
+  FakePlatform machine;
+  Explanation explanation;
+  explanation.system.macOS = "";
+
+  const std::string text = explanationText(explanation);
+
+  EXPECT_NE(text.find("  macOS      not known\n"), std::string::npos) << text;
+}
+
 TEST(KarnoctlExplain, TellsTheWholeStoryOfAFirstStart) {
   FakePlatform machine;
   Terminal terminal;

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <memory>
+#include <utility>
+
 #include "fake_platform.h"
 
 namespace karno::karnoctl {
@@ -51,6 +55,36 @@ TEST_F(LogFollowerTest, ReadsTheLastLinesOfARotatedFileAndThenTheNewOne) {
   EXPECT_EQ(follower.newText(), "three\n");
   EXPECT_TRUE(follower.startedAnew());
   EXPECT_EQ(follower.newText(), "");
+}
+
+// Whoever logs may do so, and rotate, between any two looks.
+class InterruptedReading final : public platform::FileReading {
+ public:
+  explicit InterruptedReading(const platform::FileReading& reading) : reading_(reading) {}
+
+  platform::Result<std::unique_ptr<platform::ReadableFile>> open(const std::string& path) const override {
+    if (beforeOpening) std::exchange(beforeOpening, nullptr)();
+    return reading_.open(path);
+  }
+
+  mutable std::function<void()> beforeOpening;
+
+ private:
+  const platform::FileReading& reading_;
+};
+
+TEST_F(LogFollowerTest, LosesNoLineThatComesJustBeforeARotation) {
+  machine.files.addFile(kLog, "one\n");
+  const InterruptedReading reading(machine.fileReading);
+  LogFollower follower(reading, kLog, std::move(reading.open(kLog).value()), 4);
+  reading.beforeOpening = [this] {
+    append("two");
+    machine.files.move(kLog, kOld);
+    append("three");
+  };
+
+  EXPECT_EQ(follower.newText(), "two\n");
+  EXPECT_EQ(follower.newText(), "three\n");
 }
 
 TEST_F(LogFollowerTest, WaitsWhileARotatedFileIsNotMadeAnew) {

@@ -101,6 +101,7 @@ TEST(ProgramImage, IsNotInLibrariesAndObjectFiles) {
 TEST(ProgramImage, IsNotInProgramsOf32Bits) {
   EXPECT_EQ(objectionTo(MachO{.magic = 0xfeedface}.bytes()), "it is for 32-bit processors");
   EXPECT_EQ(objectionTo(ELF{.width = 1}.bytes()), "it is for 32-bit processors");
+  EXPECT_EQ(objectionTo(ELF{.isBigEndian = true, .width = 1}.bytes()), "it is for 32-bit processors");
 }
 
 TEST(ProgramImage, WantsCodeForAProcessor) {
@@ -144,6 +145,31 @@ TEST(ProgramImage, RefusesAbsurdCounts) {
   EXPECT_EQ(objectionTo(ELF{.segmentCount = 0xffff}.bytes()), "its headers are damaged");
   EXPECT_EQ(objectionTo(ELF{.segmentEntryBytes = 1}.bytes()), "its headers are damaged");
   EXPECT_EQ(objectionTo(ELF{.width = 9}.bytes()), "its headers are damaged");
+}
+
+TEST(ProgramImage, RefusesALastCommandThatEndsBehindTheOthers) {
+  EXPECT_EQ(objectionTo(MachO{.commandCount = 1, .segmentCommandBytes = 0xffffff}.bytes()),
+            "its headers are damaged");
+}
+
+TEST(ProgramImage, HasUpToSixteenSlices) {
+  const auto image = imageOf(universal(std::vector<MachO>(16)));
+
+  ASSERT_TRUE(image) << image.error().description();
+  EXPECT_EQ(image.value().slices.size(), 16U);
+  EXPECT_EQ(objectionTo(universal(std::vector<MachO>(17))), "its first bytes are those of no program");
+}
+
+TEST(ProgramImage, MissesWhatCannotBeReadOfAFileThatSaysMore) {
+  const std::string program = MachO{}.bytes();
+
+  const auto image =
+      programImage({.sizeInBytes = program.size(), .read = [&program](std::uint64_t offset, std::size_t max) {
+                      return program.substr(offset, std::min<std::size_t>(max, 20));
+                    }});
+
+  ASSERT_FALSE(image);
+  EXPECT_EQ(image.error().localizedDescription(), "its end is missing");
 }
 
 TEST(ProgramImage, MissesCodeBehindTheEndOfTheFile) {
