@@ -98,7 +98,8 @@ TEST(KarnoctlLog, FollowsTheLauncherUntilItIsInterrupted) {
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
   const fs::path seen = machine.root() / "seen.txt";
-  Subprocess follower(karnoctlCommand(machine, {"log", "--follow", "--lines", "0"}), seen);
+  Subprocess follower(karnoctlCommand(machine, {"log", "--follow", "--lines", "1"}), seen);
+  ASSERT_TRUE(machine.waitUntil([&] { return !contentOf(seen).empty(); }, kToolLimit));
 
   machine.in({"karnoctl", "post", "user-selected-quit"});
   ASSERT_EQ(machine.waitForEnd(), 0);

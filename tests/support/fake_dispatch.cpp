@@ -94,16 +94,18 @@ class FakeDispatch::Group final : public platform::DispatchGroup {
   void enter() override { ++inside_; }
   void leave() override { --inside_; }
 
+  // In whole nanoseconds: seconds in a double may leave a rest that is too small to pass.
   bool wait(std::int64_t nanoseconds) override {
-    const double deadline = scheduler_.secondsSinceStart() + static_cast<double>(nanoseconds) / 1e9;
-    while (inside_ > 0 && scheduler_.secondsSinceStart() < deadline) {
-      scheduler_.sleep(std::min(kLook, deadline - scheduler_.secondsSinceStart()));
+    const std::int64_t deadline = scheduler_.nanosecondsSinceStart() + nanoseconds;
+    for (std::int64_t rest = nanoseconds; inside_ > 0 && rest > 0;
+         rest = deadline - scheduler_.nanosecondsSinceStart()) {
+      scheduler_.sleep(static_cast<double>(std::min(kLookNanoseconds, rest)) / 1e9);
     }
     return inside_ == 0;
   }
 
  private:
-  static constexpr double kLook = 0.001;
+  static constexpr std::int64_t kLookNanoseconds = 1'000'000;
   FakeScheduler& scheduler_;
   int inside_ = 0;
 };

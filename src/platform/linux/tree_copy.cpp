@@ -1,14 +1,42 @@
 #include "platform/linux/tree_copy.h"
 
+#include <fcntl.h>
+#include <sys/sendfile.h>
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <system_error>
+
+#include "platform/posix/retry.h"
+#include "platform/posix/scoped_descriptor.h"
 
 namespace karno::platform {
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::size_t kPieceBytesMax = std::size_t{1} << 24U;
+
+std::error_code lastError() { return {errno, std::generic_category()}; }
+
 std::error_code copyItem(const fs::path& from, const fs::path& to, int depth);
+
+// As std::filesystem copies, which however says "Input/output error" when the disk is full (libstdc++ 12).
+std::error_code copyFile(const fs::path& from, const fs::path& to) {
+  const ScopedDescriptor source(
+      retryOnInterrupt([&] { return ::open(from.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW); }));
+  if (!source.isOpen()) return lastError();
+  struct stat status = {};
+  if (::fstat(source.get(), &status) != 0) return lastError();
+  const ScopedDescriptor target(
+      retryOnInterrupt([&] { return ::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IWUSR); }));
+  if (!target.isOpen() || ::fchmod(target.get(), status.st_mode & 07777U) != 0) return lastError();
+  ssize_t count = 1;
+  while (count > 0) {
+    count = retryOnInterrupt([&] { return ::sendfile(target.get(), source.get(), nullptr, kPieceBytesMax); });
+  }
+  return count < 0 ? lastError() : std::error_code();
+}
 
 std::error_code copyContents(const fs::path& from, const fs::path& to, int depth) {
   std::error_code error;
@@ -40,8 +68,7 @@ std::error_code copyItem(const fs::path& from, const fs::path& to, int depth) {
       fs::copy_symlink(from, to, error);
       return error;
     case fs::file_type::regular:
-      fs::copy_file(from, to, error);
-      return error;
+      return copyFile(from, to);
     case fs::file_type::not_found:
       return std::make_error_code(std::errc::no_such_file_or_directory);
     default:

@@ -33,6 +33,25 @@ TEST(FakeHost, IsTheMachine) {
   EXPECT_EQ(&platform::host().dispatch, &machine.dispatch);
 }
 
+// Ten milliseconds from each of these starts have no exact end in seconds.
+TEST(FakeGroup, EndsItsWaitWheneverItBegins) {
+  constexpr int kStarts = 4001;
+  FakePlatform machine;
+  int ended = 0;
+
+  machine.onThread([&] {
+    for (int start = 0; start < kStarts; ++start) {
+      const auto group = platform::host().dispatch.makeGroup();
+      group->enter();
+      if (!group->wait(10'000'000)) ++ended;
+      platform::host().dispatch.sleep(0.0011);
+    }
+  });
+  machine.runUntilIdle();
+
+  EXPECT_EQ(ended, kStarts);
+}
+
 TEST(FakeUserDefaults, AreSharedByAllObjectsOfOneSuite) {
   FakePlatform machine;
   const auto one = machine.userDefaults.makeSuite("suite");
