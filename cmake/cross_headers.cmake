@@ -10,7 +10,6 @@ foreach(header fmt/format.h nlohmann/json.hpp)
 endforeach()
 
 add_library(fmt::fmt-header-only INTERFACE IMPORTED)
-target_compile_definitions(fmt::fmt-header-only INTERFACE FMT_HEADER_ONLY=1)
 target_include_directories(fmt::fmt-header-only SYSTEM INTERFACE ${cross_headers})
 
 add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED)

@@ -1,10 +1,16 @@
-# What each system gives us. {fmt} and nlohmann-json are used header-only on both.
+# What each system gives us. Of {fmt} and nlohmann-json only the headers are used on both.
 if(CMAKE_CROSSCOMPILING)
   include(cmake/cross_headers.cmake)
 else()
   find_package(fmt 9 REQUIRED)
   find_package(nlohmann_json 3.11 REQUIRED)
 endif()
+
+add_library(karno_formatting STATIC ${PROJECT_SOURCE_DIR}/cmake/formatting/formatting.cpp)
+target_include_directories(karno_formatting SYSTEM PUBLIC
+  $<TARGET_PROPERTY:fmt::fmt-header-only,INTERFACE_INCLUDE_DIRECTORIES>)
+target_link_libraries(karno_formatting PRIVATE karno_flags)
+
 if(NOT APPLE)
   find_package(Threads REQUIRED)
   find_package(ICU 72 REQUIRED COMPONENTS uc i18n)
