@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <linux/mount.h>
 #include <sched.h>
-#include <sys/mount.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -15,13 +17,18 @@ namespace {
 
 constexpr const char* kNoRight = "no right to mount a disk here: ";
 
+// The header that declares the C library's call is a Mac's in this program.
+bool mountedAs(const char* kind, const std::string& folder, unsigned long flags, const char* options) {
+  return ::syscall(SYS_mount, "none", folder.c_str(), kind, flags, options) == 0;
+}
+
 // A disk of 1 MiB over a folder, which only this process sees and which goes with it. What kept it from that;
 // empty when nothing did.
 std::string mountSmallDisk(const std::string& folder) {
   // Root needs no user namespace, whose making may be forbidden.
   const bool isApart = ::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
-  if (isApart && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-      ::mount("none", folder.c_str(), "tmpfs", 0, "size=1m") == 0)
+  if (isApart && mountedAs(nullptr, "/", MS_REC | MS_PRIVATE, nullptr) &&
+      mountedAs("tmpfs", folder, 0, "size=1m"))
     return {};
   return kNoRight + std::string(std::strerror(errno));
 }
