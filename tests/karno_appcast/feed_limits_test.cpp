@@ -37,7 +37,7 @@ TEST(Feed, LeavesTheLettersOfAnAddressThatNeedNoEscape) {
 }
 
 TEST(Feed, TellsTheTimeOfGreenwichEverywhere) {
-  const karno::test::ScopedEnvironment zone("TZ", "XXX-9");
+  const karno::test::ScopedEnvironment zone("TZ", "JST-9");
   ReleaseManager manager;
   manager.addRelease("Karno.zip", "1", "1.0");
 
