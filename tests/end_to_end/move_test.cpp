@@ -4,6 +4,7 @@
 
 #include <fstream>
 
+#include "elements_are.h"
 #include "expected_logs.h"
 #include "hands.h"
 #include "places.h"
@@ -13,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::ElementsAreArray;
 
 constexpr const char* kMoving = "INFO -- Moving myself to the Applications folder";

@@ -3,6 +3,7 @@
 
 #include <fstream>
 
+#include "elements_are.h"
 #include "expected_logs.h"
 #include "hands.h"
 #include "places.h"
@@ -10,7 +11,7 @@
 namespace karno::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;

@@ -1,11 +1,12 @@
 #include "installer/safe_path.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
 namespace karno::installer {
 namespace {
 
-using testing::ElementsAre;
+using karno::test::ElementsAre;
 using namespace std::string_literals;
 
 // "ready a/b", or the failure's text.

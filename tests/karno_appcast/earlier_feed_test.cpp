@@ -4,12 +4,13 @@
 #include <string_view>
 #include <vector>
 
+#include "elements_are.h"
 #include "release_manager.h"
 
 namespace karno::appcast::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 

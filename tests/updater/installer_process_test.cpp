@@ -1,4 +1,5 @@
 #include "platform/linux/updater/installer_process.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
@@ -14,16 +15,16 @@
 namespace karno::platform::updates {
 namespace {
 
+using karno::test::ElementsAre;
 using std::chrono::milliseconds;
-using ::testing::ElementsAre;
 using ::testing::Pair;
 
 constexpr const char* kEndedEarly = "The installer ended before the update was unpacked.";
 
 // A bundle whose installer is a script of the test's.
-class InstallerProgram : public ::testing::Test {
+class StartedInstaller : public ::testing::Test {
  protected:
-  InstallerProgram() { bundles_.main().setPath(folder_ / "Karno.app"); }
+  StartedInstaller() { bundles_.main().setPath(folder_ / "Karno.app"); }
 
   void setScript(const std::string& lines) {
     const std::string path =
@@ -61,7 +62,7 @@ class InstallerProgram : public ::testing::Test {
   std::vector<std::pair<std::uint64_t, std::uint64_t>> amounts_;
 };
 
-TEST_F(InstallerProgram, IsToldAllThatItNeedsToUnpack) {
+TEST_F(StartedInstaller, IsToldAllThatItNeedsToUnpack) {
   setScript("echo \"ready /$*\"");
 
   EXPECT_EQ(unpack(),
@@ -69,7 +70,7 @@ TEST_F(InstallerProgram, IsToldAllThatItNeedsToUnpack) {
             "--into /a/new --length 7");
 }
 
-TEST_F(InstallerProgram, TellsHowFarItIs) {
+TEST_F(StartedInstaller, TellsHowFarItIs) {
   setScript("echo 'progress 1 2'; echo 'progress 2 2'; echo 'ready /a/new/Karno.app'");
 
   EXPECT_EQ(unpack({.look = std::chrono::hours(1)}), "/a/new/Karno.app");
@@ -77,21 +78,21 @@ TEST_F(InstallerProgram, TellsHowFarItIs) {
   EXPECT_EQ(amounts_.back(), std::pair(std::uint64_t{2}, std::uint64_t{2}));
 }
 
-TEST_F(InstallerProgram, TellsWhyItFailed) {
+TEST_F(StartedInstaller, TellsWhyItFailed) {
   setScript("echo 'failed 3001 Not signed.'; exit 1");
 
   EXPECT_EQ(unpack(), "3001 Not signed.");
 }
 
-TEST_F(InstallerProgram, ThatDiesIsAFailure) {
+TEST_F(StartedInstaller, ThatDiesIsAFailure) {
   setScript("echo 'progress 1 2'; kill -SEGV $$");
 
   EXPECT_EQ(unpack(), std::string("3000 ") + kEndedEarly);
 }
 
-TEST_F(InstallerProgram, ThatIsNotThereIsAFailure) { EXPECT_EQ(unpack().substr(0, 2), "2 "); }
+TEST_F(StartedInstaller, ThatIsNotThereIsAFailure) { EXPECT_EQ(unpack().substr(0, 2), "2 "); }
 
-TEST_F(InstallerProgram, IsEndedWhenNobodyWantsItThoughItSaysNothing) {
+TEST_F(StartedInstaller, IsEndedWhenNobodyWantsItThoughItSaysNothing) {
   setScript("exec sleep 60");
   isWanted_ = false;
 
@@ -101,7 +102,7 @@ TEST_F(InstallerProgram, IsEndedWhenNobodyWantsItThoughItSaysNothing) {
   EXPECT_THAT(amounts_, ElementsAre(Pair(0, 0)));
 }
 
-TEST_F(InstallerProgram, IsKilledWhenItDoesNotEndByItself) {
+TEST_F(StartedInstaller, IsKilledWhenItDoesNotEndByItself) {
   setScript("trap '' TERM; while true; do read -t 0.1 <> <(:); done");
   isWanted_ = false;
 
@@ -109,20 +110,20 @@ TEST_F(InstallerProgram, IsKilledWhenItDoesNotEndByItself) {
             std::string("3000 ") + kEndedEarly);
 }
 
-TEST_F(InstallerProgram, IsEndedWhenItSaysNothingForTooLong) {
+TEST_F(StartedInstaller, IsEndedWhenItSaysNothingForTooLong) {
   setScript("exec sleep 60");
 
   EXPECT_EQ(unpack({.look = milliseconds(10), .silence = milliseconds(100)}),
             std::string("3000 ") + kEndedEarly);
 }
 
-TEST_F(InstallerProgram, IsNotWaitedForOnceItHasClosedItsOutput) {
+TEST_F(StartedInstaller, IsNotWaitedForOnceItHasClosedItsOutput) {
   setScript("echo 'ready /a/new/Karno.app'; exec >&-; exec sleep 60");
 
   EXPECT_EQ(unpack(), "/a/new/Karno.app");
 }
 
-TEST_F(InstallerProgram, IsLeftAloneToInstall) {
+TEST_F(StartedInstaller, IsLeftAloneToInstall) {
   setScript("echo \"$*\" > \"$0.new\"; mv \"$0.new\" \"$0.told\"");
   InstallerProcess installer(bundles_);
 

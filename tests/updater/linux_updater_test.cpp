@@ -1,11 +1,12 @@
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "linux_updater_fixture.h"
 
 namespace karno::platform::updates {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;

@@ -2,13 +2,14 @@
 
 #include <limits>
 
+#include "elements_are.h"
 #include "linux_updater_fixture.h"
 #include "printing.h"
 
 namespace karno::platform::updates {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 

@@ -1,4 +1,5 @@
 #include "comparison.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -7,7 +8,7 @@
 namespace karno::bench {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::IsEmpty;
 
 using Repetition = benchmark::BenchmarkReporter::Run;

@@ -12,7 +12,7 @@ std::string launchedAndEnded(const std::string& between) {
   return "did finish launching\n" + between + "will terminate\n";
 }
 
-TEST(ProgressWindow, KeepsWhatItIsGivenBeforeItIsShown) {
+TEST(UnshownProgressWindow, KeepsWhatItIsGivenBeforeItIsShown) {
   platform::cocoa::CocoaWindows windows;
   const auto window = windows.makeProgressWindow();
 

@@ -1,4 +1,5 @@
 #include "platform/cocoa/runtime_check.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,8 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using karno::test::ElementsAre;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 const CocoaRuntimeCheck kOnGNUstep(objc::Where::GNUstepOnly);

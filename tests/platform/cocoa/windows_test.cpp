@@ -1,4 +1,5 @@
 #include "platform/cocoa/windows.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,7 +11,7 @@
 namespace karno::platform::cocoa {
 namespace {
 
-using testing::ElementsAre;
+using karno::test::ElementsAre;
 
 TEST(PromptWindow, ClosingCallsEveryObservationOnce) {
   CocoaWindows windows;

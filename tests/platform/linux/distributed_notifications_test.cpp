@@ -1,4 +1,5 @@
 #include "platform/linux/distributed_notifications.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,6 +25,7 @@
 namespace karno::platform {
 namespace {
 
+using karno::test::ElementsAre;
 using std::chrono::milliseconds;
 using test::BurstCensus;
 using test::ForkedProcess;
@@ -32,7 +34,6 @@ using test::PrivateBus;
 using test::ScopedEnvironment;
 using test::StandardErrorCapture;
 using test::StartSignal;
-using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr const char* kName = "it.vantul.test.Name";

@@ -1,4 +1,5 @@
 #include "platform/linux/icu_text.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,8 +15,8 @@
 namespace karno::platform {
 namespace {
 
+using karno::test::ElementsAre;
 using test::ScopedEnvironment;
-using testing::ElementsAre;
 
 // 2024-03-05T13:07:09.042Z
 constexpr Date kMoment{std::chrono::milliseconds(1'709'644'029'042)};

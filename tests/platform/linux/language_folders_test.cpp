@@ -1,4 +1,5 @@
 #include "platform/linux/language_folders.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,7 +7,7 @@
 namespace karno::platform {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::IsEmpty;
 
 using Names = std::vector<std::string>;

@@ -1,4 +1,5 @@
 #include "platform/linux/machine_shell.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,10 +17,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using karno::test::ElementsAre;
 using test::outputOf;
 using test::ScopedEnvironment;
 using test::TemporaryFolder;
-using testing::ElementsAre;
 
 // A machine root in a folder whose name a shell would stumble over.
 class MachineShellTest : public testing::Test {

@@ -1,4 +1,5 @@
 #include "platform/linux/preferred_languages.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,11 +12,11 @@
 namespace karno::platform {
 namespace {
 
+using karno::test::ElementsAre;
 using test::propertyList;
 using test::ScopedEnvironment;
 using test::stringEntry;
 using test::TemporaryFolder;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 

@@ -1,4 +1,5 @@
 #include "platform/cocoa/running_applications.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,12 +19,12 @@
 namespace karno::platform::cocoa {
 namespace {
 
+using karno::test::ElementsAre;
 using test::makeSleepingBundle;
 using test::ScopedEnvironment;
 using test::SleepingProcess;
 using test::StartedTask;
 using test::TemporaryFolder;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 

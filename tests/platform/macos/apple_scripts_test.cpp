@@ -1,4 +1,5 @@
 #include "platform/macos/apple_scripts.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +10,7 @@
 namespace karno::platform::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 
 objc::Id initWithSource(objc::Id self, objc::Sel selector, objc::Id source) {
   recordAndAnswer(selector, shown(source));

@@ -1,4 +1,5 @@
 #include "platform/macos/authorisations.h"
+#include "elements_are.h"
 
 #include <dlfcn.h>
 #include <fmt/format.h>
@@ -42,7 +43,7 @@ void* karno_stand_in_dlsym(void* library, const char* name) noexcept;
 namespace karno::platform::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::IsEmpty;
 
 // Stands in for the framework: writes down what it is asked and gives the answers that were set.

@@ -1,4 +1,5 @@
 #include "platform/macos/bundles.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,8 +11,8 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 
 objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
 objc::Id withOne(objc::Id, objc::Sel selector, objc::Id first) {

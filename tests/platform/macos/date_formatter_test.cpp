@@ -1,4 +1,5 @@
 #include "platform/macos/date_formatter.h"
+#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -14,8 +15,8 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 
 objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
 

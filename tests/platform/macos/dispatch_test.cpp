@@ -1,4 +1,5 @@
 #include "platform/macos/dispatch.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,8 +17,8 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 
 Class workClass() {
   static const Class made = StandInClass("StandInWork").registerClass();

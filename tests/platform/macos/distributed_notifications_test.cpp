@@ -1,4 +1,5 @@
 #include "platform/macos/distributed_notifications.h"
+#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -15,8 +16,8 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 
 // Delivers a notification as the platform does: it sends the action that was given to the observer.
 struct Observation {

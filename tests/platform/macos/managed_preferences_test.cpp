@@ -1,4 +1,5 @@
 #include "platform/macos/managed_preferences.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,8 +16,8 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 
 objc::Boolean isKindOfClass(objc::Id, objc::Sel selector, Class) {
   recordAndAnswer(selector);

@@ -1,4 +1,5 @@
 #include "platform/macos/process_list.h"
+#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -16,7 +17,7 @@
 namespace karno::platform::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 

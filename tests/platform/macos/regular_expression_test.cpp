@@ -1,4 +1,5 @@
 #include "platform/macos/regular_expression.h"
+#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -12,8 +13,8 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 
 std::shared_ptr<const RegularExpression> expression(std::string_view pattern) {
   return FoundationRegularExpression::make(pattern, false).value();

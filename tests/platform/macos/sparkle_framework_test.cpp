@@ -1,4 +1,5 @@
 #include "platform/macos/sparkle_framework.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +10,7 @@
 namespace karno::platform::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 
 class MacUpdaterFramework : public testing::Test {
  protected:

@@ -8,6 +8,7 @@
 #include "../cocoa/foundation_objects.h"
 #include "../support/hand_dispatch.h"
 #include "../support/standard_error_capture.h"
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/threads.h"
 #include "platform/macos/sparkle_updater.h"
@@ -17,9 +18,9 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::HandDispatch;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 // The framework's side of a session: it tells and asks the object that the bridge gave it.

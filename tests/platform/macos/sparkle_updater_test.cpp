@@ -1,4 +1,5 @@
 #include "platform/macos/sparkle_updater.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,9 +19,9 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::HandDispatch;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr std::int64_t kMoment = 20'000'000;          // nanoseconds

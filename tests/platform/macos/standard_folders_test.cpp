@@ -1,4 +1,5 @@
 #include "platform/macos/standard_folders.h"
+#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -20,8 +21,8 @@ extern "C" karno::platform::objc::Id karno_stand_in_search_path(karno::platform:
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class MacStandardFolders : public testing::Test {

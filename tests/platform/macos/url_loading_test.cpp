@@ -1,4 +1,5 @@
 #include "platform/macos/url_loading.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +10,7 @@
 namespace karno::platform::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 
 objc::Id urlWithString(objc::Id, objc::Sel selector, objc::Id text) {
   return recordAndAnswer(selector, shown(text));

@@ -1,4 +1,5 @@
 #include "platform/macos/workspace.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,8 +13,8 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 objc::Id sharedWorkspace(objc::Id, objc::Sel selector) { return answer(selector); }

@@ -1,4 +1,5 @@
 #include "platform/posix/files.h"
+#include "elements_are.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -22,9 +23,9 @@
 namespace karno::platform {
 namespace {
 
+using karno::test::ElementsAre;
 using test::ScopedEnvironment;
 using test::TemporaryFolder;
-using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
 constexpr const char* kNameThatIsNoUTF8 = "caf\xE9 \xFF.txt";

@@ -1,4 +1,5 @@
 #include "platform/shell.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,6 +23,7 @@
 namespace karno::platform {
 namespace {
 
+using karno::test::ElementsAre;
 using test::ForkedProcess;
 using test::outputOf;
 using test::ScopedEnvironment;
@@ -29,7 +31,6 @@ using test::ShellOutput;
 using test::StandardErrorCapture;
 using test::StartedTask;
 using test::TemporaryFolder;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 

@@ -1,4 +1,5 @@
 #include "platform/posix/stream_pieces.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +18,7 @@
 namespace karno::platform {
 namespace {
 
-using testing::ElementsAre;
+using karno::test::ElementsAre;
 
 // A signal that interrupts the system call of the thread that it is sent to.
 class InterruptingSignal {

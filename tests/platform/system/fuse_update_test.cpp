@@ -5,6 +5,7 @@
 
 #include "../support/scoped_environment.h"
 #include "../support/temporary_folder.h"
+#include "elements_are.h"
 #include "fake_bundles.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
@@ -16,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::HasSubstr;
 
 constexpr const char* kPath = "/repos/macfuse/macfuse/releases/latest";

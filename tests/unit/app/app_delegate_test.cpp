@@ -1,4 +1,5 @@
 #include "app/app_delegate.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -13,11 +14,11 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Value;
 using test::FakePlatform;
 using test::Launcher;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 

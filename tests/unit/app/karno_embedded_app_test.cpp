@@ -1,4 +1,5 @@
 #include "app/karno_embedded_app.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -8,10 +9,10 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Value;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 

@@ -2,17 +2,18 @@
 
 #include "app/main_window.h"
 #include "app/startup_manager.h"
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "launcher.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Value;
 using test::FakePlatform;
 using test::Line;
 using ::testing::Contains;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::Pair;

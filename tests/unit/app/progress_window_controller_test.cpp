@@ -1,4 +1,5 @@
 #include "app/progress_window_controller.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -7,8 +8,8 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class Recorder final : public ProgressWindowDelegate {
@@ -16,7 +17,7 @@ class Recorder final : public ProgressWindowDelegate {
   void progressWindowControllerUserPressedCancel(ProgressWindowController& controller) override {
     cancelled.push_back(&controller);
   }
-  std::vector<const ProgressWindowController*> cancelled;
+  std::vector<ProgressWindowController*> cancelled;
 };
 
 test::FakeProgressState& windowOf(FakePlatform& machine) { return *machine.windows.progress.at(0); }

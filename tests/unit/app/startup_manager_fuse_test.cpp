@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "app/startup_manager.h"
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "launcher.h"
 #include "printing.h"
@@ -8,11 +9,11 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
 using test::StartupRecorder;
 using ::testing::Contains;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kStrings = R"({"MESSAGE_FUSE_INSTALL_REQUIRED": "macFUSE is needed.",
@@ -380,7 +381,7 @@ TEST(ProgressCancel, IsNotedAndTheWindowOnItsWayOutBeforeAnybodyHears) {
   machine.runUntilIdle();
 
   EXPECT_THAT(cancelledThen, ElementsAre(true, true));
-  EXPECT_THAT(controllerOnTheNextTurn, ElementsAre(nullptr, nullptr));
+  EXPECT_THAT(controllerOnTheNextTurn, testing::ElementsAre(nullptr, nullptr));
 }
 
 TEST(ProgressCancel, IsLoggedBeforeTheDelegateHears) {

@@ -2,6 +2,7 @@
 
 #include "app/karno_embedded_app.h"
 #include "app/startup_manager.h"
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "launcher.h"
 #include "log/karno_log.h"
@@ -11,11 +12,11 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::TerminationReason;
 using test::FakePlatform;
 using test::Line;
 using test::StartupRecorder;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const Line kChosen("INFO", "EmbeddedApp[CONFIGURE] Use File Provider = Yes (first startup)");

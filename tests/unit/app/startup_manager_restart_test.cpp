@@ -2,6 +2,7 @@
 
 #include "app/karno_embedded_app.h"
 #include "app/startup_manager.h"
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "launcher.h"
 #include "printing.h"
@@ -9,11 +10,11 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
 using test::StartupRecorder;
 using ::testing::Contains;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 

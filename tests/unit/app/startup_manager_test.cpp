@@ -1,4 +1,5 @@
 #include "app/startup_manager.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -11,10 +12,10 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
 using test::StartupRecorder;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 // What was logged after the choice of the build.

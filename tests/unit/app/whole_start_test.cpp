@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "app/startup_manager.h"
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "fresh_process.h"
 #include "launcher.h"
@@ -9,10 +10,10 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Launcher;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "app/startup_manager.h"
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "ipc/karno_wrappper_notifier_listener.h"
 #include "ipc/wrapper_protocol.h"
@@ -9,10 +10,10 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Value;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kName = "it.vantul.Karno.KarnoWrapperNotification";
@@ -41,11 +42,12 @@ TEST(WrapperProtocol, HasTheseWords) {
   EXPECT_EQ(kWrapperNotificationObject, "it.vantul.Karno.KarnoWrapperNotification");
   EXPECT_EQ(kWrapperMessageKey, "message");
   EXPECT_EQ(kWrapperReasonKey, "reason");
-  EXPECT_THAT(kWrapperMessages,
-              ElementsAre("check-for-updates", "enable-automatic-updates", "disable-automatic-updates",
-                          "user-selected-quit", "app-is-terminating", "app-is-terminating-abnormally",
-                          "app-needs-restart", "restart-wrapper-with-fuse",
-                          "restart-wrapper-with-file-provider", "restart-wrapper"));
+  EXPECT_THAT(
+      kWrapperMessages,
+      testing::ElementsAre("check-for-updates", "enable-automatic-updates", "disable-automatic-updates",
+                           "user-selected-quit", "app-is-terminating", "app-is-terminating-abnormally",
+                           "app-needs-restart", "restart-wrapper-with-fuse",
+                           "restart-wrapper-with-file-provider", "restart-wrapper"));
 }
 
 TEST_F(Listener, QuitsWhenTheUserSelectedQuit) {

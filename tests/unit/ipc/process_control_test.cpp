@@ -2,16 +2,17 @@
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "ipc/karno_process_utils.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
 using ::testing::Each;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "CoreFoundation/CoreFoundation.h"
+#include "elements_are.h"
 #include "ipc/wrapper_notification.h"
 
 // In the C++ example of docs/protocol.md, which is compiled as it stands there.
@@ -10,8 +11,8 @@ void quitWasChosen();
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::DistributedPost;
-using ::testing::ElementsAre;
 
 TEST(ProtocolExample, PostsWhatTheLauncherListensFor) {
   quitWasChosen();

@@ -3,6 +3,7 @@
 
 #include <variant>
 
+#include "elements_are.h"
 #include "ipc/wrapper_protocol.h"
 #include "karnoctl/log_options.h"
 #include "karnoctl/verbs.h"
@@ -11,12 +12,12 @@
 namespace karno::karnoctl {
 namespace {
 
+using karno::test::ElementsAre;
 using test::ManualPage;
 using test::offeredByBash;
 using test::Words;
 using test::WordSet;
 using test::ZshCompletion;
-using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::Not;

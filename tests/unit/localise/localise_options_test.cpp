@@ -1,13 +1,14 @@
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "localise/karno_localise.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kSentences =
@@ -22,7 +23,7 @@ TEST(LocaliseOptions, HaveTheirFixedBits) {
                                           LocaliseOptionEllipsis, LocaliseOptionQuestionMark,
                                           LocaliseOptionNewLineAfterFirstSentence, LocaliseOptionUppercase,
                                           LocaliseOptionCapitalised, LocaliseOptionFirstLetterUppercase}),
-              ElementsAre(1, 2, 4, 8, 16, 32, 64, 128));
+              ElementsAre(1u, 2u, 4u, 8u, 16u, 32u, 64u, 128u));
 }
 
 TEST(LocaliseOptions, NoneLeavesTheTextAlone) {

@@ -3,6 +3,7 @@
 
 #include <random>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "localise/expression_cache.h"
 #include "localise/karno_localise.h"
@@ -12,9 +13,9 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 std::string filled(const std::string& key, const std::string& value, const std::string& text) {

@@ -1,4 +1,5 @@
 #include "localise/string_table.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -10,9 +11,9 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kLocalised = "/Applications/Karno.app/Contents/Resources/Strings.json";

@@ -2,15 +2,16 @@
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "log/karno_log.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 // Notes when and on which thread flushes were completed.
@@ -53,7 +54,7 @@ TEST(KarnoLogFlush, OfAnEmptyQueueCompletesAtOnceOnTheFlushQueue) {
   KarnoLog::manager().flushWithCompletion(completions.note());
   machine.runUntilIdle();
 
-  EXPECT_THAT(completions.seconds, ElementsAre(0));
+  EXPECT_THAT(completions.seconds, ElementsAre(0.0));
   EXPECT_THAT(completions.threads, ElementsAre("it.vantul.KarnoWrapper.FlushLog"));
 }
 

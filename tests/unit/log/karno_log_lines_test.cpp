@@ -1,14 +1,15 @@
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "log/karno_log.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 

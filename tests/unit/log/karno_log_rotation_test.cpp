@@ -2,18 +2,19 @@
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "log/karno_log.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::kLogFile;
 using test::kLogFolder;
 using test::kOldLogFile;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 // Logs "line <first>" to "line <last>" and lets the writer take them.

@@ -2,17 +2,18 @@
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "log/karno_log.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::kLogFile;
 using test::kLogFolder;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "log/karno_log.h"
 
@@ -9,12 +10,12 @@ namespace karno {
 namespace {
 
 using namespace std::chrono_literals;
+using karno::test::ElementsAre;
 using platform::Date;
 using test::FakePlatform;
 using test::kLogFolder;
 using test::kStartOfTest;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr std::chrono::seconds kFourteenDays{1'209'600};

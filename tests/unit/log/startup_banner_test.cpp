@@ -1,15 +1,16 @@
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "log/karno_log.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
 using ::testing::Contains;
-using ::testing::ElementsAre;
 
 TEST(StartupBanner, HasFourLines) {
   FakePlatform machine;

@@ -1,4 +1,5 @@
 #include "move/applications_folder.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -7,8 +8,8 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::MovingMachine;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kSuppress = "moveToApplicationsFolderAlertSuppress";

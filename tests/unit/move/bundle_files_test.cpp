@@ -1,4 +1,5 @@
 #include "move/bundle_files.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -9,12 +10,12 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Error;
 using test::kDownloaded;
 using test::kInstalled;
 using test::kTrashed;
 using test::MovingMachine;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kTrashScript =

@@ -1,4 +1,5 @@
 #include "move/disk_image.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -7,11 +8,11 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::MountInformation;
 using platform::Value;
 using test::kHdiutilLine;
 using test::MovingMachine;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kImaged = "/Volumes/Karno/Karno.app";

@@ -1,4 +1,5 @@
 #include "move/karno_move_application_manager.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -10,11 +11,11 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::kInstalled;
 using test::Launcher;
 using test::Line;
 using test::MovingMachine;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const Line kAlerting("INFO", "KarnoMoveApplicationManager:: Alerting user that the app needs moving.");

@@ -1,4 +1,5 @@
 #include "move/move_application.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -9,6 +10,7 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::failureAlert;
 using test::kDownloaded;
 using test::kInstalled;
@@ -16,7 +18,6 @@ using test::kTrashed;
 using test::moveError;
 using test::MovingMachine;
 using test::question;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kOfferFromDownloads =

@@ -1,17 +1,18 @@
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "move/move_application.h"
 #include "moving_machine.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Alert;
 using test::kDownloaded;
 using test::kInstalled;
 using test::MovingMachine;
 using test::question;
-using ::testing::ElementsAre;
 
 constexpr const char* kOffer = "I can move myself to the Applications folder if you'd like.";
 constexpr const char* kOfferFromDownloads =

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "move/move_application.h"
 #include "move/privileged_copy.h"
 #include "moving_machine.h"
@@ -9,6 +10,7 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::RightAnswer;
 using platform::TaskEnd;
 using platform::TerminationReason;
@@ -18,7 +20,6 @@ using test::kInstalled;
 using test::moveError;
 using test::MovingMachine;
 using test::question;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kRight = "copyRight system.privilege.admin 19";

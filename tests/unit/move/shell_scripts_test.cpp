@@ -1,4 +1,5 @@
 #include "move/shell_scripts.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -8,8 +9,8 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::MovingMachine;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 TEST(ShellQuotedString, StandsInSingleQuotes) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "karnoctl_documents.h"
 #include "platform/cocoa/xml_property_list.h"
@@ -9,9 +10,9 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Value;
 using test::FakePlatform;
-using ::testing::ElementsAre;
 using ::testing::MatchesRegex;
 
 constexpr const char* kUUID = "[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}";

@@ -1,4 +1,5 @@
 #include "fake_files.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -10,8 +11,8 @@
 namespace karno::test {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Error;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kFile = "/Users/tester/a.txt";

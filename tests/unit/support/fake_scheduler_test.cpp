@@ -1,4 +1,5 @@
 #include "fake_scheduler.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest-spi.h>
@@ -8,8 +9,8 @@
 namespace karno::test {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::QueuePriority;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "fresh_process.h"
 #include "printing.h"
@@ -11,10 +12,10 @@
 namespace karno::test {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::DistributedNotification;
 using platform::TaskEnd;
 using platform::Value;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 

@@ -1,4 +1,5 @@
 #include "system/fuse_manager.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -9,13 +10,13 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Value;
 using test::FakePlatform;
 using test::kFuseInformationFile;
 using test::kSwVersLine;
 using test::kUnameLine;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 // Notes the answers and the thread on which they came.

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "system/fuse_requirement.h"
 #include "system/fuse_requirements_manager.h"
@@ -7,9 +8,9 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 
 bool isMet(const std::string& cpu, const std::string& fuse, const std::string& os) {
   return FuseRequirementsManager::instance().doesMeetRequirementsForSystemCPU(cpu, fuse, os);

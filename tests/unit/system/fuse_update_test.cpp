@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "printing.h"
 #include "system/fuse_manager.h"
@@ -9,9 +10,9 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kURL = "https://api.github.com/repos/macfuse/macfuse/releases/latest";

@@ -2,17 +2,18 @@
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "system/karno_os_info_manager.h"
 
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::kSwVersLine;
 using test::kUnameLine;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const KarnoOSInfoManager& info() { return KarnoOSInfoManager::instance(); }

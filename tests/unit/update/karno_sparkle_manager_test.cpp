@@ -1,4 +1,5 @@
 #include "update/karno_sparkle_manager.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -7,9 +8,9 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kMarker = "/Users/tester/KARNOUPGRADE.debug";
@@ -18,20 +19,20 @@ constexpr const char* kDebugFeed = "https://updates.vantul.it/updates/macos/appc
 
 std::string feed() { return KarnoSparkleManager::instance().feedURL(); }
 
-TEST(Feed, IsTheProductionFeedWithoutAMarker) {
+TEST(UpdateFeed, IsTheProductionFeedWithoutAMarker) {
   FakePlatform machine;
 
   EXPECT_EQ(feed(), kFeed);
 }
 
-TEST(Feed, TakesItsHostFromTheBundle) {
+TEST(UpdateFeed, TakesItsHostFromTheBundle) {
   FakePlatform machine;
   machine.bundles.main().info.insert_or_assign("KarnoUpdateFeedHost", "feed.example.org:8443");
 
   EXPECT_EQ(feed(), "https://feed.example.org:8443/updates/macos/appcast.eddsa.xml");
 }
 
-TEST(Feed, HasThePublicHostWhereTheBundleNamesNone) {
+TEST(UpdateFeed, HasThePublicHostWhereTheBundleNamesNone) {
   FakePlatform machine;
 
   machine.bundles.main().info.insert_or_assign("KarnoUpdateFeedHost", "");
@@ -40,7 +41,7 @@ TEST(Feed, HasThePublicHostWhereTheBundleNamesNone) {
   EXPECT_EQ(feed(), kFeed);
 }
 
-TEST(Feed, IsChosenAfreshEveryTime) {
+TEST(UpdateFeed, IsChosenAfreshEveryTime) {
   FakePlatform machine;
   EXPECT_EQ(feed(), kFeed);
 
@@ -89,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(Feed, BadMarker,
                          ::testing::Values("two words", "https://a/%zz", "https://a/<b>", "https://a/ü",
                                            "https://a/b\nhttps://c/d"));
 
-TEST(Feed, OfAMarkerThatCannotBeReadIsTheDebugFeed) {
+TEST(UpdateFeed, OfAMarkerThatCannotBeReadIsTheDebugFeed) {
   FakePlatform machine;
   machine.files.addFile(kMarker, "https://a/b");
   machine.files.failRead(kMarker, 13);

@@ -4,6 +4,7 @@
 #include <csignal>
 
 #include "app/startup_manager.h"
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "launcher.h"
 #include "printing.h"
@@ -12,13 +13,13 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::ActivationPolicy;
 using platform::AppcastItem;
 using platform::Error;
 using test::FakePlatform;
 using test::Launcher;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kTouchFile = "/Users/tester/Library/Caches/Karno/cache.noindex/.karnoUpdated";

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "printing.h"
 #include "update/karno_sparkle_manager.h"
@@ -9,12 +10,12 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Error;
 using platform::Value;
 using test::FakePlatform;
 using test::Line;
 using ::testing::Contains;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kCache = "/Users/tester/Library/Caches/Karno/cache.noindex";

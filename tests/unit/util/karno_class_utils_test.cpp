@@ -1,4 +1,5 @@
 #include "util/karno_class_utils.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -7,8 +8,8 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Value;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 // The classes that the item belongs to.

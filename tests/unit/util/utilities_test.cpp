@@ -1,4 +1,5 @@
 #include "util/utilities.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
@@ -10,11 +11,11 @@
 namespace karno {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::UserFolder;
 using platform::Value;
 using test::FakePlatform;
 using test::Line;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 

@@ -1,4 +1,5 @@
 #include "platform/macos/console_log.h"
+#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ extern "C" void karno_stand_in_log(karno::platform::objc::Id format, ...);
 namespace karno::platform::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 
 class MacConsoleLog : public testing::Test {
  protected:

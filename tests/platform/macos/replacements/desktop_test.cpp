@@ -1,4 +1,5 @@
 #include "platform/cocoa/desktop.h"
+#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -18,7 +19,7 @@ extern "C" int karno_stand_in_application_main(int argc, const char** argv);
 namespace karno::platform::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::IsEmpty;
 
 objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }

@@ -1,4 +1,5 @@
 #include "platform/cocoa/main_thread_call.h"
+#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -21,7 +22,7 @@ namespace karno::platform::test {
 namespace {
 
 using cocoa::MainThreadCall;
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 using ::testing::IsEmpty;
 
 using Perform = void (*)(objc::Id, objc::Sel, objc::Sel, objc::Id, objc::Boolean);

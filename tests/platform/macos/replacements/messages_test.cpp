@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 
+#include "elements_are.h"
 #include "message_send.h"
 #include "platform/cocoa/guarded.h"
 #include "platform/cocoa/strings.h"
@@ -13,7 +14,7 @@
 namespace karno::platform::test {
 namespace {
 
-using ::testing::ElementsAre;
+using karno::test::ElementsAre;
 
 objc::Id initWindow(objc::Id self, objc::Sel selector, objc::Rect frame, objc::UInteger style,
                     objc::UInteger backing, objc::Boolean isDeferred) {
