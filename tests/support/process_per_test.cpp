@@ -11,8 +11,7 @@
 #include <vector>
 
 // The entry of test programs whose cases need fresh singletons: each selected case runs in a process of its
-// own. A single one runs in this process, where a debugger finds it, and where CTest starts a process a case
-// anyway.
+// own. A single one runs in this process, where a debugger finds it.
 namespace {
 
 constexpr int kHasFailures = 1;
