@@ -9,7 +9,7 @@ namespace karno {
 namespace {
 
 constexpr double kPauseBeforeAlert = 2.0;  // seconds, so that the web site is in front first
-constexpr double kPollInterval = 2.0;      // seconds
+constexpr double kFusePollInterval = 2.0;  // seconds
 
 platform::Queue& downloadWaitQueue() {
   static platform::NeverDestroyed<std::shared_ptr<platform::Queue>> queue(
@@ -73,7 +73,7 @@ void StartupManager::informUserToDownloadFuse() {
 void StartupManager::waitForFuseToBeInstalled() {
   KarnoLog::manager().logInfo("Startup[FUSE] Waiting for Fuse to install");
   do {
-    platform::host().dispatch.sleep(kPollInterval);
+    platform::host().dispatch.sleep(kFusePollInterval);
   } while (!FuseManager::instance().checkFuseIsInstalledInSystem(true));
   KarnoLog::manager().logInfo("Startup[FUSE] Fuse is installed");
   if (const auto target = delegate()) target->startUpDidCheckSystemSuccessfully(*this);

@@ -13,8 +13,8 @@
 namespace karno {
 namespace {
 
-constexpr double kTerminateTimeout = 10.0;  // seconds
-constexpr double kPollInterval = 0.25;      // seconds; exact in binary, so the count does not drift
+constexpr double kTerminateTimeout = 10.0;         // seconds
+constexpr double kTerminationPollInterval = 0.25;  // seconds; exact in binary, so the count does not drift
 constexpr double kNanosecondsPerSecond = 1'000'000'000;
 
 std::string systemText(int error) { return std::generic_category().message(error); }
@@ -85,12 +85,12 @@ bool KarnoProcessUtils::waitForApplicationToTerminateWithBundleID(const std::str
   log.logInfo(fmt::format("ProcessUtils: Waiting for '{}' to terminate", bundleID));
   double elapsed = 0;
   do {
-    dispatch.sleep(kPollInterval);
-    elapsed += kPollInterval;
+    dispatch.sleep(kTerminationPollInterval);
+    elapsed += kTerminationPollInterval;
     if (!isApplicationRunningWithBundleID(bundleID)) {
       // Without the closing quote: scripts search for the line as it has always been.
       log.logWarn(fmt::format("ProcessUtils: '{} terminated ({:.1f} seconds)", bundleID, elapsed));
-      dispatch.sleep(kPollInterval);
+      dispatch.sleep(kTerminationPollInterval);
       return true;
     }
   } while (timeout > elapsed);

@@ -9,9 +9,9 @@ namespace {
 
 // <elf.h>, which a Mac does not have.
 constexpr std::uint32_t kMagic = 0x7f454c46;
-constexpr std::size_t kHeaderBytes = 64;
+constexpr std::size_t kElfHeaderBytes = 64;
 constexpr std::size_t kEntryBytes = 56;
-constexpr std::uint16_t kExecutable = 2;
+constexpr std::uint16_t kElfExecutable = 2;
 constexpr std::uint16_t kShared = 3;  // and executables that can be loaded anywhere
 constexpr std::uint32_t kLoad = 1;
 constexpr std::uint16_t kEntriesMax = 256;
@@ -53,9 +53,9 @@ ProgramImage elfImage(const ProgramBytes& file) {
   if (kind == 0x0101 || kind == 0x0102) throw NoProgram("it is for 32-bit processors");
   if (kind != 0x0201 && kind != 0x0202) throw NoProgram(kDamagedHeaders);
   const ByteOrder order = kind == 0x0202 ? ByteOrder::Big : ByteOrder::Little;
-  const HeaderBytes header(file, 0, kHeaderBytes, order);
+  const HeaderBytes header(file, 0, kElfHeaderBytes, order);
   const std::uint16_t type = header.u16(16);
-  if (type != kExecutable && type != kShared) throw NoProgram("it is an object file");
+  if (type != kElfExecutable && type != kShared) throw NoProgram("it is an object file");
   requireSegments(file, header, order);
   // The list of sections, which most files end with.
   requireWithin(header.u64(40), std::uint64_t{header.u16(58)} * header.u16(60), file.sizeInBytes);

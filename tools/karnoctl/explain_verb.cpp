@@ -10,7 +10,7 @@
 namespace karno::karnoctl {
 namespace {
 
-std::string helpText() {
+std::string explainHelp() {
   return "Says which build of the client the next start of the launcher runs, whether the system check lets\n"
          "it, and what both rest on. Nothing is started, written or logged. A build that is named on the\n"
          "launcher's own command line, as in a restart into the other build, comes before all of this.\n"
@@ -34,7 +34,7 @@ Verb explainVerb() {
   return {.name = "explain",
           .synopsis = "[--json]",
           .summary = "say which build the launcher runs next, and why",
-          .help = helpText,
+          .help = explainHelp,
           .run = runExplain};
 }
 

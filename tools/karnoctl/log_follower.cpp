@@ -1,14 +1,10 @@
 #include "karnoctl/log_follower.h"
 
-#include <cstddef>
 #include <utility>
 
+#include "karnoctl/log_tail.h"
+
 namespace karno::karnoctl {
-namespace {
-
-constexpr std::size_t kPieceBytes = 64U << 10U;
-
-}  // namespace
 
 std::string LogFollower::newText() {
   startedAnew_ = false;

@@ -16,7 +16,7 @@ namespace {
 constexpr std::array<std::string_view, 2> kWithValue{"--lines", "--color"};
 constexpr std::array<std::string_view, 4> kOptions{"--follow", "--lines", "--color", "--help"};
 
-UsageError usageError(std::string text) { return {std::move(text), "log"}; }
+UsageError logUsageError(std::string text) { return {std::move(text), "log"}; }
 
 std::optional<UsageError> setLines(LogOptions& options, const std::string& value) {
   if (value == "all") {
@@ -26,7 +26,7 @@ std::optional<UsageError> setLines(LogOptions& options, const std::string& value
   std::uint64_t number = 0;
   const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
   if (error != std::errc() || end != value.data() + value.size()) {
-    return usageError("'" + value + "' is no number of lines");
+    return logUsageError("'" + value + "' is no number of lines");
   }
   options.lines = number;
   return std::nullopt;
@@ -40,7 +40,7 @@ std::optional<UsageError> setColour(LogOptions& options, const std::string& valu
   } else if (value == "never") {
     options.colour = ColourChoice::Never;
   } else {
-    return usageError("--color takes auto, always or never, not '" + value + "'");
+    return logUsageError("--color takes auto, always or never, not '" + value + "'");
   }
   return std::nullopt;
 }
@@ -60,13 +60,13 @@ std::variant<LogOptions, UsageError> parseLogOptions(std::span<const std::string
     if (word == "--follow") {
       options.follow = true;
     } else if (word == "--lines" || word == "--color") {
-      if (i + 1 == words.size()) return usageError(word + " needs a value");
+      if (i + 1 == words.size()) return logUsageError(word + " needs a value");
       error = word == "--lines" ? setLines(options, words[i + 1]) : setColour(options, words[i + 1]);
       ++i;
     } else if (word.starts_with('-')) {
-      error = usageError("unknown option '" + word + "'" + suggestion(word, kOptions));
+      error = logUsageError("unknown option '" + word + "'" + suggestion(word, kOptions));
     } else {
-      error = usageError("log takes no argument '" + word + "'");
+      error = logUsageError("log takes no argument '" + word + "'");
     }
     if (error) return *error;
   }

@@ -5,11 +5,6 @@
 #include <string>
 
 namespace karno::karnoctl {
-namespace {
-
-constexpr std::size_t kPieceBytes = 64U << 10U;
-
-}  // namespace
 
 platform::Result<Tail> findTail(const platform::ReadableFile& file, std::uint64_t linesMax) {
   const std::uint64_t size = file.sizeInBytes();

@@ -1,9 +1,13 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 
 #include "platform/file_reading.h"
 
 namespace karno::karnoctl {
+
+// Logs are read in pieces of this size.
+inline constexpr std::size_t kPieceBytes = 64U << 10U;
 
 struct Tail {
   std::uint64_t offset = 0;  // where the first of the lines begins

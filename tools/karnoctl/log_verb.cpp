@@ -20,10 +20,9 @@ namespace {
 using OpenFile = std::unique_ptr<platform::ReadableFile>;
 
 constexpr std::uint64_t kAllLines = ~std::uint64_t{0};
-constexpr std::size_t kPieceBytes = 64U << 10U;
 constexpr double kLookSeconds = 0.25;
 
-std::string helpText() {
+std::string logHelp() {
   return "Shows the end of the launcher's log. Where the log file has fewer lines than asked for, the file\n"
          "before it is shown first.\n"
          "\n"
@@ -121,7 +120,7 @@ Verb logVerb() {
   return {.name = "log",
           .synopsis = "[--follow] [--lines N] [--color WHEN]",
           .summary = "show what the launcher has logged",
-          .help = helpText,
+          .help = logHelp,
           .run = runLog};
 }
 

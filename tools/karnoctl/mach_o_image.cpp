@@ -17,11 +17,11 @@ constexpr std::uint32_t kFatMagic64 = 0xcafebabf;  // with offsets of 64 bits
 
 constexpr std::uint32_t kProcessorX86 = 0x01000007;
 constexpr std::uint32_t kProcessorArm = 0x0100000c;
-constexpr std::uint32_t kExecutable = 2;
+constexpr std::uint32_t kMachExecutable = 2;
 constexpr std::uint32_t kSegment64 = 0x19;
 constexpr std::uint32_t kCodeSignature = 0x1d;
 
-constexpr std::size_t kHeaderBytes = 32;
+constexpr std::size_t kMachHeaderBytes = 32;
 constexpr std::size_t kFatHeaderBytes = 8;
 constexpr std::size_t kSegmentBytes = 72;
 constexpr std::size_t kSignatureBytes = 16;
@@ -63,19 +63,19 @@ bool findSignature(const HeaderBytes& commands, std::uint32_t count, std::uint64
 
 ProgramSlice sliceAt(const ProgramBytes& file, std::uint64_t offset, std::uint64_t sizeInBytes) {
   requireWithin(offset, sizeInBytes, file.sizeInBytes);
-  requireWithin(0, kHeaderBytes, sizeInBytes);
+  requireWithin(0, kMachHeaderBytes, sizeInBytes);
   const std::uint32_t magic = firstBytesAt(file, offset);
   if (magic == kMagic32 || magic == kMagic32Swapped) throw NoProgram("it is for 32-bit processors");
   if (magic != kMagic64 && magic != kMagic64Swapped) throw NoProgram("one of its slices is no program");
 
   const ByteOrder order = magic == kMagic64 ? ByteOrder::Big : ByteOrder::Little;
-  const HeaderBytes header(file, offset, kHeaderBytes, order);
-  if (header.u32(12) != kExecutable) throw NoProgram("it is a library or an object file");
+  const HeaderBytes header(file, offset, kMachHeaderBytes, order);
+  if (header.u32(12) != kMachExecutable) throw NoProgram("it is a library or an object file");
   const std::uint32_t commandBytes = header.u32(20);
   if (commandBytes > kCommandBytesMax) throw NoProgram(kDamagedHeaders);
-  requireWithin(kHeaderBytes, commandBytes, sizeInBytes);
+  requireWithin(kMachHeaderBytes, commandBytes, sizeInBytes);
 
-  const HeaderBytes commands(file, offset + kHeaderBytes, commandBytes, order);
+  const HeaderBytes commands(file, offset + kMachHeaderBytes, commandBytes, order);
   return {.processor = processorNamed(header.u32(4)),
           .isSigned = findSignature(commands, header.u32(16), sizeInBytes)};
 }

@@ -13,16 +13,16 @@ namespace {
 
 constexpr std::string_view kReasonWithValue = "--reason=";
 
-UsageError usageError(std::string text) { return {std::move(text), "post"}; }
+UsageError postUsageError(std::string text) { return {std::move(text), "post"}; }
 
 std::variant<PostOptions, UsageError> withMessage(PostOptions options,
                                                   const std::vector<std::string>& words) {
-  if (words.empty()) return usageError("post what? (no message given)");
+  if (words.empty()) return postUsageError("post what? (no message given)");
   if (words.size() > 1) {
-    return usageError("one message at a time, not '" + words[0] + "' and '" + words[1] + "'");
+    return postUsageError("one message at a time, not '" + words[0] + "' and '" + words[1] + "'");
   }
   if (std::find(kWrapperMessages.begin(), kWrapperMessages.end(), words[0]) == kWrapperMessages.end()) {
-    return usageError("unknown message '" + words[0] + "'" + suggestion(words[0], kWrapperMessages));
+    return postUsageError("unknown message '" + words[0] + "'" + suggestion(words[0], kWrapperMessages));
   }
   options.message = words[0];
   return options;
@@ -44,12 +44,12 @@ std::variant<PostOptions, UsageError> parsePostOptions(std::span<const std::stri
       options.help = true;
       return options;
     } else if (argument == "--reason") {
-      if (i + 1 == arguments.size()) return usageError("--reason needs a text");
+      if (i + 1 == arguments.size()) return postUsageError("--reason needs a text");
       options.reason = arguments[++i];
     } else if (argument.starts_with(kReasonWithValue)) {
       options.reason = argument.substr(kReasonWithValue.size());
     } else {
-      return usageError("unknown option '" + argument + "'");
+      return postUsageError("unknown option '" + argument + "'");
     }
   }
   return withMessage(std::move(options), words);

@@ -32,7 +32,7 @@ constexpr std::array<Explanation, kWrapperMessages.size()> kExplanations{{
     {kRestartWrapper, "restart the launcher with the build that runs now"},
 }};
 
-std::string helpText() {
+std::string postHelp() {
   std::string text =
       "Posts to the running launcher what its client would post.\n"
       "\n"
@@ -71,7 +71,7 @@ Verb postVerb() {
   return {.name = "post",
           .synopsis = "MESSAGE [--reason TEXT]",
           .summary = "tell the launcher what its client would tell it",
-          .help = helpText,
+          .help = postHelp,
           .run = runPost};
 }
 

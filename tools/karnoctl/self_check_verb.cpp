@@ -19,7 +19,7 @@ struct SelfCheckOptions {
   std::string bundle;  // empty for the one that this program lies in
 };
 
-std::string helpText() {
+std::string selfCheckHelp() {
   return "Checks the launcher's bundle, the one that this karnoctl lies in or BUNDLE: its property lists,\n"
          "programs, both builds of the client, the texts in all languages and, on a Mac, that it is signed "
          "and\n"
@@ -136,7 +136,7 @@ Verb selfCheckVerb() {
   return {.name = "self-check",
           .synopsis = "[--json] [BUNDLE]",
           .summary = "say what is wrong with the launcher's bundle",
-          .help = helpText,
+          .help = selfCheckHelp,
           .run = runSelfCheck};
 }
 

@@ -8,7 +8,7 @@
 namespace karno::karnoctl {
 namespace {
 
-std::string helpText() {
+std::string statusHelp() {
   return "Shows the launchers that run in your account, with the client that each has started: process,\n"
          "build, bundle and for how long they have been up.\n"
          "\n"
@@ -29,7 +29,7 @@ Verb statusVerb() {
   return {.name = "status",
           .synopsis = "",
           .summary = "say whether the launcher and its client run",
-          .help = helpText,
+          .help = statusHelp,
           .run = runStatus};
 }
 

@@ -26,13 +26,13 @@ enum Kind : unsigned {
   kDictionary = 0xD,
 };
 
-struct Damage : std::runtime_error {
+struct ListDamage : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
 void require(bool condition, const char* otherwise) {
   if (!condition) {
-    throw Damage(otherwise);
+    throw ListDamage(otherwise);
   }
 }
 
@@ -194,7 +194,7 @@ class BinaryList {
         requireInside(header.contents, 1, header.low + 1);
         return;
       default:
-        throw Damage("it holds an object of an unknown kind");
+        throw ListDamage("it holds an object of an unknown kind");
     }
   }
 
@@ -217,7 +217,7 @@ std::optional<Error> checkBinaryList(std::string_view bytes, ArchiveReferences r
   try {
     BinaryList(bytes, references).check();
     return std::nullopt;
-  } catch (const Damage& damage) {
+  } catch (const ListDamage& damage) {
     return unreadablePropertyList(damage.what());
   }
 }

@@ -14,7 +14,7 @@ namespace {
 constexpr double kReferenceDateSeconds = 978307200;  // 2001-01-01, from which archived dates count
 constexpr std::string_view kReferenceKey = "CF$UID";
 
-struct Damage : std::runtime_error {
+struct ArchiveDamage : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
@@ -43,7 +43,7 @@ const T& entry(const Value::Dictionary& dictionary, std::string_view key, const 
   const auto found = dictionary.find(key);
   const T* const value = found == dictionary.end() ? nullptr : found->second.get<T>();
   if (value == nullptr) {
-    throw Damage(otherwise);
+    throw ArchiveDamage(otherwise);
   }
   return *value;
 }
@@ -52,7 +52,7 @@ Date dateOf(double secondsSinceReference) {
   const double nanoseconds = (secondsSinceReference + kReferenceDateSeconds) * 1e9;
   constexpr double kLimit = 9.2e18;  // what fits a Date
   if (!(std::abs(nanoseconds) < kLimit)) {
-    throw Damage("a date is out of range");
+    throw ArchiveDamage("a date is out of range");
   }
   return Date(std::chrono::nanoseconds(std::llround(nanoseconds)));
 }
@@ -68,7 +68,7 @@ class Unfolder {
     Value value = unfold(referencedBy(reference), 1);
     const auto* const dictionary = value.get<Value::Dictionary>();
     if (dictionary == nullptr) {
-      throw Damage("its root is no dictionary");
+      throw ArchiveDamage("its root is no dictionary");
     }
     return *dictionary;
   }
@@ -78,7 +78,7 @@ class Unfolder {
     const std::int64_t index = entry<std::int64_t>(reference, kReferenceKey, "a reference is damaged");
     // The first object stands for nil.
     if (reference.size() != 1 || index < 1 || index >= static_cast<std::int64_t>(objects_.size())) {
-      throw Damage("a reference points to no object");
+      throw ArchiveDamage("a reference points to no object");
     }
     return objects_[static_cast<std::size_t>(index)];
   }
@@ -88,7 +88,7 @@ class Unfolder {
     const auto* const coded = object.get<Value::Dictionary>();
     if (coded == nullptr) {
       if (object.get<Value::Array>() != nullptr) {
-        throw Damage("an object has no class");
+        throw ArchiveDamage("an object has no class");
       }
       spend(contentBytes(object));
       return object;
@@ -105,14 +105,14 @@ class Unfolder {
       case ArchivedClass::Date:
         return unfold(dateOf(entry<double>(*coded, "NS.time", "a date is damaged")), depth);
     }
-    throw Damage("an object has no class");
+    throw ArchiveDamage("an object has no class");
   }
 
   ArchivedClass classOf(const Value::Dictionary& coded) const {
     const auto& reference = entry<Value::Dictionary>(coded, "$class", "an object has no class");
     const auto* const description = referencedBy(reference).get<Value::Dictionary>();
     if (description == nullptr) {
-      throw Damage("a class is damaged");
+      throw ArchiveDamage("a class is damaged");
     }
     const auto& name = entry<std::string>(*description, "$classname", "a class is damaged");
     for (const KnownClass& known : kKnownClasses) {
@@ -120,12 +120,12 @@ class Unfolder {
         return known.kind;
       }
     }
-    throw Damage("it holds an object of another class than property lists have");
+    throw ArchiveDamage("it holds an object of another class than property lists have");
   }
 
   void spend(std::size_t bytes) {
     if (!budget_.spend(bytes)) {
-      throw Damage("it unfolds to too much");
+      throw ArchiveDamage("it unfolds to too much");
     }
   }
 
@@ -137,14 +137,14 @@ class Unfolder {
 
   Value::Array elements(const Value::Dictionary& coded, std::string_view key, int depth) {
     if (depth > kMaxValueDepth) {
-      throw Damage("it is nested too deeply");
+      throw ArchiveDamage("it is nested too deeply");
     }
     spend(0);
     Value::Array values;
     for (const Value& element : entry<Value::Array>(coded, key, "a collection is damaged")) {
       const auto* const reference = element.get<Value::Dictionary>();
       if (reference == nullptr) {
-        throw Damage("a collection is damaged");
+        throw ArchiveDamage("a collection is damaged");
       }
       values.push_back(unfold(referencedBy(*reference), depth + 1));
     }
@@ -159,13 +159,13 @@ class Unfolder {
     const Value::Array keys = elements(coded, "NS.keys", depth);
     Value::Array values = elements(coded, "NS.objects", depth);
     if (keys.size() != values.size()) {
-      throw Damage("a dictionary has not as many keys as objects");
+      throw ArchiveDamage("a dictionary has not as many keys as objects");
     }
     Value::Dictionary dictionary;
     for (std::size_t index = 0; index < keys.size(); ++index) {
       const auto* const key = keys[index].get<std::string>();
       if (key == nullptr) {
-        throw Damage("a key is no string");
+        throw ArchiveDamage("a key is no string");
       }
       dictionary.insert_or_assign(*key, std::move(values[index]));
     }
@@ -186,7 +186,7 @@ Result<Value::Dictionary> unfoldKeyedArchive(const Value& archive) {
       return unreadableArchive("it is none");
     }
     return Unfolder(*dictionary).root(*dictionary);
-  } catch (const Damage& damage) {
+  } catch (const ArchiveDamage& damage) {
     return unreadableArchive(damage.what());
   }
 }

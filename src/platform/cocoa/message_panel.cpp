@@ -8,12 +8,12 @@
 namespace karno::platform::cocoa {
 namespace {
 
-constexpr double kMargin = 20;
+constexpr double kPanelMargin = 20;
 constexpr double kIconSize = 64;
 constexpr double kIconGap = 18;
 constexpr double kTextGap = 8;
-constexpr double kButtonsGap = 18;
-constexpr double kTextLeft = kMargin + kIconSize + kIconGap;
+constexpr double kPanelButtonsGap = 18;
+constexpr double kTextLeft = kPanelMargin + kIconSize + kIconGap;
 
 // A text that would be higher than this at one width gets the next one.
 constexpr double kComfortableTextHeight = 220;
@@ -29,7 +29,8 @@ double heightOf(const Label& label, double width) {
 }  // namespace
 
 MessagePanel::MessagePanel(Window::Options options, std::vector<ButtonSpec> buttons)
-    : window_(kApplicationName, kTextLeft + kTextWidths.front() + kMargin, 2 * kMargin + kIconSize, options),
+    : window_(kApplicationName, kTextLeft + kTextWidths.front() + kPanelMargin, 2 * kPanelMargin + kIconSize,
+              options),
       icon_(window_.addApplicationIcon({})),
       message_(window_.addLabel({}, "", true, TextStyle::Headline)),
       explanation_(window_.addLabel({}, "", true, TextStyle::Small)) {
@@ -55,20 +56,20 @@ void MessagePanel::layOut() {
   }
 
   const double bodyHeight = std::max(kIconSize, std::min(textHeight(textWidth), kTextHeightMax));
-  const double bodyBottom = kMargin + kButtonHeight + kButtonsGap;
-  const double width = kTextLeft + textWidth + kMargin;
-  const double height = bodyBottom + bodyHeight + kMargin;
+  const double bodyBottom = kPanelMargin + kButtonHeight + kPanelButtonsGap;
+  const double width = kTextLeft + textWidth + kPanelMargin;
+  const double height = bodyBottom + bodyHeight + kPanelMargin;
   window_.setContentSize(width, height);
 
-  const double top = height - kMargin;
+  const double top = height - kPanelMargin;
   const double messageHeight = heightOf(message_, textWidth);
   const double explanationHeight = heightOf(explanation_, textWidth);
-  icon_.setFrame({kMargin, top - kIconSize, kIconSize, kIconSize});
+  icon_.setFrame({kPanelMargin, top - kIconSize, kIconSize, kIconSize});
   message_.setFrame({kTextLeft, top - messageHeight, textWidth, messageHeight});
   const double explanationTop = messageHeight > 0 ? top - messageHeight - kTextGap : top;
   explanation_.setFrame({kTextLeft, std::max(explanationTop - explanationHeight, bodyBottom), textWidth,
                          std::min(explanationHeight, explanationTop - bodyBottom)});
-  layOutButtonRow(buttons_, width - kMargin, kMargin);
+  layOutButtonRow(buttons_, width - kPanelMargin, kPanelMargin);
 }
 
 }  // namespace karno::platform::cocoa

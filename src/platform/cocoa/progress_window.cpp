@@ -10,7 +10,7 @@
 namespace karno::platform::cocoa {
 namespace {
 
-constexpr double kMargin = 20;
+constexpr double kProgressMargin = 20;
 
 // A message that would be higher than is comfortable at one width gets the next one.
 constexpr std::array<double, 3> kWidths = {380, 520, 700};
@@ -18,8 +18,8 @@ constexpr double kComfortableHeight = 120;
 
 constexpr double kBarHeight = 16;
 constexpr double kBarGap = 12;
-constexpr double kButtonsGap = 16;
-constexpr double kBarBottom = kMargin + kButtonHeight + kButtonsGap;
+constexpr double kProgressButtonsGap = 16;
+constexpr double kBarBottom = kProgressMargin + kButtonHeight + kProgressButtonsGap;
 constexpr double kMessageBottom = kBarBottom + kBarHeight + kBarGap;
 
 // So that bar and button stay on the smallest screen; what of a message is below is cut.
@@ -35,7 +35,7 @@ struct CocoaProgressWindow::Native {
     window.setCloseRequest([&cancelButton] { cancelButton.press(); });
   }
 
-  Window window{kApplicationName, kWidths.front() + 2 * kMargin, kMessageBottom + kMargin,
+  Window window{kApplicationName, kWidths.front() + 2 * kProgressMargin, kMessageBottom + kProgressMargin,
                 Window::Options{.miniaturizable = false}};
   Label message = window.addLabel({}, "", true);
   ProgressBar bar = window.addProgressBar({});
@@ -64,10 +64,11 @@ void CocoaProgressWindow::layOut() {
     messageHeight = std::min(native_->message.heightForWidth(width), kMessageHeightMax);
     if (messageHeight <= kComfortableHeight) break;
   }
-  native_->window.setContentSize(width + 2 * kMargin, kMessageBottom + messageHeight + kMargin);
-  native_->message.setFrame({kMargin, kMessageBottom, width, messageHeight});
-  native_->bar.setFrame({kMargin, kBarBottom, width, kBarHeight});
-  layOutButtonRow(native_->cancel, kMargin + width, kMargin);
+  native_->window.setContentSize(width + 2 * kProgressMargin,
+                                 kMessageBottom + messageHeight + kProgressMargin);
+  native_->message.setFrame({kProgressMargin, kMessageBottom, width, messageHeight});
+  native_->bar.setFrame({kProgressMargin, kBarBottom, width, kBarHeight});
+  layOutButtonRow(native_->cancel, kProgressMargin + width, kProgressMargin);
 }
 
 void CocoaProgressWindow::moveBar() {

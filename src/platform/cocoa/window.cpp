@@ -81,7 +81,7 @@ objc::Object makeDelegate() {
 }
 
 Id notificationCenter() { return send(objc::classNamed("NSNotificationCenter"), "defaultCenter"); }
-Id sharedApplication() { return send(objc::classNamed("NSApplication"), "sharedApplication"); }
+Id modalApplication() { return send(objc::classNamed("NSApplication"), "sharedApplication"); }
 
 }  // namespace
 
@@ -175,11 +175,11 @@ void Window::setCloseRequest(std::function<void()> handler) { state_->closeReque
 
 long Window::runModal() {
   redrawLater();
-  return send<objc::Integer>(sharedApplication(), "runModalForWindow:", state_->window);
+  return send<objc::Integer>(modalApplication(), "runModalForWindow:", state_->window);
 }
 
 void Window::stopModal(long code) {
-  send<void>(sharedApplication(), "stopModalWithCode:", objc::Integer{code});
+  send<void>(modalApplication(), "stopModalWithCode:", objc::Integer{code});
 }
 
 Label Window::addLabel(const Frame& frame, std::string_view text, bool selectable, TextStyle style) {

@@ -12,8 +12,8 @@ namespace {
 
 constexpr objc::UInteger kUncached = 2;  // NSDataReadingUncached
 
-constexpr std::int64_t kUnknown = -1;    // NSURLErrorUnknown
-constexpr std::int64_t kBadURL = -1000;  // NSURLErrorBadURL
+constexpr std::int64_t kURLErrorUnknown = -1;  // NSURLErrorUnknown
+constexpr std::int64_t kBadURL = -1000;        // NSURLErrorBadURL
 
 Error urlError(std::int64_t code, std::string description) {
   return Error(std::string(kURLErrorDomain), code,
@@ -21,7 +21,7 @@ Error urlError(std::int64_t code, std::string description) {
 }
 
 Error errorFrom(objc::Id error) {
-  return error == nullptr ? urlError(kUnknown, "unknown error") : errorOf(error);
+  return error == nullptr ? urlError(kURLErrorUnknown, "unknown error") : errorOf(error);
 }
 
 Result<std::string> fetch(const std::string& text) {

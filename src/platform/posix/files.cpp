@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t kLinkBytesMax = 64U << 10U;
 
-std::optional<Error> errorOf(const std::error_code& code) {
+std::optional<Error> errorWith(const std::error_code& code) {
   if (!code) return std::nullopt;
   return Error::posix(code.value());
 }
@@ -95,7 +95,7 @@ std::optional<Error> PosixFiles::createFile(const std::string& path) {
 std::optional<Error> PosixFiles::createDirectory(const std::string& path) {
   std::error_code code;
   std::filesystem::create_directories(path, code);
-  return errorOf(code);
+  return errorWith(code);
 }
 
 std::optional<Error> PosixFiles::remove(const std::string& path) {
@@ -104,7 +104,7 @@ std::optional<Error> PosixFiles::remove(const std::string& path) {
 
   std::error_code code;
   std::filesystem::remove_all(path, code);
-  return errorOf(code);
+  return errorWith(code);
 }
 
 std::optional<Error> PosixFiles::move(const std::string& from, const std::string& to) {

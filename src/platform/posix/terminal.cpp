@@ -9,7 +9,7 @@
 namespace karno::platform {
 namespace {
 
-std::string_view environmentVariable(const char* name) {
+std::string_view variableOrNothing(const char* name) {
   const char* const value = std::getenv(name);
   return value == nullptr ? std::string_view() : std::string_view(value);
 }
@@ -20,8 +20,8 @@ bool standardOutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 
 // An empty NO_COLOR counts as none, see no-color.org.
 bool standardOutputWantsColours() {
-  return standardOutputIsTerminal() && environmentVariable("NO_COLOR").empty() &&
-         environmentVariable("TERM") != "dumb";
+  return standardOutputIsTerminal() && variableOrNothing("NO_COLOR").empty() &&
+         variableOrNothing("TERM") != "dumb";
 }
 
 void endWithTheReaderOfTheOutput() { ::signal(SIGPIPE, SIG_DFL); }
