@@ -31,7 +31,8 @@ class AppendStream {
 
 enum class UserFolder { Library, Caches, Downloads, Applications, Trash };
 
-// Files and the user's standard folders. Safe from any thread. Paths are absolute.
+// Files and the user's standard folders. Safe from any thread. Paths are absolute; links in them are
+// followed, one at the end as well except by what is said to be about links. Errors are POSIX errors.
 class Files {
  public:
   virtual ~Files() = default;
@@ -43,9 +44,11 @@ class Files {
   // The Library folders of the whole machine, most important first.
   virtual std::vector<std::string> localLibraryFolders() const = 0;
 
-  virtual bool fileExists(const std::string& path) const = 0;
+  virtual bool fileExists(const std::string& path) const = 0;  // false for a link that leads nowhere
   virtual std::optional<std::uint64_t> sizeInBytes(const std::string& path) const = 0;
   virtual Result<std::string> read(const std::string& path) const = 0;
+
+  // What the link says; EINVAL for what is none.
   virtual Result<std::string> destinationOfSymbolicLink(const std::string& path) const = 0;
 
   // An empty file with default attributes, in place of one that is there. The folder must exist.
@@ -53,7 +56,12 @@ class Files {
 
   // With the folders above it. A folder that is there already is a success.
   virtual std::optional<Error> createDirectory(const std::string& path) = 0;
-  virtual std::optional<Error> remove(const std::string& path) = 0;  // a folder goes with all it holds
+
+  // A folder goes with all it holds, a link alone. After a failure a part of the folder may be gone.
+  virtual std::optional<Error> remove(const std::string& path) = 0;
+
+  // A rename of what is there, be it a link. It replaces a file that is in the way and an empty folder that
+  // makes place for another, and does not cross file systems (EXDEV).
   virtual std::optional<Error> move(const std::string& from, const std::string& to) = 0;
 
   // Walks the folder, depth first, in the file system's order. The visitor answers whether to go into the

@@ -1,6 +1,8 @@
 #include "fake_files.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <deque>
 #include <sstream>
 #include <utility>
 
@@ -15,7 +17,25 @@ std::string parentOf(const std::string& path) {
   return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
-bool isBelow(const std::string& path, const std::string& folder) { return path.starts_with(folder + "/"); }
+constexpr int kLinksMax = 40;  // on one way, as Linux has it
+
+// Of a path's folders and its end, from the left.
+std::deque<std::string> namesOf(const std::string& path) {
+  std::deque<std::string> names;
+  std::istringstream text(path);
+  for (std::string name; std::getline(text, name, '/');) {
+    if (!name.empty() && name != ".") names.push_back(name);
+  }
+  return names;
+}
+
+std::string inFolder(const std::string& folder, const std::string& name) {
+  return folder == "/" ? "/" + name : folder + "/" + name;
+}
+
+bool isBelow(const std::string& path, const std::string& folder) {
+  return path.size() > folder.size() && path.starts_with(inFolder(folder, ""));
+}
 
 // As a C stream: lines stay in the buffer until it is flushed or closed, and the open file follows renames.
 class Stream final : public platform::AppendStream {
@@ -43,32 +63,37 @@ class Stream final : public platform::AppendStream {
 }  // namespace
 
 FakeFiles::FakeFiles(FakeScheduler& scheduler, FakeClock& clock) : scheduler_(scheduler), clock_(clock) {
+  nodes_["/"].type = FileType::Directory;
   addDirectory("/Users/tester/Library");
 }
 
 bool FakeFiles::fileExists(const std::string& path) const {
   scheduler_.countAction();
-  return find(path) != nullptr;
+  return find(path, LastLink::Followed) != nullptr;
 }
 
 std::optional<std::uint64_t> FakeFiles::sizeInBytes(const std::string& path) const {
   scheduler_.countAction();
   ++sizeReads_;
-  const Node* node = find(path);
-  if (node == nullptr || !node->content) return std::nullopt;
-  return node->content->bytesBefore + node->content->text.size();
+  const Node* node = find(path, LastLink::Followed);
+  if (node == nullptr) return std::nullopt;
+  return node->content ? node->content->bytesBefore + node->content->text.size() : 0;
 }
 
 platform::Result<std::string> FakeFiles::read(const std::string& path) const {
   if (const auto error = failure("read " + path)) return *error;
-  const Node* node = find(path);
+  const auto place = placeOf(path, LastLink::Followed);
+  if (!place) return place.error();
+  const Node* node = at(place.value());
   if (node == nullptr) return Error::posix(ENOENT);
-  if (!node->content) return Error::posix(EISDIR);
+  if (!node->content) return Error::posix(node->type == FileType::Directory ? EISDIR : EINVAL);
   return std::string(node->content->bytesBefore, 'x') + node->content->text;
 }
 
 platform::Result<std::string> FakeFiles::destinationOfSymbolicLink(const std::string& path) const {
-  const Node* node = find(path);
+  const auto place = placeOf(path, LastLink::Kept);
+  if (!place) return place.error();
+  const Node* node = at(place.value());
   if (node == nullptr) return Error::posix(ENOENT);
   if (node->type != FileType::SymbolicLink) return Error::posix(EINVAL);
   return node->destination;
@@ -76,51 +101,102 @@ platform::Result<std::string> FakeFiles::destinationOfSymbolicLink(const std::st
 
 std::optional<Error> FakeFiles::createFile(const std::string& path) {
   if (const auto error = failure("createFile " + path)) return error;
-  if (find(parentOf(path)) == nullptr) return Error::posix(ENOENT);
-  addFile(path, "");
+  const auto place = placeOf(path, LastLink::Followed);
+  if (!place) return place.error();
+  const Node* node = at(place.value());
+  if (node == nullptr) {
+    addFile(place.value(), "");
+    return std::nullopt;
+  }
+  if (!node->content) return Error::posix(node->type == FileType::Directory ? EISDIR : ENXIO);
+  *node->content = Content();
   return std::nullopt;
 }
 
 std::optional<Error> FakeFiles::createDirectory(const std::string& path) {
   if (const auto error = failure("createDirectory " + path)) return error;
-  const Node* node = find(path);
-  if (node != nullptr && node->type != FileType::Directory) return Error::posix(EEXIST);
-  addDirectory(path);
+  for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
+    if (const auto error = createOneDirectory(path.substr(0, end))) return error;
+  }
+  return createOneDirectory(path);
+}
+
+std::optional<Error> FakeFiles::createOneDirectory(const std::string& path) {
+  const auto place = placeOf(path, LastLink::Followed);
+  if (!place) return place.error();
+  const Node* node = at(place.value());
+  if (node != nullptr && node->type != FileType::Directory) return Error::posix(ENOTDIR);
+  addDirectory(place.value());
   return std::nullopt;
 }
 
 std::optional<Error> FakeFiles::remove(const std::string& path) {
   if (const auto error = failure("remove " + path)) return error;
-  if (find(path) == nullptr) return Error::posix(ENOENT);
-  std::erase_if(nodes_, [&](const auto& each) { return each.first == path || isBelow(each.first, path); });
+  const auto place = placeOf(path, LastLink::Kept);
+  if (!place) return place.error();
+  if (at(place.value()) == nullptr) return Error::posix(ENOENT);
+  for (const std::string& each : placesFrom(place.value())) {
+    const auto hindrance = failures_.find("remove " + each);
+    if (hindrance != failures_.end()) return Error::posix(hindrance->second);
+    nodes_.erase(each);
+  }
   return std::nullopt;
+}
+
+// What a folder holds comes before the folder.
+std::vector<std::string> FakeFiles::placesFrom(const std::string& top) const {
+  std::vector<std::string> places;
+  for (const auto& [path, node] : nodes_) {
+    if (path == top || isBelow(path, top)) places.push_back(path);
+  }
+  std::reverse(places.begin(), places.end());
+  return places;
 }
 
 std::optional<Error> FakeFiles::move(const std::string& from, const std::string& to) {
   if (const auto error = failure("move " + from)) return error;
-  if (find(from) == nullptr) return Error::posix(ENOENT);
-  if (find(to) != nullptr) return Error::posix(EEXIST);
-  std::map<std::string, Node> moved;
-  std::erase_if(nodes_, [&](const auto& each) {
-    if (each.first != from && !isBelow(each.first, from)) return false;
-    moved[to + each.first.substr(from.size())] = each.second;
-    return true;
-  });
-  nodes_.merge(moved);
+  const auto source = placeOf(from, LastLink::Kept);
+  const auto target = placeOf(to, LastLink::Kept);
+  if (!source) return source.error();
+  if (!target) return target.error();
+  if (const auto error = refusalToMove(source.value(), target.value())) return error;
+  if (source.value() == target.value()) return std::nullopt;
+  nodes_.erase(target.value());
+  for (const std::string& each : placesFrom(source.value())) {
+    nodes_[target.value() + each.substr(source.value().size())] = std::move(nodes_.extract(each).mapped());
+  }
   return std::nullopt;
+}
+
+// As rename(2) refuses.
+std::optional<Error> FakeFiles::refusalToMove(const std::string& from, const std::string& to) const {
+  const Node* source = at(from);
+  const Node* target = at(to);
+  if (source == nullptr) return Error::posix(ENOENT);
+  if (isBelow(to, from)) return Error::posix(EINVAL);
+  if (target == nullptr || from == to) return std::nullopt;
+  const bool isFolder = source->type == FileType::Directory;
+  if (target->type != FileType::Directory)
+    return isFolder ? std::optional(Error::posix(ENOTDIR)) : std::nullopt;
+  if (!isFolder) return Error::posix(EISDIR);
+  return namesIn(to).empty() ? std::nullopt : std::optional(Error::posix(ENOTEMPTY));
 }
 
 void FakeFiles::enumerate(const std::string& folder, const Visitor& visit) const {
   if (failure("read " + folder)) return;
-  std::vector<std::string> skipped;
-  const auto snapshot = nodes_;  // the visitor may remove what it sees
-  for (const auto& [path, node] : snapshot) {
-    if (!isBelow(path, folder)) continue;
-    bool skip = false;
-    for (const std::string& each : skipped) skip = skip || isBelow(path, each);
-    if (skip) continue;
-    const bool enter = visit({path.substr(folder.size() + 1), node.type, node.creationDate});
-    if (node.type == FileType::Directory && !enter) skipped.push_back(path);
+  const auto place = placeOf(folder, LastLink::Followed);
+  if (place) walk(place.value(), "", visit);
+}
+
+// The visitor may remove what it sees.
+void FakeFiles::walk(const std::string& folder, const std::string& prefix, const Visitor& visit) const {
+  for (const std::string& name : namesIn(folder)) {
+    const std::string path = inFolder(folder, name);
+    const Node* node = at(path);
+    if (node == nullptr) continue;
+    const bool isFolder = node->type == FileType::Directory;
+    if (visit({prefix + name, node->type, node->creationDate}) && isFolder)
+      walk(path, prefix + name + "/", visit);
   }
 }
 
@@ -128,11 +204,11 @@ std::unique_ptr<platform::AppendStream> FakeFiles::openForAppending(const std::s
   scheduler_.countAction();
   ++opens_[path];
   if (failure("open " + path)) return nullptr;
-  const Node* parent = find(parentOf(path));
-  if (parent == nullptr || parent->type != FileType::Directory) return nullptr;
-  if (find(path) == nullptr) insert(path, {FileType::Regular, clock_.now(), std::make_shared<Content>(), {}});
-  if (!find(path)->content) return nullptr;
-  return std::make_unique<Stream>(find(path)->content, diskFull_);
+  const auto place = placeOf(path, LastLink::Followed);
+  if (!place) return nullptr;
+  if (at(place.value()) == nullptr) addFile(place.value(), "");
+  const Node* node = at(place.value());
+  return node->content ? std::make_unique<Stream>(node->content, diskFull_) : nullptr;
 }
 
 void FakeFiles::addFile(const std::string& path, std::string text) {
@@ -146,7 +222,7 @@ void FakeFiles::addFile(const std::string& path, std::string text, platform::Dat
 }
 
 void FakeFiles::addDirectory(const std::string& path) {
-  if (path == "/" || find(path) != nullptr) return;
+  if (find(path, LastLink::Followed) != nullptr) return;
   insert(path, {FileType::Directory, clock_.now(), nullptr, {}});
 }
 
@@ -159,13 +235,13 @@ void FakeFiles::addEntry(const std::string& path, FileType type, platform::Date 
 }
 
 void FakeFiles::setSize(const std::string& path, std::uint64_t size) {
-  if (find(path) == nullptr) addFile(path, "");
-  Content& content = *nodes_.at(path).content;
+  if (find(path, LastLink::Followed) == nullptr) addFile(path, "");
+  Content& content = *find(path, LastLink::Followed)->content;
   content.bytesBefore = size - content.text.size();
 }
 
 std::string FakeFiles::text(const std::string& path) const {
-  const Node* node = find(path);
+  const Node* node = find(path, LastLink::Followed);
   return node != nullptr && node->content ? node->content->text : "";
 }
 
@@ -177,7 +253,7 @@ std::vector<std::string> FakeFiles::lines(const std::string& path) const {
 }
 
 std::shared_ptr<const FakeFiles::Content> FakeFiles::content(const std::string& path) const {
-  const Node* node = find(path);
+  const Node* node = find(path, LastLink::Followed);
   return node == nullptr ? nullptr : node->content;
 }
 
@@ -193,14 +269,51 @@ std::optional<Error> FakeFiles::failure(const std::string& operation) const {
   return Error::posix(found->second);
 }
 
-const FakeFiles::Node* FakeFiles::find(const std::string& path) const {
-  const auto found = nodes_.find(path);
+platform::Result<std::string> FakeFiles::placeOf(const std::string& path, LastLink lastLink) const {
+  std::deque<std::string> names = namesOf(path);
+  std::string place = "/";
+  for (int links = 0; !names.empty();) {
+    const std::string name = std::move(names.front());
+    names.pop_front();
+    const std::string next = name == ".." ? parentOf(place) : inFolder(place, name);
+    const Node* node = at(next);
+    if (node != nullptr && node->type == FileType::SymbolicLink &&
+        !(names.empty() && lastLink == LastLink::Kept)) {
+      if (++links > kLinksMax) return Error::posix(ELOOP);
+      if (node->destination.starts_with('/')) place = "/";
+      const std::deque<std::string> way = namesOf(node->destination);
+      names.insert(names.begin(), way.begin(), way.end());
+      continue;
+    }
+    if (!names.empty() && node == nullptr) return Error::posix(ENOENT);
+    if (!names.empty() && node->type != FileType::Directory) return Error::posix(ENOTDIR);
+    place = next;
+  }
+  return place;
+}
+
+std::vector<std::string> FakeFiles::namesIn(const std::string& folder) const {
+  std::vector<std::string> names;
+  for (auto each = nodes_.upper_bound(folder); each != nodes_.end(); ++each) {
+    const std::string& path = each->first;
+    if (parentOf(path) == folder) names.push_back(path.substr(path.rfind('/') + 1));
+  }
+  return names;
+}
+
+const FakeFiles::Node* FakeFiles::at(const std::string& place) const {
+  const auto found = nodes_.find(place);
   return found == nodes_.end() ? nullptr : &found->second;
+}
+
+const FakeFiles::Node* FakeFiles::find(const std::string& path, LastLink lastLink) const {
+  const auto place = placeOf(path, lastLink);
+  return place ? at(place.value()) : nullptr;
 }
 
 void FakeFiles::insert(const std::string& path, Node node) {
   addDirectory(parentOf(path));
-  nodes_[path] = std::move(node);
+  nodes_[placeOf(path, LastLink::Kept).value()] = std::move(node);
 }
 
 }  // namespace karno::test

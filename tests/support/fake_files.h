@@ -57,7 +57,8 @@ class FakeFiles final : public platform::Files {
   std::string text(const std::string& path) const;
   std::vector<std::string> lines(const std::string& path) const;
 
-  // Each operation fails for exactly this path, with this errno.
+  // Each operation fails for exactly this path, with this errno; the removal of a folder also when it comes
+  // to such a path in it.
   void failCreateFile(const std::string& path, int code) { failures_["createFile " + path] = code; }
   void failCreateDirectory(const std::string& path, int code) { failures_["createDirectory " + path] = code; }
   void failRemove(const std::string& path, int code) { failures_["remove " + path] = code; }
@@ -83,7 +84,7 @@ class FakeFiles final : public platform::Files {
 
   // Replaces what the file holds, as a program that opens it for writing does.
   void overwrite(const std::string& path, std::string text) {
-    nodes_.at(path).content->text = std::move(text);
+    find(path, LastLink::Followed)->content->text = std::move(text);
   }
 
  private:
@@ -94,13 +95,25 @@ class FakeFiles final : public platform::Files {
     std::string destination;           // of a symbolic link
   };
 
+  enum class LastLink { Followed, Kept };
+
   std::optional<platform::Error> failure(const std::string& operation) const;
-  const Node* find(const std::string& path) const;
+  std::optional<platform::Error> createOneDirectory(const std::string& path);
+  std::optional<platform::Error> refusalToMove(const std::string& from, const std::string& to) const;
+  void walk(const std::string& folder, const std::string& prefix, const Visitor& visit) const;
+
+  // Where the way of the path leads: a path without links, at which there may be nothing. An error when
+  // something on the way is missing or no folder.
+  platform::Result<std::string> placeOf(const std::string& path, LastLink lastLink) const;
+  const Node* at(const std::string& place) const;
+  const Node* find(const std::string& path, LastLink lastLink) const;
+  std::vector<std::string> namesIn(const std::string& folder) const;
+  std::vector<std::string> placesFrom(const std::string& top) const;
   void insert(const std::string& path, Node node);
 
   FakeScheduler& scheduler_;
   FakeClock& clock_;
-  std::map<std::string, Node> nodes_;
+  std::map<std::string, Node> nodes_;  // by paths without links
   std::map<std::string, int> failures_;
   std::map<std::string, int> opens_;
   std::shared_ptr<bool> diskFull_ = std::make_shared<bool>(false);

@@ -3,9 +3,8 @@
 
 namespace karno::platform {
 
-// Files by POSIX calls. Errors are POSIX errors; read() refuses more than 64 MiB with EFBIG, folders with
-// EISDIR and what is neither with EINVAL. move() is a rename: it replaces a file that is in the way and does
-// not cross file systems (EXDEV).
+// Files by POSIX calls. read() refuses more than 64 MiB with EFBIG, folders with EISDIR and what is neither
+// with EINVAL.
 class PosixFiles final : public Files {
  public:
   std::vector<std::string> searchPath(UserFolder folder) const override;

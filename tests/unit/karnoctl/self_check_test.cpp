@@ -27,6 +27,7 @@ TEST_F(KarnoctlSelfCheck, SaysThatNothingIsWrong) {
 }
 
 TEST_F(KarnoctlSelfCheck, ChecksTheBundleThatIsNamed) {
+  machine_.files.addDirectory("/Volumes/Disk");
   machine_.files.move("/Applications/Karno.app", "/Volumes/Disk/Karno.app");
   terminal_.runtime().program = "/usr/local/bin/karnoctl";
   machine_.files.addFile("/usr/local/bin/karnoctl", ELF{}.bytes());

@@ -46,34 +46,6 @@ TEST(FakeFiles, KeepLinesInTheStreamUntilItIsFlushed) {
   EXPECT_EQ(machine.files.text(kFile), "one\n");
 }
 
-TEST(FakeFiles, WriteWhatIsLeftWhenAStreamIsClosed) {
-  FakePlatform machine;
-  auto stream = machine.files.openForAppending(kFile);
-  stream->writeLine("one");
-
-  stream.reset();
-
-  EXPECT_THAT(machine.files.lines(kFile), ElementsAre("one"));
-}
-
-TEST(FakeFiles, LetAnOpenStreamFollowItsFile) {
-  FakePlatform machine;
-  const auto stream = machine.files.openForAppending(kFile);
-
-  machine.files.move(kFile, "/Users/tester/b.txt");
-  stream->writeLine("one");
-  stream->flush();
-
-  EXPECT_FALSE(machine.files.fileExists(kFile));
-  EXPECT_EQ(machine.files.text("/Users/tester/b.txt"), "one\n");
-}
-
-TEST(FakeFiles, CannotBeOpenedInAFolderThatIsMissing) {
-  FakePlatform machine;
-
-  EXPECT_EQ(machine.files.openForAppending("/nowhere/a.txt"), nullptr);
-}
-
 TEST(FakeFiles, CountBytesThatAreNotStored) {
   FakePlatform machine;
   machine.files.addFile(kFile, "12345");
@@ -119,18 +91,6 @@ TEST(FakeFiles, AreWalkedDepthFirst) {
   EXPECT_THAT(entriesOf(machine, "/f", true), ElementsAre("a", "b", "b/c", "d"));
   EXPECT_THAT(entriesOf(machine, "/f", false), ElementsAre("a", "b", "d"));
   EXPECT_THAT(entriesOf(machine, "/missing", true), IsEmpty());
-}
-
-TEST(FakeFiles, GoWithTheFolderThatIsRemovedOrMoved) {
-  FakePlatform machine;
-  machine.files.addFile("/f/b/c", "text");
-
-  machine.files.move("/f/b", "/f/m");
-  const std::string moved = machine.files.text("/f/m/c");
-  machine.files.remove("/f");
-
-  EXPECT_EQ(moved, "text");
-  EXPECT_FALSE(machine.files.fileExists("/f/m/c"));
 }
 
 TEST(FakeFiles, AreCreatedAtTheTimeOfTheClock) {

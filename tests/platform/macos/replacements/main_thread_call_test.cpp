@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "../../support/run_loop.h"
 #include "platform/cocoa/callback.h"
 #include "platform/cocoa/main_queue.h"
 #include "platform/cocoa/strings.h"
@@ -23,6 +24,7 @@ namespace {
 
 using cocoa::MainThreadCall;
 using karno::test::ElementsAre;
+using karno::test::turnRunLoop;
 using ::testing::IsEmpty;
 
 using Perform = void (*)(objc::Id, objc::Sel, objc::Sel, objc::Id, objc::Boolean);
@@ -33,23 +35,6 @@ void perform(objc::Id self, objc::Sel selector, objc::Sel action, objc::Id argum
   const Class root = class_getSuperclass(object_getClass(self));
   reinterpret_cast<Perform>(reinterpret_cast<void (*)()>(class_getMethodImplementation(root, selector)))(
       self, selector, action, argument, waits);
-}
-
-// Lets the main thread's run loop turn until the condition holds or that long.
-template <class Condition>
-void turnRunLoop(Condition condition, std::chrono::milliseconds limit) {
-  const objc::Id loop = objc::send(objc::classNamed("NSRunLoop"), "currentRunLoop");
-  const objc::Sel runUntil = sel_registerName("runUntilDate:");
-  const auto giveUpAt = std::chrono::steady_clock::now() + limit;
-  while (!condition() && std::chrono::steady_clock::now() < giveUpAt) {
-    const objc::AutoreleasePool pool;
-    const double now =
-        std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
-    const objc::Id soon =
-        objc::send(objc::classNamed("NSDate"), "dateWithTimeIntervalSince1970:", now + 0.01);
-    using Run = void (*)(objc::Id, objc::Sel, objc::Id);
-    reinterpret_cast<Run>(objc::detail::messageFunction(loop, runUntil, false))(loop, runUntil, soon);
-  }
 }
 
 constexpr std::chrono::milliseconds kLongEnough = std::chrono::seconds(60);

@@ -1,0 +1,33 @@
+#include "fake_world.h"
+
+namespace karno::test {
+
+std::string FakeWorld::write(std::string_view name, std::string_view content) {
+  const std::string path = *this / name;
+  machine.files.addFile(path, std::string(content));
+  return path;
+}
+
+std::string FakeWorld::link(std::string_view name, const std::string& destination) {
+  const std::string path = *this / name;
+  machine.files.addSymbolicLink(path, destination);
+  return path;
+}
+
+std::string FakeWorld::pipe(std::string_view name) {
+  const std::string path = *this / name;
+  machine.files.addEntry(path, platform::FileType::Other, kStartOfTest);
+  return path;
+}
+
+bool FakeWorld::waitUntil(const std::function<bool()>& condition, double limitSeconds) {
+  return machine.runUntil(condition, limitSeconds);
+}
+
+std::unique_ptr<World> makeFakeWorld() {
+  auto world = std::make_unique<FakeWorld>();
+  world->machine.files.addDirectory(world->folder());
+  return world;
+}
+
+}  // namespace karno::test

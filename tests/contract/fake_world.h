@@ -1,0 +1,22 @@
+#pragma once
+#include "fake_platform.h"
+#include "world.h"
+
+namespace karno::test {
+
+class FakeWorld : public World {
+ public:
+  platform::Platform& services() override { return services_; }
+  std::string folder() const override { return "/Users/tester/work"; }
+  std::string write(std::string_view name, std::string_view content) override;
+  std::string link(std::string_view name, const std::string& destination) override;
+  std::string pipe(std::string_view name) override;
+  bool waitUntil(const std::function<bool()>& condition, double limitSeconds) override;
+
+  FakePlatform machine;
+
+ private:
+  platform::Platform& services_ = platform::host();
+};
+
+}  // namespace karno::test

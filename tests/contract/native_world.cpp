@@ -1,0 +1,65 @@
+#include "native_world.h"
+
+#include <sys/stat.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "../platform/support/run_loop.h"
+#include "platform/posix/system_differences.h"
+
+namespace karno::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+platform::Platform& nativeServices() {
+  static std::string program = platform::programPath();
+  static char* arguments[] = {program.data(), nullptr};
+  return platform::nativePlatform(1, arguments);
+}
+
+void makeFolderOf(const std::string& path) { fs::create_directories(fs::path(path).parent_path()); }
+
+}  // namespace
+
+NativeWorld::NativeWorld() {
+  for (const char* folder : {"home/Library", "machine", "work"}) fs::create_directories(disk_ / folder);
+  platform::install(services());
+}
+
+platform::Platform& NativeWorld::services() { return nativeServices(); }
+
+std::string NativeWorld::folder() const { return fs::canonical(disk_ / "work").string(); }
+
+std::string NativeWorld::write(std::string_view name, std::string_view content) {
+  const std::string path = *this / name;
+  makeFolderOf(path);
+  std::ofstream(path, std::ios::binary) << content;
+  return path;
+}
+
+std::string NativeWorld::link(std::string_view name, const std::string& destination) {
+  const std::string path = *this / name;
+  makeFolderOf(path);
+  fs::create_symlink(destination, path);
+  return path;
+}
+
+std::string NativeWorld::pipe(std::string_view name) {
+  const std::string path = *this / name;
+  makeFolderOf(path);
+  if (::mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("no pipe at " + path);
+  return path;
+}
+
+bool NativeWorld::waitUntil(const std::function<bool()>& condition, double limitSeconds) {
+  turnRunLoop(condition, std::chrono::milliseconds(static_cast<std::int64_t>(limitSeconds * 1000)));
+  return condition();
+}
+
+std::unique_ptr<World> makeNativeWorld() { return std::make_unique<NativeWorld>(); }
+
+}  // namespace karno::test

@@ -1,0 +1,26 @@
+#pragma once
+#include "../platform/support/scoped_environment.h"
+#include "../platform/support/temporary_folder.h"
+#include "world.h"
+
+namespace karno::test {
+
+// This system's services, in a home folder and a machine root of their own. No application object is made.
+class NativeWorld : public World {
+ public:
+  NativeWorld();
+
+  platform::Platform& services() override;
+  std::string folder() const override;
+  std::string write(std::string_view name, std::string_view content) override;
+  std::string link(std::string_view name, const std::string& destination) override;
+  std::string pipe(std::string_view name) override;
+  bool waitUntil(const std::function<bool()>& condition, double limitSeconds) override;
+
+ private:
+  const TemporaryFolder disk_;
+  const ScopedEnvironment home_{"HOME", disk_ / "home"};
+  const ScopedEnvironment root_{"KARNO_MACHINE_ROOT", disk_ / "machine"};
+};
+
+}  // namespace karno::test

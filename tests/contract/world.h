@@ -1,0 +1,49 @@
+#pragma once
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace karno::test {
+
+// One side of a contract: the services of the fake machine or those of this system, with a disk that belongs
+// to the test alone.
+class World {
+ public:
+  virtual ~World() = default;
+
+  virtual platform::Platform& services() = 0;
+
+  // An empty folder, by a path without links.
+  virtual std::string folder() const = 0;
+
+  // A path in that folder; one that is absolute already stays as it is.
+  std::string operator/(std::string_view name) const {
+    return name.starts_with('/') ? std::string(name) : folder() + "/" + std::string(name);
+  }
+
+  // Puts something there, with the folders above it, and answers its path.
+  virtual std::string write(std::string_view name, std::string_view content) = 0;
+  virtual std::string link(std::string_view name, const std::string& destination) = 0;
+  virtual std::string pipe(std::string_view name) = 0;
+
+  // Lets time pass and the main thread's queues run until the condition holds. False when that takes longer.
+  virtual bool waitUntil(const std::function<bool()>& condition, double limitSeconds = 60) = 0;
+};
+
+std::unique_ptr<World> makeFakeWorld();
+std::unique_ptr<World> makeNativeWorld();
+
+// What a service promises, whichever world it is in. A suite is instantiated as Fake and as Native.
+class Contract : public testing::TestWithParam<std::unique_ptr<World> (*)()> {
+ protected:
+  const std::unique_ptr<World> world_ = GetParam()();
+  World& here_ = *world_;
+  platform::Platform& services_ = world_->services();
+};
+
+}  // namespace karno::test
