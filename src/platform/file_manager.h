@@ -23,7 +23,7 @@ class FileManager {
   virtual std::string standardising(const std::string& path) const = 0;
 
   // Copies a file, or a folder with all it holds; links are copied as links. Something that is at `to`
-  // already is an error. After a failure a part of the copy may be there.
+  // already is an error, and so is a place within the folder. After a failure a part of the copy may be there.
   virtual std::optional<Error> copyItem(const std::string& from, const std::string& to) = 0;
 
   // Moves the item to the user's Trash, under another name when its own is taken there.

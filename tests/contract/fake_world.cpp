@@ -20,6 +20,12 @@ std::string FakeWorld::pipe(std::string_view name) {
   return path;
 }
 
+void FakeWorld::makeReadOnly(std::string_view name) { machine.files.readOnly.insert(*this / name); }
+
+void FakeWorld::mountImage(const std::string& place, const std::string& device) {
+  machine.mounts.mounts[place] = platform::MountInformation{.sourceDevice = device};
+}
+
 bool FakeWorld::waitUntil(const std::function<bool()>& condition, double limitSeconds) {
   return machine.runUntil(condition, limitSeconds);
 }

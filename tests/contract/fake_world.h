@@ -11,6 +11,8 @@ class FakeWorld : public World {
   std::string write(std::string_view name, std::string_view content) override;
   std::string link(std::string_view name, const std::string& destination) override;
   std::string pipe(std::string_view name) override;
+  void makeReadOnly(std::string_view name) override;
+  void mountImage(const std::string& place, const std::string& device) override;
   bool waitUntil(const std::function<bool()>& condition, double limitSeconds) override;
 
   FakePlatform machine;

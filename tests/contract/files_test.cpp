@@ -178,9 +178,11 @@ TEST_P(FilesContract, CreatesAFolderBehindALink) {
 
 TEST_P(FilesContract, CreatesNoFolderWhereAFileIsInTheWay) {
   here_.write("file", "");
+  here_.link("broken", "nowhere");
 
   EXPECT_EQ(files_.createDirectory(here_ / "file"), Error::posix(ENOTDIR));
   EXPECT_EQ(files_.createDirectory(here_ / "file/inner"), Error::posix(ENOTDIR));
+  EXPECT_EQ(files_.createDirectory(here_ / "broken"), Error::posix(EEXIST));
 }
 
 TEST_P(FilesContract, RemovesAFolderWithAllItHoldsButNotWhatLinksLeadTo) {
@@ -213,6 +215,35 @@ TEST_P(FilesContract, SaysWhyItCannotRemove) {
 
   EXPECT_EQ(files_.remove(here_ / "none"), Error::posix(ENOENT));
   EXPECT_EQ(files_.remove(here_ / "file/inner"), Error::posix(ENOTDIR));
+}
+
+TEST_P(FilesContract, MayHaveRemovedAPartOfAFolderWhenItCannotRemoveAll) {
+  here_.write("folder/a/file", "");
+  here_.write("folder/shut/file", "");
+  here_.makeReadOnly("folder/shut");
+
+  EXPECT_EQ(files_.remove(here_ / "folder"), Error::posix(EACCES));
+
+  EXPECT_TRUE(files_.fileExists(here_ / "folder/shut/file"));
+}
+
+TEST_P(FilesContract, ChangesNothingThatIsReadOnly) {
+  here_.write("file", "text");
+  here_.write("shut/file", "text");
+  here_.makeReadOnly("file");
+  here_.makeReadOnly("shut");
+
+  EXPECT_EQ(files_.createFile(here_ / "file"), Error::posix(EACCES));
+  EXPECT_EQ(files_.openForAppending(here_ / "file"), nullptr);
+  EXPECT_EQ(files_.createFile(here_ / "shut/new"), Error::posix(EACCES));
+  EXPECT_EQ(files_.openForAppending(here_ / "shut/new"), nullptr);
+  EXPECT_EQ(files_.createDirectory(here_ / "shut/new"), Error::posix(EACCES));
+  EXPECT_EQ(files_.remove(here_ / "shut/file"), Error::posix(EACCES));
+  EXPECT_EQ(files_.move(here_ / "shut/file", here_ / "new"), Error::posix(EACCES));
+  EXPECT_EQ(files_.move(here_ / "file", here_ / "shut/new"), Error::posix(EACCES));
+  EXPECT_THAT(entriesOf("shut"), ElementsAre(Pair("file", FileType::Regular)));
+  EXPECT_EQ(textOf("shut/file"), "text");
+  EXPECT_EQ(textOf("file"), "text");
 }
 
 TEST_P(FilesContract, MovesAFileAndAFolder) {

@@ -30,6 +30,15 @@ NativeWorld::NativeWorld() {
   platform::install(services());
 }
 
+// What nobody may change can be removed again.
+NativeWorld::~NativeWorld() {
+  std::error_code ignored;
+  for (const auto& entry : fs::recursive_directory_iterator(disk_.path(), ignored)) {
+    if (entry.is_directory(ignored) && !entry.is_symlink(ignored))
+      fs::permissions(entry, fs::perms::owner_all, fs::perm_options::add, ignored);
+  }
+}
+
 platform::Platform& NativeWorld::services() { return nativeServices(); }
 
 std::string NativeWorld::folder() const { return fs::canonical(disk_ / "work").string(); }
@@ -53,6 +62,23 @@ std::string NativeWorld::pipe(std::string_view name) {
   makeFolderOf(path);
   if (::mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("no pipe at " + path);
   return path;
+}
+
+void NativeWorld::makeReadOnly(std::string_view name) {
+  constexpr fs::perms kWriting = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  fs::permissions(*this / name, kWriting, fs::perm_options::remove);
+}
+
+void NativeWorld::writeList(const std::string& path, const platform::Value::Dictionary& entries) {
+  write(path, services().propertyLists.serialiseAsXML(entries).value());
+}
+
+// As tools/machine has it in its table of mounted images.
+void NativeWorld::mountImage(const std::string& place, const std::string& device) {
+  const std::string onDisk = place.substr(onMachine("").size());
+  const platform::Value::Dictionary entity{{"dev-entry", device}, {"mount-point", onDisk}};
+  const platform::Value::Dictionary image{{"system-entities", platform::Value::Array{entity}}};
+  writeList(onMachine("/var/machine/disk-images.plist"), {{"images", platform::Value::Array{image}}});
 }
 
 bool NativeWorld::waitUntil(const std::function<bool()>& condition, double limitSeconds) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "platform/platform.h"
+#include "printing.h"
 
 namespace karno::test {
 
@@ -30,6 +31,18 @@ class World {
   virtual std::string write(std::string_view name, std::string_view content) = 0;
   virtual std::string link(std::string_view name, const std::string& destination) = 0;
   virtual std::string pipe(std::string_view name) = 0;
+
+  // From now on nobody may change the file's text or the folder's entries.
+  virtual void makeReadOnly(std::string_view name) = 0;
+
+  // A path of the machine, such as "/Volumes/Karno", as this system has it.
+  std::string onMachine(std::string_view path) {
+    const std::string applications = services().standardFolders.localApplications();
+    return applications.substr(0, applications.rfind('/')) + std::string(path);
+  }
+
+  // Mounts a disk image at a path of the machine. The folder is there already.
+  virtual void mountImage(const std::string& place, const std::string& device) = 0;
 
   // Lets time pass and the main thread's queues run until the condition holds. False when that takes longer.
   virtual bool waitUntil(const std::function<bool()>& condition, double limitSeconds = 60) = 0;

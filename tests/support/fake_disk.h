@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "fake_files.h"
 #include "platform/mounts.h"
 #include "platform/standard_folders.h"
 
@@ -23,18 +24,28 @@ class FakeStandardFolders final : public platform::StandardFolders {
   std::string local = "/Applications";
 };
 
-// The mount of a folder is what a test says for exactly that folder; all else lies on the root file system.
+// The mounts are what a test says of folders of the fake disk, by paths without links, and hold what lies in
+// them; all else lies on the root file system.
 class FakeMounts final : public platform::Mounts {
  public:
+  explicit FakeMounts(const FakeFiles& files) : files_(files) {}
+
   std::optional<platform::MountInformation> informationOf(const std::string& path) const override {
     asked.push_back(path);
-    const auto found = mounts.find(path);
-    if (found != mounts.end()) return found->second;
+    if (!files_.fileExists(path)) return std::nullopt;
+    for (std::string place = files_.resolvingSymbolicLinks(path); !place.empty();
+         place.erase(place.rfind('/'))) {
+      const auto found = mounts.find(place);
+      if (found != mounts.end()) return found->second;
+    }
     return platform::MountInformation{.sourceDevice = "/dev/disk1s1", .isRootFileSystem = true};
   }
 
   std::map<std::string, std::optional<platform::MountInformation>> mounts;
   mutable std::vector<std::string> asked;
+
+ private:
+  const FakeFiles& files_;
 };
 
 }  // namespace karno::test

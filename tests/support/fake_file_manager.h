@@ -1,6 +1,6 @@
 #pragma once
+#include <filesystem>
 #include <map>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,58 +10,51 @@
 
 namespace karno::test {
 
-// Whole items of the fake disk. Everything that is there is writable unless a test says otherwise.
+// Whole items of the fake disk.
 class FakeFileManager final : public platform::FileManager {
  public:
   explicit FakeFileManager(FakeFiles& files) : files_(files) {}
 
-  bool isWritable(const std::string& path) const override {
-    return files_.fileExists(path) && !readOnly.contains(path);
-  }
+  bool isWritable(const std::string& path) const override { return files_.isWritable(path); }
 
   std::string resolvingSymbolicLinks(const std::string& path) const override {
-    const auto destination = files_.destinationOfSymbolicLink(path);
-    return destination ? destination.value() : path;
+    return files_.resolvingSymbolicLinks(path);
   }
 
-  // As much of it as tests need.
   std::string standardising(const std::string& path) const override {
-    return path.size() > 1 && path.ends_with('/') ? path.substr(0, path.size() - 1) : path;
+    const std::string normal = std::filesystem::path(path).lexically_normal().string();
+    return normal.size() > 1 && normal.ends_with('/') ? normal.substr(0, normal.size() - 1) : normal;
   }
 
   std::optional<platform::Error> copyItem(const std::string& from, const std::string& to) override {
     copies.emplace_back(from, to);
-    if (const auto failure = copyFailures.find(to); failure != copyFailures.end()) return failure->second;
-    if (files_.fileExists(to)) return platform::Error::posix(17);
-    files_.addDirectory(to);
-    files_.enumerate(from, [&](const platform::DirectoryEntry& entry) {
-      copyEntry(from + "/" + entry.relativePath, to + "/" + entry.relativePath, entry.type);
-      return true;
+    return files_.copy(from, to, [this](const std::string& copy) -> std::optional<platform::Error> {
+      const auto failure = copyFailures.find(copy);
+      return failure == copyFailures.end() ? std::nullopt : std::optional(failure->second);
     });
-    return std::nullopt;
   }
 
   std::optional<platform::Error> trashItem(const std::string& path) override {
     trashed.push_back(path);
     if (const auto failure = trashFailures.find(path); failure != trashFailures.end()) return failure->second;
-    return files_.move(path, "/Users/tester/.Trash" + path.substr(path.rfind('/')));
+    const std::string trash = files_.homeDirectory() + "/.Trash";
+    if (const auto error = files_.createDirectory(trash)) return error;
+    return files_.move(path, freePlace(trash, std::filesystem::path(path).filename()));
   }
 
-  std::set<std::string> readOnly;
-  std::map<std::string, platform::Error> copyFailures;   // by the destination
+  std::map<std::string, platform::Error>
+      copyFailures;  // by the destination, also within a folder that is copied
   std::map<std::string, platform::Error> trashFailures;  // by the item
   std::vector<std::pair<std::string, std::string>> copies;
   std::vector<std::string> trashed;  // every attempt
 
  private:
-  void copyEntry(const std::string& from, const std::string& to, platform::FileType type) {
-    if (type == platform::FileType::Directory) {
-      files_.addDirectory(to);
-    } else if (type == platform::FileType::SymbolicLink) {
-      files_.addSymbolicLink(to, files_.destinationOfSymbolicLink(from).value());
-    } else {
-      files_.addFile(to, files_.text(from));
+  std::string freePlace(const std::string& folder, const std::filesystem::path& name) const {
+    std::string place = folder + "/" + name.string();
+    for (int number = 2; files_.isThere(place); ++number) {
+      place = folder + "/" + name.stem().string() + " " + std::to_string(number) + name.extension().string();
     }
+    return place;
   }
 
   FakeFiles& files_;

@@ -1,6 +1,5 @@
 #pragma once
 #include <algorithm>
-#include <cerrno>
 #include <memory>
 #include <string>
 #include <utility>
@@ -21,7 +20,7 @@ class FakeFileReading final : public platform::FileReading {
       return std::unique_ptr<platform::ReadableFile>(
           std::make_unique<ReadableFile>(std::move(content), *bytesRead_));
     }
-    return platform::Error::posix(files_.fileExists(path) ? EISDIR : ENOENT);
+    return files_.read(path).error();
   }
 
   std::uint64_t bytesRead() const { return *bytesRead_; }

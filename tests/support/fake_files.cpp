@@ -104,6 +104,7 @@ std::optional<Error> FakeFiles::createFile(const std::string& path) {
   const auto place = placeOf(path, LastLink::Followed);
   if (!place) return place.error();
   const Node* node = at(place.value());
+  if (const auto error = refusalToChange(place.value())) return error;
   if (node == nullptr) {
     addFile(place.value(), "");
     return std::nullopt;
@@ -125,7 +126,11 @@ std::optional<Error> FakeFiles::createOneDirectory(const std::string& path) {
   const auto place = placeOf(path, LastLink::Followed);
   if (!place) return place.error();
   const Node* node = at(place.value());
-  if (node != nullptr && node->type != FileType::Directory) return Error::posix(ENOTDIR);
+  if (node != nullptr) {
+    return node->type == FileType::Directory ? std::nullopt : std::optional(Error::posix(ENOTDIR));
+  }
+  if (isThere(path)) return Error::posix(EEXIST);  // a link that leads nowhere
+  if (const auto error = refusalToChange(place.value())) return error;
   addDirectory(place.value());
   return std::nullopt;
 }
@@ -138,6 +143,7 @@ std::optional<Error> FakeFiles::remove(const std::string& path) {
   for (const std::string& each : placesFrom(place.value())) {
     const auto hindrance = failures_.find("remove " + each);
     if (hindrance != failures_.end()) return Error::posix(hindrance->second);
+    if (readOnly.contains(parentOf(each))) return Error::posix(EACCES);
     nodes_.erase(each);
   }
   return std::nullopt;
@@ -174,6 +180,7 @@ std::optional<Error> FakeFiles::refusalToMove(const std::string& from, const std
   const Node* target = at(to);
   if (source == nullptr) return Error::posix(ENOENT);
   if (isBelow(to, from)) return Error::posix(EINVAL);
+  if (readOnly.contains(parentOf(from)) || readOnly.contains(parentOf(to))) return Error::posix(EACCES);
   if (target == nullptr || from == to) return std::nullopt;
   const bool isFolder = source->type == FileType::Directory;
   if (target->type != FileType::Directory)
@@ -206,9 +213,62 @@ std::unique_ptr<platform::AppendStream> FakeFiles::openForAppending(const std::s
   if (failure("open " + path)) return nullptr;
   const auto place = placeOf(path, LastLink::Followed);
   if (!place) return nullptr;
+  if (refusalToChange(place.value())) return nullptr;
   if (at(place.value()) == nullptr) addFile(place.value(), "");
   const Node* node = at(place.value());
   return node->content ? std::make_unique<Stream>(node->content, diskFull_) : nullptr;
+}
+
+bool FakeFiles::isFolder(const std::string& path) const {
+  const Node* node = find(path, LastLink::Followed);
+  return node != nullptr && node->type == FileType::Directory;
+}
+
+bool FakeFiles::isWritable(const std::string& path) const {
+  const auto place = placeOf(path, LastLink::Followed);
+  return place && at(place.value()) != nullptr && !readOnly.contains(place.value());
+}
+
+std::string FakeFiles::resolvingSymbolicLinks(const std::string& path) const {
+  const auto place = placeOf(path, LastLink::Followed);
+  return place && at(place.value()) != nullptr ? place.value() : path;
+}
+
+std::optional<Error> FakeFiles::copy(const std::string& from, const std::string& to,
+                                     const Hindrance& hindrance) {
+  if (const auto error = refusalToCopy(from, to)) return error;
+  const std::string source = placeOf(from, LastLink::Kept).value();
+  const std::string target = placeOf(to, LastLink::Kept).value();
+  std::vector<std::string> places = placesFrom(source);
+  std::reverse(places.begin(), places.end());
+  for (const std::string& each : places) {
+    const std::string copied = target + each.substr(source.size());
+    if (const auto error = hindrance(copied)) return error;
+    const Node& original = nodes_.at(each);
+    if (original.type == FileType::Other) return Error::posix(ENOTSUP);
+    nodes_[copied] = {original.type, clock_.now(),
+                      original.content ? std::make_shared<Content>(*original.content) : nullptr,
+                      original.destination};
+    if (readOnly.contains(each)) readOnly.insert(copied);
+  }
+  return std::nullopt;
+}
+
+std::optional<Error> FakeFiles::refusalToCopy(const std::string& from, const std::string& to) const {
+  if (isThere(to)) return Error::posix(EEXIST);
+  const auto source = placeOf(from, LastLink::Kept);
+  if (!source) return source.error();
+  if (at(source.value()) == nullptr) return Error::posix(ENOENT);
+  const auto target = placeOf(to, LastLink::Kept);
+  if (!target) return target.error();
+  if (isBelow(target.value(), source.value())) return Error::posix(EINVAL);
+  return refusalToChange(target.value());
+}
+
+// To write what is there, or to add an entry to its folder.
+std::optional<Error> FakeFiles::refusalToChange(const std::string& place) const {
+  const bool isAllowed = !readOnly.contains(at(place) == nullptr ? parentOf(place) : place);
+  return isAllowed ? std::nullopt : std::optional(Error::posix(EACCES));
 }
 
 void FakeFiles::addFile(const std::string& path, std::string text) {

@@ -1,6 +1,9 @@
 #pragma once
+#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,6 +33,21 @@ class FakeFiles final : public platform::Files {
   std::optional<platform::Error> move(const std::string& from, const std::string& to) override;
   void enumerate(const std::string& folder, const Visitor& visit) const override;
   std::unique_ptr<platform::AppendStream> openForAppending(const std::string& path) override;
+
+  // As the file manager does these.
+  bool isThere(const std::string& path) const { return find(path, LastLink::Kept) != nullptr; }
+  bool isFolder(const std::string& path) const;
+  bool isWritable(const std::string& path) const;
+  std::string resolvingSymbolicLinks(const std::string& path) const;
+
+  // Stops at the first item that cannot be copied, or for whose copy `hindrance` has an error.
+  using Hindrance = std::function<std::optional<platform::Error>(const std::string& copy)>;
+  std::optional<platform::Error> copy(const std::string& from, const std::string& to,
+                                      const Hindrance& hindrance);
+
+  // Files whose text and folders whose entries stay as they are, by paths without links. What a test puts in
+  // place does not ask.
+  std::set<std::string> readOnly;
 
   // What searchPath() answers, settable.
   std::map<platform::UserFolder, std::vector<std::string>> folders = {
@@ -99,7 +117,9 @@ class FakeFiles final : public platform::Files {
 
   std::optional<platform::Error> failure(const std::string& operation) const;
   std::optional<platform::Error> createOneDirectory(const std::string& path);
+  std::optional<platform::Error> refusalToChange(const std::string& place) const;
   std::optional<platform::Error> refusalToMove(const std::string& from, const std::string& to) const;
+  std::optional<platform::Error> refusalToCopy(const std::string& from, const std::string& to) const;
   void walk(const std::string& folder, const std::string& prefix, const Visitor& visit) const;
 
   // Where the way of the path leads: a path without links, at which there may be nothing. An error when

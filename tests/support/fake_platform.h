@@ -149,7 +149,7 @@ class FakePlatform {
   FakeFileReading fileReading{files};
   FakeFileManager fileManager{files};
   FakeStandardFolders standardFolders;
-  FakeMounts mounts;
+  FakeMounts mounts{files};
   FakeCommands commands;
   FakeAppleScripts appleScripts{scheduler};
   FakeAuthorisations authorisations{scheduler};

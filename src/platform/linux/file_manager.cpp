@@ -32,6 +32,12 @@ std::optional<fs::path> freePlace(const fs::path& folder, const fs::path& name) 
   return place;
 }
 
+bool isBelow(const fs::path& path, const fs::path& folder) {
+  std::error_code ignored;
+  const std::string above = fs::weakly_canonical(folder, ignored).string() + "/";
+  return fs::weakly_canonical(path, ignored).string().starts_with(above);
+}
+
 // To another file system.
 std::optional<Error> moveAcross(const fs::path& from, const fs::path& to) {
   std::error_code error;
@@ -55,6 +61,7 @@ bool LinuxFileManager::isWritable(const std::string& path) const {
 
 std::optional<Error> LinuxFileManager::copyItem(const std::string& from, const std::string& to) {
   if (isThere(to)) return Error::posix(EEXIST);
+  if (isBelow(to, from)) return Error::posix(EINVAL);
   return copyTree(from, to);
 }
 

@@ -30,29 +30,6 @@ class LinuxFileManagerTest : public testing::Test {
   LinuxFileManager manager_;
 };
 
-TEST_F(LinuxFileManagerTest, TellsWhatMayBeWritten) {
-  fs::create_directory(folder_ / "open");
-  fs::create_directory(folder_ / "shut");
-  fs::permissions(folder_ / "shut", fs::perms::owner_read | fs::perms::owner_exec);
-
-  EXPECT_TRUE(manager_.isWritable(folder_ / "open"));
-  EXPECT_FALSE(manager_.isWritable(folder_ / "shut"));
-  EXPECT_FALSE(manager_.isWritable(folder_ / "nowhere"));
-}
-
-TEST_F(LinuxFileManagerTest, ResolvesLinks) {
-  fs::create_directory(folder_ / "real");
-  fs::create_symlink("real", folder_ / "link");
-
-  EXPECT_EQ(manager_.resolvingSymbolicLinks(folder_ / "link"), fs::canonical(folder_ / "real").string());
-  EXPECT_EQ(manager_.resolvingSymbolicLinks(folder_ / "nowhere"), folder_ / "nowhere");
-}
-
-TEST_F(LinuxFileManagerTest, StandardisesPaths) {
-  EXPECT_EQ(manager_.standardising("/Applications//./Old/../Karno.app/"), "/Applications/Karno.app");
-  EXPECT_EQ(manager_.standardising("/"), "/");
-}
-
 TEST_F(LinuxFileManagerTest, CopiesABundleWithItsLinksAndPermissions) {
   folder_.write("A.app/Contents/MacOS/A", "program");
   fs::permissions(folder_ / "A.app/Contents/MacOS/A", fs::perms(0751));
@@ -72,102 +49,12 @@ TEST_F(LinuxFileManagerTest, CopiesABundleWithItsLinksAndPermissions) {
   EXPECT_EQ(contentOf(folder_ / "A.app/Contents/MacOS/A"), "program");
 }
 
-TEST_F(LinuxFileManagerTest, CopiesAFolderThatMayNotBeWritten) {
-  folder_.write("A.app/Contents/file", "text");
-  fs::permissions(folder_ / "A.app/Contents", fs::perms(0555));
-
-  const auto error = manager_.copyItem(folder_ / "A.app", folder_ / "B.app");
-  const fs::perms copied = permissionsOf("B.app/Contents");
-  fs::permissions(folder_ / "A.app/Contents", fs::perms(0755));
-  fs::permissions(folder_ / "B.app/Contents", fs::perms(0755));
-
-  EXPECT_EQ(error, std::nullopt);
-  EXPECT_EQ(copied, fs::perms(0555));
-  EXPECT_EQ(contentOf(folder_ / "B.app/Contents/file"), "text");
-}
-
-TEST_F(LinuxFileManagerTest, CopiesOverNothing) {
-  folder_.write("A.app/file", "new");
-  folder_.write("B.app/file", "old");
-
-  const auto error = manager_.copyItem(folder_ / "A.app", folder_ / "B.app");
-
-  EXPECT_EQ(error, Error::posix(EEXIST));
-  EXPECT_EQ(contentOf(folder_ / "B.app/file"), "old");
-}
-
-TEST_F(LinuxFileManagerTest, CopiesOverNoLinkThatLeadsNowhere) {
-  folder_.write("A.app/file", "new");
-  fs::create_symlink("nowhere", folder_ / "B.app");
-
-  const auto error = manager_.copyItem(folder_ / "A.app", folder_ / "B.app");
-
-  EXPECT_EQ(error, Error::posix(EEXIST));
-  EXPECT_EQ(fs::read_symlink(folder_ / "B.app"), "nowhere");
-}
-
-TEST_F(LinuxFileManagerTest, TellsWhyItCannotCopy) {
-  folder_.write("A.app/file", "text");
-  ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
-
-  EXPECT_EQ(manager_.copyItem(folder_ / "nowhere", folder_ / "B.app"), Error::posix(ENOENT));
-  EXPECT_EQ(manager_.copyItem(folder_ / "A.app", folder_ / "no/B.app"), Error::posix(ENOENT));
-  EXPECT_EQ(manager_.copyItem(folder_ / "pipe", folder_ / "B.app"), Error::posix(ENOTSUP));
-}
-
 TEST_F(LinuxFileManagerTest, DoesNotCopyWithoutEnd) {
   fs::path deep = folder_ / "A.app";
   for (int i = 0; i < 140; ++i) deep /= "d";
   fs::create_directories(deep);
 
   EXPECT_EQ(manager_.copyItem(folder_ / "A.app", folder_ / "B.app"), Error::posix(ELOOP));
-}
-
-TEST_F(LinuxFileManagerTest, MovesToTheTrash) {
-  folder_.write("A.app/file", "text");
-
-  const auto error = manager_.trashItem(folder_ / "A.app");
-
-  EXPECT_EQ(error, std::nullopt);
-  EXPECT_FALSE(fs::exists(folder_ / "A.app"));
-  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A.app/file"), "text");
-}
-
-TEST_F(LinuxFileManagerTest, KeepsWhatIsInTheTrashAlready) {
-  folder_.write("home/.Trash/A.app/file", "first");
-  folder_.write("home/.Trash/A 2.app/file", "second");
-  folder_.write("A.app/file", "third");
-
-  const auto error = manager_.trashItem(folder_ / "A.app");
-
-  EXPECT_EQ(error, std::nullopt);
-  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A.app/file"), "first");
-  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A 2.app/file"), "second");
-  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A 3.app/file"), "third");
-}
-
-TEST_F(LinuxFileManagerTest, KeepsALinkInTheTrashThatLeadsNowhere) {
-  fs::create_directories(folder_ / "home/.Trash");
-  fs::create_symlink("nowhere", folder_ / "home/.Trash/A.app");
-  folder_.write("A.app", "text");
-
-  const auto error = manager_.trashItem(folder_ / "A.app");
-
-  EXPECT_EQ(error, std::nullopt);
-  EXPECT_TRUE(fs::is_symlink(folder_ / "home/.Trash/A.app"));
-  EXPECT_EQ(contentOf(folder_ / "home/.Trash/A 2.app"), "text");
-}
-
-TEST_F(LinuxFileManagerTest, TellsWhyItCannotTrash) {
-  EXPECT_EQ(manager_.trashItem(folder_ / "nowhere"), Error::posix(ENOENT));
-}
-
-TEST_F(LinuxFileManagerTest, TellsThatThereIsNoPlaceForATrash) {
-  folder_.write("home", "a file");
-  folder_.write("A.app/file", "text");
-
-  EXPECT_EQ(manager_.trashItem(folder_ / "A.app"), Error::posix(ENOTDIR));
-  EXPECT_EQ(contentOf(folder_ / "A.app/file"), "text");
 }
 
 // An item on another file system than the Trash, which it can only be copied to.

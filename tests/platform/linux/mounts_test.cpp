@@ -8,7 +8,6 @@
 #include "../support/scoped_environment.h"
 #include "../support/temporary_folder.h"
 #include "platform/cocoa/property_lists.h"
-#include "platform/linux/standard_folders.h"
 
 namespace karno::platform {
 namespace {
@@ -64,26 +63,6 @@ TEST_F(LinuxMountsTest, TakeTheDiskOfTheMachineRootForTheRootFileSystem) {
   EXPECT_FALSE(onAnother->isRootFileSystem);
 }
 
-TEST_F(LinuxMountsTest, KnowTheDiskImagesOfTheMachine) {
-  folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Karno")));
-
-  const auto information = mounts_.informationOf(folder_ / "Volumes/Karno/Tools");
-
-  ASSERT_TRUE(information);
-  EXPECT_EQ(information->sourceDevice, "/dev/disk4s1");
-  EXPECT_FALSE(information->isRootFileSystem);
-}
-
-TEST_F(LinuxMountsTest, FindADiskImageBehindALink) {
-  folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Karno")));
-  fs::create_symlink(folder_ / "Volumes/Karno", folder_ / "link");
-
-  const auto information = mounts_.informationOf(folder_ / "link/Tools");
-
-  ASSERT_TRUE(information);
-  EXPECT_EQ(information->sourceDevice, "/dev/disk4s1");
-}
-
 TEST_F(LinuxMountsTest, FindADiskImageInAMachineRootBehindALink) {
   folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Karno")));
   const TemporaryFolder elsewhere;
@@ -94,15 +73,6 @@ TEST_F(LinuxMountsTest, FindADiskImageInAMachineRootBehindALink) {
 
   ASSERT_TRUE(information);
   EXPECT_EQ(information->sourceDevice, "/dev/disk4s1");
-}
-
-TEST_F(LinuxMountsTest, DoNotTakeAFolderForAnotherOneThatBeginsLikeIt) {
-  folder_.write(kTable, tableOf(mountedAt("/dev/disk4s1", "/Volumes/Kar")));
-
-  const auto information = mounts_.informationOf(folder_ / "Volumes/Karno");
-
-  ASSERT_TRUE(information);
-  EXPECT_TRUE(information->isRootFileSystem);
 }
 
 TEST_F(LinuxMountsTest, PassOverEntriesThatAreNoMounts) {
@@ -123,24 +93,6 @@ TEST_F(LinuxMountsTest, KnowTheMountsOfLinux) {
   ASSERT_TRUE(information);
   EXPECT_EQ(information->sourceDevice, "proc");
   EXPECT_FALSE(information->isRootFileSystem);
-}
-
-TEST_F(LinuxMountsTest, KnowNothingOfAPathThatIsNotThere) {
-  EXPECT_FALSE(mounts_.informationOf(folder_ / "nowhere"));
-}
-
-TEST(LinuxStandardFoldersTest, AreThoseOfTheUserAndOfTheMachineRoot) {
-  const ScopedEnvironment root("KARNO_MACHINE_ROOT", "/srv/machine");
-  const ScopedEnvironment home("HOME", "/srv/machine/Users/anna");
-  const LinuxStandardFolders folders;
-
-  EXPECT_EQ(
-      folders.inAllDomains(StandardFolder::Applications),
-      (std::vector<std::string>{"/srv/machine/Users/anna/Applications", "/srv/machine/Applications",
-                                "/srv/machine/Network/Applications", "/srv/machine/System/Applications"}));
-  EXPECT_EQ(folders.inAllDomains(StandardFolder::Downloads),
-            std::vector<std::string>{"/srv/machine/Users/anna/Downloads"});
-  EXPECT_EQ(folders.localApplications(), "/srv/machine/Applications");
 }
 
 }  // namespace

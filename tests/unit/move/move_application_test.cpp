@@ -201,7 +201,7 @@ TEST(MoveOverACopy, ThatRunsIsDoneThoughItCannotBeOpened) {
 TEST(MoveOverACopy, ThatRunsAndMayNotBeWrittenReplacesIt) {
   MovingMachine machine;
   machine.withInstalledCopy();
-  machine.fileManager.readOnly = {kInstalled};
+  machine.files.readOnly = {kInstalled};
   machine.workspace.runningBundles = {kInstalled};
 
   const auto error = moveApplicationToApplicationsFolder(false);
@@ -360,7 +360,7 @@ TEST_F(MoveOntoItself, FindsItselfRunning) {
 
 // With privileges nobody looks, and the launcher removes itself. The order is kept.
 TEST_F(MoveOntoItself, RemovesItselfWithPrivileges) {
-  machine_.fileManager.readOnly.insert("/Volumes/Data/Programs");
+  machine_.files.readOnly.insert("/Volumes/Data/Programs");
 
   static_cast<void>(moveApplicationToApplicationsFolder(false));
 

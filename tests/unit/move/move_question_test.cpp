@@ -69,7 +69,7 @@ TEST(MoveQuestion, MentionsThePasswordInsteadWhereOneIsNeeded) {
 TEST(MoveQuestion, MentionsThePasswordForACopyThatMayNotBeWritten) {
   MovingMachine machine("/Users/tester/Desktop/Karno.app");
   machine.withInstalledCopy();
-  machine.fileManager.readOnly = {kInstalled};
+  machine.files.readOnly = {kInstalled};
 
   static_cast<void>(moveApplicationToApplicationsFolder(false));
 

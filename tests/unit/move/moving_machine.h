@@ -31,7 +31,7 @@ class MovingMachine : public FakePlatform {
   }
 
   MovingMachine& withReadOnlyApplications() {
-    fileManager.readOnly.insert("/Applications");
+    files.readOnly.insert("/Applications");
     return *this;
   }
 
