@@ -13,6 +13,10 @@ class FakeWorld : public World {
   std::string pipe(std::string_view name) override;
   void makeReadOnly(std::string_view name) override;
   void mountImage(const std::string& place, const std::string& device) override;
+  std::string makeBundle(std::string_view name, const BundleParts& parts) override;
+  void store(Preferences where, const std::string& domain, const std::string& key,
+             const platform::Value& value) override;
+  void damageForcedValues(const std::string& domain) override;
   bool waitUntil(const std::function<bool()>& condition, double limitSeconds) override;
 
   FakePlatform machine;

@@ -81,6 +81,37 @@ void NativeWorld::mountImage(const std::string& place, const std::string& device
   writeList(onMachine("/var/machine/disk-images.plist"), {{"images", platform::Value::Array{image}}});
 }
 
+std::string NativeWorld::makeBundle(std::string_view name, const BundleParts& parts) {
+  const std::string path = *this / name;
+  platform::Value::Dictionary info = parts.info;
+  if (!parts.executable.empty()) {
+    info.insert_or_assign("CFBundleExecutable", parts.executable);
+    write(path + "/Contents/MacOS/" + parts.executable, "");
+  }
+  writeList(path + "/Contents/Info.plist", info);
+  for (const std::string& resource : parts.resources) write(path + "/Contents/Resources/" + resource, "");
+  if (!parts.texts.empty()) writeList(path + "/Contents/Resources/MoveApplication.strings", parts.texts);
+  return path;
+}
+
+void NativeWorld::store(Preferences where, const std::string& domain, const std::string& key,
+                        const platform::Value& value) {
+  const std::string folder = where == Preferences::Forced ? onMachine("/Library/Managed Preferences")
+                             : where == Preferences::OfAllUsers
+                                 ? onMachine("/Library/Preferences")
+                                 : services().files.homeDirectory() + "/Library/Preferences";
+  const std::string path = folder + "/" + domain + ".plist";
+  platform::Value::Dictionary values;
+  if (const auto before = services().files.read(path))
+    values = *services().propertyLists.parse(before.value()).value().get<platform::Value::Dictionary>();
+  values.insert_or_assign(key, value);
+  writeList(path, values);
+}
+
+void NativeWorld::damageForcedValues(const std::string& domain) {
+  write(onMachine("/Library/Managed Preferences/" + domain + ".plist"), "<plist><dict>");
+}
+
 bool NativeWorld::waitUntil(const std::function<bool()>& condition, double limitSeconds) {
   turnRunLoop(condition, std::chrono::milliseconds(static_cast<std::int64_t>(limitSeconds * 1000)));
   return condition();

@@ -5,11 +5,22 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/platform.h"
 #include "printing.h"
 
 namespace karno::test {
+
+// What lies in a bundle beside the entries of its Info.plist.
+struct BundleParts {
+  platform::Value::Dictionary info = {};
+  std::string executable = {};              // a name in Contents/MacOS; empty: there is none
+  std::vector<std::string> resources = {};  // names in Contents/Resources
+  platform::Value::Dictionary texts = {};   // of the strings table MoveApplication; empty: there is none
+};
+
+enum class Preferences { Forced, OfTheUser, OfAllUsers };
 
 // One side of a contract: the services of the fake machine or those of this system, with a disk that belongs
 // to the test alone.
@@ -43,6 +54,16 @@ class World {
 
   // Mounts a disk image at a path of the machine. The folder is there already.
   virtual void mountImage(const std::string& place, const std::string& device) = 0;
+
+  // Makes the bundle of that name in the folder and answers its path.
+  virtual std::string makeBundle(std::string_view name, const BundleParts& parts) = 0;
+
+  // Another process stores the value under the key in that domain.
+  virtual void store(Preferences where, const std::string& domain, const std::string& key,
+                     const platform::Value& value) = 0;
+
+  // The file that forces the domain's values becomes unreadable.
+  virtual void damageForcedValues(const std::string& domain) = 0;
 
   // Lets time pass and the main thread's queues run until the condition holds. False when that takes longer.
   virtual bool waitUntil(const std::function<bool()>& condition, double limitSeconds = 60) = 0;

@@ -12,11 +12,10 @@ std::optional<std::string> FakeBundle::executablePath() const {
   return path_ + "/Contents/MacOS/" + executable;
 }
 
-// As a file URL: only the characters that occur in our bundle names are looked after.
 std::optional<std::string> FakeBundle::executableURL() const {
   const auto path = executablePath();
   if (!path) return std::nullopt;
-  return "file://" + *path;
+  return platform::fileURL(*path, false);
 }
 
 std::optional<std::string> FakeBundle::bundleIdentifier() const {
@@ -34,7 +33,7 @@ std::optional<platform::Value> FakeBundle::objectForInfoDictionaryKey(std::strin
 std::optional<std::string> FakeBundle::pathForResource(std::string_view name, std::string_view type,
                                                        std::string_view directory) const {
   std::string key = directory.empty() ? "" : std::string(directory) + "/";
-  key.append(name).append(".").append(type);
+  key.append(name).append(type.empty() ? "" : ".").append(type);
   const auto found = resources.find(key);
   if (found == resources.end()) return std::nullopt;
   return found->second;
@@ -45,7 +44,7 @@ std::string FakeBundle::localisedString(std::string_view key, std::string_view t
   return found == texts.end() ? std::string(key) : found->second;
 }
 
-FakeBundles::FakeBundles() {
+FakeBundles::FakeBundles(const FakeFiles* files) : files_(files) {
   main_->executable = "Karno";
   main_->info = {{"CFBundleIdentifier", "it.vantul.KarnoWrapper"},
                  {"CFBundleName", "Karno"},
@@ -53,18 +52,23 @@ FakeBundles::FakeBundles() {
 }
 
 std::shared_ptr<const platform::Bundle> FakeBundles::bundleAtPath(const std::string& path) const {
+  if (path.size() > 1 && path.ends_with('/')) return bundleAtPath(path.substr(0, path.size() - 1));
   if (path == main_->bundlePath()) return main_;
   const auto found = others_.find(path);
-  return found == others_.end() ? nullptr : found->second;
+  if (found != others_.end()) return found->second;
+  return files_ != nullptr && files_->isFolder(path) ? std::make_shared<FakeBundle>(path) : nullptr;
+}
+
+FakeBundle& FakeBundles::add(const std::string& path) {
+  return *(others_[path] = std::make_shared<FakeBundle>(path));
 }
 
 FakeBundle& FakeBundles::addHelper(const std::string& name, const std::string& identifier,
                                    bool hasExecutable) {
-  auto bundle = std::make_shared<FakeBundle>(kHelpers + name);
-  bundle->info = {{"CFBundleIdentifier", identifier}};
-  if (hasExecutable) bundle->executable = name.substr(0, name.rfind('.'));
-  others_[bundle->bundlePath()] = bundle;
-  return *bundle;
+  FakeBundle& bundle = add(kHelpers + name);
+  bundle.info = {{"CFBundleIdentifier", identifier}};
+  if (hasExecutable) bundle.executable = name.substr(0, name.rfind('.'));
+  return bundle;
 }
 
 void FakeBundles::removeHelper(const std::string& name) { others_.erase(kHelpers + name); }

@@ -4,7 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "fake_files.h"
 #include "platform/bundles.h"
+#include "platform/linux/file_url.h"
 
 namespace karno::test {
 
@@ -14,7 +16,7 @@ class FakeBundle final : public platform::Bundle {
   explicit FakeBundle(std::string path) : path_(std::move(path)) {}
 
   std::string bundlePath() const override { return path_; }
-  std::string bundleURL() const override { return "file://" + path_ + "/"; }
+  std::string bundleURL() const override { return platform::fileURL(path_, true); }
   std::optional<std::string> executablePath() const override;
   std::optional<std::string> executableURL() const override;
   std::optional<std::string> bundleIdentifier() const override;
@@ -34,21 +36,24 @@ class FakeBundle final : public platform::Bundle {
   std::string path_;
 };
 
-// The launcher's bundle at /Applications/Karno.app, and those that a test adds.
+// The launcher's bundle at /Applications/Karno.app, those that a test adds, and any folder of the fake disk.
 class FakeBundles final : public platform::Bundles {
  public:
-  FakeBundles();
+  explicit FakeBundles(const FakeFiles* files = nullptr);
 
   const platform::Bundle& mainBundle() const override { return *main_; }
   std::shared_ptr<const platform::Bundle> bundleAtPath(const std::string& path) const override;
 
   FakeBundle& main() { return *main_; }
 
+  FakeBundle& add(const std::string& path);
+
   // Adds a bundle in Contents/Helpers of the launcher's.
   FakeBundle& addHelper(const std::string& name, const std::string& identifier, bool hasExecutable = true);
   void removeHelper(const std::string& name);
 
  private:
+  const FakeFiles* files_;  // null where there is no disk
   std::shared_ptr<FakeBundle> main_ = std::make_shared<FakeBundle>("/Applications/Karno.app");
   std::map<std::string, std::shared_ptr<FakeBundle>> others_;
 };

@@ -132,12 +132,12 @@ class FakePlatform {
   FakeClock clock{scheduler};
   FakeTasks tasks{scheduler};
   FakeProcesses processes{scheduler};
-  FakeBundles bundles;
   FakeUserDefaultsStore userDefaults{scheduler};
-  FakeManagedPreferences managedPreferences;
+  FakeManagedPreferences managedPreferences{userDefaults};
   FakeDistributedNotifications notifications{scheduler};
   FakePropertyLists propertyLists;
   FakeFiles files{scheduler, clock};
+  FakeBundles bundles{&files};
   FakeText text;
   FakeConsoleLog consoleLog{scheduler};
   FakeSystemVersion systemVersion;

@@ -61,6 +61,7 @@ Result<std::string> CocoaPropertyLists::serialiseAsXML(const Value& value) const
 }
 
 Result<Value::Dictionary> CocoaPropertyLists::unarchiveDictionary(std::string_view bytes) const {
+  const objc::AutoreleasePool pool;  // also for what the runtime makes when it looks the class up first
   if (hasSecureUnarchiver()) {
     if (auto damage = check(bytes, ArchiveReferences::Allowed)) {
       return *std::move(damage);

@@ -30,25 +30,6 @@ class LinuxBundlesTest : public testing::Test {
   LinuxBundles bundles{propertyLists};
 };
 
-TEST_F(LinuxBundlesTest, ReadsWhatInfoPlistTells) {
-  folder.write("Karno(Fuse).app/Contents/MacOS/Karno", "");
-  folder.write(
-      "Karno(Fuse).app/Contents/Info.plist",
-      propertyList(stringEntry("CFBundleIdentifier", "it.vantul.Karno") +
-                   stringEntry("CFBundleExecutable", "Karno") + "<key>Number</key><integer>4</integer>"));
-
-  const auto made = bundle("Karno(Fuse).app/");
-
-  ASSERT_NE(made, nullptr);
-  EXPECT_EQ(made->bundlePath(), folder / "Karno(Fuse).app");
-  EXPECT_EQ(made->bundleURL(), "file://" + folder / "Karno(Fuse).app/");
-  EXPECT_EQ(made->executablePath(), folder / "Karno(Fuse).app/Contents/MacOS/Karno");
-  EXPECT_EQ(made->executableURL(), "file://" + folder / "Karno(Fuse).app/Contents/MacOS/Karno");
-  EXPECT_EQ(made->bundleIdentifier(), "it.vantul.Karno");
-  EXPECT_EQ(made->objectForInfoDictionaryKey("Number"), Value(4));
-  EXPECT_EQ(made->objectForInfoDictionaryKey("Missing"), std::nullopt);
-}
-
 TEST_F(LinuxBundlesTest, EncodesUnusualNamesInURLs) {
   std::filesystem::create_directories(folder / "Grüße & 100% #1?.app");
 
@@ -62,18 +43,6 @@ TEST_F(LinuxBundlesTest, FindsNoBundleWhereThereIsNoFolder) {
   EXPECT_EQ(bundle("none.app"), nullptr);
   EXPECT_EQ(bundle("file.app"), nullptr);
   EXPECT_EQ(bundles.bundleAtPath(""), nullptr);
-}
-
-TEST_F(LinuxBundlesTest, TakesAnyFolderForABundleButKnowsNothingOfIt) {
-  std::filesystem::create_directories(folder / "Bare.app");
-
-  const auto made = bundle("Bare.app");
-
-  ASSERT_NE(made, nullptr);
-  EXPECT_EQ(made->bundlePath(), folder / "Bare.app");
-  EXPECT_EQ(made->executablePath(), std::nullopt);
-  EXPECT_EQ(made->executableURL(), std::nullopt);
-  EXPECT_EQ(made->bundleIdentifier(), std::nullopt);
 }
 
 TEST_F(LinuxBundlesTest, KnowsNothingFromADamagedInfoPlist) {

@@ -34,8 +34,6 @@ class LinuxManagedPreferencesTest : public testing::Test {
   LinuxManagedPreferences preferences{propertyLists};
 };
 
-TEST_F(LinuxManagedPreferencesTest, HoldNothingThatNobodySet) { EXPECT_EQ(value("KEY"), std::nullopt); }
-
 TEST_F(LinuxManagedPreferencesTest, PreferForcedValuesThenTheUsersThenThoseOfTheMachine) {
   set("root/Library/Preferences", stringEntry("KEY", "machine"));
   EXPECT_EQ(value("KEY"), Value("machine"));
@@ -48,16 +46,6 @@ TEST_F(LinuxManagedPreferencesTest, PreferForcedValuesThenTheUsersThenThoseOfThe
 
   set("root/Library/Managed Preferences/" + userName(), stringEntry("KEY", "forced for this user"));
   EXPECT_EQ(value("KEY"), Value("forced for this user"));
-}
-
-TEST_F(LinuxManagedPreferencesTest, TellForcedValuesFromTheOthers) {
-  EXPECT_FALSE(preferences.isAppValueForced("KEY", kDomain));
-
-  set("home/Library/Preferences", stringEntry("KEY", "user"));
-  EXPECT_FALSE(preferences.isAppValueForced("KEY", kDomain));
-
-  set("root/Library/Managed Preferences", stringEntry("KEY", "forced"));
-  EXPECT_TRUE(preferences.isAppValueForced("KEY", kDomain));
 }
 
 TEST_F(LinuxManagedPreferencesTest, ForceWhatIsSetForOneUserAlone) {
@@ -77,24 +65,6 @@ TEST_F(LinuxManagedPreferencesTest, LookFurtherWhenAFileLacksTheKey) {
   set("root/Library/Preferences", stringEntry("KEY", "machine"));
 
   EXPECT_EQ(value("KEY"), Value("machine"));
-}
-
-TEST_F(LinuxManagedPreferencesTest, ReturnValuesOfAnyType) {
-  set("root/Library/Preferences",
-      "<key>BOOL</key><true/><key>INT</key><integer>7</integer><key>ARRAY</key><array><string>a</string></"
-      "array>");
-
-  EXPECT_EQ(value("BOOL"), Value(true));
-  EXPECT_EQ(value("INT"), Value(7));
-  EXPECT_EQ(value("ARRAY"), Value(Value::Array{"a"}));
-}
-
-TEST_F(LinuxManagedPreferencesTest, SeeAChangeAtTheNextCall) {
-  set("root/Library/Preferences", stringEntry("KEY", "one"));
-  EXPECT_EQ(value("KEY"), Value("one"));
-
-  set("root/Library/Preferences", stringEntry("KEY", "two"));
-  EXPECT_EQ(value("KEY"), Value("two"));
 }
 
 // Otherwise damage to the file of forced values would hand the choice to the user.

@@ -65,29 +65,6 @@ class LinuxUserDefaultsTest : public testing::Test {
   LinuxUserDefaultsStore store{propertyLists, bundles};
 };
 
-TEST_F(LinuxUserDefaultsTest, HoldNothingAtFirst) {
-  EXPECT_EQ(suite()->objectForKey("verboseLogging"), std::nullopt);
-  EXPECT_FALSE(suite()->boolForKey("verboseLogging"));
-}
-
-TEST_F(LinuxUserDefaultsTest, KeepWhatWasSet) {
-  suite()->setBool(true, "yes");
-  suite()->setBool(false, "no");
-
-  EXPECT_EQ(suite()->objectForKey("yes"), Value(true));
-  EXPECT_TRUE(suite()->boolForKey("yes"));
-  EXPECT_EQ(suite()->objectForKey("no"), Value(false));
-  EXPECT_FALSE(suite()->boolForKey("no"));
-}
-
-TEST_F(LinuxUserDefaultsTest, ReadBooleansThePlainWay) {
-  write(stringEntry("text", "YES") + "<key>number</key><integer>2</integer>" + stringEntry("other", "maybe"));
-
-  EXPECT_TRUE(suite()->boolForKey("text"));
-  EXPECT_TRUE(suite()->boolForKey("number"));
-  EXPECT_FALSE(suite()->boolForKey("other"));
-}
-
 TEST_F(LinuxUserDefaultsTest, KeepValuesOfEveryTypeThatOthersStored) {
   write(stringEntry("text", "Grüße") +
         "<key>number</key><real>0.5</real><key>date</key><date>2024-03-05T14:07:09Z</date>"

@@ -84,8 +84,8 @@ TEST(KarnoctlExplain, TellsTheWholeStoryOfAManagedMacWithFuse) {
   FakePlatform machine;
   Terminal terminal;
   machine.withSystem("13.6.1", "arm64").withFuse("4.4.1").withEmbeddedBuilds();
-  machine.withAdmin("USE_FILE_PROVIDER", "NO").withAdmin("UPDATES_ENABLED", "no");
-  machine.managedPreferences.unforced.insert("UPDATES_ENABLED");
+  machine.withAdmin("USE_FILE_PROVIDER", "NO");
+  machine.userDefaults.suite("it.vantul.KarnoAdmin").values = {{"UPDATES_ENABLED", "no"}};
   machine.withUserSetting("useFileProvider", true).withUserSetting("useFileProviderVerified", true);
   machine.files.addFile(kMarker, " https://updates.vantul.it/beta.xml\n");
 

@@ -119,9 +119,10 @@ TEST_F(KarnoctlSelfCheck, MissesTheInformation) {
 TEST_F(KarnoctlSelfCheck, NamesDamagedInformation) {
   bundle_.write("Contents/Info.plist", "This is no property list.");
 
-  EXPECT_EQ(said(),
-            "Contents/Info.plist is damaged (NSCocoaErrorDomain error 3840): the launcher has no version and "
-            "no updates, and a Mac does not start it at all.\n");
+  EXPECT_EQ(
+      said(),
+      "Contents/Info.plist is damaged (The property list cannot be read: line 1: there is text where a "
+      "tag belongs): the launcher has no version and no updates, and a Mac does not start it at all.\n");
 }
 
 TEST_F(KarnoctlSelfCheck, NamesInformationOfAnotherKind) {
@@ -334,9 +335,10 @@ TEST_F(KarnoctlSelfCheck, NamesADamagedTable) {
 TEST_F(KarnoctlSelfCheck, NamesADamagedTableOfTheMove) {
   bundle_.write(CompleteBundle::table("de", "MoveApplication.strings"), "damaged");
 
-  EXPECT_EQ(said(),
-            "Contents/Resources/de.lproj/MoveApplication.strings is damaged (NSCocoaErrorDomain error 3840): "
-            "its texts are shown in the base language.\n");
+  EXPECT_EQ(
+      said(),
+      "Contents/Resources/de.lproj/MoveApplication.strings is damaged (The property list cannot be read: "
+      "line 1: there is text where a tag belongs): its texts are shown in the base language.\n");
 }
 
 TEST_F(KarnoctlSelfCheck, NamesTextsThatALanguageLacks) {

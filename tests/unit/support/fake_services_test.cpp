@@ -53,19 +53,6 @@ TEST(FakeGroup, EndsItsWaitWheneverItBegins) {
   EXPECT_EQ(ended, kStarts);
 }
 
-TEST(FakeUserDefaults, AreSharedByAllObjectsOfOneSuite) {
-  FakePlatform machine;
-  const auto one = machine.userDefaults.makeSuite("suite");
-  const auto same = machine.userDefaults.makeSuite("suite");
-  const auto other = machine.userDefaults.makeSuite("other");
-
-  one->setBool(true, "key");
-
-  EXPECT_TRUE(same->boolForKey("key"));
-  EXPECT_FALSE(other->boolForKey("key"));
-  EXPECT_FALSE(machine.userDefaults.standardUserDefaults().boolForKey("key"));
-}
-
 TEST(FakeUserDefaults, TellWritesOfTheLauncherFromThoseOfOthers) {
   FakePlatform machine;
   const auto suite = machine.userDefaults.makeSuite("suite");
