@@ -5,17 +5,18 @@
 #include <cerrno>
 #include <vector>
 
+#include "elements_are.h"
 #include "world.h"
 
 namespace karno::test {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::DirectoryEntry;
 using platform::Error;
 using platform::Files;
 using platform::FileType;
 using platform::UserFolder;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::UnorderedElementsAre;

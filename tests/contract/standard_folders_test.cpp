@@ -2,13 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "world.h"
 
 namespace karno::test {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::StandardFolder;
-using testing::ElementsAre;
 
 class StandardFoldersContract : public Contract {
  protected:

@@ -2,12 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "world.h"
 
 namespace karno::test {
 namespace {
 
-using testing::ElementsAre;
+using karno::test::ElementsAre;
 
 class TextContract : public Contract {
  protected:

@@ -1,7 +1,8 @@
 #include "installer/safe_path.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
+
+#include "elements_are.h"
 
 namespace karno::installer {
 namespace {

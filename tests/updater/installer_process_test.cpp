@@ -1,5 +1,4 @@
 #include "platform/linux/updater/installer_process.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
@@ -9,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "elements_are.h"
 #include "fake_bundles.h"
 #include "temporary_folder.h"
 

@@ -1,9 +1,10 @@
 #include "comparison.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
 #include <sstream>
+
+#include "elements_are.h"
 
 namespace karno::bench {
 namespace {

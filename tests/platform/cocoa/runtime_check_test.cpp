@@ -1,5 +1,4 @@
 #include "platform/cocoa/runtime_check.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,6 +6,7 @@
 #include <filesystem>
 
 #include "../support/temporary_folder.h"
+#include "elements_are.h"
 #include "platform/cocoa/class_builder.h"
 
 namespace karno::platform::cocoa {

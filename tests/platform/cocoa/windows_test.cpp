@@ -1,5 +1,4 @@
 #include "platform/cocoa/windows.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "elements_are.h"
 
 namespace karno::platform::cocoa {
 namespace {

@@ -1,5 +1,4 @@
 #include "platform/linux/distributed_notifications.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,6 +18,7 @@
 #include "../support/private_bus.h"
 #include "../support/scoped_environment.h"
 #include "../support/standard_error_capture.h"
+#include "elements_are.h"
 #include "platform/linux/bus_poster.h"
 #include "platform/linux/notification_signal.h"
 

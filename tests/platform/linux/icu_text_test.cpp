@@ -1,5 +1,4 @@
 #include "platform/linux/icu_text.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "../support/scoped_environment.h"
+#include "elements_are.h"
 
 namespace karno::platform {
 namespace {

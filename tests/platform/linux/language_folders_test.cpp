@@ -1,8 +1,9 @@
 #include "platform/linux/language_folders.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "elements_are.h"
 
 namespace karno::platform {
 namespace {

@@ -1,5 +1,4 @@
 #include "platform/linux/machine_shell.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,6 +8,7 @@
 #include "../support/scoped_environment.h"
 #include "../support/shell_output.h"
 #include "../support/temporary_folder.h"
+#include "elements_are.h"
 #include "platform/linux/machine_commands.h"
 #include "subprocess.h"
 

@@ -1,5 +1,4 @@
 #include "platform/linux/preferred_languages.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,6 +6,7 @@
 #include "../support/property_list_texts.h"
 #include "../support/scoped_environment.h"
 #include "../support/temporary_folder.h"
+#include "elements_are.h"
 #include "platform/cocoa/property_lists.h"
 
 namespace karno::platform {

@@ -1,5 +1,4 @@
 #include "platform/cocoa/running_applications.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +13,7 @@
 #include "../support/scoped_environment.h"
 #include "../support/started_task.h"
 #include "../support/temporary_folder.h"
+#include "elements_are.h"
 #include "platform/platform.h"
 
 namespace karno::platform::cocoa {

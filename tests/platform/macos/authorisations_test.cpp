@@ -1,5 +1,4 @@
 #include "platform/macos/authorisations.h"
-#include "elements_are.h"
 
 #include <dlfcn.h>
 #include <fmt/format.h>
@@ -12,6 +11,8 @@
 #include <cstdio>
 #include <functional>
 #include <vector>
+
+#include "elements_are.h"
 
 // What the Security framework declares.
 extern "C" {

@@ -1,5 +1,4 @@
 #include "platform/macos/date_formatter.h"
-#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -8,6 +7,7 @@
 #include <thread>
 
 #include "../support/standard_error_capture.h"
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/threads.h"
 #include "stand_in.h"

@@ -1,5 +1,4 @@
 #include "platform/macos/dispatch.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,6 +9,7 @@
 #include <stdexcept>
 
 #include "../support/standard_error_capture.h"
+#include "elements_are.h"
 #include "grand_central.h"
 #include "platform/macos/gcd_group.h"
 #include "stand_in.h"

@@ -1,9 +1,9 @@
 #include "platform/macos/file_manager.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 #include "stand_in.h"
 

@@ -1,5 +1,4 @@
 #include "platform/macos/managed_preferences.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,6 +7,7 @@
 
 #include "../support/standard_error_capture.h"
 #include "core_foundation.h"
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/threads.h"
 #include "platform/cocoa/values.h"

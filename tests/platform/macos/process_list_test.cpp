@@ -1,5 +1,4 @@
 #include "platform/macos/process_list.h"
-#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -13,6 +12,8 @@
 #include <map>
 #include <string>
 #include <vector>
+
+#include "elements_are.h"
 
 namespace karno::platform::test {
 namespace {

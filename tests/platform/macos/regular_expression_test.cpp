@@ -1,11 +1,11 @@
 #include "platform/macos/regular_expression.h"
-#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "../support/standard_error_capture.h"
+#include "elements_are.h"
 #include "platform/cocoa/objc.h"
 #include "platform/cocoa/strings.h"
 #include "stand_in.h"

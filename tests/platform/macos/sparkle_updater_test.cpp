@@ -1,5 +1,4 @@
 #include "platform/macos/sparkle_updater.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,6 +11,7 @@
 #include "../cocoa/foundation_objects.h"
 #include "../support/hand_dispatch.h"
 #include "../support/standard_error_capture.h"
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 #include "recording_updater_delegate.h"
 #include "sparkle_stand_ins.h"

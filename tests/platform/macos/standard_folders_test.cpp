@@ -1,5 +1,4 @@
 #include "platform/macos/standard_folders.h"
-#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -9,6 +8,7 @@
 #include <thread>
 
 #include "../support/standard_error_capture.h"
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/values.h"
 #include "stand_in.h"

@@ -1,5 +1,4 @@
 #include "platform/macos/text.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,6 +8,7 @@
 
 #include "../support/standard_error_capture.h"
 #include "core_foundation.h"
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 
 namespace karno::platform::test {

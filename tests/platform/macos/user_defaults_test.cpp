@@ -1,10 +1,10 @@
 #include "platform/macos/user_defaults.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "../support/standard_error_capture.h"
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 #include "stand_in.h"
 

@@ -1,5 +1,4 @@
 #include "platform/macos/workspace.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,6 +6,7 @@
 #include <thread>
 
 #include "../support/standard_error_capture.h"
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 #include "stand_in.h"
 

@@ -1,5 +1,4 @@
 #include "platform/posix/files.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,6 +15,7 @@
 
 #include "../support/scoped_environment.h"
 #include "../support/temporary_folder.h"
+#include "elements_are.h"
 #include "platform/posix/folder_walk.h"
 #include "platform/posix/whole_file.h"
 

@@ -1,5 +1,4 @@
 #include "platform/shell.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,6 +14,7 @@
 #include "../support/standard_error_capture.h"
 #include "../support/started_task.h"
 #include "../support/temporary_folder.h"
+#include "elements_are.h"
 #include "platform/linux/machine_shell.h"
 #include "platform/posix/child_registry.h"
 #include "platform/posix/popen_shell.h"

@@ -1,5 +1,4 @@
 #include "platform/posix/stream_pieces.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +13,8 @@
 #include <string_view>
 #include <thread>
 #include <vector>
+
+#include "elements_are.h"
 
 namespace karno::platform {
 namespace {

@@ -1,10 +1,10 @@
 #include "app/app_delegate.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "launcher.h"
 #include "log/karno_log.h"

@@ -1,9 +1,9 @@
 #include "app/main_window.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
 #include "app/startup_manager.h"
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "launcher.h"
 #include "printing.h"

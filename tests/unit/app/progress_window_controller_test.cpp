@@ -1,8 +1,8 @@
 #include "app/progress_window_controller.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 
 namespace karno {

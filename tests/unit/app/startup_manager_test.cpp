@@ -1,11 +1,11 @@
 #include "app/startup_manager.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
 #include <array>
 
 #include "app/karno_embedded_app.h"
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "launcher.h"
 

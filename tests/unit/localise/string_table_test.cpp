@@ -1,8 +1,8 @@
 #include "localise/string_table.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "localise/karno_localise.h"
 #include "printing.h"

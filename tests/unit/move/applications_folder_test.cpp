@@ -1,8 +1,8 @@
 #include "move/applications_folder.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "moving_machine.h"
 
 namespace karno {

@@ -1,10 +1,10 @@
 #include "move/bundle_files.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "moving_machine.h"
 
 namespace karno {

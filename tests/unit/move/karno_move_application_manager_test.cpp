@@ -1,10 +1,10 @@
 #include "move/karno_move_application_manager.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "launcher.h"
 #include "moving_machine.h"
 

@@ -1,8 +1,8 @@
 #include "move/shell_scripts.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "move/running_copy.h"
 #include "moving_machine.h"
 

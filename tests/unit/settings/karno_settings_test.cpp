@@ -1,8 +1,8 @@
 #include "settings/karno_settings.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "printing.h"
 

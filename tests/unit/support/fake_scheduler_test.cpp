@@ -1,9 +1,9 @@
 #include "fake_scheduler.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest-spi.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 
 namespace karno::test {

@@ -1,10 +1,10 @@
 #include "system/fuse_manager.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 
 namespace karno {

@@ -1,8 +1,8 @@
 #include "update/karno_sparkle_manager.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 
 namespace karno {

@@ -1,8 +1,8 @@
 #include "util/karno_class_utils.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
+#include "elements_are.h"
 #include "fake_clock.h"
 
 namespace karno {

@@ -1,10 +1,10 @@
 #include "util/utilities.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
 
+#include "elements_are.h"
 #include "fake_platform.h"
 #include "printing.h"
 

@@ -1,5 +1,4 @@
 #include "platform/macos/console_log.h"
-#include "elements_are.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,6 +7,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "elements_are.h"
 #include "platform/cocoa/strings.h"
 #include "stand_in.h"
 

@@ -1,5 +1,4 @@
 #include "platform/cocoa/desktop.h"
-#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -7,6 +6,7 @@
 
 #include <array>
 
+#include "elements_are.h"
 #include "platform/cocoa/running_applications.h"
 #include "platform/cocoa/strings.h"
 #include "platform/cocoa/values.h"

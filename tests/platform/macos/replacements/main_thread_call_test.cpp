@@ -1,5 +1,4 @@
 #include "platform/cocoa/main_thread_call.h"
-#include "elements_are.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "../../support/run_loop.h"
+#include "elements_are.h"
 #include "platform/cocoa/callback.h"
 #include "platform/cocoa/main_queue.h"
 #include "platform/cocoa/strings.h"
