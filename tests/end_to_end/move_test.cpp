@@ -8,6 +8,7 @@
 #include "expected_logs.h"
 #include "hands.h"
 #include "places.h"
+#include "small_disk.h"
 
 namespace karno::test {
 namespace {
@@ -19,6 +20,8 @@ using ::testing::ElementsAreArray;
 
 constexpr const char* kMoving = "INFO -- Moving myself to the Applications folder";
 constexpr const char* kMarkOfOldCopy = "Contents/old";
+constexpr std::uintmax_t kRoomForAPartBytes = std::uintmax_t{1} << 20U;  // of a bundle
+constexpr std::chrono::seconds kCommandLimit{60};
 
 // From the start to the question.
 Messages askingMessages() {
@@ -272,24 +275,45 @@ TEST_P(MoveWithAPasswordInVain, SaysSoAndKeepsTheOldBundle) {
 INSTANTIATE_TEST_SUITE_P(Administrators, MoveWithAPasswordInVain, ::testing::Values("refuses", "fails"),
                          [](const auto& answer) { return std::string(answer.param); });
 
+Messages fullDiskMessages(const Machine& machine) {
+  const std::string from = downloaded(machine);
+  const std::string to = machine.bundle();
+  return joined({askingMessages(),
+                 {kMoving,
+                  "ERROR -- Could not copy '" + from + "' to '" + to +
+                      "' (Error Domain=NSPOSIXErrorDomain Code=28 \"No space left on device\")",
+                  "ERROR -- Could not copy myself to " + to},
+                 failedMessages("Failed to copy bundle")});
+}
+
+// What the downloaded bundle lacks or has that the built one has not.
+std::string damageOf(const fs::path& bundle) {
+  return runCommand({"diff", "-r", "--no-dereference", builtTools().bundle, bundle}, kCommandLimit).output;
+}
+
 TEST(MoveOnAFullDisk, FailsAndKeepsTheOldBundle) {
+  Machine machine(builtTools(), {"--into", "Downloads"});
+  const SmallDisk disk(machine.root() / "Applications", kRoomForAPartBytes);
+  if (!disk.hindrance().empty()) GTEST_SKIP() << disk.hindrance();
+  machine.start();
+
+  const auto status = moveInVain(machine);
+
+  EXPECT_EQ(status, 0);
+  EXPECT_THAT(machine.console(), ElementsAreArray(fullDiskMessages(machine)));
+  EXPECT_EQ(damageOf(downloaded(machine)), "");
+}
+
+// The same where no disk can be mounted.
+TEST(MoveOnADiskThatSaysItIsFull, FailsAndKeepsTheOldBundle) {
   Machine machine(builtTools(), {"--into", "Downloads"});
   machine.start({"--env", "LD_PRELOAD=" + faultyDisk().string(), "--env", "KARNO_TEST_DISK=full"});
 
   const auto status = moveInVain(machine);
 
-  const std::string from = downloaded(machine);
-  const std::string to = machine.bundle();
   EXPECT_EQ(status, 0);
-  EXPECT_THAT(
-      machine.console(),
-      ElementsAreArray(joined({askingMessages(),
-                               {kMoving,
-                                "ERROR -- Could not copy '" + from + "' to '" + to +
-                                    "' (Error Domain=NSPOSIXErrorDomain Code=28 \"No space left on device\")",
-                                "ERROR -- Could not copy myself to " + to},
-                               failedMessages("Failed to copy bundle")})));
-  EXPECT_TRUE(fs::exists(executableOf(from)));
+  EXPECT_THAT(machine.console(), ElementsAreArray(fullDiskMessages(machine)));
+  EXPECT_EQ(damageOf(downloaded(machine)), "");
 }
 
 TEST(MoveOfABundleThatCannotBeDeleted, IsDoneWithAWarning) {

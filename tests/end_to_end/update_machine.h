@@ -37,6 +37,7 @@ class UpdateMachine {
   // What the log says of this feed's address.
   std::string feed() const { return server_->https("/appcast.xml"); }
   std::string download() const { return server_->https("/Karno.tar"); }
+  std::uintmax_t downloadBytes() const { return std::filesystem::file_size(serverFolder_ / "www/Karno.tar"); }
   std::filesystem::path touchFile() const {
     return machine_.home() / "Library/Caches/Karno/cache.noindex/.karnoUpdated";
   }

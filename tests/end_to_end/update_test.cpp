@@ -5,6 +5,7 @@
 
 #include "expected_logs.h"
 #include "places.h"
+#include "small_disk.h"
 #include "update_machine.h"
 
 namespace karno::test {
@@ -65,6 +66,18 @@ class Update : public ::testing::Test {
     ASSERT_TRUE(offer) << machine_->consoleText();
     machine_.answer(*offer, "Return");
     ASSERT_EQ(machine_->waitForEnd(kLimit), 0) << machine_->consoleText();
+  }
+
+  // Leads to the alert that tells the failure, and quits.
+  void installInVain(const std::vector<std::string>& options = {}) {
+    machine_.start(options);
+    const auto offer = machine_.askForOffer();
+    ASSERT_TRUE(offer) << machine_->consoleText();
+    machine_.answer(*offer, "Return");
+    const auto alert = findWindow(*machine_, kLauncherTitle);
+    ASSERT_TRUE(alert) << machine_->consoleText();
+    pressKey(*machine_, *alert, "Return");
+    quit();
   }
 
   bool isReplaced() {
@@ -215,14 +228,7 @@ class FlawedUpdate : public Update, public ::testing::WithParamInterface<BadRele
 
 TEST_P(FlawedUpdate, IsToldAndLeavesEverythingAsItWas) {
   machine_.offer("1.1", GetParam().flaw);
-  machine_.start();
-  const auto offer = machine_.askForOffer();
-  ASSERT_TRUE(offer) << machine_->consoleText();
-  machine_.answer(*offer, "Return");
-  const auto alert = findWindow(*machine_, kLauncherTitle);
-  ASSERT_TRUE(alert) << machine_->consoleText();
-  pressKey(*machine_, *alert, "Return");
-  quit();
+  installInVain();
 
   EXPECT_THAT(machine_.updateLines(), Contains(HasSubstr(aborted(GetParam().told))))
       << machine_->consoleText();
@@ -244,23 +250,43 @@ INSTANTIATE_TEST_SUITE_P(Flaws, FlawedUpdate,
                            return name;
                          });
 
-TEST_F(Update, ForWhichTheDiskHasNoRoomIsToldAndLeavesEverythingAsItWas) {
-  machine_.offer("1.1");
-  machine_.start({"--env", "LD_PRELOAD=" + faultyDisk().string(), "--env", "KARNO_TEST_DISK=full"});
-  const auto offer = machine_.askForOffer();
-  ASSERT_TRUE(offer) << machine_->consoleText();
-  machine_.answer(*offer, "Return");
-  const auto alert = findWindow(*machine_, kLauncherTitle);
-  ASSERT_TRUE(alert) << machine_->consoleText();
-  pressKey(*machine_, *alert, "Return");
-  quit();
+class UpdateOnAFullDisk : public Update {
+ protected:
+  UpdateOnAFullDisk() { machine_.offer("1.1"); }
 
-  EXPECT_THAT(machine_.updateLines(),
-              Contains(AllOf(HasSubstr(aborted("3000 ")), HasSubstr("No space left on device"))))
-      << machine_->consoleText();
-  EXPECT_EQ(machine_.installedVersion(), "1");
-  EXPECT_TRUE(machine_.isBundleWhole());
-  EXPECT_THAT(machine_.remains(), IsEmpty());
+  void expectToldAndAsItWas(const std::string& code) {
+    EXPECT_THAT(machine_.updateLines(),
+                Contains(AllOf(HasSubstr(aborted(code)), HasSubstr("No space left on device"))))
+        << machine_->consoleText();
+    EXPECT_EQ(machine_.installedVersion(), "1");
+    EXPECT_TRUE(machine_.isBundleWhole());
+    EXPECT_THAT(machine_.remains(), IsEmpty());
+  }
+};
+
+TEST_F(UpdateOnAFullDisk, IsToldWhenTheDownloadDoesNotFit) {
+  const SmallDisk disk(machine_.applications(), machine_.downloadBytes() / 2);
+  if (!disk.hindrance().empty()) GTEST_SKIP() << disk.hindrance();
+
+  installInVain();
+
+  expectToldAndAsItWas("2001 ");
+}
+
+TEST_F(UpdateOnAFullDisk, IsToldWhenTheNewBundleDoesNotFit) {
+  const SmallDisk disk(machine_.applications(), machine_.downloadBytes() * 3 / 2);
+  if (!disk.hindrance().empty()) GTEST_SKIP() << disk.hindrance();
+
+  installInVain();
+
+  expectToldAndAsItWas("3000 ");
+}
+
+// The same where no disk can be mounted.
+TEST_F(UpdateOnAFullDisk, IsToldWhenTheDiskOnlySaysSo) {
+  installInVain({"--env", "LD_PRELOAD=" + faultyDisk().string(), "--env", "KARNO_TEST_DISK=full"});
+
+  expectToldAndAsItWas("3000 ");
 }
 
 TEST_F(Update, OfAFeedThatIsNoneIsToldInAnAlert) {

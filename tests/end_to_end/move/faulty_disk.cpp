@@ -1,9 +1,9 @@
 // A library to be loaded before all others, which makes the disk fail under a program. It takes the place of
 // the C library's functions that the copy, the removal and the Trash are made of. The environment says what
 // is wrong:
-//   KARNO_TEST_DISK=full       after a few files no more bytes can be written by copying or unpacking
-//   KARNO_TEST_DISK=stubborn   nothing can be removed, and nothing below a folder Downloads can be renamed
-//   KARNO_TEST_KILL_AT=N       the process is killed when it makes its Nth change of the disk
+//   KARNO_TEST_DISK=full       there is room for the first bytes only that are written by copying or
+//   unpacking KARNO_TEST_DISK=stubborn   nothing can be removed, and nothing below a folder Downloads can be
+//   renamed KARNO_TEST_KILL_AT=N       the process is killed when it makes its Nth change of the disk
 //   KARNO_TEST_COUNT_FILE=F    how many changes it has made is written there when it ends
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -20,10 +21,10 @@
 
 namespace {
 
-constexpr int kCopiesOnFullDisk = 3;
+constexpr std::size_t kRoomBytes = 100'000;  // less than a bundle
 
 std::atomic<long> changes{0};
-std::atomic<int> copies{0};
+std::atomic<std::size_t> roomBytes{kRoomBytes};
 
 bool diskIs(const char* condition) {
   const char* const disk = std::getenv("KARNO_TEST_DISK");
@@ -36,10 +37,17 @@ void countChange() {
   if (limit != nullptr && number == std::strtol(limit, nullptr, 10)) ::kill(::getpid(), SIGKILL);
 }
 
-bool isFullNow() {
-  if (!diskIs("full") || ++copies <= kCopiesOnFullDisk) return false;
-  errno = ENOSPC;
-  return true;
+// Writes as many of so many bytes as there is room for, as a disk does before it says that it is full.
+template <class Write>
+ssize_t writeWhatFits(std::size_t wanted, Write write) {
+  if (!diskIs("full")) return write(wanted);
+  if (roomBytes == 0) {
+    errno = ENOSPC;
+    return -1;
+  }
+  const ssize_t written = write(std::min<std::size_t>(wanted, roomBytes));
+  if (written > 0) roomBytes -= static_cast<std::size_t>(written);
+  return written;
 }
 
 // The function that this library stands in front of.
@@ -86,13 +94,15 @@ int symlink(const char* destination, const char* path) {
 
 ssize_t sendfile(int to, int from, off_t* offset, size_t count) {
   countChange();
-  if (isFullNow()) return -1;
-  return real<ssize_t(int, int, off_t*, size_t)>("sendfile")(to, from, offset, count);
+  return writeWhatFits(count, [&](size_t fitting) {
+    return real<ssize_t(int, int, off_t*, size_t)>("sendfile")(to, from, offset, fitting);
+  });
 }
 
 ssize_t pwrite(int file, const void* bytes, size_t count, off_t offset) {
-  if (isFullNow()) return -1;
-  return real<ssize_t(int, const void*, size_t, off_t)>("pwrite")(file, bytes, count, offset);
+  return writeWhatFits(count, [&](size_t fitting) {
+    return real<ssize_t(int, const void*, size_t, off_t)>("pwrite")(file, bytes, fitting, offset);
+  });
 }
 
 int unlinkat(int folder, const char* path, int flags) {
