@@ -96,9 +96,9 @@ class FakeDispatch::Group final : public platform::DispatchGroup {
 
   // In whole nanoseconds: seconds in a double may leave a rest that is too small to pass.
   bool wait(std::int64_t nanoseconds) override {
-    const std::int64_t deadline = scheduler_.nanosecondsSinceStart() + nanoseconds;
+    const std::int64_t begin = scheduler_.nanosecondsSinceStart();
     for (std::int64_t rest = nanoseconds; inside_ > 0 && rest > 0;
-         rest = deadline - scheduler_.nanosecondsSinceStart()) {
+         rest = nanoseconds - (scheduler_.nanosecondsSinceStart() - begin)) {
       scheduler_.sleep(static_cast<double>(std::min(kLookNanoseconds, rest)) / 1e9);
     }
     return inside_ == 0;
