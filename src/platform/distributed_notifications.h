@@ -21,9 +21,9 @@ class DistributedNotifications {
 
   virtual ~DistributedNotifications() = default;
 
-  // Calls the handler on the main thread for every notification with exactly this name and object, also while
-  // the launcher is not the active application. `observer` only identifies the registration. Adding the same
-  // one twice registers it twice.
+  // Calls the handler on the main thread for every notification with exactly this name and object that is
+  // posted from now on, also while the launcher is not the active application. `observer` only identifies the
+  // registration. Adding the same one twice registers it twice.
   virtual void addObserver(const void* observer, const std::string& name, const std::string& object,
                            Handler handler) = 0;
 

@@ -16,17 +16,21 @@ void FakeDistributedNotifications::removeObserver(const void* observer) {
 bool FakeDistributedNotifications::post(const platform::DistributedNotification& notification) {
   if (!isReachable) return false;
   ++postCount_;
-  scheduler_.addToMain(MainLane::Events, [this, notification] { deliver(notification); });
+  scheduler_.addToMain(MainLane::Events,
+                       [this, notification, end = nextNumber_] { deliver(notification, end); });
   return true;
 }
 
-// A handler may remove observers; those do not hear of the notification any more.
-void FakeDistributedNotifications::deliver(const platform::DistributedNotification& notification) {
+// To observers with smaller numbers. A handler may remove some; those do not hear of the notification any
+// more.
+void FakeDistributedNotifications::deliver(const platform::DistributedNotification& notification,
+                                           std::size_t end) {
   const std::vector<Observer> before = observers_;
   for (const Observer& each : before) {
     const bool stillThere = std::any_of(observers_.begin(), observers_.end(),
                                         [&](const Observer& other) { return other.number == each.number; });
-    if (stillThere && each.name == notification.name && each.object == notification.object) {
+    if (stillThere && each.number < end && each.name == notification.name &&
+        each.object == notification.object) {
       each.handler(notification);
     }
   }

@@ -7,7 +7,7 @@
 namespace karno::test {
 
 // A notification centre of this machine's own. What is posted is delivered on the main thread, in the order
-// posted, to those who observe at that moment.
+// posted, to those who observed when it was posted and still do.
 class FakeDistributedNotifications final : public platform::DistributedNotifications {
  public:
   explicit FakeDistributedNotifications(FakeScheduler& scheduler) : scheduler_(scheduler) {}
@@ -33,7 +33,7 @@ class FakeDistributedNotifications final : public platform::DistributedNotificat
     std::size_t number;
   };
 
-  void deliver(const platform::DistributedNotification& notification);
+  void deliver(const platform::DistributedNotification& notification, std::size_t end);
 
   FakeScheduler& scheduler_;
   std::vector<Observer> observers_;
