@@ -1,10 +1,11 @@
 #pragma once
-#include <functional>
+#include <cerrno>
 #include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "fake_process_table.h"
 #include "fake_scheduler.h"
 #include "platform/apple_scripts.h"
 #include "platform/commands.h"
@@ -21,23 +22,31 @@ inline std::string commandLine(const platform::TaskLaunch& command) {
 // Commands that end at once, with status 0 and no output unless a test says otherwise.
 class FakeCommands final : public platform::Commands {
  public:
+  explicit FakeCommands(FakeProcessTable& processes) : processes_(processes) {}
+
   platform::Result<platform::CommandEnd> run(const platform::TaskLaunch& command) override {
     const std::string line = commandLine(command);
     ran.push_back(line);
     const auto found = answers.find(line);
     if (found != answers.end()) return found->second;
+    if (!processes_.hasProgram(command.executablePath)) return platform::Error::posix(ENOENT);
     return platform::CommandEnd{};
   }
 
   std::optional<platform::Error> start(const platform::TaskLaunch& command) override {
     started.push_back(commandLine(command));
-    return startFailure;
+    if (startFailure) return startFailure;
+    const auto child = processes_.start(command.executablePath, nullptr);
+    return child ? std::nullopt : std::optional(child.error());
   }
 
   std::map<std::string, platform::Result<platform::CommandEnd>> answers;
   std::optional<platform::Error> startFailure;
   std::vector<std::string> ran;      // waited for
   std::vector<std::string> started;  // and left to itself
+
+ private:
+  FakeProcessTable& processes_;
 };
 
 // Scripts that all go well, or all fail.

@@ -21,6 +21,7 @@
 #include "fake_files.h"
 #include "fake_managed_preferences.h"
 #include "fake_process_list.h"
+#include "fake_process_table.h"
 #include "fake_processes.h"
 #include "fake_property_lists.h"
 #include "fake_scheduler.h"
@@ -127,17 +128,19 @@ class FakePlatform {
   FakeApplication application{scheduler};
   FakeAlerts alerts{scheduler};
   FakeWindows windows{scheduler};
-  FakeWorkspace workspace{scheduler};
   FakeDispatch dispatch{scheduler};
   FakeClock clock{scheduler};
-  FakeTasks tasks{scheduler};
-  FakeProcesses processes{scheduler};
+  FakeFiles files{scheduler, clock};
+  FakeBundles bundles{&files};
+  FakeProcessTable processTable{scheduler, clock, bundles, files};
+  FakeTasks tasks{scheduler, processTable};
+  FakeProcesses processes{scheduler, processTable};
+  FakeProcessList processList{processTable};
+  FakeWorkspace workspace{scheduler, processTable, bundles};
   FakeUserDefaultsStore userDefaults{scheduler};
   FakeManagedPreferences managedPreferences{userDefaults};
   FakeDistributedNotifications notifications{scheduler};
   FakePropertyLists propertyLists;
-  FakeFiles files{scheduler, clock};
-  FakeBundles bundles{&files};
   FakeText text;
   FakeConsoleLog consoleLog{scheduler};
   FakeSystemVersion systemVersion;
@@ -145,12 +148,11 @@ class FakePlatform {
   FakeShell shell{scheduler};
   FakeURLLoading network{scheduler};
   FakeIdentifiers identifiers;
-  FakeProcessList processList;
   FakeFileReading fileReading{files};
   FakeFileManager fileManager{files};
   FakeStandardFolders standardFolders;
   FakeMounts mounts{files};
-  FakeCommands commands;
+  FakeCommands commands{processTable};
   FakeAppleScripts appleScripts{scheduler};
   FakeAuthorisations authorisations{scheduler};
 

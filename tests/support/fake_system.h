@@ -1,10 +1,13 @@
 #pragma once
 #include <array>
 #include <functional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "fake_bundles.h"
+#include "fake_process_table.h"
 #include "fake_scheduler.h"
 #include "platform/identifiers.h"
 #include "platform/system_version.h"
@@ -38,7 +41,8 @@ class FakeIdentifiers final : public platform::Identifiers {
 
 class FakeWorkspace final : public platform::Workspace {
  public:
-  explicit FakeWorkspace(FakeScheduler& scheduler) : scheduler_(scheduler) {}
+  FakeWorkspace(FakeScheduler& scheduler, const FakeProcessTable& processes, const FakeBundles& bundles)
+      : scheduler_(scheduler), processes_(processes), bundles_(bundles) {}
 
   void selectFile(const std::string& path, const std::string& rootFolder) override {
     scheduler_.requireMainThread("Workspace::selectFile");
@@ -61,28 +65,39 @@ class FakeWorkspace final : public platform::Workspace {
   std::vector<platform::RunningApplication> runningApplications(
       const std::string& bundleIdentifier) override {
     asked.push_back({bundleIdentifier, scheduler_.secondsSinceStart()});
+    std::vector<platform::RunningApplication> all = running;
+    for (const auto& [identifier, bundlePath] : processes_.applicationsWithUntoldEnds()) {
+      const auto bundle = bundles_.bundleAtPath(bundlePath);
+      if (bundle && !forgotten.contains(identifier)) all.push_back({identifier, bundle->bundleIdentifier()});
+    }
     std::vector<platform::RunningApplication> found;
-    for (const auto& application : running) {
+    for (const auto& application : all) {
       if (!filters || application.bundleIdentifier == bundleIdentifier) found.push_back(application);
     }
     return found;
   }
 
-  std::vector<std::string> bundlePathsOfRunningApplications() override { return runningBundles; }
-  std::vector<std::string> runningBundles;
+  std::vector<std::string> bundlePathsOfRunningApplications() override {
+    std::vector<std::string> paths;
+    for (const auto& application : processes_.applications()) paths.push_back(application.bundlePath);
+    return paths;
+  }
 
   struct Asked {
     std::string bundleIdentifier;
     double atSeconds;
     bool operator==(const Asked&) const = default;
   };
-  std::vector<Asked> asked;  // every question after running applications
-  std::vector<platform::RunningApplication> running;
-  bool filters = true;  // false: every question is answered with all that run
+  std::vector<Asked> asked;                           // every question after running applications
+  std::vector<platform::RunningApplication> running;  // beside those in the table of processes
+  std::set<std::int32_t> forgotten;                   // those of the table that are not told any more
+  bool filters = true;                                // false: every question is answered with all that run
   std::vector<std::pair<std::string, std::string>> selected;  // path and root folder
 
  private:
   FakeScheduler& scheduler_;
+  const FakeProcessTable& processes_;
+  const FakeBundles& bundles_;
 };
 
 }  // namespace karno::test

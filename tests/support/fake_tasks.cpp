@@ -12,25 +12,12 @@ platform::Result<std::int32_t> FakeTasks::launch(const platform::TaskLaunch& tas
     failures_.pop_front();
     return error;
   }
-  running_[nextProcessIdentifier_] = std::move(onTermination);
-  return nextProcessIdentifier_++;
+  return processes_.start(task.executablePath, std::move(onTermination));
 }
 
 void FakeTasks::end(std::int32_t processIdentifier, int status, platform::TerminationReason reason) {
-  auto ended = running_.extract(processIdentifier);
-  if (ended.empty()) {
+  if (!processes_.end(processIdentifier, {.terminationStatus = status, .terminationReason = reason}))
     ADD_FAILURE() << "no child with the process identifier " << processIdentifier << " is running";
-    return;
-  }
-  scheduler_.addThread("task termination", [handler = std::move(ended.mapped()), status, reason] {
-    if (handler) handler({.terminationStatus = status, .terminationReason = reason});
-  });
-}
-
-std::vector<std::int32_t> FakeTasks::running() const {
-  std::vector<std::int32_t> result;
-  for (const auto& [processIdentifier, handler] : running_) result.push_back(processIdentifier);
-  return result;
 }
 
 }  // namespace karno::test

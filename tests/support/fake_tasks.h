@@ -1,15 +1,15 @@
 #pragma once
 #include <deque>
-#include <map>
 #include <string>
 #include <vector>
 
+#include "fake_process_table.h"
 #include "fake_scheduler.h"
 #include "platform/tasks.h"
 
 namespace karno::test {
 
-// Child processes that only a test ends. Process identifiers count up from 5001.
+// Children in the machine's table of processes.
 class FakeTasks final : public platform::Tasks {
  public:
   struct Launch {
@@ -18,7 +18,8 @@ class FakeTasks final : public platform::Tasks {
     std::string thread;  // that launched it
   };
 
-  explicit FakeTasks(FakeScheduler& scheduler) : scheduler_(scheduler) {}
+  FakeTasks(FakeScheduler& scheduler, FakeProcessTable& processes)
+      : scheduler_(scheduler), processes_(processes) {}
 
   platform::Result<std::int32_t> launch(const platform::TaskLaunch& task,
                                         TerminationHandler onTermination) override;
@@ -32,14 +33,13 @@ class FakeTasks final : public platform::Tasks {
 
   // Every attempt, the failed ones included.
   const std::vector<Launch>& launches() const { return launches_; }
-  std::vector<std::int32_t> running() const;
+  std::vector<std::int32_t> running() const { return processes_.children(); }
 
  private:
   FakeScheduler& scheduler_;
+  FakeProcessTable& processes_;
   std::vector<Launch> launches_;
   std::deque<platform::Error> failures_;
-  std::map<std::int32_t, TerminationHandler> running_;
-  std::int32_t nextProcessIdentifier_ = 5001;
 };
 
 }  // namespace karno::test

@@ -35,7 +35,6 @@ class Restart : public ::testing::Test {
     machine.withEmbeddedBuilds().withAdmin("USE_FILE_PROVIDER", "true");
     manager().setDelegate(delegate);
     manager().launchKarnoWithCompletion([](bool, const std::optional<Error>&) {});
-    machine.workspace.running = {{.processIdentifier = 5001, .bundleIdentifier = "it.vantul.Karno"}};
     linesBefore_ = machine.consoleMessages().size();
   }
 
@@ -44,10 +43,7 @@ class Restart : public ::testing::Test {
     return {lines.begin() + static_cast<std::ptrdiff_t>(linesBefore_), lines.end()};
   }
 
-  void endChild() {
-    machine.workspace.running.clear();
-    machine.tasks.end(5001);
-  }
+  void endChild() { machine.tasks.end(5001); }
 
   FakePlatform machine;
   std::shared_ptr<StartupRecorder> delegate;
@@ -144,7 +140,7 @@ TEST_F(Restart, TellsWhenTheNewLaunchFails) {
 }
 
 TEST_F(Restart, TakesAnEndThatIsToldLateForUnplanned) {
-  machine.workspace.running.clear();
+  machine.workspace.forgotten = {5001};
 
   manager().restartKarno();
   machine.runFor(0.6);

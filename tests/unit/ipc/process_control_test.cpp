@@ -40,7 +40,6 @@ INSTANTIATE_TEST_SUITE_P(Terminate, InvalidProcess, ::testing::Values(0, -1, -21
 
 TEST(Terminate, TellsWhenTheSignalCannotBeSent) {
   FakePlatform machine;
-  machine.processes.signalFailure = ESRCH;
 
   EXPECT_FALSE(KarnoProcessUtils::terminateKarnoAppWithPid(77, "Updated"));
 
@@ -54,9 +53,7 @@ TEST(Terminate, TellsWhenTheSignalCannotBeSent) {
 
 TEST(Terminate, SucceedsWhenTheChildEndsOnTheSignal) {
   FakePlatform machine;
-  machine.processes.whenSignalled = [&](std::int32_t child) {
-    machine.processes.waitResults[child] = {child, 0};
-  };
+  machine.processTable.add(77);
 
   EXPECT_TRUE(KarnoProcessUtils::terminateKarnoAppWithPid(77, "Updated"));
 
@@ -68,7 +65,6 @@ TEST(Terminate, SucceedsWhenTheChildEndsOnTheSignal) {
 
 TEST(Terminate, RefusesNoProcessFromTheFirstOn) {
   FakePlatform machine;
-  machine.processes.signalFailure = EPERM;
 
   EXPECT_FALSE(KarnoProcessUtils::terminateKarnoAppWithPid(1, "Updated"));
 
@@ -77,6 +73,8 @@ TEST(Terminate, RefusesNoProcessFromTheFirstOn) {
 
 TEST(Terminate, GivesUpAfterTenSecondsAndSendsNoStrongerSignal) {
   FakePlatform machine;
+  machine.processTable.add(77, {.executablePath = "/bin/deaf"});
+  machine.processTable.programs["/bin/deaf"].ignoresTermination = true;
 
   EXPECT_FALSE(KarnoProcessUtils::terminateKarnoAppWithPid(77, "Updated"));
 
@@ -87,9 +85,10 @@ TEST(Terminate, GivesUpAfterTenSecondsAndSendsNoStrongerSignal) {
 
 TEST(WaitForProcess, LastsAsLongAsTheChildLives) {
   FakePlatform machine;
+  machine.processTable.add(77);
   machine.onThread([&] {
     machine.dispatch.sleep(3);
-    machine.processes.waitResults[77] = {77, 0};
+    machine.processTable.end(77);
   });
 
   EXPECT_TRUE(KarnoProcessUtils::waitForProcessTermination(77, 5, "Restart"));
@@ -99,7 +98,6 @@ TEST(WaitForProcess, LastsAsLongAsTheChildLives) {
 
 TEST(WaitForProcess, TakesOurNoChildForATimeOutAtOnce) {
   FakePlatform machine;
-  machine.processes.waitResults[77] = {-1, ECHILD};
 
   EXPECT_FALSE(KarnoProcessUtils::waitForProcessTermination(77, 10, "Restart"));
 
@@ -139,9 +137,10 @@ TEST(WaitForProcess, AnErrorLeftFromBeforeDoesNotMatterWhenTheChildWasReaped) {
 
 TEST(WaitForProcess, LeavesAWaitBehindThatNobodyHears) {
   FakePlatform machine;
+  machine.processTable.add(77);
   EXPECT_FALSE(KarnoProcessUtils::waitForProcessTermination(77, 1, "Restart"));
 
-  machine.processes.waitResults[77] = {77, 0};
+  machine.processTable.end(77);
   machine.runFor(10);
 
   EXPECT_THAT(machine.consoleMessages(), ElementsAre(timedOut(77)));
@@ -149,6 +148,7 @@ TEST(WaitForProcess, LeavesAWaitBehindThatNobodyHears) {
 
 TEST(WaitForProcess, WithoutTimeStillAnswers) {
   FakePlatform machine;
+  machine.processTable.add(77);
 
   EXPECT_FALSE(KarnoProcessUtils::waitForProcessTermination(77, 0, "Restart"));
 

@@ -25,11 +25,21 @@ RunningProcess process(std::int32_t identifier, std::int32_t parent, const char*
           .startDate = kStartOfTest - std::chrono::minutes(minutesUp)};
 }
 
+// These processes and no others.
+void run(FakePlatform& machine, const std::vector<RunningProcess>& processes) {
+  machine.processTable.remove(test::FakeProcessTable::kLauncher);
+  for (const RunningProcess& process : processes) {
+    machine.processTable.add(process.processIdentifier, {.parent = process.parentProcessIdentifier,
+                                                         .executablePath = process.executablePath,
+                                                         .startDate = process.startDate,
+                                                         .onTermination = {}});
+  }
+}
+
 TEST(KarnoctlStatus, ShowsTheLauncherAndItsClient) {
   FakePlatform machine;
   Terminal terminal;
-  machine.processList.running = {process(4242, 1, kLauncher, 125),
-                                 process(4250, 4242, kFileProviderClient, 4)};
+  run(machine, {process(4242, 1, kLauncher, 125), process(4250, 4242, kFileProviderClient, 4)});
 
   const int status = terminal.run({"status"});
 
@@ -44,8 +54,8 @@ TEST(KarnoctlStatus, ShowsTheLauncherAndItsClient) {
 TEST(KarnoctlStatus, ShowsTheFuseBuildAndALauncherWithoutClient) {
   FakePlatform machine;
   Terminal terminal;
-  machine.processList.running = {process(4242, 1, kLauncher, 0), process(5000, 1, kLauncher, 61),
-                                 process(5001, 5000, kFuseClient, 60)};
+  run(machine, {process(4242, 1, kLauncher, 0), process(5000, 1, kLauncher, 61),
+                process(5001, 5000, kFuseClient, 60)});
 
   const int status = terminal.run({"status"});
 
@@ -64,11 +74,11 @@ TEST(KarnoctlStatus, ShowsTheFuseBuildAndALauncherWithoutClient) {
 TEST(KarnoctlStatus, SaysThatNoLauncherRuns) {
   FakePlatform machine;
   Terminal terminal;
-  machine.processList.running = {process(10, 1, "/usr/bin/Karno", 1),
-                                 process(11, 1, "/Applications/Karno.app/Contents/MacOS/karnoctl", 1),
-                                 process(12, 1, "/Applications/Karno.app/Contents/MacOS/deeper/Karno", 1),
-                                 process(13, 1, kFileProviderClient, 1),
-                                 process(14, 1, "/Applications/Gone.app/Contents/MacOS/Karno", 1)};
+  run(machine, {process(10, 1, "/usr/bin/Karno", 1),
+                process(11, 1, "/Applications/Karno.app/Contents/MacOS/karnoctl", 1),
+                process(12, 1, "/Applications/Karno.app/Contents/MacOS/deeper/Karno", 1),
+                process(13, 1, kFileProviderClient, 1),
+                process(14, 1, "/Applications/Gone.app/Contents/MacOS/Karno", 1)});
 
   const int status = terminal.run({"status"});
 
@@ -79,7 +89,7 @@ TEST(KarnoctlStatus, SaysThatNoLauncherRuns) {
 TEST(KarnoctlStatus, LeavesOutChildrenThatAreNoClients) {
   FakePlatform machine;
   Terminal terminal;
-  machine.processList.running = {process(4242, 1, kLauncher, 1), process(4243, 4242, "/bin/sh", 1)};
+  run(machine, {process(4242, 1, kLauncher, 1), process(4243, 4242, "/bin/sh", 1)});
 
   terminal.run({"status"});
 
@@ -92,8 +102,9 @@ TEST(KarnoctlStatus, LeavesOutChildrenThatAreNoClients) {
 TEST(KarnoctlStatus, LeavesOutWhatIsNotKnown) {
   FakePlatform machine;
   Terminal terminal;
-  machine.processList.running = {process(4242, 1, kLauncher, 1)};
-  machine.processList.running[0].startDate = std::nullopt;
+  RunningProcess launcher = process(4242, 1, kLauncher, 1);
+  launcher.startDate = std::nullopt;
+  run(machine, {launcher});
   machine.bundles.main().info.erase("CFBundleShortVersionString");
 
   terminal.run({"status"});

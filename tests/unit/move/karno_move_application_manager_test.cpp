@@ -87,7 +87,7 @@ TEST_F(MoveManager, TellsOnTheMainThreadThatTheMoveIsComplete) {
 
 TEST_F(MoveManager, TellsThatTheMoveIsCompleteWhenACopyRuns) {
   machine_.withInstalledCopy();
-  machine_.workspace.runningBundles = {kInstalled};
+  machine_.processTable.addApplication(kInstalled);
 
   askInBackground();
 

@@ -171,7 +171,7 @@ TEST(MoveOverACopy, TrashesTheOldOne) {
 TEST(MoveOverACopy, ThatRunsSwitchesToIt) {
   MovingMachine machine;
   machine.withInstalledCopy();
-  machine.workspace.runningBundles = {kInstalled};
+  machine.processTable.addApplication(kInstalled);
 
   const auto error = moveApplicationToApplicationsFolder(false);
 
@@ -187,7 +187,7 @@ TEST(MoveOverACopy, ThatRunsSwitchesToIt) {
 TEST(MoveOverACopy, ThatRunsIsDoneThoughItCannotBeOpened) {
   MovingMachine machine;
   machine.withInstalledCopy();
-  machine.workspace.runningBundles = {kInstalled};
+  machine.processTable.addApplication(kInstalled);
   machine.commands.answers.insert_or_assign("/usr/bin/open|/Applications/Karno.app", Error::posix(ENOENT));
 
   const auto error = moveApplicationToApplicationsFolder(false);
@@ -202,7 +202,7 @@ TEST(MoveOverACopy, ThatRunsAndMayNotBeWrittenReplacesIt) {
   MovingMachine machine;
   machine.withInstalledCopy();
   machine.files.readOnly = {kInstalled};
-  machine.workspace.runningBundles = {kInstalled};
+  machine.processTable.addApplication(kInstalled);
 
   const auto error = moveApplicationToApplicationsFolder(false);
 
@@ -343,7 +343,6 @@ class MoveOntoItself : public ::testing::Test {
   MoveOntoItself() {
     machine_.standardFolders.local = "/Link";
     machine_.files.addSymbolicLink("/Link", "/Volumes/Data/Programs");
-    machine_.workspace.runningBundles = {kSelf};
   }
 
   static constexpr const char* kSelf = "/Volumes/Data/Programs/Karno.app";

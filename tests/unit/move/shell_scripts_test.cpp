@@ -72,7 +72,8 @@ TEST(AScript, ThatCannotBeStartedIsTold) {
 
 TEST(IsApplicationAtPathRunning, LooksAtTheBundlesOfRunningApplications) {
   MovingMachine machine;
-  machine.workspace.runningBundles = {"/System/Library/CoreServices/Finder.app", "/Applications/Karno.app/"};
+  machine.processTable.addApplication("/System/Library/CoreServices/Finder.app");
+  machine.processTable.addApplication("/Applications/Karno.app/");
 
   EXPECT_TRUE(isApplicationAtPathRunning("/Applications/Karno.app"));
   EXPECT_TRUE(isApplicationAtPathRunning("/Applications/Karno.app/"));
@@ -87,7 +88,6 @@ constexpr const char* kSearchLine =
 TEST(IsApplicationAtPathRunning, AsksAShellOnASystemThatIsTooOld) {
   MovingMachine machine;
   machine.systemVersion.appKit = 949;
-  machine.workspace.runningBundles = {};
 
   EXPECT_TRUE(isApplicationAtPathRunning("/Applications/It's.app/"));
   EXPECT_THAT(machine.commands.ran, ElementsAre(kSearchLine));
@@ -96,7 +96,7 @@ TEST(IsApplicationAtPathRunning, AsksAShellOnASystemThatIsTooOld) {
 TEST(IsApplicationAtPathRunning, IsFalseWhenTheShellFindsNothing) {
   MovingMachine machine;
   machine.systemVersion.appKit = 949;
-  machine.workspace.runningBundles = {"/Applications/It's.app"};
+  machine.processTable.addApplication("/Applications/It's.app");
   machine.commands.answers.insert_or_assign(
       kSearchLine, platform::CommandEnd{.end = {.terminationStatus = 1}, .standardOutput = ""});
 
