@@ -60,18 +60,18 @@ class ProcessesContract : public ProgramsContract {
     }
   }
 
-  // With a handler of the test's own that is told before the end counts as told.
+  // The handler may be called before its child's identifier is known here.
   std::int32_t launch(
       const std::string& path, std::function<void()> whenEnded = [] {}) {
-    // No child is made while its identifier is not known to the handler.
-    const auto identifier = std::make_shared<std::promise<std::int32_t>>();
+    std::promise<std::int32_t> identifier;
     const auto child =
-        services_.tasks.launch({.executablePath = path, .arguments = {"60"}}, [=, this](const TaskEnd& end) {
-          whenEnded();
-          ends_.add(identifier->get_future().get(), end);
-        });
+        services_.tasks.launch({.executablePath = path, .arguments = {"60"}},
+                               [=, this, identifier = identifier.get_future().share()](const TaskEnd& end) {
+                                 whenEnded();
+                                 ends_.add(identifier.get(), end);
+                               });
     EXPECT_TRUE(child) << child.error().description();
-    identifier->set_value(child.value());
+    identifier.set_value(child.value());
     children_.push_back(child.value());
     return child.value();
   }
@@ -182,11 +182,12 @@ TEST_P(ProcessesContract, AreListedWithWhatTheyRunAndWhoStartedThem) {
 TEST_P(ProcessesContract, AreListedWithTheDateOfTheirStart) {
   const std::int32_t child = launch(programs_->sleeper("Sleeper"));
 
-  for (const RunningProcess& process : services_.processList.runningProcesses()) {
-    if (process.processIdentifier != child) continue;
-    ASSERT_TRUE(process.startDate);
-    EXPECT_NEAR(platform::secondsBetween(*process.startDate, services_.clock.now()), 0, 5);
-  }
+  const std::vector<RunningProcess> processes = services_.processList.runningProcesses();
+  const auto found = std::ranges::find(processes, child, &RunningProcess::processIdentifier);
+
+  ASSERT_NE(found, processes.end());
+  ASSERT_TRUE(found->startDate);
+  EXPECT_NEAR(platform::secondsBetween(*found->startDate, services_.clock.now()), 0, 5);
 }
 
 TEST_P(ProcessesContract, AreNamedAfterTheirPrograms) {

@@ -117,7 +117,7 @@ std::vector<platform::RunningProcess> FakeProcessTable::running() const {
 std::vector<FakeProcessTable::Application> FakeProcessTable::applicationsWithUntoldEnds() const {
   std::vector<platform::RunningProcess> processes = running();
   for (const auto& [identifier, path] : untold_)
-    processes.push_back({.processIdentifier = identifier, .executablePath = path});
+    processes.push_back({.processIdentifier = identifier, .executablePath = path, .startDate = {}});
   return fromBundles(processes);
 }
 

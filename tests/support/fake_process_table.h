@@ -24,9 +24,9 @@ class FakeProcessTable {
 
   struct Process {
     std::int32_t parent = kLauncher;
-    std::string executablePath;
+    std::string executablePath = {};
     std::optional<platform::Date> startDate = kStartOfTest;
-    platform::Tasks::TerminationHandler onTermination;
+    platform::Tasks::TerminationHandler onTermination = {};
   };
 
   // What is particular about a program.

@@ -4,11 +4,9 @@
 
 #include <atomic>
 #include <chrono>
-#include <latch>
 #include <limits>
 #include <memory>
 #include <thread>
-#include <vector>
 
 #include "platform/linux/dispatch.h"
 #include "platform/platform.h"
@@ -76,17 +74,6 @@ TEST(DispatchGroup, EndsTheWaitWhenTheLastOneLeaves) {
   EXPECT_EQ(inside, 0);
 }
 
-TEST(DispatchGroup, MayBeLeftAfterTheWaitHasGivenUp) {
-  CountingGroup group;
-  group.enter();
-
-  const bool inTime = group.wait(10 * kMillisecond);
-  group.leave();
-
-  EXPECT_FALSE(inTime);
-  EXPECT_TRUE(group.wait(0));
-}
-
 TEST(DispatchGroup, MayBeLetGoByTheWaiterBeforeItIsLeft) {
   std::jthread worker;
   {
@@ -100,36 +87,6 @@ TEST(DispatchGroup, MayBeLetGoByTheWaiterBeforeItIsLeft) {
   }
 
   worker.join();
-}
-
-TEST(DispatchGroup, WakesEveryWaiter) {
-  CountingGroup group;
-  group.enter();
-  std::atomic<int> woken = 0;
-  std::latch waiting(5);
-  std::vector<std::jthread> waiters;
-
-  for (int count = 0; count < 4; ++count) {
-    waiters.emplace_back([&] {
-      waiting.arrive_and_wait();
-      if (group.wait(kForEver)) ++woken;
-    });
-  }
-  waiting.arrive_and_wait();
-  group.leave();
-  waiters.clear();
-
-  EXPECT_EQ(woken, 4);
-}
-
-TEST(DispatchGroup, CanBeUsedAgain) {
-  CountingGroup group;
-
-  group.enter();
-  group.leave();
-  group.enter();
-
-  EXPECT_FALSE(group.wait(0));
 }
 
 }  // namespace

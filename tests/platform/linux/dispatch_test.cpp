@@ -152,17 +152,6 @@ TEST(LinuxDispatch, RunsTheBlocksOfASerialQueueInOrderAndOneAtATime) {
   EXPECT_EQ(runningMax, 1);
 }
 
-TEST(LinuxDispatch, RunsTheBlocksOfASerialQueueThatWasLetGo) {
-  std::promise<int> ran;
-
-  dispatch().makeSerialQueue("it.vantul.test.Short")->async([&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    ran.set_value(3);
-  });
-
-  EXPECT_EQ(ran.get_future().get(), 3);
-}
-
 TEST(LinuxDispatch, NamesTheThreadAfterTheLastPartOfTheLabel) {
   const auto logger = dispatch().makeSerialQueue("it.vantul.KarnoWrapper.Logger");
   const auto longName = dispatch().makeSerialQueue("it.vantul.AVeryLongQueueNameIndeed");
@@ -222,12 +211,6 @@ TEST(LinuxDispatch, DoesNotSleepForNoTime) {
   dispatch().sleep(-5);
 
   EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(500));
-}
-
-TEST(LinuxDispatch, KnowsTheMainThread) {
-  EXPECT_TRUE(dispatch().isMainThread());
-  EXPECT_FALSE(
-      resultOn(dispatch().globalQueue(QueuePriority::Default), [] { return dispatch().isMainThread(); }));
 }
 
 TEST(LinuxDispatch, SurvivesTheEndOfTheProcessWithThreadsThatStillRun) {

@@ -138,18 +138,6 @@ TEST(BusNotifications, CarryNameObjectAndUserInformationToAnotherProcess) {
   EXPECT_EQ(listener.heard().front().userInfo, userInfo);
 }
 
-TEST(BusNotifications, ReachTheProcessThatPostsThem) {
-  const PrivateBus bus;
-  HandQueue main;
-  BusNotifications centre(main);
-  const Listener listener(centre, kName, kObject);
-
-  EXPECT_TRUE(centre.post(notification(kName, kObject, {{"message", "self"}})));
-  main.runUntil([&] { return !listener.heard().empty(); });
-
-  EXPECT_THAT(listener.messages(), ElementsAre("self"));
-}
-
 TEST(BusNotifications, RunHandlersOnlyOnTheMainQueue) {
   const PrivateBus bus;
   HandQueue main;
@@ -205,20 +193,6 @@ TEST(BusNotifications, ObserveTheEmptyObjectAndNamesWithQuotes) {
   EXPECT_THAT(none.messages(), ElementsAre("none"));
   EXPECT_EQ(none.heard().front().object, std::nullopt);
   EXPECT_THAT(quoted.messages(), ElementsAre("quoted"));
-}
-
-TEST(BusNotifications, TellAnObserverThatWasAddedTwiceTwice) {
-  const PrivateBus bus;
-  HandQueue main;
-  BusNotifications centre(main);
-  Listener listener(centre, kName, kObject);
-  listener.observe(kName, kObject);
-
-  centre.post(notification(kName, kObject, {{"message", "hello"}}));
-  main.runUntil([&] { return listener.heard().size() == 2; });
-  main.runFor(kLongEnoughForAStray);
-
-  EXPECT_THAT(listener.messages(), ElementsAre("hello", "hello"));
 }
 
 TEST(BusNotifications, StartNoHandlerOnceTheObserverIsRemoved) {

@@ -25,15 +25,6 @@ class PosixCommandsTest : public testing::Test {
   PosixCommands commands_{tasks_};
 };
 
-TEST_F(PosixCommandsTest, TellHowACommandEndedAndWhatItPrinted) {
-  const auto run = commands_.run(script("printf 'a\\n\\000b'; echo error >/dev/null; exit 3"));
-
-  ASSERT_TRUE(run) << run.error().description();
-  EXPECT_EQ(run.value().end.terminationStatus, 3);
-  EXPECT_EQ(run.value().end.terminationReason, TerminationReason::Exit);
-  EXPECT_EQ(run.value().standardOutput, std::string("a\n\0b", 4));
-}
-
 TEST_F(PosixCommandsTest, TellTheSignalThatEndedACommand) {
   const auto run = commands_.run(script("kill -KILL $$"));
 
@@ -54,16 +45,6 @@ TEST_F(PosixCommandsTest, DoNotReadWithoutEnd) {
 
   ASSERT_FALSE(run);
   EXPECT_EQ(run.error().code(), EFBIG);
-}
-
-TEST_F(PosixCommandsTest, TellWhenThereIsNoSuchCommand) {
-  const auto run = commands_.run({.executablePath = "/nowhere/hdiutil", .arguments = {}});
-  const auto started = commands_.start({.executablePath = "/nowhere/hdiutil", .arguments = {}});
-
-  ASSERT_FALSE(run);
-  EXPECT_EQ(run.error().code(), ENOENT);
-  ASSERT_TRUE(started);
-  EXPECT_EQ(started->code(), ENOENT);
 }
 
 TEST_F(PosixCommandsTest, DoNotWaitForWhatIsOnlyStarted) {

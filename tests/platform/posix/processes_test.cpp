@@ -36,33 +36,11 @@ TEST(PosixProcesses, TellsTheKernelsShortNameOfAProcess) {
   EXPECT_EQ(processes.name(1) + "\n", test::contentOf("/proc/1/comm"));
 }
 
-TEST(PosixProcesses, NamesNoProcessThatIsNotThere) {
-  const PosixProcesses processes;
-
-  EXPECT_EQ(processes.name(0), "");
-  EXPECT_EQ(processes.name(-1), "");
-  EXPECT_EQ(processes.name(2'000'000'000), "");
-}
-
 TEST(PosixProcesses, TellsItsArgumentsWithTheProgramFirst) {
   const PosixProcesses processes;
 
   ASSERT_FALSE(processes.arguments().empty());
   EXPECT_THAT(test::contentOf("/proc/self/cmdline"), testing::StartsWith(processes.arguments().front()));
-}
-
-TEST(PosixProcesses, SendsTheTerminationSignal) {
-  PosixProcesses processes;
-  PosixTasks tasks;
-  StartedTask task(tasks, "/bin/sleep", {"60"});
-
-  const int error = processes.terminate(task.result().value());
-  const auto end = task.waitForEnd();
-
-  EXPECT_EQ(error, 0);
-  ASSERT_TRUE(end);
-  EXPECT_EQ(end->terminationStatus, SIGTERM);
-  EXPECT_EQ(end->terminationReason, TerminationReason::UncaughtSignal);
 }
 
 TEST(PosixProcesses, LeavesAChildAloneThatIgnoresTheSignal) {
@@ -128,15 +106,6 @@ TEST(PosixProcesses, AWaitThatWasPendingReapsTheChildAndTheHandlerHearsOfItsEnd)
   EXPECT_EQ(end->terminationReason, TerminationReason::UncaughtSignal);
   EXPECT_EQ(task.numberOfEnds(), 1U);
   EXPECT_EQ(processes.terminate(child), ESRCH);
-}
-
-TEST(PosixProcesses, WaitingForAForeignProcessFailsAtOnce) {
-  PosixProcesses processes;
-
-  const WaitResult wait = processes.waitForChild(::getppid());
-
-  EXPECT_EQ(wait.result, -1);
-  EXPECT_EQ(wait.error, ECHILD);
 }
 
 TEST(PosixProcesses, WaitsForNoOtherChildThanTheOneThatIsNamed) {

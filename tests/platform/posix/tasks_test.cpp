@@ -35,28 +35,6 @@ void waitUntilGone(std::int32_t processIdentifier) {
   while (::kill(processIdentifier, 0) == 0) std::this_thread::yield();
 }
 
-TEST(PosixTasks, TellsTheExitStatusOfAChild) {
-  PosixTasks tasks;
-
-  StartedTask task = shell(tasks, "exit 7");
-  const auto end = task.waitForEnd();
-
-  ASSERT_TRUE(end);
-  EXPECT_EQ(end->terminationStatus, 7);
-  EXPECT_EQ(end->terminationReason, TerminationReason::Exit);
-}
-
-TEST(PosixTasks, TellsTheSignalThatEndedAChild) {
-  PosixTasks tasks;
-
-  StartedTask task = shell(tasks, "kill -TERM $$");
-  const auto end = task.waitForEnd();
-
-  ASSERT_TRUE(end);
-  EXPECT_EQ(end->terminationStatus, SIGTERM);
-  EXPECT_EQ(end->terminationReason, TerminationReason::UncaughtSignal);
-}
-
 TEST(PosixTasks, CallsTheHandlerOnceForEachOfManyShortChildren) {
   PosixTasks tasks;
   std::vector<std::unique_ptr<StartedTask>> started;
@@ -108,21 +86,6 @@ TEST(PosixTasks, LeavesEachOfManyChildrenToTheWaitThatWasPending) {
   }
 }
 
-TEST(PosixTasks, LeavesTheChildToExactlyOneOfTwoPendingWaits) {
-  PosixTasks tasks;
-  StartedTask task = shell(tasks, "sleep 1; kill -KILL $$");
-  const std::int32_t child = task.result().value();
-
-  auto first = std::async(std::launch::async, [child] { return waitpidRegistered(child); });
-  auto second = std::async(std::launch::async, [child] { return waitpidRegistered(child); });
-  const std::vector<std::int32_t> results = {first.get().result, second.get().result};
-  const auto end = task.waitForEnd();
-
-  EXPECT_THAT(results, testing::UnorderedElementsAre(child, -1));
-  ASSERT_TRUE(end);
-  EXPECT_EQ(end->terminationStatus, SIGKILL);
-}
-
 TEST(PosixTasks, WaitingForAChildThatWasReapedFailsAtOnce) {
   PosixTasks tasks;
   StartedTask task = shell(tasks, "exit 0");
@@ -141,15 +104,6 @@ TEST(PosixTasks, StillTellsOfAChildThatSomebodyElseReaped) {
   ::waitpid(task.result().value(), nullptr, 0);
 
   EXPECT_EQ(task.numberOfEnds(), 1U);
-}
-
-TEST(PosixTasks, RefusesAMissingFile) {
-  PosixTasks tasks;
-
-  StartedTask task(tasks, "/nowhere/at/all", {});
-
-  ASSERT_FALSE(task.result());
-  EXPECT_EQ(task.result().error(), Error::posix(ENOENT));
 }
 
 TEST(PosixTasks, RefusesAWordWithAZeroByteInIt) {
@@ -173,15 +127,6 @@ TEST(PosixTasks, HasRoomAgainForEveryChildThatHasEnded) {
   EXPECT_EQ(started, kRunningChildrenMax + 1);
 }
 
-TEST(PosixTasks, RefusesAnEmptyPath) {
-  PosixTasks tasks;
-
-  StartedTask task(tasks, "", {});
-
-  ASSERT_FALSE(task.result());
-  EXPECT_EQ(task.result().error(), Error::posix(ENOENT));
-}
-
 TEST(PosixTasks, RefusesAFileWithoutExecutePermission) {
   const TemporaryFolder folder;
   PosixTasks tasks;
@@ -202,24 +147,6 @@ TEST(PosixTasks, RefusesAFileThatIsNoProgram) {
 
   ASSERT_FALSE(task.result());
   EXPECT_EQ(task.result().error(), Error::posix(ENOEXEC));
-}
-
-TEST(PosixTasks, RefusesAFolder) {
-  const TemporaryFolder folder;
-  PosixTasks tasks;
-
-  StartedTask task(tasks, folder.path(), {});
-
-  ASSERT_FALSE(task.result());
-  EXPECT_EQ(task.result().error(), Error::posix(EACCES));
-}
-
-TEST(PosixTasks, NeverCallsTheHandlerOfALaunchThatFailed) {
-  PosixTasks tasks;
-
-  StartedTask task(tasks, "/nowhere/at/all", {});
-
-  EXPECT_FALSE(task.waitForEnd(std::chrono::seconds(0)));
 }
 
 TEST(PosixTasks, PassesEachArgumentAsOneWord) {

@@ -31,8 +31,7 @@ void run(FakePlatform& machine, const std::vector<RunningProcess>& processes) {
   for (const RunningProcess& process : processes) {
     machine.processTable.add(process.processIdentifier, {.parent = process.parentProcessIdentifier,
                                                          .executablePath = process.executablePath,
-                                                         .startDate = process.startDate,
-                                                         .onTermination = {}});
+                                                         .startDate = process.startDate});
   }
 }
 

@@ -13,7 +13,6 @@ namespace karno::test {
 namespace {
 
 using karno::test::ElementsAre;
-using platform::DistributedNotification;
 using platform::TaskEnd;
 using platform::Value;
 using ::testing::IsEmpty;
@@ -62,52 +61,6 @@ TEST(FakeUserDefaults, TellWritesOfTheLauncherFromThoseOfOthers) {
 
   EXPECT_TRUE(suite->boolForKey("theirs"));
   EXPECT_THAT(machine.userDefaults.suite("suite").writes, ElementsAre(Pair("ours", Value(false))));
-}
-
-TEST(FakeNotifications, ArriveOnTheMainThreadInTheOrderPosted) {
-  FakePlatform machine;
-  std::vector<std::string> heard;
-  machine.notifications.addObserver(&machine, "name", "object", [&](const DistributedNotification& each) {
-    heard.push_back(each.userInfo.at("n").description() + machine.scheduler.currentThreadName());
-  });
-
-  machine.onThread([&] {
-    machine.notifications.post({.name = "name", .object = "object", .userInfo = {{"n", 1}}});
-    machine.notifications.post({.name = "name", .object = "object", .userInfo = {{"n", 2}}});
-  });
-  machine.runUntilIdle();
-
-  EXPECT_THAT(heard, ElementsAre("1main", "2main"));
-}
-
-TEST(FakeNotifications, MatchNameAndObjectTogether) {
-  FakePlatform machine;
-  int heard = 0;
-  machine.notifications.addObserver(&machine, "name", "object", [&](const auto&) { ++heard; });
-
-  machine.notifications.post({.name = "name", .object = "other", .userInfo = {}});
-  machine.notifications.post({.name = "name", .object = std::nullopt, .userInfo = {}});
-  machine.notifications.post({.name = "other", .object = "object", .userInfo = {}});
-  machine.runUntilIdle();
-
-  EXPECT_EQ(heard, 0);
-}
-
-TEST(FakeNotifications, AreNotHeardByAnObserverRemovedMeanwhile) {
-  FakePlatform machine;
-  int heard = 0;
-  const auto removeAll = [&](const auto&) {
-    ++heard;
-    machine.notifications.removeObserver(&machine);
-  };
-  machine.notifications.addObserver(&machine, "name", "object", removeAll);
-  machine.notifications.addObserver(&machine, "name", "object", removeAll);
-
-  machine.notifications.post({.name = "name", .object = "object", .userInfo = {}});
-  machine.notifications.post({.name = "name", .object = "object", .userInfo = {}});
-  machine.runUntilIdle();
-
-  EXPECT_EQ(heard, 1);
 }
 
 TEST(FakeTasks, EndOnAThreadOfTheirOwnWhenTheTestSaysSo) {
