@@ -8,15 +8,16 @@
 #include <mutex>
 #include <vector>
 
+#include "elements_are.h"
 #include "world.h"
 
 namespace karno::test {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Dispatch;
 using platform::Queue;
 using platform::QueuePriority;
-using testing::ElementsAre;
 
 constexpr double kMoment = 0.02;  // seconds
 constexpr std::int64_t kMomentNanoseconds = 20'000'000;

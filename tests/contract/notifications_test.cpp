@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "../platform/support/private_bus.h"
+#include "elements_are.h"
 #include "platform/distributed_notifications.h"
 #include "printing.h"
 #include "world.h"
@@ -12,10 +13,11 @@
 namespace karno::test {
 namespace {
 
+using karno::test::ElementsAre;
+using ::testing::IsEmpty;
 using platform::DistributedNotification;
 using platform::DistributedNotifications;
 using platform::Value;
-using testing::ElementsAre;
 
 constexpr const char* kName = "it.vantul.test.Name";
 constexpr const char* kObject = "it.vantul.test.Object";
@@ -113,7 +115,7 @@ TEST_P(NotificationsContract, ReachThoseAloneWhoObserveExactlyThisNameAndObject)
   postNumbers(3, 3);
 
   EXPECT_TRUE(waitFor(first_, 1));
-  EXPECT_THAT(first_.numbers(), ElementsAre(3));
+  EXPECT_THAT(first_.numbers(), ElementsAre(3L));
 }
 
 TEST_P(NotificationsContract, ReachEveryObserver) {
@@ -123,8 +125,8 @@ TEST_P(NotificationsContract, ReachEveryObserver) {
   postNumbers(1, 2);
 
   EXPECT_TRUE(waitFor(first_, 2) && waitFor(second_, 2));
-  EXPECT_THAT(first_.numbers(), ElementsAre(1, 2));
-  EXPECT_THAT(second_.numbers(), ElementsAre(1, 2));
+  EXPECT_THAT(first_.numbers(), ElementsAre(1L, 2L));
+  EXPECT_THAT(second_.numbers(), ElementsAre(1L, 2L));
 }
 
 TEST_P(NotificationsContract, AreToldTwiceToWhoWasAddedTwice) {
@@ -134,7 +136,7 @@ TEST_P(NotificationsContract, AreToldTwiceToWhoWasAddedTwice) {
   postNumbers(1, 2);
 
   EXPECT_TRUE(waitFor(first_, 4));
-  EXPECT_THAT(first_.numbers(), ElementsAre(1, 1, 2, 2));
+  EXPECT_THAT(first_.numbers(), ElementsAre(1L, 1L, 2L, 2L));
 }
 
 TEST_P(NotificationsContract, AreToldOnTheMainThreadAfterThePost) {
@@ -171,7 +173,7 @@ TEST_P(NotificationsContract, AreNotToldToWhoWasRemovedMeanwhile) {
   postNumbers(2, 2);
 
   EXPECT_TRUE(waitFor(second_, 2));
-  EXPECT_THAT(first_.heard, ElementsAre());
+  EXPECT_THAT(first_.heard, IsEmpty());
 }
 
 TEST_P(NotificationsContract, AreNotToldToWhoIsRemovedByAHandler) {
@@ -189,8 +191,8 @@ TEST_P(NotificationsContract, AreNotToldToWhoIsRemovedByAHandler) {
   centre_.removeObserver(&third);
 
   EXPECT_TRUE(hasHeard);
-  EXPECT_THAT(first_.numbers(), ElementsAre(1));
-  EXPECT_THAT(second_.numbers(), ElementsAre());
+  EXPECT_THAT(first_.numbers(), ElementsAre(1L));
+  EXPECT_THAT(second_.numbers(), IsEmpty());
 }
 
 TEST_P(NotificationsContract, ReachAnObserverThatIsAddedAfterwardsOnlyFromThenOn) {
@@ -203,7 +205,7 @@ TEST_P(NotificationsContract, ReachAnObserverThatIsAddedAfterwardsOnlyFromThenOn
   centre_.post({.name = "it.vantul.test.Late", .object = kObject, .userInfo = {{"number", 3}}});
 
   EXPECT_TRUE(here_.waitUntil([this] { return !second_.heard.empty() && second_.numbers().back() == 3; }));
-  EXPECT_THAT(second_.numbers(), ElementsAre(3));
+  EXPECT_THAT(second_.numbers(), ElementsAre(3L));
 }
 
 TEST_P(NotificationsContract, AreAlsoObservedByAHandlersOwnObserver) {
@@ -218,7 +220,7 @@ TEST_P(NotificationsContract, AreAlsoObservedByAHandlersOwnObserver) {
   postNumbers(1, 1);
 
   EXPECT_TRUE(waitFor(second_, 1));
-  EXPECT_THAT(second_.numbers(), ElementsAre(2));
+  EXPECT_THAT(second_.numbers(), ElementsAre(2L));
 }
 
 INSTANTIATE_TEST_SUITE_P(Fake, NotificationsContract, testing::Values(makeFakeWorld));

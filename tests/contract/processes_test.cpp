@@ -9,12 +9,14 @@
 #include <mutex>
 #include <vector>
 
+#include "elements_are.h"
 #include "printing.h"
 #include "programs.h"
 
 namespace karno::test {
 namespace {
 
+using karno::test::ElementsAre;
 using platform::Error;
 using platform::Processes;
 using platform::RunningProcess;
@@ -23,7 +25,6 @@ using platform::TerminationReason;
 using platform::WaitResult;
 using testing::AllOf;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::Field;
 using testing::IsEmpty;
 using testing::Not;
