@@ -9,12 +9,12 @@ if(NOT KARNO_CROSS_TOOLS)
   execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../tools/cross/find-zig
     OUTPUT_VARIABLE zig OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   # Each tool is a sub-command of the one program, and CMake wants a program per tool. -s leaves out the paths of
-  # object files that a debugger would follow. It stands here, where CMake's first look at the compiler gets it too,
-  # since the compiler makes its C++ library anew for a link with another word on it.
+  # object files that a debugger would follow. It stands here, as the optimisation does, where CMake's first look at
+  # the compiler gets it too, since the compiler makes its C++ library anew for a link with another word on it.
   foreach(command c++ ar ranlib)
     set(arguments ${command})
     if(command STREQUAL "c++")
-      string(APPEND arguments " -target ${KARNO_ZIG_TARGET} -s")
+      string(APPEND arguments " -target ${KARNO_ZIG_TARGET} -s -Os")
     endif()
     file(CONFIGURE OUTPUT ${KARNO_CROSS_TOOLS}/${command}
       CONTENT "#!/bin/sh\nexec '${zig}' ${arguments} \"$@\"\n" @ONLY)
@@ -30,6 +30,9 @@ find_program(CMAKE_INSTALL_NAME_TOOL NAMES llvm-install-name-tool llvm-install-n
 # The target says the lowest version, and the compiler brings its own headers.
 set(CMAKE_OSX_DEPLOYMENT_TARGET "" CACHE STRING "Said by the compiler's target")
 set(CMAKE_OSX_SYSROOT "" CACHE STRING "The compiler's own")
+
+# The launcher waits more than it computes, so what is downloaded is small.
+set(CMAKE_CXX_FLAGS_RELEASE "-Os -DNDEBUG" CACHE STRING "Flags of a release")
 
 # Whatever find_package() and its kin see of this machine belongs to Linux.
 set(CMAKE_FIND_ROOT_PATH ${KARNO_CROSS_TOOLS})
