@@ -5,6 +5,7 @@
 #include "fake_platform.h"
 #include "ipc/karno_wrappper_notifier_listener.h"
 #include "ipc/wrapper_protocol.h"
+#include "listener.h"
 #include "printing.h"
 
 namespace karno {
@@ -14,28 +15,16 @@ using karno::test::ElementsAre;
 using platform::Value;
 using test::FakePlatform;
 using test::Line;
+using test::Listener;
 using ::testing::IsEmpty;
 
 constexpr const char* kName = "it.vantul.Karno.KarnoWrapperNotification";
-constexpr const char* kStrings =
-    R"({"WHOOPS": "Whoops!", "ERROR_FATAL": "Karno has crashed.", "YES": "Ja", "NO": "Nein"})";
 
 const platform::Alert kCrashAlert{
     .style = platform::AlertStyle::Critical,
     .messageText = "Whoops!",
     .informativeText = "Karno has crashed.",
     .buttons = {{.title = "Ja", .keyEquivalent = ""}, {.title = "Nein", .keyEquivalent = "\033"}}};
-
-// A machine whose launcher listens and has both builds at hand.
-class Listener : public ::testing::Test {
- protected:
-  Listener() {
-    machine.withEmbeddedBuilds().withStrings(kStrings);
-    KarnoWrappperNotifierListener::manager().start();
-  }
-
-  FakePlatform machine;
-};
 
 TEST(WrapperProtocol, HasTheseWords) {
   EXPECT_EQ(kWrapperNotificationName, "it.vantul.Karno.KarnoWrapperNotification");
@@ -483,101 +472,6 @@ INSTANTIATE_TEST_SUITE_P(Messages, ListenerOnRelaunch,
                                            Relaunch{"restart-wrapper-with-file-provider", false, "Karno.app"},
                                            Relaunch{"restart-wrapper", true, "Karno(Fuse).app"},
                                            Relaunch{"restart-wrapper", false, "Karno.app"}));
-
-TEST_F(Listener, DoesNotHearAnotherObjectOrNone) {
-  machine.notifications.post(
-      {.name = kName, .object = "somebody else", .userInfo = {{"message", "user-selected-quit"}}});
-  machine.notifications.post(
-      {.name = kName, .object = std::nullopt, .userInfo = {{"message", "user-selected-quit"}}});
-  machine.runFor(6);
-
-  EXPECT_THAT(machine.console(), IsEmpty());
-  EXPECT_EQ(machine.application.terminations(), 0);
-}
-
-TEST_F(Listener, DoesNotHearAnotherName) {
-  machine.notifications.post(
-      {.name = "it.vantul.Karno", .object = kName, .userInfo = {{"message", "user-selected-quit"}}});
-  machine.runFor(6);
-
-  EXPECT_THAT(machine.console(), IsEmpty());
-}
-
-TEST_F(Listener, HandlesNotificationsOnTheMainThread) {
-  machine.postMessage("hello");
-  machine.runUntilIdle();
-
-  EXPECT_EQ(machine.consoleLog.entries().at(0).thread, "main");
-}
-
-TEST_F(Listener, StartedTwiceHandlesEverythingTwice) {
-  KarnoWrappperNotifierListener::manager().start();
-
-  machine.postMessage("user-selected-quit");
-  machine.runFor(11);
-
-  EXPECT_THAT(machine.log(), ElementsAre(Line("INFO", "Notify[LISTEN] Received 'user-selected-quit'"),
-                                         Line("INFO", "AppDelegate[TERMINATE] Reason: User selected quit"),
-                                         Line("INFO", "Notify[LISTEN] Received 'user-selected-quit'"),
-                                         Line("INFO", "AppDelegate[TERMINATE] Reason: User selected quit")));
-}
-
-TEST_F(Listener, HearsNothingAfterItsStop) {
-  KarnoWrappperNotifierListener::manager().start();
-
-  KarnoWrappperNotifierListener::manager().stop();
-  machine.postMessage("user-selected-quit");
-  machine.runFor(6);
-
-  EXPECT_EQ(machine.notifications.observerCount(), 0U);
-  EXPECT_THAT(machine.console(), IsEmpty());
-}
-
-TEST_F(Listener, CanBeStartedAgain) {
-  KarnoWrappperNotifierListener::manager().stop();
-
-  KarnoWrappperNotifierListener::manager().start();
-  machine.postMessage("hello");
-  machine.runUntilIdle();
-
-  EXPECT_EQ(machine.consoleMessages().at(0), Line("INFO", "Notify[LISTEN] Received 'hello'"));
-}
-
-TEST(ListenerBeforeItsStart, HearsNothing) {
-  FakePlatform machine;
-  static_cast<void>(KarnoWrappperNotifierListener::manager());
-
-  machine.postMessage("user-selected-quit");
-  machine.runFor(6);
-
-  EXPECT_THAT(machine.console(), IsEmpty());
-}
-
-TEST_F(Listener, HandlesTenThousandNotificationsInABurstInTheirOrder) {
-  std::vector<Line> expected;
-  for (int i = 0; i < 10'000; ++i) {
-    const std::string message = "burst " + std::to_string(i);
-    expected.emplace_back("INFO", "Notify[LISTEN] Received '" + message + "'");
-    expected.emplace_back("WARN", "Notify[LISTEN] Received an unknown notification '" + message + "'");
-    machine.postMessage(message);
-  }
-  machine.postMessage("user-selected-quit");
-  expected.emplace_back("INFO", "Notify[LISTEN] Received 'user-selected-quit'");
-  expected.emplace_back("INFO", "AppDelegate[TERMINATE] Reason: User selected quit");
-
-  machine.runFor(6);
-
-  EXPECT_EQ(machine.log(), expected);
-  EXPECT_EQ(machine.application.terminations(), 1);
-}
-
-TEST_F(Listener, SurvivesTenThousandWishesToQuit) {
-  for (int i = 0; i < 10'000; ++i) machine.postMessage("user-selected-quit");
-
-  machine.runFor(6);
-
-  EXPECT_EQ(machine.application.terminations(), 10'000);
-}
 
 }  // namespace
 }  // namespace karno
