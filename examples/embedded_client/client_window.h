@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "embedded_client/build.h"
-#include "platform/cocoa/window.h"
+#include "platform/cocoa/windows/window.h"
 
 namespace karno::client {
 

@@ -7,7 +7,7 @@
 #include <pugixml.hpp>
 
 #include "platform/linux/updater/version_order.h"
-#include "platform/posix/whole_file.h"
+#include "platform/posix/files/whole_file.h"
 
 namespace karno::installer {
 namespace {

@@ -12,7 +12,7 @@
 #include "installer/interruption.h"
 #include "installer/progress.h"
 #include "installer/tree_removal.h"
-#include "platform/posix/whole_file.h"
+#include "platform/posix/files/whole_file.h"
 #include "platform/system_path.h"
 
 namespace karno::installer {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "installer/interruption.h"
-#include "platform/posix/whole_file.h"
+#include "platform/posix/files/whole_file.h"
 
 namespace karno::installer {
 

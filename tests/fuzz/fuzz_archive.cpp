@@ -11,8 +11,8 @@
 #include "fuzz_target.h"
 #include "installer/extraction.h"
 #include "installer/tree_removal.h"
+#include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"
-#include "platform/posix/whole_file.h"
 
 namespace karno::fuzz {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "fake_files.h"
 #include "platform/bundles.h"
-#include "platform/linux/file_url.h"
+#include "platform/linux/bundles/file_url.h"
 
 namespace karno::test {
 

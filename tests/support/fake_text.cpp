@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/linux/icu_text.h"
+#include "platform/linux/text/icu_text.h"
 
 namespace karno::test {
 

@@ -8,7 +8,7 @@
 #include "karno-appcast/feed_texts.h"
 #include "karno-appcast/key_file.h"
 #include "karno-appcast/verbs.h"
-#include "platform/posix/whole_file.h"
+#include "platform/posix/files/whole_file.h"
 
 namespace karno::appcast {
 namespace {

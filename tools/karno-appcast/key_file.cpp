@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include "karno-appcast/failure.h"
+#include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"
-#include "platform/posix/whole_file.h"
 
 namespace karno::appcast {
 namespace {

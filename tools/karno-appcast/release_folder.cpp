@@ -11,7 +11,7 @@
 #include "karno-appcast/info_plist.h"
 #include "karno-appcast/mapped_file.h"
 #include "platform/linux/updater/version_order.h"
-#include "platform/posix/whole_file.h"
+#include "platform/posix/files/whole_file.h"
 
 namespace karno::appcast {
 namespace {

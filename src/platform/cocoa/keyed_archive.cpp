@@ -6,7 +6,7 @@
 
 #include "platform/cocoa/property_list_error.h"
 #include "platform/cocoa/property_list_limits.h"
-#include "platform/cocoa/values.h"
+#include "platform/cocoa/runtime/values.h"
 
 namespace karno::platform::cocoa {
 namespace {

@@ -1,12 +1,12 @@
 #include "platform/cocoa/property_lists.h"
 
 #include "platform/cocoa/binary_list_check.h"
-#include "platform/cocoa/guarded.h"
 #include "platform/cocoa/keyed_archive.h"
 #include "platform/cocoa/property_list_error.h"
 #include "platform/cocoa/property_list_limits.h"
+#include "platform/cocoa/runtime/guarded.h"
+#include "platform/cocoa/runtime/values.h"
 #include "platform/cocoa/secure_unarchiver.h"
-#include "platform/cocoa/values.h"
 #include "platform/cocoa/xml_property_list.h"
 
 namespace karno::platform::cocoa {

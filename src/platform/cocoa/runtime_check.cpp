@@ -4,10 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/cocoa/errors.h"
-#include "platform/cocoa/guarded.h"
-#include "platform/cocoa/strings.h"
-#include "platform/posix/system_differences.h"
+#include "platform/cocoa/runtime/errors.h"
+#include "platform/cocoa/runtime/guarded.h"
+#include "platform/cocoa/runtime/strings.h"
+#include "platform/posix/processes/system_differences.h"
 
 namespace karno::platform::cocoa {
 namespace {

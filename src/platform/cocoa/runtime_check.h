@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/cocoa/selectors.h"
+#include "platform/cocoa/runtime/selectors.h"
 #include "platform/runtime_check.h"
 
 namespace karno::platform::cocoa {

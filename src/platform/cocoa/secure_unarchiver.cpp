@@ -1,9 +1,9 @@
 #include "platform/cocoa/secure_unarchiver.h"
 
-#include "platform/cocoa/guarded.h"
 #include "platform/cocoa/property_list_error.h"
-#include "platform/cocoa/strings.h"
-#include "platform/cocoa/values.h"
+#include "platform/cocoa/runtime/guarded.h"
+#include "platform/cocoa/runtime/strings.h"
+#include "platform/cocoa/runtime/values.h"
 
 namespace karno::platform::cocoa {
 namespace {

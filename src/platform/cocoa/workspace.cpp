@@ -1,9 +1,9 @@
 #include "platform/cocoa/workspace.h"
 
-#include "platform/cocoa/desktop.h"
-#include "platform/cocoa/guarded.h"
 #include "platform/cocoa/running_applications.h"
-#include "platform/cocoa/strings.h"
+#include "platform/cocoa/runtime/guarded.h"
+#include "platform/cocoa/runtime/strings.h"
+#include "platform/cocoa/windows/desktop.h"
 
 namespace karno::platform::cocoa {
 

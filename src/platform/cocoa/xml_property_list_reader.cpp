@@ -1,9 +1,9 @@
 #include <fmt/format.h>
 
 #include "platform/cocoa/property_list_error.h"
+#include "platform/cocoa/runtime/values.h"
 #include "platform/cocoa/scalar_texts.h"
 #include "platform/cocoa/unicode.h"
-#include "platform/cocoa/values.h"
 #include "platform/cocoa/xml_property_list.h"
 #include "platform/cocoa/xml_scanner.h"
 

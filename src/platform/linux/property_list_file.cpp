@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/posix/whole_file.h"
+#include "platform/posix/files/whole_file.h"
 
 namespace karno::platform {
 

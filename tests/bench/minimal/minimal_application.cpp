@@ -5,9 +5,9 @@
 
 #include <cstdlib>
 
-#include "platform/cocoa/class_builder.h"
-#include "platform/cocoa/objc.h"
-#include "platform/linux/appearance.h"
+#include "platform/cocoa/runtime/class_builder.h"
+#include "platform/cocoa/runtime/objc.h"
+#include "platform/linux/gnustep/appearance.h"
 
 extern "C" int NSApplicationMain(int argc, const char** argv);
 

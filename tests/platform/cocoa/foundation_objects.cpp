@@ -2,8 +2,8 @@
 
 #include <objc/runtime.h>
 
-#include "platform/cocoa/strings.h"
-#include "platform/cocoa/values.h"
+#include "platform/cocoa/runtime/strings.h"
+#include "platform/cocoa/runtime/values.h"
 
 namespace karno::platform::test {
 namespace {

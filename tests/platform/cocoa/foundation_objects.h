@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/cocoa/objc.h"
+#include "platform/cocoa/runtime/objc.h"
 #include "platform/value.h"
 
 // Objects that the launcher reads but never makes. The results live until the autorelease pool ends.

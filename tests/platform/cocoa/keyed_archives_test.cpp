@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "foundation_objects.h"
-#include "platform/cocoa/class_builder.h"
 #include "platform/cocoa/property_lists.h"
-#include "platform/cocoa/strings.h"
-#include "platform/cocoa/values.h"
+#include "platform/cocoa/runtime/class_builder.h"
+#include "platform/cocoa/runtime/strings.h"
+#include "platform/cocoa/runtime/values.h"
 
 namespace karno::platform::cocoa {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "platform/cocoa/class_builder.h"
-#include "platform/cocoa/strings.h"
+#include "platform/cocoa/runtime/class_builder.h"
+#include "platform/cocoa/runtime/strings.h"
 
 namespace karno::platform::test {
 namespace {

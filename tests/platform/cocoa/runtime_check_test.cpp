@@ -7,7 +7,7 @@
 
 #include "../support/temporary_folder.h"
 #include "elements_are.h"
-#include "platform/cocoa/class_builder.h"
+#include "platform/cocoa/runtime/class_builder.h"
 
 namespace karno::platform::cocoa {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "../support/temporary_folder.h"
-#include "platform/cocoa/selectors.h"
+#include "platform/cocoa/runtime/selectors.h"
 
 namespace karno::platform::objc {
 namespace {
@@ -78,7 +78,7 @@ std::vector<std::string> misplacedMessages(Where system, std::string_view folder
   const std::vector<std::string> names = messagesOf(system);
   std::vector<std::string> misplaced;
   for (const Source& source : sourcesIn("src")) {
-    if (source.path.starts_with(folder) || source.path == "src/platform/cocoa/selectors.h") continue;
+    if (source.path.starts_with(folder) || source.path == "src/platform/cocoa/runtime/selectors.h") continue;
     for (const std::string& name : names) {
       if (source.text.find(name) != std::string::npos) misplaced.push_back(source.path + ": " + name);
     }
@@ -90,7 +90,7 @@ std::vector<std::string> misplacedMessages(Where system, std::string_view folder
 std::vector<std::string> filesNaming(const std::string& name, const std::vector<Source>& sources) {
   std::vector<std::string> files;
   for (const Source& source : sources) {
-    if (source.path == "src/platform/cocoa/selectors.h") continue;
+    if (source.path == "src/platform/cocoa/runtime/selectors.h") continue;
     if (source.text.find(name) != std::string::npos) files.push_back(source.path);
   }
   return files;
@@ -121,10 +121,11 @@ std::vector<std::string_view> needlessMessages() {
 }
 
 TEST(Sources, CallTheRuntimeByHandOnlyWhereMessagesAreMade) {
-  EXPECT_THAT(
-      filesThatCallTheRuntime(),
-      UnorderedElementsAre("src/platform/cocoa/objc.cpp", "src/platform/cocoa/class_builder.cpp",
-                           "src/platform/linux/objc_runtime.cpp", "src/platform/macos/objc_runtime.cpp"));
+  EXPECT_THAT(filesThatCallTheRuntime(),
+              UnorderedElementsAre("src/platform/cocoa/runtime/objc.cpp",
+                                   "src/platform/cocoa/runtime/class_builder.cpp",
+                                   "src/platform/linux/gnustep/objc_runtime.cpp",
+                                   "src/platform/macos/foundation/objc_runtime.cpp"));
 }
 
 TEST(Sources, SendWhatOnlyGNUstepKnowsFromItsFolderAlone) {

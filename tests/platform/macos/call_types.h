@@ -2,7 +2,7 @@
 #include <string>
 #include <type_traits>
 
-#include "platform/cocoa/objc.h"
+#include "platform/cocoa/runtime/objc.h"
 
 namespace karno::platform::test {
 

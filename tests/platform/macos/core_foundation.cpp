@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-#include "platform/cocoa/strings.h"
+#include "platform/cocoa/runtime/strings.h"
 
 namespace karno::platform::test {
 namespace {

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/macos/core_foundation.h"
+#include "platform/macos/foundation/core_foundation.h"
 
 #include <functional>
 #include <map>

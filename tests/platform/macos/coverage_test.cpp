@@ -32,8 +32,9 @@ bool sendsMessages(const std::string& text) {
 
 std::vector<std::string> filesOfTheMac() {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(KARNO_MACOS_FOLDER)) {
-    names.push_back(entry.path().filename().string());
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(KARNO_MACOS_FOLDER)) {
+    if (entry.is_regular_file())
+      names.push_back(entry.path().lexically_relative(KARNO_MACOS_FOLDER).string());
   }
   return names;
 }
@@ -52,15 +53,15 @@ TEST(MacSources, AreKnownForWhatTheySend) {
   EXPECT_TRUE(sendsMessages("objc::make(\"NSAlert\")"));
   EXPECT_TRUE(sendsMessages("objc::classNamed(\"NSAlert\")"));
   EXPECT_FALSE(sendsMessages("std::make_unique<Alert>()"));
-  EXPECT_TRUE(isCompiledHere("bundles.cpp"));
-  EXPECT_FALSE(isCompiledHere("undles.cpp"));
+  EXPECT_TRUE(isCompiledHere("bundles/bundles.cpp"));
+  EXPECT_FALSE(isCompiledHere("undles/bundles.cpp"));
   EXPECT_FALSE(isCompiledHere("native_platform.cpp"));
 }
 
 TEST(MacSources, ThatSendMessagesAreAllCompiledForTests) {
   const auto names = filesOfTheMac();
 
-  ASSERT_THAT(names, Contains("bundles.cpp"));
+  ASSERT_THAT(names, Contains("bundles/bundles.cpp"));
   EXPECT_THAT(messagesThatNoTestSends(names), IsEmpty());
 }
 

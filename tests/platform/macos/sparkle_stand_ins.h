@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/cocoa/objc.h"
+#include "platform/cocoa/runtime/objc.h"
 #include "stand_in.h"
 
 namespace karno::platform::test {

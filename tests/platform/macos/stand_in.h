@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "call_types.h"
-#include "platform/cocoa/class_builder.h"
-#include "platform/cocoa/objc.h"
+#include "platform/cocoa/runtime/class_builder.h"
+#include "platform/cocoa/runtime/objc.h"
 
 namespace karno::platform::test {
 

@@ -15,10 +15,10 @@
 #include "../support/started_task.h"
 #include "../support/temporary_folder.h"
 #include "elements_are.h"
-#include "platform/linux/machine_shell.h"
-#include "platform/posix/child_registry.h"
-#include "platform/posix/popen_shell.h"
-#include "platform/posix/tasks.h"
+#include "platform/linux/machine/machine_shell.h"
+#include "platform/posix/processes/child_registry.h"
+#include "platform/posix/processes/popen_shell.h"
+#include "platform/posix/processes/tasks.h"
 
 namespace karno::platform {
 namespace {

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <mutex>
 
-#include "platform/linux/message_observer.h"
+#include "platform/linux/gnustep/message_observer.h"
 #include "platform/never_destroyed.h"
 
 namespace karno::platform::test {

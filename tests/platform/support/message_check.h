@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/cocoa/objc.h"
+#include "platform/cocoa/runtime/objc.h"
 
 namespace karno::platform::test {
 

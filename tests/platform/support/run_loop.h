@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-#include "platform/cocoa/objc.h"
+#include "platform/cocoa/runtime/objc.h"
 
 namespace karno::test {
 

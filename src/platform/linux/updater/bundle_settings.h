@@ -1,7 +1,7 @@
 #pragma once
 #include "platform/bundles.h"
+#include "platform/linux/preferences/user_defaults.h"
 #include "platform/linux/updater/update_services.h"
-#include "platform/linux/user_defaults.h"
 
 namespace karno::platform::updates {
 

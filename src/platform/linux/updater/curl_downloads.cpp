@@ -5,11 +5,11 @@
 #include <cerrno>
 #include <string_view>
 
-#include "platform/linux/curl_transfer.h"
 #include "platform/linux/updater/update_errors.h"
-#include "platform/linux/url_address.h"
+#include "platform/linux/web/curl_transfer.h"
+#include "platform/linux/web/url_address.h"
+#include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"
-#include "platform/posix/whole_file.h"
 
 namespace karno::platform::updates {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 #include "platform/bundles.h"
 #include "platform/linux/updater/update_services.h"
-#include "platform/linux/url_loading.h"
+#include "platform/linux/web/url_loading.h"
 
 namespace karno::platform::updates {
 

@@ -14,9 +14,9 @@
 
 #include "platform/linux/updater/installer_answer.h"
 #include "platform/linux/updater/update_errors.h"
+#include "platform/posix/processes/spawn.h"
 #include "platform/posix/retry.h"
 #include "platform/posix/scoped_descriptor.h"
-#include "platform/posix/spawn.h"
 
 namespace karno::platform::updates {
 namespace {

@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/cocoa/button_row.h"
-#include "platform/cocoa/guarded.h"
-#include "platform/cocoa/window.h"
+#include "platform/cocoa/runtime/guarded.h"
+#include "platform/cocoa/windows/button_row.h"
+#include "platform/cocoa/windows/window.h"
 #include "platform/updater.h"
 
 namespace karno::platform::updates {

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "platform/linux/updater/update_errors.h"
-#include "platform/linux/url_address.h"
+#include "platform/linux/web/url_address.h"
 
 namespace karno::platform::updates {
 

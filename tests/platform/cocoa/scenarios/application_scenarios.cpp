@@ -8,8 +8,8 @@
 #include <string>
 #include <thread>
 
-#include "platform/cocoa/objc.h"
-#include "platform/cocoa/threads.h"
+#include "platform/cocoa/runtime/objc.h"
+#include "platform/cocoa/runtime/threads.h"
 #include "scenario.h"
 
 namespace karno::test {

@@ -4,7 +4,7 @@
 #include <objc/message.h>
 #include <objc/runtime.h>
 
-#include "platform/cocoa/strings.h"
+#include "platform/cocoa/runtime/strings.h"
 #include "scenario.h"
 
 namespace karno::test {

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/cocoa/objc.h"
+#include "platform/cocoa/runtime/objc.h"
 
 // What stands in this process's native windows, asked of the framework and not of the code under test. Main
 // thread only.

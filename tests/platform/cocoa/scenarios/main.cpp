@@ -3,7 +3,7 @@
 #include <string>
 
 #include "../../support/message_check.h"
-#include "platform/cocoa/alerts.h"
+#include "platform/cocoa/windows/alerts.h"
 #include "scenario.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/cocoa/objc.h"
-#include "platform/cocoa/strings.h"
+#include "platform/cocoa/runtime/objc.h"
+#include "platform/cocoa/runtime/strings.h"
 #include "scenario.h"
 
 namespace karno::test {

@@ -2,8 +2,8 @@
 
 #include <atomic>
 
-#include "platform/cocoa/objc.h"
-#include "platform/cocoa/window.h"
+#include "platform/cocoa/runtime/objc.h"
+#include "platform/cocoa/windows/window.h"
 #include "platform/never_destroyed.h"
 #include "scenario.h"
 

@@ -1,4 +1,4 @@
-#include "platform/macos/console_log.h"
+#include "platform/macos/machine/console_log.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "elements_are.h"
-#include "platform/cocoa/strings.h"
+#include "platform/cocoa/runtime/strings.h"
 #include "stand_in.h"
 
 // NSLog() to the source under test, as Foundation declares it.

@@ -1,4 +1,4 @@
-#include "platform/cocoa/desktop.h"
+#include "platform/cocoa/windows/desktop.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -8,9 +8,9 @@
 
 #include "elements_are.h"
 #include "platform/cocoa/running_applications.h"
-#include "platform/cocoa/strings.h"
-#include "platform/cocoa/values.h"
-#include "platform/macos/workspace.h"
+#include "platform/cocoa/runtime/strings.h"
+#include "platform/cocoa/runtime/values.h"
+#include "platform/macos/machine/workspace.h"
 #include "stand_in.h"
 
 // NSApplicationMain() to the source under test, as AppKit declares it.

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "platform/cocoa/objc.h"
+#include "platform/cocoa/runtime/objc.h"
 #include "platform/platform.h"
 
 // The services of this system, but for what is built for a Mac here. GNUstep's start belongs to the part that

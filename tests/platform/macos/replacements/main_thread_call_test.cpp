@@ -1,4 +1,4 @@
-#include "platform/cocoa/main_thread_call.h"
+#include "platform/cocoa/runtime/main_thread_call.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -13,10 +13,10 @@
 
 #include "../../support/run_loop.h"
 #include "elements_are.h"
-#include "platform/cocoa/callback.h"
-#include "platform/cocoa/main_queue.h"
-#include "platform/cocoa/strings.h"
-#include "platform/cocoa/threads.h"
+#include "platform/cocoa/runtime/callback.h"
+#include "platform/cocoa/runtime/main_queue.h"
+#include "platform/cocoa/runtime/strings.h"
+#include "platform/cocoa/runtime/threads.h"
 #include "stand_in.h"
 
 namespace karno::platform::test {

@@ -7,8 +7,8 @@
 
 #include "elements_are.h"
 #include "message_send.h"
-#include "platform/cocoa/guarded.h"
-#include "platform/cocoa/strings.h"
+#include "platform/cocoa/runtime/guarded.h"
+#include "platform/cocoa/runtime/strings.h"
 #include "stand_in.h"
 
 namespace karno::platform::test {

@@ -1,0 +1,30 @@
+#pragma once
+#include "platform/cocoa/runtime/main_queue.h"
+#include "platform/dispatch.h"
+#include "platform/linux/dispatch/thread_pool.h"
+
+namespace karno::platform {
+
+// Queues on threads of our own, 512 at most. Meant to live for ever: its threads are never joined. Make it on
+// the main thread.
+class LinuxDispatch final : public Dispatch {
+ public:
+  Queue& mainQueue() override { return mainQueue_; }
+  Queue& mainOperationQueue() override { return mainQueue_; }
+  Queue& globalQueue(QueuePriority priority) override;
+  std::shared_ptr<Queue> makeSerialQueue(std::string label) override;
+  std::shared_ptr<DispatchGroup> makeGroup() override;
+  void sleep(double seconds) override;
+  bool isMainThread() const override;
+
+ private:
+  cocoa::MainQueue mainQueue_;
+  ThreadPool pool_{{.threadsMax = 448}};
+  ThreadPool backgroundPool_{{.threadsMax = 64, .lowered = true}};
+  PoolQueue high_{pool_, PoolLane::High};
+  PoolQueue normal_{pool_, PoolLane::Normal};
+  PoolQueue low_{pool_, PoolLane::Low};
+  PoolQueue background_{backgroundPool_, PoolLane::Normal};
+};
+
+}  // namespace karno::platform

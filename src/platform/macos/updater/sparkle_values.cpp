@@ -1,0 +1,36 @@
+#include "platform/macos/updater/sparkle_values.h"
+
+#include <utility>
+
+#include "platform/cocoa/runtime/errors.h"
+#include "platform/cocoa/runtime/strings.h"
+
+namespace karno::platform::sparkle {
+namespace {
+
+Error errorWithCode(std::int64_t code, std::string description) {
+  return Error(std::string(kErrorDomain), code,
+               {{std::string(kLocalizedDescriptionKey), std::move(description)}});
+}
+
+}  // namespace
+
+AppcastItem appcastItemOf(objc::Id item) {
+  AppcastItem read;
+  if (const objc::Id title = objc::send(item, "title"); title != nullptr) read.title = objc::text(title);
+  read.displayVersionString = objc::text(objc::send(item, "displayVersionString"));
+  if (read.displayVersionString.empty()) {
+    read.displayVersionString = objc::text(objc::send(item, "versionString"));
+  }
+  return read;
+}
+
+std::string urlOf(objc::Id request) {
+  return objc::text(objc::send(objc::send(request, "URL"), "absoluteString"));
+}
+
+Error errorOf(objc::Id error) { return cocoa::errorOf(error, errorWithCode(0, "unknown error")); }
+
+Error updaterError(std::string description) { return errorWithCode(kUpdaterError, std::move(description)); }
+
+}  // namespace karno::platform::sparkle

@@ -1,0 +1,73 @@
+#include "platform/posix/processes/child_registry.h"
+
+#include <sys/wait.h>
+
+#include <cerrno>
+
+#include "platform/never_destroyed.h"
+#include "platform/posix/retry.h"
+
+namespace karno::platform {
+
+ChildRegistry& ChildRegistry::instance() {
+  static NeverDestroyed<ChildRegistry> registry;
+  return registry.get();
+}
+
+void ChildRegistry::beginWatching(std::int32_t processIdentifier) {
+  const std::scoped_lock lock(mutex_);
+  Child& child = children_[processIdentifier];
+  child.isWatched = true;
+  child.status.reset();
+}
+
+std::optional<int> ChildRegistry::watchToEnd(std::int32_t processIdentifier) {
+  // Fails with ECHILD when a pending waitpid() was quicker to see the same end.
+  siginfo_t unused = {};
+  retryOnInterrupt(
+      [&] { return ::waitid(P_PID, static_cast<id_t>(processIdentifier), &unused, WEXITED | WNOWAIT); });
+
+  std::unique_lock lock(mutex_);
+  Child& child = children_[processIdentifier];
+  changed_.wait(lock, [&] { return child.status.has_value() || child.pendingWaiters == 0; });
+
+  std::optional<int> end = child.status;
+  int status = 0;
+  if (!end && ::waitpid(processIdentifier, &status, WNOHANG) == processIdentifier) end = status;
+  child.isWatched = false;
+  forgetIfUnused(processIdentifier);
+  return end;
+}
+
+WaitResult ChildRegistry::waitForChild(std::int32_t processIdentifier) {
+  {
+    const std::scoped_lock lock(mutex_);
+    ++children_[processIdentifier].pendingWaiters;
+  }
+
+  int status = 0;
+  WaitResult wait;
+  wait.result = retryOnInterrupt([&] { return ::waitpid(processIdentifier, &status, 0); });
+  if (wait.result == -1) wait.error = errno;
+
+  const std::scoped_lock lock(mutex_);
+  --children_[processIdentifier].pendingWaiters;
+  const auto reaped = children_.find(wait.result);
+  if (reaped != children_.end() && reaped->second.isWatched) reaped->second.status = status;
+  forgetIfUnused(processIdentifier);
+  changed_.notify_all();
+  return wait;
+}
+
+void ChildRegistry::forgetIfUnused(std::int32_t processIdentifier) {
+  const auto found = children_.find(processIdentifier);
+  if (found != children_.end() && !found->second.isWatched && found->second.pendingWaiters == 0) {
+    children_.erase(found);
+  }
+}
+
+WaitResult waitpidRegistered(std::int32_t processIdentifier) {
+  return ChildRegistry::instance().waitForChild(processIdentifier);
+}
+
+}  // namespace karno::platform

@@ -1,0 +1,105 @@
+#include "platform/linux/gnustep/alerts.h"
+
+#include <gtest/gtest.h>
+
+#include "../../cocoa/screen.h"
+
+namespace karno::test {
+namespace {
+
+std::string launchedAndEnded(const std::string& between) {
+  return "did finish launching\n" + between + "will terminate\n";
+}
+
+TEST(LinuxAlertsOnScreen, ReturnPressesTheFirstButton) {
+  const CommandResult result = onScreen("alert/return");
+
+  EXPECT_EQ(result.output, launchedAndEnded("answer 1000\n"));
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(LinuxAlertsOnScreen, EscapePressesTheButtonThatWasGivenIt) {
+  const CommandResult result = onScreen("alert/escape");
+
+  EXPECT_EQ(result.output, launchedAndEnded("answer 1001\n"));
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(LinuxAlertsOnScreen, ReturnPressesTheFirstButtonAlsoWhenNoKeysWereGiven) {
+  EXPECT_EQ(onScreen("alert/default-keys").output, launchedAndEnded("answer 1000\n"));
+}
+
+TEST(LinuxAlertsOnScreen, TheThirdButtonAnswers1002) {
+  EXPECT_EQ(onScreen("alert/three-buttons").output, launchedAndEnded("answer 1002\n"));
+}
+
+TEST(LinuxAlertsOnScreen, AnAlertWithoutButtonsGetsOneThatReturnPresses) {
+  EXPECT_EQ(onScreen("alert/no-button").output, launchedAndEnded("answer 1000\n"));
+}
+
+TEST(LinuxAlertsOnScreen, ABlockOfTheMainQueueCanShowOne) {
+  EXPECT_EQ(onScreen("alert/from-main-queue").output, launchedAndEnded("answer 1000\n"));
+}
+
+TEST(LinuxAlertsOnScreen, ATerminationSignalEndsTheProcessInOrderWhileOneIsUp) {
+  const CommandResult result = onScreen("alert/signal");
+
+  EXPECT_EQ(result.output, launchedAndEnded(""));
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(LinuxAlertsOnScreen, EscapePressesTheSecondOfTwoButtonsWithoutKeys) {
+  EXPECT_EQ(onScreen("alert/escape-without-keys").output, launchedAndEnded("answer 1001\n"));
+}
+
+TEST(LinuxAlertsOnScreen, TheTabulatorGoesToTheSecondButton) {
+  EXPECT_EQ(onScreen("alert/tab-space").output, launchedAndEnded("answer 1001\n"));
+}
+
+TEST(LinuxAlertsOnScreen, TheirButtonsCanBeClicked) {
+  EXPECT_EQ(onScreen("alert/click").output, launchedAndEnded("answer 1001\n"));
+}
+
+TEST(LinuxAlertsOnScreen, ClosingOneAnswersAsEscapeDoes) {
+  EXPECT_EQ(onScreen("alert/close-button").output, launchedAndEnded("answer 1001\n"));
+}
+
+TEST(LinuxAlertsOnScreen, ClosingOneThatHasASingleButtonPressesIt) {
+  EXPECT_EQ(onScreen("alert/close-button-of-one").output, launchedAndEnded("answer 1000\n"));
+}
+
+TEST(LinuxAlertsOnScreen, OneOnTopOfAnotherIsAnsweredFirst) {
+  EXPECT_EQ(onScreen("alert/nested").output, launchedAndEnded("inner answer 1001\nanswer 1000\n"));
+}
+
+TEST(LinuxAlertsOnScreen, ShowTheirTextsUnderTheApplicationsName) {
+  EXPECT_EQ(onScreen("alert/look").output, launchedAndEnded("Karno\n"
+                                                            "Whoops\n"
+                                                            "Something went wrong.\n"
+                                                            "\n"
+                                                            "Grüße \xF0\x9F\x98\x80\n"
+                                                            "Ja\n"
+                                                            "Nein\n"
+                                                            "\n"
+                                                            "nothing\n"
+                                                            "answer 1000\n"));
+}
+
+TEST(LinuxAlertsOnScreen, ArePainted) {
+  EXPECT_EQ(onScreen("alert/painted").output, launchedAndEnded("F3F3F3\n"));
+}
+
+TEST(LinuxAlertsOnScreen, AreLargeEnoughForEveryText) {
+  EXPECT_EQ(onScreen("alert/sizes").output, launchedAndEnded("nothing: nothing\n"
+                                                             "one letter: nothing\n"
+                                                             "English: nothing\n"
+                                                             "German: nothing\n"
+                                                             "Japanese: nothing\n"
+                                                             "one long word: nothing\n"
+                                                             "long titles: nothing\n"
+                                                             "many sentences: nothing\n"
+                                                             "many lines: nothing\n"));
+}
+
+}  // namespace
+}  // namespace karno::test
