@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "../platform/support/run_loop.h"
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/processes/process_information.h"
 
 namespace karno::test {
 namespace {

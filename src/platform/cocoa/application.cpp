@@ -1,8 +1,8 @@
 #include "platform/cocoa/application.h"
 
+#include "platform/cocoa/application_setup.h"
 #include "platform/cocoa/runtime/class_builder.h"
 #include "platform/cocoa/runtime/guarded.h"
-#include "platform/cocoa/windows/desktop.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 

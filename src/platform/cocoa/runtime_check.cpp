@@ -7,7 +7,7 @@
 #include "platform/cocoa/runtime/errors.h"
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/runtime/strings.h"
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/processes/process_information.h"
 
 namespace karno::platform::cocoa {
 namespace {

@@ -3,7 +3,7 @@
 #include "platform/cocoa/running_applications.h"
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/runtime/strings.h"
-#include "platform/cocoa/windows/desktop.h"
+#include "platform/cocoa/shared_workspace.h"
 
 namespace karno::platform::cocoa {
 

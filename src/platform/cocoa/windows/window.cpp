@@ -3,7 +3,8 @@
 #include "platform/cocoa/runtime/callback.h"
 #include "platform/cocoa/runtime/class_builder.h"
 #include "platform/cocoa/runtime/strings.h"
-#include "platform/cocoa/windows/desktop.h"
+#include "platform/cocoa/windows/application_icon.h"
+#include "platform/cocoa/windows/redrawing.h"
 
 namespace karno::platform::cocoa {
 namespace {

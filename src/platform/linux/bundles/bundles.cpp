@@ -11,7 +11,7 @@
 #include "platform/linux/bundles/preferred_languages.h"
 #include "platform/linux/property_list_file.h"
 #include "platform/posix/files/program_bundle.h"
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/processes/process_information.h"
 
 namespace karno::platform {
 namespace {

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "platform/never_destroyed.h"
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/processes/thread_start.h"
 
 namespace karno::platform {
 namespace {

@@ -1,5 +1,6 @@
 #include "platform/linux/gnustep/desktop_services.h"
 
+#include "platform/cocoa/shared_workspace.h"
 #include "platform/linux/gnustep/method_replacement.h"
 
 // GNUstep's application object (gui 0.29) is a citizen of a GNUstep desktop, which the launcher does not run
@@ -54,6 +55,9 @@ void keepDesktopServicesAway() {
   replaceMethod(metaclassOf("NSDistributedNotificationCenter"), "defaultCenter", answerNil);
 }
 
-void allowWorkspace() { isWorkspaceWanted = true; }
+objc::Id sharedWorkspace() {
+  isWorkspaceWanted = true;
+  return objc::send(objc::classNamed("NSWorkspace"), "sharedWorkspace");
+}
 
 }  // namespace karno::platform::cocoa

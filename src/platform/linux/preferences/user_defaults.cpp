@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "platform/posix/files/home.h"
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/processes/process_information.h"
 
 namespace karno::platform {
 namespace {

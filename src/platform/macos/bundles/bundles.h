@@ -3,7 +3,7 @@
 
 #include "platform/bundles.h"
 #include "platform/cocoa/runtime/objc.h"
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/processes/process_information.h"
 
 namespace karno::platform {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/files/path_status.h"
 #include "platform/posix/retry.h"
 #include "platform/posix/scoped_descriptor.h"
 

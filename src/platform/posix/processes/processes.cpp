@@ -6,7 +6,7 @@
 #include <cerrno>
 
 #include "platform/posix/processes/child_registry.h"
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/processes/process_information.h"
 
 namespace karno::platform {
 

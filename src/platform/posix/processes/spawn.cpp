@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/processes/spawn_descriptors.h"
 
 extern "C" char** environ;
 

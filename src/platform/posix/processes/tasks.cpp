@@ -12,7 +12,7 @@
 #include "platform/posix/processes/child_registry.h"
 #include "platform/posix/processes/running_children.h"
 #include "platform/posix/processes/spawn.h"
-#include "platform/posix/processes/system_differences.h"
+#include "platform/posix/processes/thread_start.h"
 
 namespace karno::platform {
 namespace {

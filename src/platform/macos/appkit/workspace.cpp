@@ -1,4 +1,4 @@
-#include "platform/macos/machine/workspace.h"
+#include "platform/macos/appkit/workspace.h"
 
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/runtime/strings.h"

@@ -1,4 +1,4 @@
-#include "platform/cocoa/windows/desktop.h"
+#include "platform/cocoa/application_setup.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -10,7 +10,9 @@
 #include "platform/cocoa/running_applications.h"
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/runtime/values.h"
-#include "platform/macos/machine/workspace.h"
+#include "platform/cocoa/windows/application_icon.h"
+#include "platform/cocoa/windows/redrawing.h"
+#include "platform/macos/appkit/workspace.h"
 #include "stand_in.h"
 
 // NSApplicationMain() to the source under test, as AppKit declares it.

@@ -1,4 +1,4 @@
-#include "platform/macos/machine/process_list.h"
+#include "platform/macos/processes/process_list.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

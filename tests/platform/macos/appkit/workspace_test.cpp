@@ -1,4 +1,4 @@
-#include "platform/macos/machine/workspace.h"
+#include "platform/macos/appkit/workspace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/macos/machine/apple_scripts.h"
+#include "platform/macos/appkit/apple_scripts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

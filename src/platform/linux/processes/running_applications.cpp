@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "platform/cocoa/property_lists.h"
-#include "platform/linux/machine/process_list.h"
+#include "platform/linux/processes/process_list.h"
 #include "platform/linux/property_list_file.h"
 #include "platform/posix/processes/running_children.h"
 

@@ -1,4 +1,4 @@
-#include "platform/linux/machine/process_list.h"
+#include "platform/linux/processes/process_list.h"
 
 #include <sys/stat.h>
 #include <time.h>

@@ -1,4 +1,4 @@
-#include "platform/macos/machine/process_list.h"
+#include "platform/macos/processes/process_list.h"
 
 #include <libproc.h>
 #include <sys/proc_info.h>

@@ -1,4 +1,4 @@
-#include "platform/macos/machine/apple_scripts.h"
+#include "platform/macos/appkit/apple_scripts.h"
 
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/runtime/strings.h"

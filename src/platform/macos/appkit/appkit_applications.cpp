@@ -1,4 +1,4 @@
-#include "platform/macos/machine/running_applications.h"
+#include "platform/macos/appkit/appkit_applications.h"
 
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/runtime/strings.h"

@@ -1,4 +1,4 @@
-#include "platform/macos/machine/authorisations.h"
+#include "platform/macos/processes/authorisations.h"
 
 #include <dlfcn.h>
 #include <fmt/format.h>
