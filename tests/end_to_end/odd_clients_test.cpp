@@ -3,6 +3,7 @@
 
 #include <csignal>
 #include <fstream>
+#include <sstream>
 
 #include "expected_logs.h"
 #include "places.h"
@@ -92,6 +93,53 @@ TEST(OddClient, RunsOnWhenItIgnoresTerminationAndEndsWhenItIsKilled) {
   EXPECT_FALSE(endedByRequest);
   EXPECT_EQ(machine.waitForEnd(), 0);
   EXPECT_THAT(machine.console(), ElementsAreArray(runUntilClientEnded("status:9, reason:2")));
+}
+
+int numberIn(const fs::path& file) {
+  int number = 0;
+  std::ifstream(file) >> number;
+  return number;
+}
+
+// In hundredths of a second, of all its threads.
+long processorTimeOf(int process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  std::string text;
+  std::getline(file, text);
+  std::istringstream fields(text.substr(text.rfind(')') + 1));
+  std::string skipped;
+  for (int field = 3; field < 14; ++field) fields >> skipped;
+  long user = 0;
+  long system = 0;
+  fields >> user >> system;
+  return user + system;
+}
+
+TEST(OddClient, IsNoDeadOneWhenItIsStoppedAsOnAMac) {
+  Machine machine(builtTools());
+  const fs::path identifier = machine.root() / "client";
+  const fs::path leave = machine.root() / "leave";
+  replaceClient(machine, "echo $$ >'" + identifier.string() + "'\nuntil [ -e '" + leave.string() +
+                             "' ]; do sleep 0.1; done\nexit 3\n");
+  machine.start({"--env", "LD_PRELOAD=" + waitsOfAMac().string()});
+  ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  const auto launchers = machine.processesOf(machine.bundle() / "Contents/MacOS/Karno");
+  ASSERT_THAT(launchers, SizeIs(1));
+  ASSERT_TRUE(machine.waitUntil([&] { return numberIn(identifier) > 0; }, std::chrono::seconds(20)));
+  const int client = numberIn(identifier);
+
+  const long before = processorTimeOf(launchers[0]);
+  ::kill(client, SIGSTOP);
+  const bool hasEnded =
+      machine.waitForMessage(kTerminating, std::chrono::seconds(3));
+  const long spent = processorTimeOf(launchers[0]) - before;
+  std::ofstream{leave};
+  ::kill(client, SIGCONT);
+
+  EXPECT_FALSE(hasEnded);
+  EXPECT_LT(spent, 5);
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilClientEnded("status:3, reason:1")));
 }
 
 }  // namespace

@@ -30,6 +30,8 @@ std::filesystem::path moveOnce() { return ownFolder() / "karno_move_once"; }
 
 std::filesystem::path faultyDisk() { return ownFolder() / "libkarno_faulty_disk.so"; }
 
+std::filesystem::path waitsOfAMac() { return ownFolder() / "libkarno_waits_of_a_mac.so"; }
+
 std::filesystem::path withDisplay() { return std::filesystem::canonical(ownFolder() / KARNO_WITH_DISPLAY); }
 
 }  // namespace karno::test

@@ -23,6 +23,9 @@ std::filesystem::path makeReleaseProgram();
 std::filesystem::path moveOnce();
 std::filesystem::path faultyDisk();
 
+// The library that lets a program wait for its children as on a Mac.
+std::filesystem::path waitsOfAMac();
+
 // The command that gives another one a display and a session bus of its own.
 std::filesystem::path withDisplay();
 

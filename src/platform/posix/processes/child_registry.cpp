@@ -2,12 +2,37 @@
 
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <thread>
 
 #include "platform/never_destroyed.h"
 #include "platform/posix/retry.h"
 
 namespace karno::platform {
+namespace {
+
+constexpr std::chrono::milliseconds kShortestPause{50};
+constexpr std::chrono::milliseconds kLongestPause{500};
+
+bool isEnd(const siginfo_t& change) {
+  return change.si_code == CLD_EXITED || change.si_code == CLD_KILLED || change.si_code == CLD_DUMPED;
+}
+
+// On macOS waitid() also returns, each time anew, for a child that is merely stopped. Fails with ECHILD when
+// a pending waitpid() was quicker to see the same end.
+void waitForEndOf(std::int32_t processIdentifier) {
+  for (auto pause = kShortestPause;; pause = std::min(2 * pause, kLongestPause)) {
+    siginfo_t change = {};
+    const int result = retryOnInterrupt(
+        [&] { return ::waitid(P_PID, static_cast<id_t>(processIdentifier), &change, WEXITED | WNOWAIT); });
+    if (result != 0 || isEnd(change)) return;
+    std::this_thread::sleep_for(pause);
+  }
+}
+
+}  // namespace
 
 ChildRegistry& ChildRegistry::instance() {
   static NeverDestroyed<ChildRegistry> registry;
@@ -22,10 +47,7 @@ void ChildRegistry::beginWatching(std::int32_t processIdentifier) {
 }
 
 std::optional<int> ChildRegistry::watchToEnd(std::int32_t processIdentifier) {
-  // Fails with ECHILD when a pending waitpid() was quicker to see the same end.
-  siginfo_t unused = {};
-  retryOnInterrupt(
-      [&] { return ::waitid(P_PID, static_cast<id_t>(processIdentifier), &unused, WEXITED | WNOWAIT); });
+  waitForEndOf(processIdentifier);
 
   std::unique_lock lock(mutex_);
   Child& child = children_[processIdentifier];

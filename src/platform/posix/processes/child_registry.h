@@ -19,8 +19,9 @@ class ChildRegistry {
   // To be called before anyone else knows the process identifier; watchToEnd() must follow.
   void beginWatching(std::int32_t processIdentifier);
 
-  // Blocks until the child has ended, and reaps it unless a waitpid() of ours was pending. The result has the
-  // form of waitpid()'s status; absent when somebody else took the child away.
+  // Blocks until the child has ended, and reaps it unless a waitpid() of ours was pending; a child that is
+  // stopped has not ended. The result has the form of waitpid()'s status; absent when somebody else took the
+  // child away.
   std::optional<int> watchToEnd(std::int32_t processIdentifier);
 
   // waitpid(processIdentifier, nullptr, 0), announced to the watcher. Interruptions are not reported.

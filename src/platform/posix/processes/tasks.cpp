@@ -57,10 +57,11 @@ class Supervision {
     started_.set_value(std::move(child));
     if (!isRunning) return;
 
-    const int status = ChildRegistry::instance().watchToEnd(processIdentifier).value_or(0);
+    const std::optional<int> status = ChildRegistry::instance().watchToEnd(processIdentifier);
     place_.reset();
     if (!onTermination_) return;
-    runBlock([&] { onTermination_(endFromWaitStatus(status)); }, "Tasks");
+    const TaskEnd end = status ? endFromWaitStatus(*status) : TaskEnd{.terminationStatus = kUnknownStatus};
+    runBlock([&] { onTermination_(end); }, "Tasks");
   }
 
  private:
