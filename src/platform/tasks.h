@@ -30,9 +30,10 @@ class Tasks {
 
   // Creates and starts a child in one step and returns its process identifier. The child inherits the
   // environment, the working folder and the three standard streams, and no other descriptor; its signal
-  // mask is empty and every signal has its default action. The handler runs once, on a thread of the
-  // platform's choosing, when the child has ended; the child is reaped here, or by a waitpid() of
-  // Processes that was pending when it ended. An error means that no child was made.
+  // mask is empty and every signal has its default action. It leads a process group of its own, so that what
+  // a terminal or the system does to the launcher's group does not reach it. The handler runs once, on a
+  // thread of the platform's choosing, when the child has ended; the child is reaped here, or by a waitpid()
+  // of Processes that was pending when it ended. An error means that no child was made.
   virtual Result<std::int32_t> launch(const TaskLaunch& task, TerminationHandler onTermination) = 0;
 };
 

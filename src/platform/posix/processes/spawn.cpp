@@ -41,7 +41,8 @@ class SpawnSettings {
     sigdelset(&allSignals, SIGKILL);
     sigdelset(&allSignals, SIGSTOP);
 
-    short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+    // The attributes begin with the group that means one of the child's own.
+    short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP;
     if (const int error = ::posix_spawnattr_setsigmask(&attributes_, &noSignals)) return error;
     if (const int error = ::posix_spawnattr_setsigdefault(&attributes_, &allSignals)) return error;
     if (standardOutput != STDOUT_FILENO) {

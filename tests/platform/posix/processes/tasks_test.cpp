@@ -56,6 +56,17 @@ TEST(PosixTasks, ReapsTheChild) {
   EXPECT_EQ(errno, ESRCH);
 }
 
+TEST(PosixTasks, GivesTheChildAProcessGroupOfItsOwn) {
+  PosixTasks tasks;
+  StartedTask task = shell(tasks, "exec sleep 600");
+  const std::int32_t child = task.result().value();
+
+  const pid_t group = ::getpgid(child);
+  ::kill(child, SIGKILL);
+
+  EXPECT_EQ(group, child);
+}
+
 TEST(PosixTasks, LeavesTheChildToAWaitThatWasPending) {
   PosixTasks tasks;
   StartedTask task = shell(tasks, "sleep 1; exit 5");
