@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <iterator>
 #include <utility>
 
 #include "log/date_texts.h"
@@ -19,11 +20,6 @@ constexpr std::uint64_t kLinesPerSizeCheck = 10;
 constexpr std::uint64_t kRotationSizeBytes = 10'000'000;
 constexpr std::size_t kUsualPrefixBytesMax = 64;  // all of a line but the message
 
-// What stands between the date and the level.
-std::string processText() {
-  return fmt::format(" ({}) [", platform::host().processes.currentProcessIdentifier());
-}
-
 }  // namespace
 
 KarnoLog& KarnoLog::manager() {
@@ -32,7 +28,7 @@ KarnoLog& KarnoLog::manager() {
 }
 
 KarnoLog::KarnoLog()
-    : processText_(processText()),
+    : processIdentifier_(platform::host().processes.currentProcessIdentifier()),
       logDirectory_(wrapperLogDirectory()),
       filename_(wrapperLogFile()),
       oldFilename_(wrapperOldLogFile()) {
@@ -63,7 +59,7 @@ void KarnoLog::logMessage(std::string_view message, std::string_view level) {
   std::string line;
   line.reserve(kUsualPrefixBytesMax + message.size());
   appendLogDate(line, platform::host().clock.now());
-  line.append(processText_).append(level).append("] ").append(message);
+  fmt::format_to(std::back_inserter(line), " ({}) [{}] {}", processIdentifier_, level, message);
   platform::host().consoleLog.log(line);
   addEntry(line);
 }
@@ -74,7 +70,28 @@ void KarnoLog::addEntry(std::string_view line) {
   queuedCount_.store(queuedLogs_.size(), std::memory_order_relaxed);
 }
 
-bool KarnoLog::nextEntry(std::string& line) {
+std::optional<std::string> KarnoLog::nextEntry() {
+  std::string line;
+  return takeEntry(line) ? std::optional(std::move(line)) : std::nullopt;
+}
+
+std::vector<std::string> KarnoLog::queuedLogs() {
+  const std::lock_guard guard(lock_);
+  std::vector<std::string> lines;
+  LineQueue rest = queuedLogs_;
+  for (std::string line; rest.pop(line);) lines.push_back(line);
+  return lines;
+}
+
+void KarnoLog::setQueuedLogs(const std::vector<std::string>& lines) {
+  const std::lock_guard guard(lock_);
+  queuedLogs_ = {};
+  for (const std::string& line : lines) queuedLogs_.push(line);
+  queuedCount_.store(queuedLogs_.size(), std::memory_order_relaxed);
+}
+
+// The line's memory serves again.
+bool KarnoLog::takeEntry(std::string& line) {
   const std::lock_guard guard(lock_);
   if (!queuedLogs_.pop(line)) return false;
   queuedCount_.store(queuedLogs_.size(), std::memory_order_relaxed);
@@ -84,7 +101,7 @@ bool KarnoLog::nextEntry(std::string& line) {
 void KarnoLog::dequeueLogEntries() {
   while (true) {
     platform::host().dispatch.sleep(kWriterPauseSeconds);
-    for (std::string line; nextEntry(line);) write(line);
+    for (std::string line; takeEntry(line);) write(line);
   }
 }
 

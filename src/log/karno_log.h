@@ -4,8 +4,11 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "log/line_queue.h"
 #include "platform/dispatch.h"
@@ -43,33 +46,53 @@ class KarnoLog {
   // for: the completion then runs on a global queue without a wait.
   void flushWithCompletion(std::function<void()> completion);
 
+  // The two steps of start().
+  void logStartupMessages();
+  void cleanupOldLumberjackLogs();
+
+  // The queue of finished lines. Any thread.
+  void addEntry(std::string_view line);
+  std::optional<std::string> nextEntry();
+  std::vector<std::string> queuedLogs();
+  void setQueuedLogs(const std::vector<std::string>& lines);
+
+  // The writer, for its own thread. checkLogs() counts a line and rotates the files when it is time; false
+  // when that failed.
+  [[noreturn]] void dequeueLogEntries();
+  bool checkLogs();
+  std::uint64_t count() const { return count_; }
+  void setCount(std::uint64_t count) { count_ = count; }
+  std::shared_ptr<platform::AppendStream> filePointer();  // opened when there is none; null when that fails
+  void setFilePointer(std::shared_ptr<platform::AppendStream> stream) { filePointer_ = std::move(stream); }
+
+  // To be set only while no other thread uses the log. The queues are null when there is no writer.
+  std::int32_t processIdentifier() const { return processIdentifier_; }
+  void setProcessIdentifier(std::int32_t processIdentifier) { processIdentifier_ = processIdentifier; }
   const std::string& logDirectory() const { return logDirectory_; }
+  void setLogDirectory(std::string path) { logDirectory_ = std::move(path); }
   const std::string& filename() const { return filename_; }
+  void setFilename(std::string path) { filename_ = std::move(path); }
   const std::string& oldFilename() const { return oldFilename_; }
+  void setOldFilename(std::string path) { oldFilename_ = std::move(path); }
+  const std::shared_ptr<platform::Queue>& queue() const { return queue_; }
+  void setQueue(std::shared_ptr<platform::Queue> queue) { queue_ = std::move(queue); }
+  const std::shared_ptr<platform::Queue>& flushQueue() const { return flushQueue_; }
+  void setFlushQueue(std::shared_ptr<platform::Queue> queue) { flushQueue_ = std::move(queue); }
 
  private:
   friend class platform::NeverDestroyed<KarnoLog>;
 
   KarnoLog();
-  void logStartupMessages();
-  void cleanupOldLumberjackLogs();
   void logIfVerbose(std::string_view message, std::string_view level);
-
-  void addEntry(std::string_view line);
-  bool nextEntry(std::string& line);
+  bool takeEntry(std::string& line);
+  void write(std::string_view line);
   std::size_t queuedCount() const { return queuedCount_.load(std::memory_order_relaxed); }
   void waitUntilDrained() const;
 
-  // The writer's, on the Logger queue only.
-  [[noreturn]] void dequeueLogEntries();
-  void write(std::string_view line);
-  std::shared_ptr<platform::AppendStream> filePointer();
-  bool checkLogs();
-
-  const std::string processText_;
-  const std::string logDirectory_;
-  const std::string filename_;
-  const std::string oldFilename_;
+  std::int32_t processIdentifier_;
+  std::string logDirectory_;
+  std::string filename_;
+  std::string oldFilename_;
 
   std::shared_ptr<platform::Queue> queue_;
   std::shared_ptr<platform::Queue> flushQueue_;
