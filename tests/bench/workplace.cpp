@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "replaced_services.h"
+
 namespace karno::bench {
 namespace {
 
@@ -104,39 +106,6 @@ class LaunchersBundles final : public platform::Bundles {
   const std::shared_ptr<const platform::Bundle> main_;
 };
 
-platform::Platform withServices(const platform::Platform& native, platform::Files& files,
-                                platform::Bundles& bundles, platform::Shell& shell) {
-  return {native.application,
-          native.alerts,
-          native.windows,
-          native.workspace,
-          native.dispatch,
-          native.clock,
-          native.tasks,
-          native.processes,
-          bundles,
-          native.userDefaults,
-          native.managedPreferences,
-          native.distributedNotifications,
-          native.propertyLists,
-          files,
-          native.text,
-          native.consoleLog,
-          native.systemVersion,
-          native.updaters,
-          shell,
-          native.urlLoading,
-          native.identifiers,
-          native.processList,
-          native.fileReading,
-          native.fileManager,
-          native.standardFolders,
-          native.mounts,
-          native.commands,
-          native.appleScripts,
-          native.authorisations};
-}
-
 }  // namespace
 
 Workplace::Workplace() {
@@ -185,7 +154,8 @@ platform::Platform& countingPlatform(platform::Platform& native) {
   static CountingFiles files(native.files);
   static LaunchersBundles bundles(native.bundles);
   static CountingShell shell(native.shell);
-  static platform::Platform platform = withServices(native, files, bundles, shell);
+  static platform::Platform platform =
+      test::withReplaced(native, {.bundles = &bundles, .files = &files, .shell = &shell});
   return platform;
 }
 

@@ -5,6 +5,7 @@
 
 #include "move/move_application.h"
 #include "platform/platform.h"
+#include "replaced_services.h"
 
 namespace karno::test {
 namespace {
@@ -45,47 +46,14 @@ class OneBundle final : public platform::Bundles {
   const std::shared_ptr<const platform::Bundle> bundle_;
 };
 
-platform::Platform withServices(const platform::Platform& native, platform::Application& application,
-                                platform::Alerts& alerts, platform::Bundles& bundles,
-                                platform::Commands& commands) {
-  return {application,
-          alerts,
-          native.windows,
-          native.workspace,
-          native.dispatch,
-          native.clock,
-          native.tasks,
-          native.processes,
-          bundles,
-          native.userDefaults,
-          native.managedPreferences,
-          native.distributedNotifications,
-          native.propertyLists,
-          native.files,
-          native.text,
-          native.consoleLog,
-          native.systemVersion,
-          native.updaters,
-          native.shell,
-          native.urlLoading,
-          native.identifiers,
-          native.processList,
-          native.fileReading,
-          native.fileManager,
-          native.standardFolders,
-          native.mounts,
-          commands,
-          native.appleScripts,
-          native.authorisations};
-}
-
 int moveOnce(const platform::Platform& native, const std::string& path) {
   ActiveApplication application;
   AgreeingUser user;
   if (!native.bundles.bundleAtPath(path)) return kNoBundleStatus;
   OneBundle bundles(native.bundles, path);
   NoCommands commands;
-  platform::Platform platform = withServices(native, application, user, bundles, commands);
+  platform::Platform platform = withReplaced(
+      native, {.application = &application, .alerts = &user, .bundles = &bundles, .commands = &commands});
   platform::install(platform);
   const auto error = moveApplicationToApplicationsFolder(false);
   return error ? static_cast<int>(error->code()) : 0;

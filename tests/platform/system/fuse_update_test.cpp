@@ -9,6 +9,7 @@
 #include "fake_bundles.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
+#include "replaced_services.h"
 #include "system/fuse_manager.h"
 #include "web_server.h"
 
@@ -43,44 +44,12 @@ class Console final : public platform::ConsoleLog {
   std::vector<std::string> lines_;
 };
 
-platform::Platform withBundlesAndConsole(platform::Bundles& bundles, platform::ConsoleLog& console) {
-  const platform::Platform& host = platform::host();
-  return {host.application,
-          host.alerts,
-          host.windows,
-          host.workspace,
-          host.dispatch,
-          host.clock,
-          host.tasks,
-          host.processes,
-          bundles,
-          host.userDefaults,
-          host.managedPreferences,
-          host.distributedNotifications,
-          host.propertyLists,
-          host.files,
-          host.text,
-          console,
-          host.systemVersion,
-          host.updaters,
-          host.shell,
-          host.urlLoading,
-          host.identifiers,
-          host.processList,
-          host.fileReading,
-          host.fileManager,
-          host.standardFolders,
-          host.mounts,
-          host.commands,
-          host.appleScripts,
-          host.authorisations};
-}
-
 // The log's writer uses them until the process ends.
 struct Services {
   test::FakeBundles bundles;
   Console console;
-  platform::Platform platform = withBundlesAndConsole(bundles, console);
+  platform::Platform platform =
+      test::withReplaced(platform::host(), {.bundles = &bundles, .consoleLog = &console});
 };
 
 Services& services() {
