@@ -1,20 +1,10 @@
 #include "platform/macos/machine/system_version.h"
 
-#include "platform/cocoa/runtime/objc.h"
 #include "platform/macos/foundation/guarded_answer.h"
 
 extern "C" const double NSAppKitVersionNumber;
 
 namespace karno::platform {
-namespace {
-
-struct OperatingSystemVersion {  // NSOperatingSystemVersion
-  objc::Integer major;
-  objc::Integer minor;
-  objc::Integer patch;
-};
-
-}  // namespace
 
 bool FoundationSystemVersion::isAtLeast(int major, int minor, int patch) const {
   const objc::AutoreleasePool pool;

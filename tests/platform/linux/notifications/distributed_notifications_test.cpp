@@ -296,9 +296,7 @@ TEST(BusNotifications, RefuseToPostWhatTheBusCannotCarry) {
   EXPECT_TRUE(centre.post(notification(kName, kObject, {{"message", "fine"}})));
 }
 
-TEST(BusNotifications, LoseNothingOfTenThousandFromFourProcesses) { expectBurstArrives(4, 2'500); }
-
-TEST(BusNotifications, LoseNothingOfAHundredThousandFromFourProcesses) { expectBurstArrives(4, 25'000); }
+TEST(BusNotifications, LoseNothingOfABurstFromFourProcesses) { expectBurstArrives(4, KARNO_BURST / 4); }
 
 TEST(BusNotifications, LoseNothingWhileTheMainThreadIsBusyForLong) {
   constexpr auto kCount = static_cast<std::int64_t>(NotificationDelivery::kWaitingMax) * 3;
@@ -325,8 +323,7 @@ TEST(BusNotifications, AreHandedOverWholeBeforeThePosterEndsWithoutAnyCleanUp) {
   HandQueue main;
   BusNotifications centre(main);
   const Listener listener(centre, kName, kObject);
-  const std::string text(40U << 20U,
-                         'x');  // far more than the 8 MiB that the bus library lets a socket buffer
+  const std::string text(16U << 20U, 'x');  // more than the 8 MiB that the bus library lets a socket buffer
 
   ForkedProcess sender([&] {
     BusPoster poster;

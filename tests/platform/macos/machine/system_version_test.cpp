@@ -15,16 +15,10 @@ namespace {
 using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
 
-struct ThreeNumbers {
-  long first;
-  long second;
-  long third;
-};
-
 objc::Id processInfo(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
 
-objc::Boolean isAtLeast(objc::Id, objc::Sel selector, ThreeNumbers version) {
-  const std::string text = fmt::format("{}.{}.{}", version.first, version.second, version.third);
+objc::Boolean isAtLeast(objc::Id, objc::Sel selector, OperatingSystemVersion version) {
+  const std::string text = fmt::format("{}.{}.{}", version.major, version.minor, version.patch);
   return recordAndAnswer(selector, text) != nullptr;
 }
 
