@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/cocoa/runtime/raised_exception.h"
 #include "platform/platform.h"
 
 namespace karno::platform::objc {
@@ -20,7 +21,9 @@ Error errorFromException(std::string_view doing) {
   } catch (const std::exception& exception) {
     return exceptionError(kStandardExceptionCode, fmt::format("{}: {}", doing, exception.what()));
   } catch (...) {
-    return exceptionError(kForeignExceptionCode, fmt::format("{}: an exception was raised", doing));
+    const std::string raised = takeRaised();
+    return exceptionError(kForeignExceptionCode,
+                          fmt::format("{}: {}", doing, raised.empty() ? "an exception was raised" : raised));
   }
 }
 

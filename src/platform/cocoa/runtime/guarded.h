@@ -9,7 +9,7 @@
 namespace karno::platform::objc {
 
 inline constexpr std::string_view kExceptionErrorDomain = "KarnoExceptionErrorDomain";
-inline constexpr std::int64_t kForeignExceptionCode = 1;   // an NSException, whose text C++ cannot read
+inline constexpr std::int64_t kForeignExceptionCode = 1;   // an NSException
 inline constexpr std::int64_t kStandardExceptionCode = 2;  // a C++ exception
 
 // The error that stands for the exception being handled. Only inside a catch block.

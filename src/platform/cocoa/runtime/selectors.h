@@ -155,6 +155,10 @@ inline constexpr Message kMessages[] = {
     {"NSDistributedNotificationCenter", '-', "removeObserver:"},
     {"NSDistributedNotificationCenter", '-', "postNotificationName:object:userInfo:deliverImmediately:"},
 
+    {"NSException", '-', "name"},
+    {"NSException", '-', "reason"},
+    {"NSException", '-', "raise", Where::GNUstepOnly},
+
     {"NSApplication", '+', "sharedApplication"},
     {"NSApplication", '-', "setDelegate:"},
     {"NSApplication", '-', "run", Where::GNUstepOnly},
@@ -167,6 +171,7 @@ inline constexpr Message kMessages[] = {
     {"NSApplication", '-', "setActivationPolicy:", Where::MacOSOnly, {10, 6}, kAskedFor},
     {"NSApplication", '-', "requestUserAttention:", Where::Everywhere, {10, 1}},
     {"NSApplication", '-', "terminate:"},
+    {"NSApplication", '-', "modalWindow"},
     {"NSApplication", '-', "runModalForWindow:"},
     {"NSApplication", '-', "stopModalWithCode:"},
     {"NSApplication", '-', "applicationIconImage"},

@@ -1,20 +1,22 @@
-#include <objc/message.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 
 #include "platform/cocoa/runtime/objc.h"
-#include "platform/linux/gnustep/message_observer.h"
+#include "platform/cocoa/runtime/raised_exception.h"
+#include "platform/linux/gnustep/method_replacement.h"
 
 namespace karno::platform::objc {
 namespace {
 
-std::atomic<MessageObserver> messageObserver = nullptr;
+void (*originalRaise)(Id, Sel) = nullptr;
+
+void noteAndRaise(Id exception, Sel selector) {
+  noteRaised(exception);
+  originalRaise(exception, selector);
+}
 
 }  // namespace
-
-void observeMessages(MessageObserver observer) { messageObserver.store(observer, std::memory_order_release); }
 
 // GNUstep learns the program's name only: it would take the first argument for a document, and show an alert
 // when it cannot open it before the application has launched.
@@ -23,16 +25,10 @@ void startRuntime(int argc, char** argv) {
     const AutoreleasePool pool;
     send<void>(classNamed("NSProcessInfo"), "initializeWithArguments:count:environment:", argv,
                CInt{std::min(argc, 1)}, environ);
+    originalRaise = cocoa::replaceMethod(classNamed("NSException"), "raise", noteAndRaise);
     return true;
   }();
   static_cast<void>(started);
-}
-
-// This runtime has no objc_msgSend: a message is carried by the method itself.
-detail::Function detail::messageFunction(Id receiver, Sel selector, bool /*returnsInMemory*/) {
-  const MessageObserver observer = messageObserver.load(std::memory_order_acquire);
-  if (observer != nullptr) observer(receiver, selector);
-  return reinterpret_cast<Function>(objc_msg_lookup(receiver, selector));
 }
 
 }  // namespace karno::platform::objc

@@ -1,10 +1,32 @@
 #include <objc/message.h>
 
 #include "platform/cocoa/runtime/objc.h"
+#include "platform/cocoa/runtime/raised_exception.h"
+
+extern "C" {
+using KarnoExceptionPreprocessor = karno::platform::objc::Id (*)(karno::platform::objc::Id);
+KarnoExceptionPreprocessor objc_setExceptionPreprocessor(KarnoExceptionPreprocessor);
+}
 
 namespace karno::platform::objc {
+namespace {
 
-void startRuntime(int /*argc*/, char** /*argv*/) {}
+KarnoExceptionPreprocessor nextPreprocessor = nullptr;  // Foundation's own
+
+Id noteAndPass(Id exception) {
+  noteRaised(exception);
+  return nextPreprocessor == nullptr ? exception : nextPreprocessor(exception);
+}
+
+}  // namespace
+
+void startRuntime(int /*argc*/, char** /*argv*/) {
+  static const bool started = [] {
+    nextPreprocessor = objc_setExceptionPreprocessor(noteAndPass);
+    return true;
+  }();
+  static_cast<void>(started);
+}
 
 detail::Function detail::messageFunction(Id /*receiver*/, Sel /*selector*/, bool returnsInMemory) {
 #if defined(__x86_64__)

@@ -80,7 +80,7 @@ TEST(ClassBuilder, ARaisedExceptionIsLoggedAndTheMessageAnswersZero) {
   const auto value = send<long long>(makeInstance(raisingClass()), "longLongValue");
 
   EXPECT_EQ(value, 0);
-  EXPECT_EQ(errors.text(), "longLongValue: an exception was raised\n");
+  EXPECT_EQ(errors.text(), "longLongValue: NSRangeException: Index 7 is out of range 0 (in 'objectAtIndex:')\n");
 }
 
 TEST(ClassBuilder, MethodsCarryTheEncodingOfTheirTypes) {
@@ -124,7 +124,7 @@ TEST(Guarded, ARaisedExceptionBecomesAnError) {
   const auto failure = guarded("look", [] { send(make("NSMutableArray"), "objectAtIndex:", UInteger{7}); });
 
   EXPECT_EQ(failure->code(), kForeignExceptionCode);
-  EXPECT_EQ(failure->localizedDescription(), "look: an exception was raised");
+  EXPECT_EQ(failure->localizedDescription(), "look: NSRangeException: Index 7 is out of range 0 (in 'objectAtIndex:')");
 }
 
 TEST(Callback, CallsItsFunctionWithTheArgument) {

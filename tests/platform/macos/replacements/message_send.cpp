@@ -1,5 +1,21 @@
 #include "message_send.h"
 
+#include <utility>
+
+using karno::platform::objc::Id;
+
+namespace {
+
+Id (*preprocessor)(Id) = nullptr;
+
+}  // namespace
+
+extern "C" Id (*objc_setExceptionPreprocessor(Id (*next)(Id)))(Id) {
+  return std::exchange(preprocessor, next);
+}
+
+Id (*installedPreprocessor())(Id) { return preprocessor; }
+
 // A message is carried by a function that finds the method and jumps to it with every argument where the
 // caller has put it, which only machine code can do. macOS's runtime has two of them; these find the method
 // by this system's runtime.

@@ -8,6 +8,7 @@
 #include "elements_are.h"
 #include "message_send.h"
 #include "platform/cocoa/runtime/guarded.h"
+#include "platform/cocoa/runtime/raised_exception.h"
 #include "platform/cocoa/runtime/strings.h"
 #include "stand_in.h"
 
@@ -44,6 +45,8 @@ objc::Range range(objc::Id, objc::Sel selector) {
   return {5, 6};
 }
 
+objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+
 double doubleValue(objc::Id, objc::Sel selector) {
   recordAndAnswer(selector);
   return 0.5;
@@ -59,6 +62,8 @@ Class receiverClass() {
           .method("frame", "{_NSRect={_NSPoint=dd}{_NSSize=dd}}@:", frame)
           .method("range", "{_NSRange=QQ}@:", range)
           .method("doubleValue", "d@:", doubleValue)
+          .method("name", "@@:", withoutArguments)
+          .method("reason", "@@:", withoutArguments)
           .registerClass();
   return made;
 }
@@ -137,6 +142,27 @@ TEST_F(MacMessages, LetThroughWhatIsRaised) {
 
   ASSERT_FALSE(answer);
   EXPECT_EQ(answer.error().localizedDescription(), "asking for a frame: raised by a stand-in");
+}
+
+TEST_F(MacMessages, HaveNameAndReasonNotedOfWhatIsAboutToBeRaised) {
+  objc::startRuntime(0, nullptr);
+  standIns_.answer("name", objc::string("NSRangeException"));
+  standIns_.answer("reason", objc::string("too far"));
+
+  const objc::Id passedOn = installedPreprocessor()(receiver_.get());
+
+  EXPECT_EQ(passedOn, receiver_.get());
+  EXPECT_EQ(objc::takeRaised(), "NSRangeException: too far");
+  EXPECT_EQ(objc::takeRaised(), "");
+}
+
+TEST_F(MacMessages, HaveTheNameAloneNotedOfWhatGivesNoReason) {
+  objc::startRuntime(0, nullptr);
+  standIns_.answer("name", objc::string("NSGenericException"));
+
+  installedPreprocessor()(receiver_.get());
+
+  EXPECT_EQ(objc::takeRaised(), "NSGenericException");
 }
 
 TEST_F(MacMessages, LetThroughAnExceptionOfThePlatform) {
