@@ -36,8 +36,8 @@ class Application {
   // Asks for the user's attention, by the icon in the Dock. Nothing happens while the application is active.
   virtual void requestUserAttention(AttentionRequest request) = 0;
 
-  // Begins an orderly end: the delegate hears applicationWillTerminate(); a quarter of a second later, in
-  // which threads can finish what that began, the process exits with 0.
+  // Begins an orderly end, as soon as no window is modal: the delegate hears applicationWillTerminate(); a
+  // quarter of a second later, in which threads can finish what that began, the process exits with 0.
   virtual void terminate() = 0;
 };
 

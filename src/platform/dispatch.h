@@ -35,11 +35,14 @@ class Dispatch {
  public:
   virtual ~Dispatch() = default;
 
-  // The dispatch queue of the main thread. On macOS a block that shows an alert holds up those after it.
+  // The dispatch queue and the operation queue of the main thread. A block of theirs that shows an alert
+  // holds up every other block of both until the alert is answered.
   virtual Queue& mainQueue() = 0;
-
-  // The operation queue of the main thread; its blocks also run while a modal alert is up.
   virtual Queue& mainOperationQueue() = 0;
+
+  // What goes on on the main thread while an alert is up, as timers and notifications do. For the platform's
+  // own work.
+  virtual Queue& mainEvents() = 0;
 
   // Concurrent queues shared by the whole process. A block may occupy its thread for as long as it likes.
   virtual Queue& globalQueue(QueuePriority priority) = 0;

@@ -15,20 +15,23 @@ namespace {
 
 constexpr const char* kMainQueue = "main queue";
 constexpr const char* kMainOperationQueue = "main operation queue";
+constexpr const char* kMainEvents = "main events";
 
 }  // namespace
 
 class FakeDispatch::MainQueue final : public Queue {
  public:
-  MainQueue(FakeDispatch& dispatch, MainLane lane) : dispatch_(dispatch), lane_(lane) {}
+  MainQueue(FakeDispatch& dispatch, MainLane lane, const char* name)
+      : dispatch_(dispatch), lane_(lane), name_(name) {}
   void async(Block block) override {
-    dispatch_.submissions_.emplace_back(lane_ == MainLane::DispatchQueue ? kMainQueue : kMainOperationQueue);
+    dispatch_.submissions_.emplace_back(name_);
     dispatch_.scheduler_.addToMain(lane_, std::move(block));
   }
 
  private:
   FakeDispatch& dispatch_;
   MainLane lane_;
+  const char* name_;
 };
 
 class FakeDispatch::GlobalQueue final : public Queue {
@@ -112,8 +115,9 @@ class FakeDispatch::Group final : public platform::DispatchGroup {
 
 FakeDispatch::FakeDispatch(FakeScheduler& scheduler)
     : scheduler_(scheduler),
-      mainQueue_(std::make_unique<MainQueue>(*this, MainLane::DispatchQueue)),
-      mainOperationQueue_(std::make_unique<MainQueue>(*this, MainLane::OperationQueue)) {
+      mainQueue_(std::make_unique<MainQueue>(*this, MainLane::DispatchQueue, kMainQueue)),
+      mainOperationQueue_(std::make_unique<MainQueue>(*this, MainLane::OperationQueue, kMainOperationQueue)),
+      mainEvents_(std::make_unique<MainQueue>(*this, MainLane::Events, kMainEvents)) {
   for (const QueuePriority priority :
        {QueuePriority::High, QueuePriority::Default, QueuePriority::Low, QueuePriority::Background}) {
     globalQueues_.push_back(std::make_unique<GlobalQueue>(*this, priority));
@@ -125,6 +129,8 @@ FakeDispatch::~FakeDispatch() = default;
 Queue& FakeDispatch::mainQueue() { return *mainQueue_; }
 
 Queue& FakeDispatch::mainOperationQueue() { return *mainOperationQueue_; }
+
+Queue& FakeDispatch::mainEvents() { return *mainEvents_; }
 
 Queue& FakeDispatch::globalQueue(QueuePriority priority) {
   for (const auto& queue : globalQueues_) {

@@ -17,6 +17,7 @@ class FakeDispatch final : public platform::Dispatch {
 
   platform::Queue& mainQueue() override;
   platform::Queue& mainOperationQueue() override;
+  platform::Queue& mainEvents() override;
   platform::Queue& globalQueue(platform::QueuePriority priority) override;
   std::shared_ptr<platform::Queue> makeSerialQueue(std::string label) override;
   std::shared_ptr<platform::DispatchGroup> makeGroup() override;
@@ -26,11 +27,11 @@ class FakeDispatch final : public platform::Dispatch {
   // Labels of the serial queues in the order made.
   const std::vector<std::string>& serialQueues() const { return serialQueues_; }
 
-  // Which queue each block was given to, in that order: "main queue", "main operation queue", or the name of
-  // the thread that is to run it.
+  // Which queue each block was given to, in that order: "main queue", "main operation queue", "main events",
+  // or the name of the thread that is to run it.
   const std::vector<std::string>& submissions() const { return submissions_; }
 
-  // The same for the blocks of the main thread alone.
+  // The same for the blocks of the two main queues alone.
   std::vector<std::string> mainSubmissions() const;
 
  private:
@@ -42,6 +43,7 @@ class FakeDispatch final : public platform::Dispatch {
   FakeScheduler& scheduler_;
   std::unique_ptr<MainQueue> mainQueue_;
   std::unique_ptr<MainQueue> mainOperationQueue_;
+  std::unique_ptr<MainQueue> mainEvents_;
   std::vector<std::unique_ptr<GlobalQueue>> globalQueues_;
   std::vector<std::string> serialQueues_;
   std::vector<std::string> submissions_;

@@ -60,7 +60,7 @@ void FakeScheduler::addThread(std::string name, Block block) {
 
 void FakeScheduler::addToMain(MainLane which, Block block) {
   countAction();
-  if (!stopping_) lane(which).blocks.push_back(std::move(block));
+  if (!stopping_) lane(which).push_back(std::move(block));
 }
 
 void FakeScheduler::sleep(double seconds) {
@@ -143,7 +143,8 @@ bool FakeScheduler::step(bool mainLanes) {
     if (isDue(*thread)) choices.push_back({thread.get(), {}});
   }
   for (const MainLane which : {MainLane::DispatchQueue, MainLane::OperationQueue, MainLane::Events}) {
-    if (mainLanes && !lane(which).blocks.empty() && !lane(which).busy) choices.push_back({nullptr, which});
+    const bool isHeldUp = areQueuesBusy_ && which != MainLane::Events;
+    if (mainLanes && !isHeldUp && !lane(which).empty()) choices.push_back({nullptr, which});
   }
   if (choices.empty()) return false;
 
@@ -157,17 +158,16 @@ bool FakeScheduler::step(bool mainLanes) {
 }
 
 void FakeScheduler::runMainBlock(MainLane which) {
-  Lane& chosen = lane(which);
-  const Block block = std::move(chosen.blocks.front());
-  chosen.blocks.pop_front();
-  chosen.busy = which == MainLane::DispatchQueue;
+  const Block block = std::move(lane(which).front());
+  lane(which).pop_front();
+  const bool before = std::exchange(areQueuesBusy_, areQueuesBusy_ || which != MainLane::Events);
   try {
     guarded(block);
   } catch (...) {
-    chosen.busy = false;
+    areQueuesBusy_ = before;
     throw;
   }
-  chosen.busy = false;
+  areQueuesBusy_ = before;
 }
 
 void FakeScheduler::giveBatonTo(VirtualThread& thread) {
@@ -252,7 +252,7 @@ std::uint64_t FakeScheduler::random() {
 
 void FakeScheduler::shutDown() {
   stopping_ = true;
-  for (Lane& each : lanes_) each.blocks.clear();
+  for (auto& each : lanes_) each.clear();
   std::erase_if(threads_, [](const auto& each) { return each->state == VirtualThread::State::Ready; });
   while (!threads_.empty()) giveBatonTo(*threads_.front());
 }

@@ -20,11 +20,8 @@ class StepLimitReached : public std::runtime_error {
 };
 
 // What the main thread can find to do. Each lane is first in, first out; between lanes the seed decides.
-enum class MainLane {
-  DispatchQueue,   // not reentrant: nothing of it runs inside one of its own blocks
-  OperationQueue,  // goes on while a block of the main thread runs a modal loop
-  Events,          // notifications and the like; as the operation queue
-};
+// While a block of one of the two queues runs a modal loop, nothing of either runs; events go on.
+enum class MainLane { DispatchQueue, OperationQueue, Events };
 
 // Runs virtual threads one at a time in virtual time. Every virtual thread is a real one, but only the holder
 // of the baton runs, so nothing in the fakes needs a lock and a seed fixes the whole order. The baton changes
@@ -72,10 +69,6 @@ class FakeScheduler {
 
  private:
   struct VirtualThread;
-  struct Lane {
-    std::deque<Block> blocks;
-    bool busy = false;
-  };
 
   bool run(std::int64_t deadline, bool mainLanes, const std::function<bool()>& predicate);
   bool step(bool mainLanes);
@@ -89,7 +82,7 @@ class FakeScheduler {
   std::int64_t nextWakeUp() const;
   void advanceTo(std::int64_t time);
   std::uint64_t random();
-  Lane& lane(MainLane which) { return lanes_[static_cast<std::size_t>(which)]; }
+  std::deque<Block>& lane(MainLane which) { return lanes_[static_cast<std::size_t>(which)]; }
 
   const std::thread::id mainThread_;
   std::uint64_t randomState_;
@@ -98,7 +91,8 @@ class FakeScheduler {
   std::int64_t actionsAtThisMoment_ = 0;
   bool stopping_ = false;
   std::string limitFailure_;  // of a virtual thread, to be thrown on the main one
-  Lane lanes_[3];
+  std::deque<Block> lanes_[3];
+  bool areQueuesBusy_ = false;
   std::vector<std::unique_ptr<VirtualThread>> threads_;
 
   std::mutex mutex_;                 // guards the hand-over only

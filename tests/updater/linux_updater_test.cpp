@@ -246,8 +246,7 @@ TEST_F(RequestedUpdate, CancelledWhileItUnpacksLeavesNothingBehind) {
 
 TEST_F(RequestedUpdate, CancelledWhenItHasJustBeenUnpackedIsNotInstalled) {
   installer.whenDone = [this] {
-    machine.dispatch.mainOperationQueue().async(
-        [this] { machine.windows.progress.at(2)->cancelButton.press(); });
+    machine.dispatch.mainEvents().async([this] { machine.windows.progress.at(2)->cancelButton.press(); });
   };
 
   check();

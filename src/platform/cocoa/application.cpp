@@ -14,6 +14,7 @@ using objc::send;
 
 constexpr int kNoApplicationStatus = 1;
 constexpr double kLastWordsSeconds = 0.25;
+constexpr double kLookAtModalRunSeconds = 0.1;
 
 // Lives as long as the process, also while exit() runs.
 std::shared_ptr<ApplicationDelegate>& theDelegate() {
@@ -54,6 +55,21 @@ void makeApplication(const MainInterface& loadMainInterface) {
   send<void>(application, "setDelegate:", delegate.get());
 }
 
+// AppKit refuses terminate:, and asks nobody, while a window is modal. So that a quit is not lost which comes
+// while somebody else's is, the updater's for one, it is sent when that has gone.
+void terminateOnceNothingIsModal() {
+  objc::guardedAndLogged("terminate", [] {
+    if (send(sharedApplication(), "modalWindow") == nullptr) {
+      send<void>(sharedApplication(), "terminate:", nullptr);
+      return;
+    }
+    host().dispatch.globalQueue(QueuePriority::Default).async([] {
+      host().dispatch.sleep(kLookAtModalRunSeconds);
+      host().dispatch.mainEvents().async(terminateOnceNothingIsModal);
+    });
+  });
+}
+
 }  // namespace
 
 bool CocoaApplication::isActive() const {
@@ -81,9 +97,7 @@ void CocoaApplication::requestUserAttention(AttentionRequest request) {
   });
 }
 
-void CocoaApplication::terminate() {
-  objc::guardedAndLogged("terminate", [] { send<void>(sharedApplication(), "terminate:", nullptr); });
-}
+void CocoaApplication::terminate() { terminateOnceNothingIsModal(); }
 
 }  // namespace karno::platform::cocoa
 

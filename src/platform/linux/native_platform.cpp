@@ -56,7 +56,7 @@ struct NativeServices {
   LinuxBundles bundles{propertyLists};
   LinuxUserDefaultsStore userDefaults{propertyLists, bundles};
   LinuxManagedPreferences managedPreferences{propertyLists};
-  BusNotifications distributedNotifications{dispatch.mainQueue()};
+  BusNotifications distributedNotifications{dispatch.mainEvents()};
   IcuText text;
   StandardErrorLog consoleLog;
   LinuxSystemVersion systemVersion{propertyLists};

@@ -22,6 +22,12 @@ TEST(CocoaApplicationOnScreen, ABlockOfTheMainQueueCanTerminateIt) {
   EXPECT_EQ(result.status, 0);
 }
 
+// The stand-in for AppKit refuses while a window is modal.
+TEST(CocoaApplicationOnScreen, TerminatesOnceAnAlertOfSomebodyElseHasBeenAnswered) {
+  EXPECT_EQ(onScreen("application/terminate-under-alert").output,
+            "did finish launching\nasked to terminate\nanswered\nwill terminate\n");
+}
+
 TEST(CocoaApplicationOnScreen, ATerminationSignalEndsItInOrder) {
   const CommandResult result = onScreen("application/signal");
 
@@ -92,7 +98,9 @@ TEST(CocoaApplication, WithADisplayThatIsNotThereItEndsWithAnErrorStatus) {
   const CommandResult result = runCommand(
       {"env", "DISPLAY=:65000", KARNO_COCOA_SCENARIOS, "application/terminate"}, std::chrono::seconds(60));
 
-  EXPECT_THAT(result.output, testing::EndsWith("application: an exception was raised\n"));
+  EXPECT_THAT(result.output,
+              testing::EndsWith("application: NSWindowServerCommunicationException: Unable to connect to X "
+                                "Server `:65000'\n"));
   EXPECT_EQ(result.status, 1);
 }
 

@@ -14,6 +14,7 @@ class HandDispatch final : public platform::Dispatch {
 
   platform::Queue& mainQueue() override { return main_; }
   platform::Queue& mainOperationQueue() override { return main_; }
+  platform::Queue& mainEvents() override { return main_; }
   platform::Queue& globalQueue(platform::QueuePriority priority) override {
     return real_.globalQueue(priority);
   }

@@ -126,7 +126,7 @@ TEST(AppDelegateStart, StartsTheMainWindowOnALaterTurnAlsoWhenTheAnswerComesOnTh
   EXPECT_EQ(machine.windows.prompt.observerCount(), 1U);
 }
 
-TEST(AppDelegateStart, StartsTheMainWindowAlsoWhileTheMainDispatchQueueIsAtWork) {
+TEST(AppDelegateStart, StartsTheMainWindowOnceTheMainDispatchQueueIsDoneWithItsBlock) {
   FakePlatform machine;
   Launcher launcher(machine);
   std::size_t observersWhileAtWork = 99;
@@ -138,7 +138,8 @@ TEST(AppDelegateStart, StartsTheMainWindowAlsoWhileTheMainDispatchQueueIsAtWork)
 
   machine.runUntilIdle();
 
-  EXPECT_EQ(observersWhileAtWork, 1U);
+  EXPECT_EQ(observersWhileAtWork, 0U);
+  EXPECT_EQ(machine.windows.prompt.observerCount(), 1U);
 }
 
 TEST(AppDelegateStart, DoesNotStartTheUpdater) {
@@ -334,7 +335,7 @@ TEST(TerminateWithReason, TerminatesAfterFiveSecondsThoughTheLogIsNeverEmpty) {
   EXPECT_EQ(machine.application.terminatedAtSeconds(), 5.05);
 }
 
-TEST(TerminateWithReason, TerminatesWhileAnAlertOfTheMainDispatchQueueIsUp) {
+TEST(TerminateWithReason, TerminatesOnceAnAlertOfTheMainDispatchQueueIsAnswered) {
   FakePlatform machine;
   int terminationsWhileUp = -1;
   machine.alerts.answerNext(1000, [&] {
@@ -346,7 +347,8 @@ TEST(TerminateWithReason, TerminatesWhileAnAlertOfTheMainDispatchQueueIsUp) {
   machine.dispatch.mainQueue().async([&] { machine.alerts.runModal({}); });
   machine.runUntilIdle();
 
-  EXPECT_EQ(terminationsWhileUp, 1);
+  EXPECT_EQ(terminationsWhileUp, 0);
+  EXPECT_EQ(machine.application.terminations(), 1);
 }
 
 TEST(TerminateWithReason, TerminatesThoughTheLogFolderCouldNotBeMade) {

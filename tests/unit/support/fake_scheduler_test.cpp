@@ -242,19 +242,20 @@ TEST(Threads, AreTheMainThreadOnlyOnTheMainQueues) {
   EXPECT_THAT(answers, ElementsAre(true, true, false));
 }
 
-TEST(ModalLoop, RunsTheOperationQueueButNotTheQueueItStandsOn) {
+TEST(ModalLoop, RunsEventsButNoBlockOfTheTwoMainQueues) {
   FakePlatform machine;
   std::string order;
   machine.dispatch.mainQueue().async([&] {
-    machine.dispatch.mainQueue().async([&] { order += "queue "; });
-    machine.dispatch.mainOperationQueue().async([&] { order += "operation "; });
+    machine.dispatch.mainQueue().async([&] { order += "block "; });
+    machine.dispatch.mainOperationQueue().async([&] { order += "block "; });
+    machine.dispatch.mainEvents().async([&] { order += "event "; });
     machine.runFor(5);
     order += "end ";
   });
 
   machine.runUntilIdle();
 
-  EXPECT_EQ(order, "operation end queue ");
+  EXPECT_EQ(order, "event end block block ");
   EXPECT_EQ(machine.seconds(), 5);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
-#include "platform/cocoa/runtime/main_queue.h"
+#include "platform/cocoa/runtime/main_events.h"
 #include "platform/dispatch.h"
+#include "platform/linux/dispatch/main_queue.h"
 #include "platform/linux/dispatch/thread_pool.h"
 
 namespace karno::platform {
@@ -11,6 +12,7 @@ class LinuxDispatch final : public Dispatch {
  public:
   Queue& mainQueue() override { return mainQueue_; }
   Queue& mainOperationQueue() override { return mainQueue_; }
+  Queue& mainEvents() override { return mainEvents_; }
   Queue& globalQueue(QueuePriority priority) override;
   std::shared_ptr<Queue> makeSerialQueue(std::string label) override;
   std::shared_ptr<DispatchGroup> makeGroup() override;
@@ -18,7 +20,8 @@ class LinuxDispatch final : public Dispatch {
   bool isMainThread() const override;
 
  private:
-  cocoa::MainQueue mainQueue_;
+  cocoa::MainEvents mainEvents_;
+  MainQueue mainQueue_{mainEvents_};
   ThreadPool pool_{{.threadsMax = 448}};
   ThreadPool backgroundPool_{{.threadsMax = 64, .lowered = true}};
   PoolQueue high_{pool_, PoolLane::High};

@@ -61,7 +61,7 @@ void deactivate(Id application, Sel selector) {
   host().dispatch.globalQueue(QueuePriority::Default).async([] {
     for (const double seconds : {0.1, 0.2, 0.4, 0.8, 1.6}) {
       host().dispatch.sleep(seconds);
-      host().dispatch.mainQueue().async(activateIfFocused);
+      host().dispatch.mainEvents().async(activateIfFocused);
     }
   });
 }

@@ -10,7 +10,7 @@ void drawAgain(const std::function<void()>& draw) {
   host().dispatch.globalQueue(QueuePriority::Default).async([draw] {
     for (const double seconds : {0.25, 0.75, 2.0}) {
       host().dispatch.sleep(seconds);
-      host().dispatch.mainQueue().async(draw);
+      host().dispatch.mainEvents().async(draw);
     }
   });
 }

@@ -86,7 +86,7 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
     while (true) {
       const double wait = std::clamp(secondsUntilNextCheck(), 1.0, kLookIntervalSeconds);
       host().dispatch.sleep(checksAutomatically() ? wait : kLookIntervalSeconds);
-      host().dispatch.mainOperationQueue().async([self = shared_from_this()] { self->checkIfDue(); });
+      host().dispatch.mainEvents().async([self = shared_from_this()] { self->checkIfDue(); });
     }
   }
 
@@ -139,7 +139,7 @@ std::optional<Error> LinuxUpdater::startUpdater() {
   state_->hasFailedToStart = error.has_value();
   if (error) return error;
   state_->isStarted = true;
-  host().dispatch.mainOperationQueue().async([state = state_] { state->beginCycle(); });
+  host().dispatch.mainEvents().async([state = state_] { state->beginCycle(); });
   return std::nullopt;
 }
 
@@ -155,7 +155,7 @@ void LinuxUpdater::checkForUpdates() {
 
 void LinuxUpdater::setAutomaticallyChecksForUpdates(bool automatically) {
   state_->services.settings.setObject(automatically, kAutomaticChecksKey);
-  host().dispatch.mainOperationQueue().async([state = state_] { state->checkIfDue(); });
+  host().dispatch.mainEvents().async([state = state_] { state->checkIfDue(); });
 }
 
 void LinuxUpdater::clearFeedURLFromUserDefaults() { state_->services.settings.removeObject(kFeedKey); }

@@ -28,7 +28,7 @@ std::string infoText(std::string_view key) {
 template <class Work, class Then>
 void inBackground(Work work, Then then) {
   host().dispatch.globalQueue(QueuePriority::Default).async([work = std::move(work), then = std::move(then)] {
-    host().dispatch.mainOperationQueue().async([result = work(), then] { then(result); });
+    host().dispatch.mainEvents().async([result = work(), then] { then(result); });
   });
 }
 
@@ -266,7 +266,7 @@ Progress UpdateSession::progressOnMainThread() {
     const auto percent =
         static_cast<std::int64_t>(100.0 * static_cast<double>(done) / static_cast<double>(total));
     if (self->shownPercent_.exchange(percent) == percent) return true;
-    host().dispatch.mainOperationQueue().async([self, percent] {
+    host().dispatch.mainEvents().async([self, percent] {
       if (self->progressWindow_)
         self->progressWindow_->progressIndicator().setDoubleValue(static_cast<double>(percent));
     });
@@ -275,7 +275,7 @@ Progress UpdateSession::progressOnMainThread() {
 }
 
 void UpdateSession::tell(const std::string& message, const std::string& explanation) {
-  host().dispatch.mainOperationQueue().async([message, explanation, ok = textOf("OK")] {
+  host().dispatch.mainEvents().async([message, explanation, ok = textOf("OK")] {
     host().application.activateIgnoringOtherApps();
     host().alerts.runModal({.style = AlertStyle::Informational,
                             .messageText = message,

@@ -1,7 +1,7 @@
 #pragma once
 #include <dispatch/dispatch.h>
 
-#include "platform/cocoa/runtime/main_queue.h"
+#include "platform/cocoa/runtime/main_events.h"
 #include "platform/dispatch.h"
 
 namespace karno::platform {
@@ -23,6 +23,7 @@ class MacDispatch final : public Dispatch {
  public:
   Queue& mainQueue() override { return mainQueue_; }
   Queue& mainOperationQueue() override { return mainOperationQueue_; }
+  Queue& mainEvents() override { return mainEvents_; }
   Queue& globalQueue(QueuePriority priority) override;
   std::shared_ptr<Queue> makeSerialQueue(std::string label) override;
   std::shared_ptr<DispatchGroup> makeGroup() override;
@@ -31,7 +32,9 @@ class MacDispatch final : public Dispatch {
 
  private:
   GCDQueue mainQueue_{dispatch_get_main_queue(), "main queue"};
-  cocoa::MainQueue mainOperationQueue_;
+  // The operation queue of the main thread runs on its dispatch queue.
+  GCDQueue mainOperationQueue_{dispatch_get_main_queue(), "main operation queue"};
+  cocoa::MainEvents mainEvents_;
   GCDQueue high_{dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_HIGH, 0), "high global queue"};
   GCDQueue normal_{dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0), "default global queue"};
   GCDQueue low_{dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_LOW, 0), "low global queue"};

@@ -12,7 +12,7 @@ bool runOnMainThread(Dispatch& dispatch, Block block, std::int64_t nanosecondsMa
   }
   const std::shared_ptr<DispatchGroup> done = dispatch.makeGroup();
   done->enter();
-  dispatch.mainOperationQueue().async([block = std::move(block), done] {
+  dispatch.mainEvents().async([block = std::move(block), done] {
     const std::shared_ptr<void> leaving(nullptr, [&done](void*) { done->leave(); });
     block();
   });

@@ -42,7 +42,7 @@ void tell(objc::Id self, Tell tellDelegate) {
   if (audience->dispatch.isMainThread()) {
     told();
   } else {
-    audience->dispatch.mainOperationQueue().async(told);
+    audience->dispatch.mainEvents().async(told);
   }
 }
 

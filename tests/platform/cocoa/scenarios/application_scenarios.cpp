@@ -10,6 +10,7 @@
 
 #include "platform/cocoa/runtime/objc.h"
 #include "platform/cocoa/runtime/threads.h"
+#include "platform/linux/gnustep/method_replacement.h"
 #include "scenario.h"
 
 namespace karno::test {
@@ -49,6 +50,27 @@ void testThreads() {
   }).detach();
 }
 
+void (*originalTerminate)(platform::objc::Id, platform::objc::Sel, platform::objc::Id) = nullptr;
+
+void terminateAsOnAMac(platform::objc::Id self, platform::objc::Sel message, platform::objc::Id sender) {
+  if (platform::objc::send(self, "modalWindow") == nullptr) return originalTerminate(self, message, sender);
+  say("refused to terminate");
+}
+
+// The alert is none of a main queue's, so it holds up no block that asks to quit.
+void terminateUnderAnAlert() {
+  originalTerminate = platform::cocoa::replaceMethod(platform::objc::classNamed("NSApplication"),
+                                                     "terminate:", terminateAsOnAMac);
+  later([] {
+    terminate();
+    say("asked to terminate");
+    pressWhenActive("Return");
+  });
+  platform::host().alerts.runModal(
+      {.messageText = "Somebody else's", .informativeText = "", .buttons = {{"OK", "\r"}}});
+  say("answered");
+}
+
 }  // namespace
 
 void runApplicationScenario(std::string_view name) {
@@ -56,6 +78,8 @@ void runApplicationScenario(std::string_view name) {
     terminate();
   } else if (name == "terminate-later") {
     later([] { terminate(); });
+  } else if (name == "terminate-under-alert") {
+    terminateUnderAnAlert();
   } else if (name == "signal") {
     ::kill(::getpid(), SIGTERM);
   } else if (name == "signal-to-thread") {

@@ -42,18 +42,22 @@ void postBurst() {
   }
 }
 
-// The first block waits in an alert for the answer that a key press started by the third one gives.
-void showAlertInFirstBlock() {
-  later([] {
+// The first block waits in an alert for the answer that a key press started by an event gives.
+void showAlertInFirstBlock(platform::Queue& queue) {
+  queue.async([] {
     say("block 1 begins");
     const long answer = platform::host().alerts.runModal(
         {.messageText = "First", .informativeText = "", .buttons = {{"OK", "\r"}}});
     say(fmt::format("block 1 ends with {}", answer));
+  });
+  platform::Dispatch& dispatch = platform::host().dispatch;
+  dispatch.mainQueue().async([] { say("block 2"); });
+  dispatch.mainOperationQueue().async([] {
+    say("block 3");
     terminate();
   });
-  later([] { say("block 2"); });
-  later([] {
-    say("block 3");
+  dispatch.mainEvents().async([] {
+    say("event");
     pressWhenActive("Return");
   });
 }
@@ -77,7 +81,9 @@ void runQueueScenario(std::string_view name) {
   if (name == "burst") {
     postBurst();
   } else if (name == "alert-in-block") {
-    showAlertInFirstBlock();
+    showAlertInFirstBlock(platform::host().dispatch.mainQueue());
+  } else if (name == "alert-in-operation") {
+    showAlertInFirstBlock(platform::host().dispatch.mainOperationQueue());
   } else if (name == "throwing-blocks") {
     throwInBlocks();
   }

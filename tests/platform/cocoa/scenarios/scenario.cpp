@@ -46,7 +46,7 @@ void SayingDelegate::applicationWillTerminate() { say("will terminate"); }
 void later(std::function<void()> block) { platform::host().dispatch.mainQueue().async(std::move(block)); }
 
 void laterWhenActive(std::function<void()> block) {
-  onceActive([block = std::move(block)] { later(block); });
+  onceActive([block = std::move(block)] { platform::host().dispatch.mainEvents().async(block); });
 }
 
 void runWhenActive(const std::string& command) {

@@ -24,7 +24,8 @@ class SayingDelegate final : public platform::ApplicationDelegate {
 // Adds a block to the main queue.
 void later(std::function<void()> block);
 
-// Adds a block to the main queue once a window of this process is the active one.
+// Has the block run among the events of the main thread, alert or no alert, once a window of this process is
+// the active one.
 void laterWhenActive(std::function<void()> block);
 
 // Presses the keys one after the other, named as xdotool does, once a window of this process is the active

@@ -14,7 +14,7 @@
 #include "../../support/run_loop.h"
 #include "elements_are.h"
 #include "platform/cocoa/runtime/callback.h"
-#include "platform/cocoa/runtime/main_queue.h"
+#include "platform/cocoa/runtime/main_events.h"
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/runtime/threads.h"
 #include "stand_in.h"
@@ -114,8 +114,8 @@ TEST_F(MacMainThreadCall, WhatTheRequestRaisesEndsOnTheConsole) {
               ElementsAre(kPerformed, "log %@, perform on the main thread: raised by a stand-in"));
 }
 
-TEST_F(MacMainThreadCall, CarriesTheMainQueueInOrder) {
-  cocoa::MainQueue queue;
+TEST_F(MacMainThreadCall, CarriesTheMainEventsInOrder) {
+  cocoa::MainEvents queue;
   std::vector<int> run;
   std::thread([&] {
     const cocoa::ThreadPoolScope pool;

@@ -7,13 +7,12 @@
 
 namespace karno::platform::cocoa {
 
-// A serial queue whose blocks run on the main thread, once its run loop turns, also while a modal alert is
-// up. A block that runs a modal loop itself holds up none of the later ones. Any thread may add; what a
-// thread added first runs first. Made and destroyed on the main thread; blocks that have not run by then
-// never do.
-class MainQueue final : public Queue {
+// Blocks that run on the main thread once its run loop turns, also while a modal alert is up, whoever showed
+// it: what a timer or a notification would do. Any thread may add; what a thread added first begins first.
+// Made and destroyed on the main thread; blocks that have not run by then never do.
+class MainEvents final : public Queue {
  public:
-  MainQueue();
+  MainEvents();
   void async(Block block) override;
 
  private:

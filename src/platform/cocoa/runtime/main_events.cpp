@@ -1,13 +1,13 @@
-#include "platform/cocoa/runtime/main_queue.h"
+#include "platform/cocoa/runtime/main_events.h"
 
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/runtime/objc.h"
 
 namespace karno::platform::cocoa {
 
-MainQueue::MainQueue() : call_([this] { runNext(); }) {}
+MainEvents::MainEvents() : call_([this] { runNext(); }) {}
 
-void MainQueue::async(Block block) {
+void MainEvents::async(Block block) {
   bool isOnlyOne = false;
   {
     const std::lock_guard lock(mutex_);
@@ -20,7 +20,7 @@ void MainQueue::async(Block block) {
   }
 }
 
-void MainQueue::runNext() {
+void MainEvents::runNext() {
   Block block;
   bool hasMore = false;
   {
@@ -29,12 +29,12 @@ void MainQueue::runNext() {
     blocks_.pop_front();
     hasMore = !blocks_.empty();
   }
-  // Before the block runs: it may show an alert, and what follows runs in the alert's run loop.
+  // Before the block runs: it may show a window that is modal, and what follows runs in that one's run loop.
   if (hasMore) {
     call_.request();
   }
   const objc::AutoreleasePool pool;
-  objc::guardedAndLogged("main queue", block);
+  objc::guardedAndLogged("main events", block);
 }
 
 }  // namespace karno::platform::cocoa
