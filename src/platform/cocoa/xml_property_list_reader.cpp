@@ -2,10 +2,10 @@
 
 #include "platform/cocoa/property_list_error.h"
 #include "platform/cocoa/scalar_texts.h"
-#include "platform/cocoa/unicode.h"
 #include "platform/cocoa/values.h"
 #include "platform/cocoa/xml_property_list.h"
 #include "platform/cocoa/xml_scanner.h"
+#include "platform/text/utf8.h"
 
 namespace karno::platform::cocoa {
 namespace {

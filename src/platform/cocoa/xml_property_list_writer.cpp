@@ -2,9 +2,9 @@
 
 #include "platform/cocoa/property_list_error.h"
 #include "platform/cocoa/scalar_texts.h"
-#include "platform/cocoa/unicode.h"
 #include "platform/cocoa/values.h"
 #include "platform/cocoa/xml_property_list.h"
+#include "platform/text/utf8.h"
 
 namespace karno::platform::cocoa {
 namespace {
@@ -19,19 +19,19 @@ constexpr std::string_view kClosing = "</plist>\n";
 std::string escaped(std::string_view text) {
   std::string answer;
   answer.reserve(text.size());
-  for (const char character : validUTF8(text)) {
-    const auto code = static_cast<unsigned char>(character);
+  while (!text.empty()) {
+    const char32_t character = takeCharacter(text);
     if (character == '<') {
       answer += "&lt;";
     } else if (character == '>') {
       answer += "&gt;";
     } else if (character == '&') {
       answer += "&amp;";
-    } else if (code < 0x20 && character != '\t' && character != '\n') {
+    } else if (character < 0x20 && character != '\t' && character != '\n') {
       // XML readers turn a carriage return into a newline, and refuse other control characters.
-      answer += fmt::format("&#{};", code);
+      answer += fmt::format("&#{};", std::uint32_t{character});
     } else {
-      answer.push_back(character);
+      appendUTF8(answer, character);
     }
   }
   return answer;

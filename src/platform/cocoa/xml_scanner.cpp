@@ -1,11 +1,11 @@
 #include "platform/cocoa/xml_scanner.h"
+#include "platform/text/utf8.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <utility>
 
-#include "platform/cocoa/unicode.h"
 
 namespace karno::platform::cocoa {
 namespace {
