@@ -2,6 +2,7 @@
 
 #include "move/system_age.h"
 #include "platform/platform.h"
+#include "platform/property_lists/property_lists.h"
 #include "util/error.h"
 #include "util/string_utils.h"
 
@@ -44,11 +45,10 @@ bool listsDevice(const Value& listing, const std::string& device) {
 
 // What hdiutil tells of the mounted images. Older systems get no list, though hdiutil runs on them as well.
 std::optional<Value> mountedImages() {
-  const platform::Platform& host = platform::host();
   const auto info =
-      host.commands.run({.executablePath = "/usr/bin/hdiutil", .arguments = {"info", "-plist"}});
+      platform::host().commands.run({.executablePath = "/usr/bin/hdiutil", .arguments = {"info", "-plist"}});
   if (!info || !isNewerThanMacOS10_5()) return std::nullopt;
-  const Result<Value> listing = host.propertyLists.parse(info.value().standardOutput);
+  const Result<Value> listing = platform::parsePropertyList(info.value().standardOutput);
   return listing ? std::optional(listing.value()) : std::nullopt;
 }
 

@@ -118,7 +118,6 @@ platform::Platform withServices(const platform::Platform& native, platform::File
           native.userDefaults,
           native.managedPreferences,
           native.distributedNotifications,
-          native.propertyLists,
           files,
           native.text,
           native.consoleLog,

@@ -88,9 +88,9 @@ void addMountsOf(const Value& image, std::vector<Mount>& mounts) {
   }
 }
 
-std::vector<Mount> diskImageMounts(const PropertyLists& propertyLists) {
+std::vector<Mount> diskImageMounts() {
   std::vector<Mount> mounts;
-  const auto table = readDictionary(propertyLists, systemPath("/var/machine/disk-images.plist"));
+  const auto table = readDictionary(systemPath("/var/machine/disk-images.plist"));
   if (!table) return mounts;
   const auto images = table.value().find("images");
   const auto* list = images == table.value().end() ? nullptr : images->second.get<Value::Array>();
@@ -110,7 +110,7 @@ std::optional<MountInformation> LinuxMounts::informationOf(const std::string& pa
   std::error_code error;
   const std::string place = fs::canonical(path, error).string();
   if (error) return std::nullopt;
-  for (const Mount& image : diskImageMounts(propertyLists_)) {
+  for (const Mount& image : diskImageMounts()) {
     if (isAtOrBelow(place, withoutLinks(image.place))) return MountInformation{.sourceDevice = image.device};
   }
   const std::optional<Mount> mount = kernelMountOf(place);

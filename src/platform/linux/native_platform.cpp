@@ -1,6 +1,5 @@
 #include "platform/cocoa/application.h"
 #include "platform/cocoa/objc.h"
-#include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
 #include "platform/linux/alerts.h"
 #include "platform/linux/apple_scripts.h"
@@ -46,20 +45,19 @@ struct NativeServices {
   cocoa::CocoaApplication application;
   LinuxAlerts alerts;
   cocoa::CocoaWindows windows;
-  cocoa::CocoaPropertyLists propertyLists;
   LinuxDispatch dispatch;
   SystemClock clock;
   PosixTasks tasks;
   LinuxWorkspace workspace{tasks};
   PosixProcesses processes;
   PosixFiles files;
-  LinuxBundles bundles{propertyLists};
-  LinuxUserDefaultsStore userDefaults{propertyLists, bundles};
-  LinuxManagedPreferences managedPreferences{propertyLists};
+  LinuxBundles bundles;
+  LinuxUserDefaultsStore userDefaults{bundles};
+  LinuxManagedPreferences managedPreferences;
   BusNotifications distributedNotifications{dispatch.mainQueue()};
   IcuText text;
   StandardErrorLog consoleLog;
-  LinuxSystemVersion systemVersion{propertyLists};
+  LinuxSystemVersion systemVersion;
   updates::CurlDownloads updateDownloads{bundles};
   updates::InstallerProcess updateInstaller{bundles};
   updates::SiblingFolders updateFolders;
@@ -77,7 +75,7 @@ struct NativeServices {
   PosixFileReading fileReading;
   LinuxFileManager fileManager;
   LinuxStandardFolders standardFolders;
-  LinuxMounts mounts{propertyLists};
+  LinuxMounts mounts;
   PosixCommands commands{tasks, launchForMachine};
   LinuxAppleScripts appleScripts{commands};
   PkexecAuthorisations authorisations{commands};
@@ -94,7 +92,6 @@ struct NativeServices {
                     .userDefaults = userDefaults,
                     .managedPreferences = managedPreferences,
                     .distributedNotifications = distributedNotifications,
-                    .propertyLists = propertyLists,
                     .files = files,
                     .text = text,
                     .consoleLog = consoleLog,

@@ -31,10 +31,9 @@ std::string tagOfLocale(std::string_view locale) {
   return tag == "C" || tag == "POSIX" ? std::string() : tag;
 }
 
-std::vector<std::string> languagesOfPreferences(const PropertyLists& propertyLists) {
+std::vector<std::string> languagesOfPreferences() {
   std::vector<std::string> languages;
-  const auto preferences =
-      readDictionary(propertyLists, homeFolder() + "/Library/Preferences/.GlobalPreferences.plist");
+  const auto preferences = readDictionary(homeFolder() + "/Library/Preferences/.GlobalPreferences.plist");
   if (!preferences) return languages;
   const auto entry = preferences.value().find("AppleLanguages");
   if (entry == preferences.value().end()) return languages;
@@ -67,8 +66,8 @@ std::vector<std::string> languagesOfEnvironment() {
 
 }  // namespace
 
-std::vector<std::string> preferredLanguages(const PropertyLists& propertyLists) {
-  std::vector<std::string> languages = languagesOfPreferences(propertyLists);
+std::vector<std::string> preferredLanguages() {
+  std::vector<std::string> languages = languagesOfPreferences();
   return languages.empty() ? languagesOfEnvironment() : languages;
 }
 

@@ -1,24 +1,16 @@
 #include "platform/linux/property_list_file.h"
 
 #include <cerrno>
-#include <utility>
 
 #include "platform/posix/whole_file.h"
+#include "platform/property_lists/property_lists.h"
 
 namespace karno::platform {
 
-Result<Value::Dictionary> readDictionary(const PropertyLists& propertyLists, const std::string& path) {
+Result<Value::Dictionary> readDictionary(const std::string& path) {
   const Result<WholeFile> file = readWholeFile(path);
   if (!file) return file.error();
-  return parseDictionary(propertyLists, file.value().bytes);
-}
-
-Result<Value::Dictionary> parseDictionary(const PropertyLists& propertyLists, std::string_view bytes) {
-  const Result<Value> root = propertyLists.parse(bytes);
-  if (!root) return root.error();
-  const auto* dictionary = root.value().get<Value::Dictionary>();
-  if (dictionary == nullptr) return Error::posix(EINVAL);
-  return *dictionary;
+  return parseDictionary(file.value().bytes);
 }
 
 bool saysMissing(const Error& error) {

@@ -6,7 +6,6 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/cocoa/property_lists.h"
 #include "platform/linux/process_list.h"
 #include "platform/linux/property_list_file.h"
 #include "platform/posix/running_children.h"
@@ -37,8 +36,8 @@ class Identifiers {
   }
 
  private:
-  std::optional<std::string> read(const std::string& bundle) const {
-    const Result<Value::Dictionary> info = readDictionary(propertyLists_, bundle + "/Contents/Info.plist");
+  static std::optional<std::string> read(const std::string& bundle) {
+    const Result<Value::Dictionary> info = readDictionary(bundle + "/Contents/Info.plist");
     if (!info) return std::nullopt;
     const auto entry = info.value().find("CFBundleIdentifier");
     if (entry == info.value().end()) return std::nullopt;
@@ -46,7 +45,6 @@ class Identifiers {
     return identifier == nullptr ? std::nullopt : std::optional(*identifier);
   }
 
-  const CocoaPropertyLists propertyLists_{};
   std::map<std::string, std::optional<std::string>> known_;
 };
 

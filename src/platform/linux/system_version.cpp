@@ -40,8 +40,8 @@ std::optional<Version> versionFromText(std::string_view text) {
   return std::nullopt;
 }
 
-std::optional<Version> versionFromFile(const PropertyLists& propertyLists, const std::string& path) {
-  const Result<Value::Dictionary> values = readDictionary(propertyLists, path);
+std::optional<Version> versionFromFile(const std::string& path) {
+  const Result<Value::Dictionary> values = readDictionary(path);
   if (!values) return std::nullopt;
   const auto entry = values.value().find("ProductVersion");
   if (entry == values.value().end() || !entry->second.isString()) return std::nullopt;
@@ -52,7 +52,7 @@ std::optional<Version> versionFromFile(const PropertyLists& propertyLists, const
 
 std::optional<Version> LinuxSystemVersion::version() const {
   const std::string path = systemPath("/System/Library/CoreServices/SystemVersion.plist");
-  std::optional<Version> version = versionFromFile(propertyLists_, path);
+  std::optional<Version> version = versionFromFile(path);
   if (!version) {
     std::call_once(reported_, [&] { writeConsoleLine("SystemVersion: no ProductVersion in " + path); });
   }

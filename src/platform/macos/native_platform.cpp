@@ -1,7 +1,6 @@
 #include "platform/cocoa/alerts.h"
 #include "platform/cocoa/application.h"
 #include "platform/cocoa/objc.h"
-#include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/windows.h"
 #include "platform/macos/apple_scripts.h"
 #include "platform/macos/authorisations.h"
@@ -41,7 +40,6 @@ struct NativeServices {
   cocoa::CocoaAlerts alerts;
   cocoa::CocoaWindows windows;
   MacWorkspace workspace;
-  cocoa::CocoaPropertyLists propertyLists;
   MacDispatch dispatch;
   SystemClock clock;
   PosixTasks tasks;
@@ -79,7 +77,6 @@ struct NativeServices {
                     .userDefaults = userDefaults,
                     .managedPreferences = managedPreferences,
                     .distributedNotifications = distributedNotifications,
-                    .propertyLists = propertyLists,
                     .files = files,
                     .text = text,
                     .consoleLog = consoleLog,

@@ -60,7 +60,6 @@ platform::Platform withServices(const platform::Platform& native, platform::Appl
           native.userDefaults,
           native.managedPreferences,
           native.distributedNotifications,
-          native.propertyLists,
           native.files,
           native.text,
           native.consoleLog,

@@ -57,7 +57,6 @@ platform::Platform withBundlesAndConsole(platform::Bundles& bundles, platform::C
           host.userDefaults,
           host.managedPreferences,
           host.distributedNotifications,
-          host.propertyLists,
           host.files,
           host.text,
           console,

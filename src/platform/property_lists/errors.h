@@ -1,9 +1,15 @@
 #pragma once
+#include <stdexcept>
 #include <string_view>
 
 #include "platform/error.h"
 
-namespace karno::platform::cocoa {
+namespace karno::platform::lists {
+
+// What stands in the way of reading or writing, thrown inside this folder alone.
+struct Damage : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
 // NSPropertyListReadCorruptError with a text that says why.
 Error unreadablePropertyList(std::string_view reason);
@@ -14,4 +20,4 @@ Error unwritablePropertyList(std::string_view reason);
 // NSCoderReadCorruptError with a text that says why.
 Error unreadableArchive(std::string_view reason);
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

@@ -5,9 +5,8 @@
 #include "platform/error.h"
 #include "platform/value.h"
 
-// The XML form of property lists, read and written by us on both systems: GNUstep's (base 1.28) writes
-// characters beyond U+FFFF as backslash escapes and reads backslash escapes where a text only looks like one.
-namespace karno::platform::cocoa {
+// The XML form of property lists.
+namespace karno::platform::lists {
 
 // UTF-8 only. Comments, processing instructions and a document type without declarations of its own are
 // skipped; entities are the five of XML and character references. Elements nested deeper than kMaxValueDepth,
@@ -17,4 +16,4 @@ Result<Value> readXMLList(std::string_view xml);
 // Dates are written in whole seconds. An error only for a value nested too deeply.
 Result<std::string> writeXMLList(const Value& value);
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

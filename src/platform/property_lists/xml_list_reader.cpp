@@ -1,13 +1,13 @@
 #include <fmt/format.h>
 
-#include "platform/cocoa/property_list_error.h"
-#include "platform/cocoa/scalar_texts.h"
-#include "platform/cocoa/values.h"
-#include "platform/cocoa/xml_property_list.h"
-#include "platform/cocoa/xml_scanner.h"
+#include "platform/property_lists/errors.h"
+#include "platform/property_lists/limits.h"
+#include "platform/property_lists/scalar_texts.h"
+#include "platform/property_lists/xml_list.h"
+#include "platform/property_lists/xml_scanner.h"
 #include "platform/text/utf8.h"
 
-namespace karno::platform::cocoa {
+namespace karno::platform::lists {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -24,7 +24,7 @@ std::string_view trimmed(std::string_view text) {
 template <class T>
 T required(std::optional<T> value, const char* otherwise) {
   if (!value) {
-    throw XMLDamage(otherwise);
+    throw Damage(otherwise);
   }
   return *std::move(value);
 }
@@ -48,7 +48,7 @@ class Reader {
       scanner_.skipToTag();
     }
     if (!scanner_.isAtEnd()) {
-      throw XMLDamage("something follows the value");
+      throw Damage("something follows the value");
     }
     return value;
   }
@@ -58,7 +58,7 @@ class Reader {
  private:
   Value readElement(const XMLTag& tag, int depth) {
     if (tag.isClosing) {
-      throw XMLDamage("a value is missing");
+      throw Damage("a value is missing");
     }
     if (tag.name == "dict") {
       return readDictionary(tag, depth);
@@ -75,7 +75,7 @@ class Reader {
     }
     if (name == "true" || name == "false") {
       if (!trimmed(text).empty()) {
-        throw XMLDamage("a boolean has contents");
+        throw Damage("a boolean has contents");
       }
       return Value(name == "true");
     }
@@ -91,7 +91,7 @@ class Reader {
     if (name == "data") {
       return Value(required(dataOfText(text), "data is not base 64"));
     }
-    throw XMLDamage("an element is unknown");
+    throw Damage("an element is unknown");
   }
 
   Value readArray(const XMLTag& tag, int depth) {
@@ -123,7 +123,7 @@ class Reader {
         return Value(std::move(values));
       }
       if (next.isClosing || next.name != "key") {
-        throw XMLDamage("a key is missing");
+        throw Damage("a key is missing");
       }
       std::string key = contents(next);
       scanner_.skipToTag();
@@ -144,13 +144,13 @@ class Reader {
   void readClosing(std::string_view name) {
     const XMLTag tag = scanner_.readTag();
     if (!tag.isClosing || tag.name != name) {
-      throw XMLDamage("a closing tag is missing");
+      throw Damage("a closing tag is missing");
     }
   }
 
   static void requireDepth(int depth) {
     if (depth > kMaxValueDepth) {
-      throw XMLDamage("it is nested too deeply");
+      throw Damage("it is nested too deeply");
     }
   }
 
@@ -169,9 +169,9 @@ Result<Value> readXMLList(std::string_view xml) {
   Reader reader(xml);
   try {
     return reader.read();
-  } catch (const XMLDamage& damage) {
+  } catch (const Damage& damage) {
     return unreadablePropertyList(fmt::format("line {}: {}", reader.lineNumber(), damage.what()));
   }
 }
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

@@ -6,8 +6,8 @@
 
 #include "platform/value.h"
 
-// The texts of single values in the XML form of property lists.
-namespace karno::platform::cocoa {
+// Single values of property lists, and their texts in the XML form.
+namespace karno::platform::lists {
 
 // Decimal or, after "0x", hexadecimal; a number that only fits 64 bits without sign becomes a double.
 std::optional<Value> integerOfText(std::string_view text);
@@ -20,8 +20,11 @@ std::string textOfReal(double number);
 std::optional<Date> dateOfText(std::string_view text);
 std::string textOfDate(Date date);
 
+// The same of a moment in seconds since 1970-01-01T00:00:00Z, which must be a number.
+std::optional<Date> dateSince1970(double seconds);
+
 // Base 64; white space between its characters does not count.
 std::optional<Value::Data> dataOfText(std::string_view text);
 std::string textOfData(const Value::Data& data);
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

@@ -1,26 +1,24 @@
-#include "platform/cocoa/property_lists.h"
+#include "platform/property_lists/property_lists.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <limits>
 
-#include "foundation_objects.h"
-#include "platform/cocoa/property_list_limits.h"
+#include "../cocoa/foundation_objects.h"
+#include "platform/property_lists/limits.h"
 
-namespace karno::platform::cocoa {
+namespace karno::platform {
 namespace {
 
 using namespace std::chrono_literals;
 
-const CocoaPropertyLists propertyLists;
-
 Value parsed(std::string_view bytes) {
-  const auto result = propertyLists.parse(bytes);
+  const auto result = parsePropertyList(bytes);
   return result ? result.value() : Value(result.error().localizedDescription());
 }
 
-Value thereAndBack(const Value& value) { return parsed(propertyLists.serialiseAsXML(value).value()); }
+Value thereAndBack(const Value& value) { return parsed(propertyListXML(value).value()); }
 
 Value nested(int levels) {
   Value value("core");
@@ -42,7 +40,7 @@ const Value kEveryKind(Value::Dictionary{
 });
 
 TEST(PropertyLists, WritesTheFormThatMacsWrite) {
-  EXPECT_EQ(propertyLists.serialiseAsXML(kEveryKind).value(),
+  EXPECT_EQ(propertyListXML(kEveryKind).value(),
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
             "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
             "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
@@ -124,7 +122,7 @@ TEST(PropertyLists, AllowsSixtyFourLevels) {
 }
 
 TEST(PropertyLists, DoesNotWriteMoreThanSixtyFourLevels) {
-  const auto result = propertyLists.serialiseAsXML(nested(65));
+  const auto result = propertyListXML(nested(65));
 
   EXPECT_EQ(result.error().localizedDescription(),
             "The property list cannot be written: it is nested too deeply.");
@@ -132,7 +130,7 @@ TEST(PropertyLists, DoesNotWriteMoreThanSixtyFourLevels) {
 }
 
 TEST(PropertyLists, RefusesMoreThanSixteenMiB) {
-  std::string bytes = "<string>" + std::string(kPropertyListSizeBytesMax, 'x') + "</string>";
+  std::string bytes = "<string>" + std::string(lists::kPropertyListSizeBytesMax, 'x') + "</string>";
 
   EXPECT_EQ(parsed(bytes), Value("The property list cannot be read: it is too large."));
 }
@@ -146,7 +144,7 @@ struct DamagedXML {
 class DamagedXMLList : public testing::TestWithParam<DamagedXML> {};
 
 TEST_P(DamagedXMLList, IsAnErrorThatNamesTheLine) {
-  const auto result = propertyLists.parse(GetParam().xml);
+  const auto result = parsePropertyList(GetParam().xml);
 
   ASSERT_FALSE(result);
   EXPECT_EQ(result.error().domain(), "NSCocoaErrorDomain");
@@ -216,4 +214,4 @@ INSTANTIATE_TEST_SUITE_P(Each, DamagedXMLList, testing::ValuesIn(kDamagedXML),
                          [](const auto& each) { return each.param.name; });
 
 }  // namespace
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform

@@ -1,4 +1,4 @@
-#include "platform/cocoa/scalar_texts.h"
+#include "platform/property_lists/scalar_texts.h"
 
 #include <fmt/format.h>
 
@@ -8,20 +8,18 @@
 #include <cstdlib>
 #include <limits>
 
-namespace karno::platform::cocoa {
+namespace karno::platform::lists {
 namespace {
 
 constexpr std::string_view kBase64Digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
-std::optional<int> fixedNumber(std::string_view text, std::size_t begin, std::size_t length) {
+// Of a text that has digits there.
+int numberAt(std::string_view text, std::size_t begin, std::size_t length) {
   int number = 0;
-  for (const char character : text.substr(begin, length)) {
-    if (!isDigit(character)) {
-      return std::nullopt;
-    }
-    number = number * 10 + (character - '0');
+  for (const char digit : text.substr(begin, length)) {
+    number = number * 10 + (digit - '0');
   }
   return number;
 }
@@ -122,12 +120,12 @@ std::optional<Date> dateOfText(std::string_view text) {
       return std::nullopt;
     }
   }
-  const std::chrono::year_month_day day{std::chrono::year(*fixedNumber(text, 0, 4)),
-                                        std::chrono::month(static_cast<unsigned>(*fixedNumber(text, 5, 2))),
-                                        std::chrono::day(static_cast<unsigned>(*fixedNumber(text, 8, 2)))};
-  const int hour = *fixedNumber(text, 11, 2);
-  const int minute = *fixedNumber(text, 14, 2);
-  const int second = *fixedNumber(text, 17, 2);
+  const std::chrono::year_month_day day{std::chrono::year(numberAt(text, 0, 4)),
+                                        std::chrono::month(static_cast<unsigned>(numberAt(text, 5, 2))),
+                                        std::chrono::day(static_cast<unsigned>(numberAt(text, 8, 2)))};
+  const int hour = numberAt(text, 11, 2);
+  const int minute = numberAt(text, 14, 2);
+  const int second = numberAt(text, 17, 2);
   if (!day.ok() || hour > 23 || minute > 59 || second > 59) {
     return std::nullopt;
   }
@@ -143,6 +141,18 @@ std::string textOfDate(Date date) {
   return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", int{day.year()}, unsigned{day.month()},
                      unsigned{day.day()}, time.hours().count(), time.minutes().count(),
                      time.seconds().count());
+}
+
+std::optional<Date> dateSince1970(double seconds) {
+  const double nanoseconds = seconds * 1e9;
+  if (std::isnan(nanoseconds)) {
+    return std::nullopt;
+  }
+  constexpr auto kLimit = static_cast<double>(std::numeric_limits<std::int64_t>::max());
+  if (std::abs(nanoseconds) >= kLimit) {
+    return nanoseconds > 0 ? Date::max() : Date::min();
+  }
+  return Date(std::chrono::nanoseconds(std::llround(nanoseconds)));
 }
 
 std::optional<Value::Data> dataOfText(std::string_view text) {
@@ -193,4 +203,4 @@ std::string textOfData(const Value::Data& data) {
   return text;
 }
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

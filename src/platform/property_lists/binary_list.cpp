@@ -1,13 +1,15 @@
-#include "platform/cocoa/binary_list_check.h"
+#include "platform/property_lists/binary_list.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstdint>
-#include <stdexcept>
 
-#include "platform/cocoa/property_list_error.h"
-#include "platform/cocoa/property_list_limits.h"
-#include "platform/cocoa/values.h"
+#include "platform/property_lists/errors.h"
+#include "platform/property_lists/limits.h"
+#include "platform/property_lists/scalar_texts.h"
+#include "platform/text/utf8.h"
 
-namespace karno::platform::cocoa {
+namespace karno::platform::lists {
 namespace {
 
 constexpr std::size_t kTrailerBytes = 32;
@@ -26,13 +28,9 @@ enum Kind : unsigned {
   kDictionary = 0xD,
 };
 
-struct ListDamage : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
 void require(bool condition, const char* otherwise) {
   if (!condition) {
-    throw ListDamage(otherwise);
+    throw Damage(otherwise);
   }
 }
 
@@ -52,12 +50,12 @@ struct Header {
   std::uint64_t contents = 0;
 };
 
-class BinaryList {
+class BinaryReader {
  public:
-  BinaryList(std::string_view bytes, ArchiveReferences references)
+  BinaryReader(std::string_view bytes, ArchiveReferences references)
       : bytes_(bytes), references_(references), trailer_(readTrailer()) {}
 
-  void check() { checkObject(trailer_.rootIndex, 1); }
+  Value read() { return object(trailer_.rootIndex, 1); }
 
  private:
   // Big-endian; the caller has checked that the bytes are there.
@@ -126,83 +124,123 @@ class BinaryList {
     header.contents += 1 + width;
   }
 
-  void checkObject(std::uint64_t objectIndex, int depth) {
+  Value object(std::uint64_t objectIndex, int depth) {
     const Header header = headerOf(objectIndex);
     requireInside(header.contents, header.count, 1);
     require(budget_.spend(header.count), "it unfolds to too much");
     switch (header.kind) {
       case kArray:
-        checkElements(header, header.count, depth);
-        return;
+        return Value(elements(header, header.count, depth));
       case kDictionary:
-        checkElements(header, 2 * header.count, depth);
-        checkKeys(header);
-        return;
+        return dictionary(header, depth);
       default:
-        checkLeaf(header);
+        return leaf(header);
     }
   }
 
-  std::uint64_t referenceAt(const Header& header, std::uint64_t position) const {
-    return number(header.contents + position * trailer_.referenceBytes, trailer_.referenceBytes);
-  }
-
-  void checkElements(const Header& header, std::uint64_t count, int depth) {
+  Value::Array elements(const Header& header, std::uint64_t count, int depth) {
     require(depth <= kMaxValueDepth, "it is nested too deeply");
-    requireInside(header.contents, count, trailer_.referenceBytes);
+    const std::size_t width = trailer_.referenceBytes;
+    requireInside(header.contents, count, width);
+    Value::Array values;
     for (std::uint64_t position = 0; position < count; ++position) {
-      checkObject(referenceAt(header, position), depth + 1);
+      values.push_back(object(number(header.contents + position * width, width), depth + 1));
     }
+    return values;
   }
 
-  void checkKeys(const Header& header) const {
-    for (std::uint64_t position = 0; position < header.count; ++position) {
-      const unsigned kind = headerOf(referenceAt(header, position)).kind;
-      require(kind == kAsciiText || kind == kUTF16Text, "a key is no text");
+  // The keys come first, then as many values.
+  Value dictionary(const Header& header, int depth) {
+    Value::Array entries = elements(header, 2 * header.count, depth);
+    Value::Dictionary dictionary;
+    for (std::size_t position = 0; position < header.count; ++position) {
+      const auto* const key = entries[position].get<std::string>();
+      require(key != nullptr, "a key is no text");
+      dictionary.insert_or_assign(*key, std::move(entries[header.count + position]));
     }
+    return Value(std::move(dictionary));
   }
 
-  void checkLeaf(const Header& header) const {
+  Value leaf(const Header& header) const {
     switch (header.kind) {
       case kSingleton:
         require(header.low == 8 || header.low == 9, "it holds an object of an unknown kind");
-        return;
+        return Value(header.low == 9);
       case kInteger:
-        require(header.low <= 4, "an integer is too wide");
-        requireInside(header.contents, 1, std::uint64_t{1} << header.low);
-        return;
+        return integer(header);
       case kReal:
         require(header.low == 2 || header.low == 3, "a number has an odd width");
-        requireInside(header.contents, 1, std::uint64_t{1} << header.low);
-        return;
+        return Value(header.low == 2
+                         ? double{std::bit_cast<float>(static_cast<std::uint32_t>(scalar(header, 4)))}
+                         : std::bit_cast<double>(scalar(header, 8)));
       case kDate:
-        require(header.low == 3, "a date has an odd width");
-        requireInside(header.contents, 1, 8);
-        return;
+        return date(header);
       case kData:
-        requireInside(header.contents, header.count, 1);
-        return;
+        return data(header);
       case kAsciiText:
-        checkAscii(header);
-        return;
+        return asciiText(header);
       case kUTF16Text:
-        requireInside(header.contents, header.count, 2);
-        return;
+        return utf16Text(header);
       case kReference:
         require(references_ == ArchiveReferences::Allowed, "it holds an archive's reference");
         require(header.low <= 3, "a reference is too wide");
-        requireInside(header.contents, 1, header.low + 1);
-        return;
+        return Value(Value::Dictionary{
+            {std::string(kReferenceKey), static_cast<std::int64_t>(scalar(header, header.low + 1))}});
       default:
-        throw ListDamage("it holds an object of an unknown kind");
+        throw Damage("it holds an object of an unknown kind");
     }
   }
 
-  void checkAscii(const Header& header) const {
-    requireInside(header.contents, header.count, 1);
-    for (const char character : bytes_.substr(header.contents, header.count)) {
-      require((static_cast<unsigned char>(character) & 0x80) == 0, "an ASCII text is none");
+  std::uint64_t scalar(const Header& header, std::size_t width) const {
+    requireInside(header.contents, 1, width);
+    return number(header.contents, width);
+  }
+
+  // Those of 8 bytes have a sign, narrower ones have none; of 16 bytes the upper half may only widen the
+  // lower.
+  Value integer(const Header& header) const {
+    require(header.low <= 4, "an integer is too wide");
+    if (header.low < 4) {
+      return Value(static_cast<std::int64_t>(scalar(header, std::size_t{1} << header.low)));
     }
+    requireInside(header.contents, 1, 16);
+    const std::uint64_t upper = number(header.contents, 8);
+    const std::uint64_t lower = number(header.contents + 8, 8);
+    const bool fitsSigned = upper == (lower >> 63 == 0 ? 0 : ~std::uint64_t{0});
+    require(fitsSigned || upper == 0, "an integer is too wide");
+    return fitsSigned ? Value(static_cast<std::int64_t>(lower)) : Value(static_cast<double>(lower));
+  }
+
+  Value date(const Header& header) const {
+    require(header.low == 3, "a date has an odd width");
+    const auto moment = dateSince1970(std::bit_cast<double>(scalar(header, 8)) + kReferenceDateSeconds);
+    require(moment.has_value(), "it holds what no property list has");
+    return Value(*moment);
+  }
+
+  std::string_view content(const Header& header) const {
+    return bytes_.substr(header.contents, header.count);
+  }
+
+  Value data(const Header& header) const {
+    Value::Data data(header.count);
+    std::ranges::transform(content(header), data.begin(), [](char byte) { return std::byte(byte); });
+    return Value(std::move(data));
+  }
+
+  Value asciiText(const Header& header) const {
+    const bool isAscii = std::ranges::none_of(content(header), [](char byte) { return (byte & 0x80) != 0; });
+    require(isAscii, "an ASCII text is none");
+    return Value(std::string(content(header)));
+  }
+
+  Value utf16Text(const Header& header) const {
+    requireInside(header.contents, header.count, 2);
+    std::u16string units;
+    for (std::uint64_t unit = 0; unit < header.count; ++unit) {
+      units.push_back(static_cast<char16_t>(number(header.contents + 2 * unit, 2)));
+    }
+    return Value(utf8OfUTF16(units));
   }
 
   std::string_view bytes_;
@@ -213,13 +251,12 @@ class BinaryList {
 
 }  // namespace
 
-std::optional<Error> checkBinaryList(std::string_view bytes, ArchiveReferences references) {
+Result<Value> readBinaryList(std::string_view bytes, ArchiveReferences references) {
   try {
-    BinaryList(bytes, references).check();
-    return std::nullopt;
-  } catch (const ListDamage& damage) {
+    return BinaryReader(bytes, references).read();
+  } catch (const Damage& damage) {
     return unreadablePropertyList(damage.what());
   }
 }
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

@@ -1,13 +1,14 @@
-#include "platform/cocoa/xml_scanner.h"
-#include "platform/text/utf8.h"
+#include "platform/property_lists/xml_scanner.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <utility>
 
+#include "platform/property_lists/errors.h"
+#include "platform/text/utf8.h"
 
-namespace karno::platform::cocoa {
+namespace karno::platform::lists {
 namespace {
 
 constexpr std::string_view kWhiteSpace = " \t\r\n";
@@ -37,7 +38,7 @@ bool XMLScanner::skip(std::string_view token) {
 void XMLScanner::skipThrough(std::string_view token) {
   const std::size_t found = xml_.find(token, position_);
   if (found == std::string_view::npos) {
-    throw XMLDamage("the text ends too early");
+    throw Damage("the text ends too early");
   }
   position_ = found + token.size();
 }
@@ -62,7 +63,7 @@ void XMLScanner::skipDocumentType() {
   const std::size_t begin = position_;
   skipThrough(">");
   if (xml_.substr(begin, position_ - begin).find('[') != std::string_view::npos) {
-    throw XMLDamage("the document type has declarations");
+    throw Damage("the document type has declarations");
   }
 }
 
@@ -70,7 +71,7 @@ void XMLScanner::skipAttributes() {
   while (true) {
     const std::size_t next = xml_.find_first_of("\"'<>/", position_);
     if (next == std::string_view::npos || xml_[next] == '<') {
-      throw XMLDamage("a tag does not end");
+      throw Damage("a tag does not end");
     }
     position_ = next;
     if (xml_[next] == '>' || xml_[next] == '/') {
@@ -83,7 +84,7 @@ void XMLScanner::skipAttributes() {
 
 XMLTag XMLScanner::readTag() {
   if (!skip("<")) {
-    throw XMLDamage(isAtEnd() ? "the text ends too early" : "there is text where a tag belongs");
+    throw Damage(isAtEnd() ? "the text ends too early" : "there is text where a tag belongs");
   }
   XMLTag tag{.name = {}, .isClosing = skip("/")};
   const std::size_t begin = position_;
@@ -94,7 +95,7 @@ XMLTag XMLScanner::readTag() {
   skipAttributes();
   tag.isEmpty = skip("/");
   if (tag.name.empty() || (tag.isClosing && tag.isEmpty) || !skip(">")) {
-    throw XMLDamage("a tag is malformed");
+    throw Damage("a tag is malformed");
   }
   return tag;
 }
@@ -108,7 +109,7 @@ char32_t XMLScanner::readEntity() {
     }
   }
   if (!name.starts_with('#')) {
-    throw XMLDamage("an entity is unknown");
+    throw Damage("an entity is unknown");
   }
   const bool isHexadecimal = name.starts_with("#x");
   const std::string_view digits = name.substr(isHexadecimal ? 2 : 1);
@@ -116,7 +117,7 @@ char32_t XMLScanner::readEntity() {
   const char* const end = digits.data() + digits.size();
   const auto [stop, problem] = std::from_chars(digits.data(), end, number, isHexadecimal ? 16 : 10);
   if (problem != std::errc() || stop != end || !isUnicodeCharacter(number)) {
-    throw XMLDamage("a character reference is none");
+    throw Damage("a character reference is none");
   }
   position_ += name.size();
   skipThrough(";");
@@ -143,4 +144,4 @@ std::string XMLScanner::readText() {
   }
 }
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

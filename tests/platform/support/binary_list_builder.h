@@ -1,9 +1,10 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
-namespace karno::platform::test {
+namespace karno::test {
 
 // Puts a binary property list together, sound or damaged. Objects are given as their bytes.
 class BinaryListBuilder {
@@ -60,4 +61,19 @@ class BinaryListBuilder {
   std::vector<std::string> objects_;
 };
 
-}  // namespace karno::platform::test
+// A dictionary of at most seven short ASCII texts: one byte says how long each is, and how many there are.
+inline std::string binaryListOfTexts(const std::vector<std::pair<std::string, std::string>>& entries) {
+  const auto textObject = [](const std::string& text) {
+    return "\x5F\x10" + std::string(1, static_cast<char>(text.size())) + text;
+  };
+  std::vector<int> targets;
+  for (std::size_t target = 1; target <= 2 * entries.size(); ++target)
+    targets.push_back(static_cast<int>(target));
+  BinaryListBuilder list;
+  list.references(static_cast<char>(0xD0 + entries.size()), targets);
+  for (const auto& [key, text] : entries) list.object(textObject(key));
+  for (const auto& [key, text] : entries) list.object(textObject(text));
+  return list.build();
+}
+
+}  // namespace karno::test

@@ -1,15 +1,9 @@
 #pragma once
 #include <cstddef>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
-namespace karno::platform::cocoa {
-
-// What stands in the way of reading the XML text.
-struct XMLDamage : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
+namespace karno::platform::lists {
 
 // One tag: <name ...>, </name> or <name .../>.
 struct XMLTag {
@@ -18,7 +12,7 @@ struct XMLTag {
   bool isEmpty = false;
 };
 
-// Walks through the little of XML that property lists use. Every operation throws XMLDamage when the text is
+// Walks through the little of XML that property lists use. Every operation throws Damage when the text is
 // not what it asks for; the text must be UTF-8 and outlive this.
 class XMLScanner {
  public:
@@ -48,4 +42,4 @@ class XMLScanner {
   std::size_t position_ = 0;
 };
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

@@ -3,16 +3,14 @@
 #include <chrono>
 #include <vector>
 
-#include "binary_list_builder.h"
-#include "foundation_objects.h"
-#include "platform/cocoa/property_lists.h"
+#include "../cocoa/foundation_objects.h"
+#include "../support/binary_list_builder.h"
+#include "platform/property_lists/property_lists.h"
 
-namespace karno::platform::cocoa {
+namespace karno::platform {
 namespace {
 
-using test::BinaryListBuilder;
-
-const CocoaPropertyLists propertyLists;
+using karno::test::BinaryListBuilder;
 
 constexpr char kDictionaryOfOne = '\xD1';
 constexpr char kArrayOfOne = '\xA1';
@@ -64,11 +62,11 @@ TEST(BinaryLists, ASoundListIsRead) {
                                 .object("\x10\x07")
                                 .build();
 
-  EXPECT_EQ(propertyLists.parse(bytes).value(), Value(Value::Dictionary{{"key", 7}}));
+  EXPECT_EQ(parsePropertyList(bytes).value(), Value(Value::Dictionary{{"key", 7}}));
 }
 
 TEST(BinaryLists, AnObjectMayBeSharedWithinReason) {
-  EXPECT_EQ(propertyLists.parse(doublingArrays(2)).value(),
+  EXPECT_EQ(parsePropertyList(doublingArrays(2)).value(),
             Value(Value::Array{Value(Value::Array{"x", "x"}), Value(Value::Array{"x", "x"})}));
 }
 
@@ -80,7 +78,7 @@ TEST_P(BinaryListWidths, AreRead) {
   list.referenceBytes = static_cast<std::uint8_t>(GetParam());
   list.references(kArrayOfTwo, {1, 2}).object(textObject("x")).object("\x09");
 
-  EXPECT_EQ(propertyLists.parse(list.build()).value(), Value(Value::Array{"x", true}));
+  EXPECT_EQ(parsePropertyList(list.build()).value(), Value(Value::Array{"x", true}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, BinaryListWidths, testing::Values(1, 2, 3, 4));
@@ -90,20 +88,20 @@ TEST(BinaryLists, LargeOnesAreRead) {
                                       {"list", Value(Value::Array(5'000, Value(1.5)))},
                                       {"text", Value(std::string(70'000, 'x'))}});
 
-  EXPECT_EQ(propertyLists.parse(test::binaryList(large)).value(), large);
+  EXPECT_EQ(parsePropertyList(test::binaryList(large)).value(), large);
 }
 
 TEST(BinaryLists, EveryKindMayBeTheLastObject) {
-  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x09").build()).value(), Value(true));
-  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x10\x07").build()).value(), Value(7));
+  EXPECT_EQ(parsePropertyList(BinaryListBuilder().object("\x09").build()).value(), Value(true));
+  EXPECT_EQ(parsePropertyList(BinaryListBuilder().object("\x10\x07").build()).value(), Value(7));
   EXPECT_EQ(
-      propertyLists.parse(BinaryListBuilder().object("\x23\x40\x04" + std::string(6, '\0')).build()).value(),
+      parsePropertyList(BinaryListBuilder().object("\x23\x40\x04" + std::string(6, '\0')).build()).value(),
       Value(2.5));
-  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x33" + std::string(8, '\0')).build()).value(),
+  EXPECT_EQ(parsePropertyList(BinaryListBuilder().object("\x33" + std::string(8, '\0')).build()).value(),
             Value(Date(std::chrono::seconds(978'307'200))));
-  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x41z").build()).value(),
+  EXPECT_EQ(parsePropertyList(BinaryListBuilder().object("\x41z").build()).value(),
             Value(Value::Data{std::byte{'z'}}));
-  EXPECT_EQ(propertyLists.parse(BinaryListBuilder().object("\x61\x20\xAC").build()).value(), Value("\u20AC"));
+  EXPECT_EQ(parsePropertyList(BinaryListBuilder().object("\x61\x20\xAC").build()).value(), Value("\u20AC"));
 }
 
 TEST(BinaryLists, EveryTruncationOfASoundListIsAnErrorOrAValue) {
@@ -112,7 +110,7 @@ TEST(BinaryLists, EveryTruncationOfASoundListIsAnErrorOrAValue) {
                                                {"d", Value(Value::Data(300, std::byte{1}))}}));
 
   for (std::size_t length = 0; length < sound.size(); ++length) {
-    EXPECT_FALSE(propertyLists.parse(std::string_view(sound).substr(0, length))) << "length " << length;
+    EXPECT_FALSE(parsePropertyList(std::string_view(sound).substr(0, length))) << "length " << length;
   }
 }
 
@@ -125,7 +123,7 @@ struct DamagedBinary {
 class DamagedBinaryList : public testing::TestWithParam<DamagedBinary> {};
 
 TEST_P(DamagedBinaryList, IsAnError) {
-  const auto result = propertyLists.parse(GetParam().bytes);
+  const auto result = parsePropertyList(GetParam().bytes);
 
   ASSERT_FALSE(result);
   EXPECT_EQ(result.error().localizedDescription(),
@@ -197,4 +195,4 @@ INSTANTIATE_TEST_SUITE_P(Each, DamagedBinaryList, testing::ValuesIn(kDamagedBina
                          [](const auto& each) { return each.param.name; });
 
 }  // namespace
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform

@@ -1,22 +1,14 @@
-#include "platform/cocoa/keyed_archive.h"
+#include "platform/property_lists/keyed_archive.h"
 
 #include <array>
-#include <cmath>
-#include <stdexcept>
 
-#include "platform/cocoa/property_list_error.h"
-#include "platform/cocoa/property_list_limits.h"
-#include "platform/cocoa/values.h"
+#include "platform/property_lists/binary_list.h"
+#include "platform/property_lists/errors.h"
+#include "platform/property_lists/limits.h"
+#include "platform/property_lists/scalar_texts.h"
 
-namespace karno::platform::cocoa {
+namespace karno::platform::lists {
 namespace {
-
-constexpr double kReferenceDateSeconds = 978307200;  // 2001-01-01, from which archived dates count
-constexpr std::string_view kReferenceKey = "CF$UID";
-
-struct ArchiveDamage : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
 
 enum class ArchivedClass { Dictionary, Array, String, Data, Date };
 
@@ -43,18 +35,17 @@ const T& entry(const Value::Dictionary& dictionary, std::string_view key, const 
   const auto found = dictionary.find(key);
   const T* const value = found == dictionary.end() ? nullptr : found->second.get<T>();
   if (value == nullptr) {
-    throw ArchiveDamage(otherwise);
+    throw Damage(otherwise);
   }
   return *value;
 }
 
 Date dateOf(double secondsSinceReference) {
-  const double nanoseconds = (secondsSinceReference + kReferenceDateSeconds) * 1e9;
-  constexpr double kLimit = 9.2e18;  // what fits a Date
-  if (!(std::abs(nanoseconds) < kLimit)) {
-    throw ArchiveDamage("a date is out of range");
+  const auto date = dateSince1970(secondsSinceReference + kReferenceDateSeconds);
+  if (!date || *date == Date::min() || *date == Date::max()) {
+    throw Damage("a date is out of range");
   }
-  return Date(std::chrono::nanoseconds(std::llround(nanoseconds)));
+  return *date;
 }
 
 class Unfolder {
@@ -68,7 +59,7 @@ class Unfolder {
     Value value = unfold(referencedBy(reference), 1);
     const auto* const dictionary = value.get<Value::Dictionary>();
     if (dictionary == nullptr) {
-      throw ArchiveDamage("its root is no dictionary");
+      throw Damage("its root is no dictionary");
     }
     return *dictionary;
   }
@@ -78,7 +69,7 @@ class Unfolder {
     const std::int64_t index = entry<std::int64_t>(reference, kReferenceKey, "a reference is damaged");
     // The first object stands for nil.
     if (reference.size() != 1 || index < 1 || index >= static_cast<std::int64_t>(objects_.size())) {
-      throw ArchiveDamage("a reference points to no object");
+      throw Damage("a reference points to no object");
     }
     return objects_[static_cast<std::size_t>(index)];
   }
@@ -88,7 +79,7 @@ class Unfolder {
     const auto* const coded = object.get<Value::Dictionary>();
     if (coded == nullptr) {
       if (object.get<Value::Array>() != nullptr) {
-        throw ArchiveDamage("an object has no class");
+        throw Damage("an object has no class");
       }
       spend(contentBytes(object));
       return object;
@@ -105,14 +96,14 @@ class Unfolder {
       case ArchivedClass::Date:
         return unfold(dateOf(entry<double>(*coded, "NS.time", "a date is damaged")), depth);
     }
-    throw ArchiveDamage("an object has no class");
+    throw Damage("an object has no class");
   }
 
   ArchivedClass classOf(const Value::Dictionary& coded) const {
     const auto& reference = entry<Value::Dictionary>(coded, "$class", "an object has no class");
     const auto* const description = referencedBy(reference).get<Value::Dictionary>();
     if (description == nullptr) {
-      throw ArchiveDamage("a class is damaged");
+      throw Damage("a class is damaged");
     }
     const auto& name = entry<std::string>(*description, "$classname", "a class is damaged");
     for (const KnownClass& known : kKnownClasses) {
@@ -120,12 +111,12 @@ class Unfolder {
         return known.kind;
       }
     }
-    throw ArchiveDamage("it holds an object of another class than property lists have");
+    throw Damage("it holds an object of another class than property lists have");
   }
 
   void spend(std::size_t bytes) {
     if (!budget_.spend(bytes)) {
-      throw ArchiveDamage("it unfolds to too much");
+      throw Damage("it unfolds to too much");
     }
   }
 
@@ -137,14 +128,14 @@ class Unfolder {
 
   Value::Array elements(const Value::Dictionary& coded, std::string_view key, int depth) {
     if (depth > kMaxValueDepth) {
-      throw ArchiveDamage("it is nested too deeply");
+      throw Damage("it is nested too deeply");
     }
     spend(0);
     Value::Array values;
     for (const Value& element : entry<Value::Array>(coded, key, "a collection is damaged")) {
       const auto* const reference = element.get<Value::Dictionary>();
       if (reference == nullptr) {
-        throw ArchiveDamage("a collection is damaged");
+        throw Damage("a collection is damaged");
       }
       values.push_back(unfold(referencedBy(*reference), depth + 1));
     }
@@ -159,13 +150,13 @@ class Unfolder {
     const Value::Array keys = elements(coded, "NS.keys", depth);
     Value::Array values = elements(coded, "NS.objects", depth);
     if (keys.size() != values.size()) {
-      throw ArchiveDamage("a dictionary has not as many keys as objects");
+      throw Damage("a dictionary has not as many keys as objects");
     }
     Value::Dictionary dictionary;
     for (std::size_t index = 0; index < keys.size(); ++index) {
       const auto* const key = keys[index].get<std::string>();
       if (key == nullptr) {
-        throw ArchiveDamage("a key is no string");
+        throw Damage("a key is no string");
       }
       dictionary.insert_or_assign(*key, std::move(values[index]));
     }
@@ -186,9 +177,9 @@ Result<Value::Dictionary> unfoldKeyedArchive(const Value& archive) {
       return unreadableArchive("it is none");
     }
     return Unfolder(*dictionary).root(*dictionary);
-  } catch (const ArchiveDamage& damage) {
+  } catch (const Damage& damage) {
     return unreadableArchive(damage.what());
   }
 }
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

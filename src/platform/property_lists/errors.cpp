@@ -1,8 +1,8 @@
-#include "platform/cocoa/property_list_error.h"
+#include "platform/property_lists/errors.h"
 
 #include <fmt/format.h>
 
-namespace karno::platform::cocoa {
+namespace karno::platform::lists {
 namespace {
 
 constexpr std::int64_t kReadCorrupt = 3840;
@@ -28,4 +28,4 @@ Error unreadableArchive(std::string_view reason) {
   return cocoaError(kCoderReadCorrupt, fmt::format("The keyed archive cannot be read: {}.", reason));
 }
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists

@@ -2,9 +2,12 @@
 #include <cstddef>
 
 // What we accept of a property list; the ones that the launcher reads are a few KiB.
-namespace karno::platform::cocoa {
+namespace karno::platform::lists {
 
 inline constexpr std::size_t kPropertyListSizeBytesMax = std::size_t{16} * 1024 * 1024;
+
+// How deep containers may lie in one another; the outermost one counts as 1.
+inline constexpr int kMaxValueDepth = 64;
 
 // Binary lists and archives can refer to one object many times, which unfolds to many copies of it.
 class UnfoldingBudget {
@@ -25,4 +28,4 @@ class UnfoldingBudget {
   std::size_t bytes_ = 0;
 };
 
-}  // namespace karno::platform::cocoa
+}  // namespace karno::platform::lists
