@@ -15,8 +15,7 @@ Failure invalid(std::string text) { return {FailureCode::Validation, std::move(t
 
 // Empty when there is none.
 std::string stringEntry(const platform::Value::Dictionary& information, std::string_view key) {
-  const auto entry = information.find(key);
-  const auto* const text = entry == information.end() ? nullptr : entry->second.get<std::string>();
+  const auto* const text = platform::entryOf<std::string>(information, key);
   return text == nullptr ? std::string() : *text;
 }
 

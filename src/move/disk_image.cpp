@@ -9,16 +9,8 @@
 namespace karno {
 namespace {
 
+using platform::entryOf;
 using platform::Value;
-
-// The entry of that key when the value is a dictionary and the entry of that type; null otherwise.
-template <class T>
-const T* entryOf(const Value& value, std::string_view key) {
-  const auto* dictionary = value.get<Value::Dictionary>();
-  if (dictionary == nullptr) return nullptr;
-  const auto entry = dictionary->find(key);
-  return entry == dictionary->end() ? nullptr : entry->second.get<T>();
-}
 
 enum class Search { Found, NotHere, Malformed };
 

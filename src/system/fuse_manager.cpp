@@ -98,8 +98,7 @@ std::optional<platform::Value::Dictionary> FuseManager::fuseFrameworkPList() con
 std::optional<std::string> FuseManager::installedFuseVersion() const {
   const auto list = fuseFrameworkPList();
   if (!list) return std::nullopt;
-  const auto entry = list->find("CFBundleVersion");
-  const auto* version = entry != list->end() ? entry->second.get<std::string>() : nullptr;
+  const auto* version = platform::entryOf<std::string>(*list, "CFBundleVersion");
   return version != nullptr ? std::optional(*version) : std::nullopt;
 }
 

@@ -13,8 +13,7 @@ using platform::Value;
 
 // Empty when there is no string of that key.
 std::string textFor(std::string_view key, const Value::Dictionary& information) {
-  const auto entry = information.find(key);
-  const auto* const text = entry == information.end() ? nullptr : entry->second.get<std::string>();
+  const auto* const text = platform::entryOf<std::string>(information, key);
   if (text == nullptr) return {};
   if (!isTextForFeed(*text)) throw Failure(fmt::format("the {} of its Info.plist is no plain text", key));
   return *text;

@@ -119,17 +119,13 @@ std::string LinuxBundle::localisedString(std::string_view key, std::string_view 
   if (!path) return std::string(key);
   const Result<Value::Dictionary> texts = readDictionary(*path);
   if (!texts) return std::string(key);
-  const auto entry = texts.value().find(key);
-  if (entry == texts.value().end() || !entry->second.isString()) return std::string(key);
-  return *entry->second.get<std::string>();
+  const auto* text = entryOf<std::string>(texts.value(), key);
+  return text == nullptr ? std::string(key) : *text;
 }
 
 std::optional<std::string> LinuxBundle::infoString(std::string_view key) const {
-  const auto entry = info_.find(key);
-  if (entry == info_.end()) return std::nullopt;
-  const auto* text = entry->second.get<std::string>();
-  if (text == nullptr) return std::nullopt;
-  return *text;
+  const auto* text = entryOf<std::string>(info_, key);
+  return text == nullptr ? std::nullopt : std::optional(*text);
 }
 
 LinuxBundles::LinuxBundles() : mainBundle_(mainBundlePath()) {}

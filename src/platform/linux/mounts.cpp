@@ -68,22 +68,12 @@ std::optional<Mount> kernelMountOf(const std::string& path) {
   return innermost;
 }
 
-const std::string* textOf(const Value::Dictionary& entries, std::string_view key) {
-  const auto entry = entries.find(key);
-  return entry == entries.end() ? nullptr : entry->second.get<std::string>();
-}
-
 void addMountsOf(const Value& image, std::vector<Mount>& mounts) {
-  const auto* entries = image.get<Value::Dictionary>();
-  if (entries == nullptr) return;
-  const auto entities = entries->find("system-entities");
-  const auto* list = entities == entries->end() ? nullptr : entities->second.get<Value::Array>();
+  const auto* list = entryOf<Value::Array>(image, "system-entities");
   if (list == nullptr) return;
   for (const Value& entity : *list) {
-    const auto* parts = entity.get<Value::Dictionary>();
-    if (parts == nullptr) continue;
-    const std::string* device = textOf(*parts, "dev-entry");
-    const std::string* place = textOf(*parts, "mount-point");
+    const auto* device = entryOf<std::string>(entity, "dev-entry");
+    const auto* place = entryOf<std::string>(entity, "mount-point");
     if (device != nullptr && place != nullptr) mounts.push_back({*device, systemPath(*place)});
   }
 }
@@ -92,8 +82,7 @@ std::vector<Mount> diskImageMounts() {
   std::vector<Mount> mounts;
   const auto table = readDictionary(systemPath("/var/machine/disk-images.plist"));
   if (!table) return mounts;
-  const auto images = table.value().find("images");
-  const auto* list = images == table.value().end() ? nullptr : images->second.get<Value::Array>();
+  const auto* list = entryOf<Value::Array>(table.value(), "images");
   if (list == nullptr) return mounts;
   for (const Value& image : *list) addMountsOf(image, mounts);
   return mounts;

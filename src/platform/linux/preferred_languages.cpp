@@ -35,9 +35,7 @@ std::vector<std::string> languagesOfPreferences() {
   std::vector<std::string> languages;
   const auto preferences = readDictionary(homeFolder() + "/Library/Preferences/.GlobalPreferences.plist");
   if (!preferences) return languages;
-  const auto entry = preferences.value().find("AppleLanguages");
-  if (entry == preferences.value().end()) return languages;
-  const auto* tags = entry->second.get<Value::Array>();
+  const auto* tags = entryOf<Value::Array>(preferences.value(), "AppleLanguages");
   if (tags == nullptr) return languages;
   for (const Value& tag : *tags) {
     if (const auto* text = tag.get<std::string>()) add(languages, *text);

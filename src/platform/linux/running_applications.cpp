@@ -39,9 +39,7 @@ class Identifiers {
   static std::optional<std::string> read(const std::string& bundle) {
     const Result<Value::Dictionary> info = readDictionary(bundle + "/Contents/Info.plist");
     if (!info) return std::nullopt;
-    const auto entry = info.value().find("CFBundleIdentifier");
-    if (entry == info.value().end()) return std::nullopt;
-    const auto* identifier = entry->second.get<std::string>();
+    const auto* identifier = entryOf<std::string>(info.value(), "CFBundleIdentifier");
     return identifier == nullptr ? std::nullopt : std::optional(*identifier);
   }
 

@@ -43,9 +43,8 @@ std::optional<Version> versionFromText(std::string_view text) {
 std::optional<Version> versionFromFile(const std::string& path) {
   const Result<Value::Dictionary> values = readDictionary(path);
   if (!values) return std::nullopt;
-  const auto entry = values.value().find("ProductVersion");
-  if (entry == values.value().end() || !entry->second.isString()) return std::nullopt;
-  return versionFromText(*entry->second.get<std::string>());
+  const auto* version = entryOf<std::string>(values.value(), "ProductVersion");
+  return version == nullptr ? std::nullopt : versionFromText(*version);
 }
 
 }  // namespace

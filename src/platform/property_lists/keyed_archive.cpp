@@ -32,8 +32,7 @@ constexpr std::array kKnownClasses = {
 // The entry of that name and type.
 template <class T>
 const T& entry(const Value::Dictionary& dictionary, std::string_view key, const char* otherwise) {
-  const auto found = dictionary.find(key);
-  const T* const value = found == dictionary.end() ? nullptr : found->second.get<T>();
+  const T* const value = entryOf<T>(dictionary, key);
   if (value == nullptr) {
     throw Damage(otherwise);
   }
