@@ -104,6 +104,53 @@ TEST(BinaryLists, EveryKindMayBeTheLastObject) {
   EXPECT_EQ(parsePropertyList(BinaryListBuilder().object("\x61\x20\xAC").build()).value(), Value("\u20AC"));
 }
 
+// What a list that is this object says.
+Value readObject(const std::string& bytes) {
+  const auto list = parsePropertyList(BinaryListBuilder().object(bytes).build());
+  return list ? list.value() : Value(list.error().localizedDescription());
+}
+
+TEST(BinaryLists, IntegersHaveASignFromEightBytesOn) {
+  const std::string ones(8, '\xFF');
+  const std::string zeros(8, '\0');
+
+  EXPECT_EQ(readObject("\x10\xFF"), Value(255));
+  EXPECT_EQ(readObject("\x11\xFF\xFE"), Value(65'534));
+  EXPECT_EQ(readObject("\x12\xFF\xFF\xFF\xFD"), Value(std::int64_t{4'294'967'293}));
+  EXPECT_EQ(readObject("\x13" + ones), Value(-1));
+  EXPECT_EQ(readObject("\x14" + ones + ones), Value(-1));
+  EXPECT_EQ(readObject("\x14" + zeros + "\x01" + zeros.substr(1)), Value(std::int64_t{1} << 56));
+}
+
+TEST(BinaryLists, IntegersThatOnlyFitWithoutASignAreReals) {
+  EXPECT_EQ(readObject("\x14" + std::string(8, '\0') + std::string(8, '\xFF')),
+            Value(18'446'744'073'709'551'615.0));
+}
+
+TEST(BinaryLists, RealsMayHaveFourBytes) {
+  EXPECT_EQ(readObject(std::string("\x22\xBF\xC0\0\0", 5)), Value(-1.5));
+}
+
+TEST(BinaryLists, DatesBeyondTheLastAreTheLast) {
+  EXPECT_EQ(readObject("\x33\x7E" + std::string(7, '\0')), Value(Date::max()));
+  EXPECT_EQ(readObject("\x33\xFE" + std::string(7, '\0')), Value(Date::min()));
+}
+
+TEST(BinaryLists, HalfACharacterBecomesU_FFFD) {
+  EXPECT_EQ(readObject(std::string("\x62\xD8\x3D\0a", 5)), Value("\uFFFDa"));
+}
+
+TEST(BinaryLists, OfAKeyThatIsThereTwiceTheLastCounts) {
+  const std::string bytes = BinaryListBuilder()
+                                .references('\xD2', {1, 1, 2, 3})
+                                .object(textObject("key"))
+                                .object("\x10\x07")
+                                .object("\x10\x08")
+                                .build();
+
+  EXPECT_EQ(parsePropertyList(bytes).value(), Value(Value::Dictionary{{"key", 8}}));
+}
+
 TEST(BinaryLists, EveryTruncationOfASoundListIsAnErrorOrAValue) {
   const std::string sound =
       test::binaryList(Value(Value::Dictionary{{"a", Value(Value::Array{1, 2.5, true, "text \u20AC"})},
@@ -180,10 +227,14 @@ const std::vector<DamagedBinary> kDamagedBinary = {
     {"HighBytesInAscii", BinaryListBuilder().object("\x51\xE9").build(), "an ASCII text is none"},
     {"WideInteger", BinaryListBuilder().object("\x15" + std::string(32, '\0')).build(),
      "an integer is too wide"},
+    {"HugeInteger", BinaryListBuilder().object("\x14\x01" + std::string(15, '\0')).build(),
+     "an integer is too wide"},
     {"IntegerOutside", BinaryListBuilder().object("\x13").build(), "an object lies outside"},
     {"OddReal", BinaryListBuilder().object("\x21" + std::string(4, '\0')).build(),
      "a number has an odd width"},
     {"OddDate", BinaryListBuilder().object("\x32" + std::string(4, '\0')).build(), "a date has an odd width"},
+    {"DateThatIsNoNumber", BinaryListBuilder().object("\x33\x7F\xF8" + std::string(6, '\0')).build(),
+     "it holds what no property list has"},
     {"Null", BinaryListBuilder().object(std::string(1, '\0')).build(),
      "it holds an object of an unknown kind"},
     {"Set", BinaryListBuilder().object("\xC0").build(), "it holds an object of an unknown kind"},
