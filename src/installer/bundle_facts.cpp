@@ -4,24 +4,19 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <pugixml.hpp>
-
 #include "platform/linux/updater/version_order.h"
 #include "platform/posix/files/whole_file.h"
+#include "platform/property_lists/property_lists.h"
 
 namespace karno::installer {
 namespace {
 
 Failure invalid(std::string text) { return {FailureCode::Validation, std::move(text)}; }
 
-// The text of a string entry of the root dictionary; empty when there is none.
-std::string stringEntry(const pugi::xml_node& dictionary, std::string_view key) {
-  for (const pugi::xml_node& each : dictionary.children("key")) {
-    if (each.child_value() != key) continue;
-    const pugi::xml_node value = each.next_sibling();
-    return std::string_view(value.name()) == "string" ? value.child_value() : "";
-  }
-  return {};
+// Empty when there is none.
+std::string stringEntry(const platform::Value::Dictionary& information, std::string_view key) {
+  const auto* const text = platform::entryOf<std::string>(information, key);
+  return text == nullptr ? std::string() : *text;
 }
 
 bool isPlainName(std::string_view name) {
@@ -36,13 +31,11 @@ bool isExecutableFile(const std::string& path) {
 }  // namespace
 
 Outcome<BundleFacts> parseBundleFacts(std::string_view infoPlist) {
-  pugi::xml_document document;
-  if (!document.load_buffer(infoPlist.data(), infoPlist.size()))
-    return invalid("The bundle's Info.plist is not an XML property list.");
-  const pugi::xml_node dictionary = document.child("plist").child("dict");
-  BundleFacts facts{.identifier = stringEntry(dictionary, "CFBundleIdentifier"),
-                    .version = stringEntry(dictionary, "CFBundleVersion"),
-                    .executable = stringEntry(dictionary, "CFBundleExecutable")};
+  const auto information = platform::parseDictionary(infoPlist);
+  if (!information) return invalid("The bundle's Info.plist is not a property list with a dictionary.");
+  BundleFacts facts{.identifier = stringEntry(information.value(), "CFBundleIdentifier"),
+                    .version = stringEntry(information.value(), "CFBundleVersion"),
+                    .executable = stringEntry(information.value(), "CFBundleExecutable")};
   if (facts.identifier.empty()) return invalid("The bundle has no identifier.");
   if (facts.version.empty()) return invalid("The bundle has no version.");
   if (!isPlainName(facts.executable)) return invalid("The bundle names no executable.");

@@ -15,8 +15,7 @@ struct BundleFacts {
   bool operator==(const BundleFacts&) const = default;
 };
 
-// From the text of an XML property list. All three must be there as strings; a key that comes twice counts as
-// it came first.
+// From the bytes of a property list in which all three must be strings.
 Outcome<BundleFacts> parseBundleFacts(std::string_view infoPlist);
 
 // Also sees that the executable is a file that may be executed.

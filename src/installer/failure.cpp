@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <system_error>
 
-#include "platform/linux/utf8.h"
+#include "platform/text/utf8.h"
 
 namespace karno::installer {
 namespace {
@@ -23,7 +23,7 @@ Failure systemFailure(int error) {
 std::string oneLine(std::string_view bytes) {
   std::string line(bytes.substr(0, kLineBytesMax));
   std::replace_if(line.begin(), line.end(), isControl, '?');
-  if (platform::isUTF8(line)) return line;
+  if (platform::isValidUTF8(line)) return line;
   std::replace_if(
       line.begin(), line.end(), [](char c) { return (c & 0x80) != 0; }, '?');
   return line;

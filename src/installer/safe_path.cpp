@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "platform/linux/utf8.h"
+#include "platform/text/utf8.h"
 
 namespace karno::installer {
 namespace {
@@ -32,7 +32,7 @@ Outcome<SafePath> safePath(std::string_view name, const UnpackLimits& limits) {
   if (name.size() > limits.nameBytesMax) return refused(name, "is too long");
   if (name.find('\0') != std::string_view::npos) return refused(name, "holds a zero byte");
   if (name.front() == '/') return refused(name, "is absolute");
-  if (!platform::isUTF8(name)) return refused(name, "is not UTF-8");
+  if (!platform::isValidUTF8(name)) return refused(name, "is not UTF-8");
   SafePath names = namesIn(name);
   for (const std::string& each : names) {
     if (each == "..") return refused(name, "leads out of its folder");

@@ -3,6 +3,7 @@
 #include "ipc/karno_process_utils.h"
 #include "log/karno_log.h"
 #include "platform/platform.h"
+#include "platform/text/utf8.h"
 #include "util/string_utils.h"
 
 namespace karno {
@@ -23,15 +24,7 @@ std::string shellLineFor(const std::string& command) {
 std::string textOfLatin1(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size());
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      text += c;
-    } else {
-      text += static_cast<char>(0xC0 | (byte >> 6));
-      text += static_cast<char>(0x80 | (byte & 0x3F));
-    }
-  }
+  for (const char byte : bytes) platform::appendUTF8(text, static_cast<unsigned char>(byte));
   return text;
 }
 

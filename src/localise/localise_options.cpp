@@ -2,8 +2,8 @@
 
 #include "localise/karno_localise.h"
 #include "platform/platform.h"
+#include "platform/text/utf8.h"
 #include "util/string_utils.h"
-#include "util/utf8.h"
 
 namespace karno {
 namespace {
@@ -16,7 +16,7 @@ void breakLineAfterFirstSentence(std::string& text) {
 std::string withFirstLetterUppercase(std::string_view text) {
   const platform::Text& rules = platform::host().text;
   std::string_view rest = text;
-  if (!rest.empty()) takeCodePoint(rest);
+  if (!rest.empty()) platform::takeCharacter(rest);
   return rules.uppercase(text.substr(0, text.size() - rest.size())).append(rest);
 }
 

@@ -2,22 +2,15 @@
 
 #include "move/system_age.h"
 #include "platform/platform.h"
+#include "platform/property_lists/property_lists.h"
 #include "util/error.h"
 #include "util/string_utils.h"
 
 namespace karno {
 namespace {
 
+using platform::entryOf;
 using platform::Value;
-
-// The entry of that key when the value is a dictionary and the entry of that type; null otherwise.
-template <class T>
-const T* entryOf(const Value& value, std::string_view key) {
-  const auto* dictionary = value.get<Value::Dictionary>();
-  if (dictionary == nullptr) return nullptr;
-  const auto entry = dictionary->find(key);
-  return entry == dictionary->end() ? nullptr : entry->second.get<T>();
-}
 
 enum class Search { Found, NotHere, Malformed };
 
@@ -44,11 +37,10 @@ bool listsDevice(const Value& listing, const std::string& device) {
 
 // What hdiutil tells of the mounted images. Older systems get no list, though hdiutil runs on them as well.
 std::optional<Value> mountedImages() {
-  const platform::Platform& host = platform::host();
   const auto info =
-      host.commands.run({.executablePath = "/usr/bin/hdiutil", .arguments = {"info", "-plist"}});
+      platform::host().commands.run({.executablePath = "/usr/bin/hdiutil", .arguments = {"info", "-plist"}});
   if (!info || !isNewerThanMacOS10_5()) return std::nullopt;
-  const Result<Value> listing = host.propertyLists.parse(info.value().standardOutput);
+  const Result<Value> listing = platform::parsePropertyList(info.value().standardOutput);
   return listing ? std::optional(listing.value()) : std::nullopt;
 }
 

@@ -17,7 +17,6 @@
 #include "platform/mounts.h"
 #include "platform/process_list.h"
 #include "platform/processes.h"
-#include "platform/property_lists.h"
 #include "platform/shell.h"
 #include "platform/standard_folders.h"
 #include "platform/system_version.h"
@@ -45,7 +44,6 @@ struct Platform {
   UserDefaultsStore& userDefaults;
   ManagedPreferences& managedPreferences;
   DistributedNotifications& distributedNotifications;
-  PropertyLists& propertyLists;
   Files& files;
   Text& text;
   ConsoleLog& consoleLog;

@@ -53,6 +53,18 @@ class Value {
   Storage storage_;
 };
 
+// The entry of that key and type; null where there is none, and of a value that is no dictionary.
+template <class T>
+const T* entryOf(const Value::Dictionary& entries, std::string_view key) {
+  const auto entry = entries.find(key);
+  return entry == entries.end() ? nullptr : entry->second.get<T>();
+}
+template <class T>
+const T* entryOf(const Value& value, std::string_view key) {
+  const auto* const entries = value.get<Value::Dictionary>();
+  return entries == nullptr ? nullptr : entryOf<T>(*entries, key);
+}
+
 // The platform's string truth: white space, one sign and zeros are skipped; then "Y", "y", "T", "t" or a
 // digit 1 to 9 makes it true. What follows is ignored.
 bool stringTruth(std::string_view text);

@@ -4,6 +4,7 @@
 
 #include "log/karno_log.h"
 #include "platform/platform.h"
+#include "platform/property_lists/property_lists.h"
 #include "system/fuse_requirements_manager.h"
 #include "system/karno_os_info_manager.h"
 #include "util/string_utils.h"
@@ -85,10 +86,8 @@ std::optional<platform::Value::Dictionary> FuseManager::plistForFrameworkNamed(
   }
   const auto bytes = platform::host().files.read(*path);
   if (!bytes) return std::nullopt;
-  const auto list = platform::host().propertyLists.parse(bytes.value());
-  if (!list) return std::nullopt;
-  const auto* dictionary = list.value().get<platform::Value::Dictionary>();
-  return dictionary != nullptr ? std::optional(*dictionary) : std::nullopt;
+  auto list = platform::parseDictionary(bytes.value());
+  return list ? std::optional(std::move(list.value())) : std::nullopt;
 }
 
 std::optional<platform::Value::Dictionary> FuseManager::fuseFrameworkPList() const {
@@ -99,8 +98,7 @@ std::optional<platform::Value::Dictionary> FuseManager::fuseFrameworkPList() con
 std::optional<std::string> FuseManager::installedFuseVersion() const {
   const auto list = fuseFrameworkPList();
   if (!list) return std::nullopt;
-  const auto entry = list->find("CFBundleVersion");
-  const auto* version = entry != list->end() ? entry->second.get<std::string>() : nullptr;
+  const auto* version = platform::entryOf<std::string>(*list, "CFBundleVersion");
   return version != nullptr ? std::optional(*version) : std::nullopt;
 }
 

@@ -8,12 +8,12 @@
 #include "log/karno_log.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
+#include "platform/text/utf8.h"
 #include "settings/karno_admin_settings.h"
 #include "system/fuse_manager.h"
 #include "update/feed_marker.h"
 #include "util/error.h"
 #include "util/string_utils.h"
-#include "util/utf8.h"
 #include "util/utilities.h"
 
 namespace karno {
@@ -83,7 +83,7 @@ std::string KarnoSparkleManager::feedURL() const {
   const std::string debugFeed = feedOnHost("/updates/macos/appcast.eddsa.debug.xml");
   const Result<std::string> bytes = host.files.read(marker);
   const std::string text =
-      bytes && isValidUtf8(bytes.value()) ? trimmingWhitespaceAndNewlines(bytes.value()) : "";
+      bytes && platform::isValidUTF8(bytes.value()) ? trimmingWhitespaceAndNewlines(bytes.value()) : "";
   if (text.empty()) return debugFeed;
   if (host.text.containsMatch(kURL, text, false)) return text;
   KarnoLog::manager().logWarn(fmt::format("Sparkle[FEED] Cannot parse url in {}", marker));

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "platform/platform.h"
-#include "util/utf8.h"
+#include "platform/text/utf8.h"
 
 namespace karno {
 namespace {
@@ -84,7 +84,7 @@ std::string u_pathEncodedString(std::string_view text) {
 
 bool u_onlyContainsCharactersInSet(std::string_view text, const CharacterSet& set) {
   while (!text.empty()) {
-    if (!set(takeCodePoint(text))) return false;
+    if (!set(platform::takeCharacter(text))) return false;
   }
   return true;
 }
@@ -134,7 +134,7 @@ std::string trimmingWhitespaceAndNewlines(std::string_view text) {
   std::size_t end = text.size();
   while (!rest.empty()) {
     const auto at = static_cast<std::size_t>(rest.data() - start);
-    if (isWhitespaceOrNewline(takeCodePoint(rest))) continue;
+    if (isWhitespaceOrNewline(platform::takeCharacter(rest))) continue;
     begin = std::min(begin, at);
     end = static_cast<std::size_t>(rest.data() - start);
   }

@@ -4,6 +4,7 @@
 
 #include "log/karno_log.h"
 #include "platform/platform.h"
+#include "platform/property_lists/property_lists.h"
 #include "util/string_utils.h"
 
 namespace karno {
@@ -68,8 +69,7 @@ std::optional<platform::Value::Dictionary> Utilities::readPropertyListAtPath(con
     KarnoLog::manager().logWarn(fmt::format("PropertyList[READ] Failed read file {}", path));
     return std::nullopt;
   }
-  const Result<platform::Value::Dictionary> dictionary =
-      platform::host().propertyLists.unarchiveDictionary(bytes.value());
+  const Result<platform::Value::Dictionary> dictionary = platform::unarchiveDictionary(bytes.value());
   if (!dictionary) {
     KarnoLog::manager().logWarn(
         fmt::format("PropertyList[READ] Failed to unarchive dictionary from {}. Reason: {}", path,

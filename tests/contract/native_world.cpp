@@ -9,6 +9,7 @@
 
 #include "../platform/support/run_loop.h"
 #include "platform/posix/processes/process_information.h"
+#include "platform/property_lists/property_lists.h"
 
 namespace karno::test {
 namespace {
@@ -70,7 +71,7 @@ void NativeWorld::makeReadOnly(std::string_view name) {
 }
 
 void NativeWorld::writeList(const std::string& path, const platform::Value::Dictionary& entries) {
-  write(path, services().propertyLists.serialiseAsXML(entries).value());
+  write(path, platform::propertyListXML(entries).value());
 }
 
 // As tools/machine has it in its table of mounted images.
@@ -103,7 +104,7 @@ void NativeWorld::store(Preferences where, const std::string& domain, const std:
   const std::string path = folder + "/" + domain + ".plist";
   platform::Value::Dictionary values;
   if (const auto before = services().files.read(path))
-    values = *services().propertyLists.parse(before.value()).value().get<platform::Value::Dictionary>();
+    values = platform::parseDictionary(before.value()).value();
   values.insert_or_assign(key, value);
   writeList(path, values);
 }

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "information_lists.h"
 #include "property_list_texts.h"
 #include "support/made_bundle.h"
 #include "temporary_folder.h"
@@ -55,8 +56,6 @@ TEST(BundleFacts, MustAllBeThere) {
 TEST(BundleFacts, MustBeStrings) {
   EXPECT_EQ(said(parseBundleFacts(propertyList("<key>CFBundleIdentifier</key><integer>1</integer>"))),
             "3002 The bundle has no identifier.");
-  EXPECT_EQ(said(parseBundleFacts(propertyList("<key>CFBundleIdentifier</key>"))),
-            "3002 The bundle has no identifier.");
 }
 
 TEST(BundleFacts, NameNoExecutableElsewhere) {
@@ -70,13 +69,24 @@ TEST(BundleFacts, NameNoExecutableElsewhere) {
             "3002 The bundle names no executable.");
 }
 
-TEST(BundleFacts, AreNotReadFromBinaryOrBrokenLists) {
-  constexpr const char* kNoList = "3002 The bundle's Info.plist is not an XML property list.";
+class BundleFactsOf : public testing::TestWithParam<test::InformationList> {};
+
+TEST_P(BundleFactsOf, AnUnusualListAreWhatTheLauncherFinds) {
+  EXPECT_EQ(said(parseBundleFacts(GetParam().bytes)), GetParam().name + " " + GetParam().version + " Karno");
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, BundleFactsOf, testing::ValuesIn(test::informationLists()),
+                         [](const auto& each) { return each.param.form; });
+
+TEST(BundleFacts, AreNotReadFromWhatIsNoListWithADictionary) {
+  constexpr const char* kNoList = "3002 The bundle's Info.plist is not a property list with a dictionary.";
 
   EXPECT_EQ(said(parseBundleFacts("")), kNoList);
   EXPECT_EQ(said(parseBundleFacts(std::string("bplist00\xD1\x01\x02Q\x00", 13))), kNoList);
   EXPECT_EQ(said(parseBundleFacts("<plist><dict><key>CFBundleIdentifier</key><string>a")), kNoList);
-  EXPECT_EQ(said(parseBundleFacts("<html/>")), "3002 The bundle has no identifier.");
+  EXPECT_EQ(said(parseBundleFacts(propertyList("<key>CFBundleIdentifier</key>"))), kNoList);
+  EXPECT_EQ(said(parseBundleFacts("<plist><array/></plist>")), kNoList);
+  EXPECT_EQ(said(parseBundleFacts("<html/>")), kNoList);
 }
 
 TEST(BundleFacts, OfABundleNeedItsExecutable) {

@@ -107,7 +107,7 @@ And ]]]]><![CDATA[> is no end.
 TEST(Feed, CarriesHypertextNotesAndTheDateOfTheArchive) {
   ReleaseManager manager;
   manager.addArchive("Kärno 1&2.tar.gz",
-                     {{"Kärno.app/Contents/Info.plist", infoPlist("1", "1.0 & more", "11")}});
+                     {{"Kärno.app/Contents/Info.plist", infoPlist("1", "1.0 &amp; more", "11")}});
   manager.setDate("Kärno 1&2.tar.gz", 1'600'000'000);
   manager.addFile("Kärno 1&2.html", "<p>New</p>");
 

@@ -27,7 +27,6 @@ inline platform::Platform withReplaced(const platform::Platform& native, const R
           .userDefaults = native.userDefaults,
           .managedPreferences = native.managedPreferences,
           .distributedNotifications = native.distributedNotifications,
-          .propertyLists = native.propertyLists,
           .files = own.files ? *own.files : native.files,
           .text = native.text,
           .consoleLog = own.consoleLog ? *own.consoleLog : native.consoleLog,

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "karno-appcast/failure.h"
-#include "util/utf8.h"
+#include "platform/text/utf8.h"
 
 namespace karno::appcast {
 namespace {
@@ -33,7 +33,7 @@ bool isTextForFeed(std::string_view text) {
   const auto isControl = [](char c) {
     return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
   };
-  return isValidUtf8(text) && std::ranges::none_of(text, isControl);
+  return platform::isValidUTF8(text) && std::ranges::none_of(text, isControl);
 }
 
 std::string feedDate(std::int64_t secondsSince1970) {

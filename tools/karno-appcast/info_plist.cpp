@@ -1,40 +1,37 @@
 #include "karno-appcast/info_plist.h"
 
-#include <pugixml.hpp>
+#include <fmt/format.h>
 
 #include "karno-appcast/failure.h"
 #include "karno-appcast/feed_texts.h"
+#include "platform/property_lists/property_lists.h"
 
 namespace karno::appcast {
 namespace {
 
-// The string behind the key in the outermost dictionary.
-std::string textFor(const char* key, pugi::xml_node dictionary) {
-  for (const pugi::xml_node each : dictionary.children("key")) {
-    if (std::string_view(each.text().get()) != key) continue;
-    const pugi::xml_node value = each.next_sibling();
-    const std::string_view text = std::string_view(value.name()) == "string" ? value.text().get() : "";
-    if (!isTextForFeed(text))
-      throw Failure(std::string("the ") + key + " of its Info.plist is no plain text");
-    return std::string(text);
-  }
-  return {};
+using platform::Value;
+
+// Empty when there is no string of that key.
+std::string textFor(std::string_view key, const Value::Dictionary& information) {
+  const auto* const text = platform::entryOf<std::string>(information, key);
+  if (text == nullptr) return {};
+  if (!isTextForFeed(*text)) throw Failure(fmt::format("the {} of its Info.plist is no plain text", key));
+  return *text;
 }
 
 }  // namespace
 
 BundleInfo readInfoPlist(std::string_view bytes) {
-  if (bytes.starts_with("bplist")) throw Failure("its Info.plist is binary; it must be XML");
-  pugi::xml_document document;
-  const pugi::xml_parse_result parsed = document.load_buffer(bytes.data(), bytes.size());
-  if (!parsed) throw Failure(std::string("its Info.plist cannot be read: ") + parsed.description());
-  const pugi::xml_node dictionary = document.child("plist").child("dict");
-  if (!dictionary) throw Failure("its Info.plist is no property list with a dictionary");
+  const auto list = platform::parsePropertyList(bytes);
+  if (!list)
+    throw Failure(fmt::format("its Info.plist is damaged ({})", list.error().localizedDescription()));
+  const auto* const information = list.value().get<Value::Dictionary>();
+  if (information == nullptr) throw Failure("its Info.plist is no property list with a dictionary");
 
-  BundleInfo info{.name = textFor("CFBundleName", dictionary),
-                  .version = textFor("CFBundleVersion", dictionary),
-                  .shortVersion = textFor("CFBundleShortVersionString", dictionary),
-                  .minimumSystem = textFor("LSMinimumSystemVersion", dictionary)};
+  BundleInfo info{.name = textFor("CFBundleName", *information),
+                  .version = textFor("CFBundleVersion", *information),
+                  .shortVersion = textFor("CFBundleShortVersionString", *information),
+                  .minimumSystem = textFor("LSMinimumSystemVersion", *information)};
   if (info.version.empty()) throw Failure("its Info.plist has no CFBundleVersion");
   return info;
 }

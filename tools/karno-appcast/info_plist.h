@@ -13,7 +13,7 @@ struct BundleInfo {
   bool operator==(const BundleInfo&) const = default;
 };
 
-// Reads an XML property list. A Failure when it is none or has no version.
+// Reads a property list. A Failure when it is none or has no version.
 BundleInfo readInfoPlist(std::string_view bytes);
 
 }  // namespace karno::appcast

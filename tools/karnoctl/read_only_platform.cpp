@@ -56,7 +56,6 @@ platform::Platform readOnly(const platform::Platform& real, platform::ConsoleLog
           .userDefaults = userDefaults,
           .managedPreferences = real.managedPreferences,
           .distributedNotifications = real.distributedNotifications,
-          .propertyLists = real.propertyLists,
           .files = files,
           .text = real.text,
           .consoleLog = console,

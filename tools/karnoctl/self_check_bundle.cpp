@@ -8,6 +8,7 @@
 
 #include "karnoctl/log_printer.h"
 #include "karnoctl/program_file.h"
+#include "platform/property_lists/property_lists.h"
 
 namespace karno::karnoctl {
 namespace {
@@ -91,7 +92,7 @@ std::optional<platform::Value::Dictionary> CheckedBundle::dictionary(const std::
   const auto bytes = content(file, cost);
   if (!bytes) return std::nullopt;
   ++findings_.propertyLists;
-  const auto list = platform_.propertyLists.parse(*bytes);
+  const auto list = platform::parsePropertyList(*bytes);
   if (!list) {
     wrong(fmt::format("{} is damaged ({}): {}.", file, reasonOf(list.error()), cost));
     return std::nullopt;

@@ -45,8 +45,7 @@ bool isFolderName(std::string_view language) {
 // The base texts are those of the development region.
 std::vector<std::string> languagesOf(const Value::Dictionary& information) {
   std::vector<std::string> languages{std::string(kBase)};
-  const auto entry = information.find("CFBundleLocalizations");
-  const auto* const listed = entry == information.end() ? nullptr : entry->second.get<Value::Array>();
+  const auto* const listed = platform::entryOf<Value::Array>(information, "CFBundleLocalizations");
   if (listed == nullptr) return languages;
   const auto base = textIn(information, "CFBundleDevelopmentRegion");
   for (const Value& element : *listed) {

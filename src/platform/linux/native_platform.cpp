@@ -1,26 +1,25 @@
 #include "platform/cocoa/application.h"
-#include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/runtime/objc.h"
 #include "platform/cocoa/windows/windows.h"
-#include "platform/linux/bundles/bundles.h"
-#include "platform/linux/dispatch/dispatch.h"
-#include "platform/linux/files/file_manager.h"
-#include "platform/linux/files/mounts.h"
-#include "platform/linux/files/standard_folders.h"
 #include "platform/linux/gnustep/alerts.h"
 #include "platform/linux/machine/apple_scripts.h"
 #include "platform/linux/machine/authorisations.h"
+#include "platform/linux/bundles/bundles.h"
 #include "platform/linux/machine/console_log.h"
+#include "platform/linux/dispatch/dispatch.h"
+#include "platform/linux/notifications/distributed_notifications.h"
+#include "platform/linux/files/file_manager.h"
+#include "platform/linux/text/icu_text.h"
 #include "platform/linux/machine/identifiers.h"
 #include "platform/linux/machine/machine_commands.h"
 #include "platform/linux/machine/machine_shell.h"
+#include "platform/linux/preferences/managed_preferences.h"
+#include "platform/linux/files/mounts.h"
+#include "platform/linux/processes/process_list.h"
+#include "platform/linux/files/standard_folders.h"
 #include "platform/linux/machine/system_version.h"
 #include "platform/linux/machine/workspace.h"
-#include "platform/linux/notifications/distributed_notifications.h"
-#include "platform/linux/preferences/managed_preferences.h"
 #include "platform/linux/preferences/user_defaults.h"
-#include "platform/linux/processes/process_list.h"
-#include "platform/linux/text/icu_text.h"
 #include "platform/linux/updater/bundle_settings.h"
 #include "platform/linux/updater/curl_downloads.h"
 #include "platform/linux/updater/installer_process.h"
@@ -46,20 +45,19 @@ struct NativeServices {
   cocoa::CocoaApplication application;
   LinuxAlerts alerts;
   cocoa::CocoaWindows windows;
-  cocoa::CocoaPropertyLists propertyLists;
   LinuxDispatch dispatch;
   SystemClock clock;
   PosixTasks tasks;
   LinuxWorkspace workspace{tasks};
   PosixProcesses processes;
   PosixFiles files;
-  LinuxBundles bundles{propertyLists};
-  LinuxUserDefaultsStore userDefaults{propertyLists, bundles};
-  LinuxManagedPreferences managedPreferences{propertyLists};
+  LinuxBundles bundles;
+  LinuxUserDefaultsStore userDefaults{bundles};
+  LinuxManagedPreferences managedPreferences;
   BusNotifications distributedNotifications{dispatch.mainEvents()};
   IcuText text;
   StandardErrorLog consoleLog;
-  LinuxSystemVersion systemVersion{propertyLists};
+  LinuxSystemVersion systemVersion;
   updates::CurlDownloads updateDownloads{bundles};
   updates::InstallerProcess updateInstaller{bundles};
   updates::SiblingFolders updateFolders;
@@ -77,7 +75,7 @@ struct NativeServices {
   PosixFileReading fileReading;
   LinuxFileManager fileManager;
   LinuxStandardFolders standardFolders;
-  LinuxMounts mounts{propertyLists};
+  LinuxMounts mounts;
   PosixCommands commands{tasks, launchForMachine};
   LinuxAppleScripts appleScripts{commands};
   PkexecAuthorisations authorisations{commands};
@@ -94,7 +92,6 @@ struct NativeServices {
                     .userDefaults = userDefaults,
                     .managedPreferences = managedPreferences,
                     .distributedNotifications = distributedNotifications,
-                    .propertyLists = propertyLists,
                     .files = files,
                     .text = text,
                     .consoleLog = consoleLog,

@@ -1,26 +1,25 @@
 #include "platform/cocoa/application.h"
-#include "platform/cocoa/property_lists.h"
 #include "platform/cocoa/runtime/objc.h"
-#include "platform/cocoa/windows/alerts.h"
 #include "platform/cocoa/windows/windows.h"
 #include "platform/macos/appkit/apple_scripts.h"
-#include "platform/macos/appkit/workspace.h"
-#include "platform/macos/bundles/bundles.h"
-#include "platform/macos/dispatch/dispatch.h"
-#include "platform/macos/files/file_manager.h"
-#include "platform/macos/files/mounts.h"
-#include "platform/macos/files/standard_folders.h"
-#include "platform/macos/machine/console_log.h"
-#include "platform/macos/machine/identifiers.h"
-#include "platform/macos/machine/system_version.h"
-#include "platform/macos/notifications/distributed_notifications.h"
-#include "platform/macos/preferences/managed_preferences.h"
-#include "platform/macos/preferences/user_defaults.h"
 #include "platform/macos/processes/authorisations.h"
+#include "platform/macos/bundles/bundles.h"
+#include "platform/macos/machine/console_log.h"
+#include "platform/macos/dispatch/dispatch.h"
+#include "platform/macos/notifications/distributed_notifications.h"
+#include "platform/macos/files/file_manager.h"
+#include "platform/macos/machine/identifiers.h"
+#include "platform/macos/preferences/managed_preferences.h"
+#include "platform/macos/files/mounts.h"
 #include "platform/macos/processes/process_list.h"
-#include "platform/macos/text/text.h"
 #include "platform/macos/updater/sparkle_updater.h"
+#include "platform/macos/files/standard_folders.h"
+#include "platform/macos/machine/system_version.h"
+#include "platform/macos/text/text.h"
 #include "platform/macos/web/url_loading.h"
+#include "platform/macos/preferences/user_defaults.h"
+#include "platform/macos/appkit/workspace.h"
+#include "platform/cocoa/windows/alerts.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
@@ -41,7 +40,6 @@ struct NativeServices {
   cocoa::CocoaAlerts alerts;
   cocoa::CocoaWindows windows;
   MacWorkspace workspace;
-  cocoa::CocoaPropertyLists propertyLists;
   MacDispatch dispatch;
   SystemClock clock;
   PosixTasks tasks;
@@ -79,7 +77,6 @@ struct NativeServices {
                     .userDefaults = userDefaults,
                     .managedPreferences = managedPreferences,
                     .distributedNotifications = distributedNotifications,
-                    .propertyLists = propertyLists,
                     .files = files,
                     .text = text,
                     .consoleLog = consoleLog,

@@ -36,10 +36,6 @@ void removeAllObjects(Id array) { sendUnlisted<void>("", array, "removeAllObject
 
 Id substring(Id text, objc::Range units) { return sendUnlisted<Id>("", text, "substringWithRange:", units); }
 
-bool contains(Id set, Id object) {
-  return sendUnlisted<objc::Boolean>("", set, "containsObject:", object) != 0;
-}
-
 Id error(const std::string& domain, objc::Integer code, const objc::Object& userInfo) {
   return sendUnlisted<Id>("NSError", nullptr, "errorWithDomain:code:userInfo:", objc::string(domain).get(),
                           code, userInfo.get());

@@ -14,8 +14,6 @@ void removeAllObjects(objc::Id array);
 
 objc::Id substring(objc::Id text, objc::Range units);
 
-bool contains(objc::Id set, objc::Id object);
-
 // An NSError; without an explanation the framework makes one up.
 objc::Id error(const std::string& domain, objc::Integer code, const objc::Object& userInfo = objc::Object());
 objc::Id explainedError(const std::string& domain, objc::Integer code, const std::string& explanation);

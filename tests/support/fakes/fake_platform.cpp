@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <regex>
 
+#include "platform/property_lists/property_lists.h"
+
 namespace karno::test {
 
 Line Line::parse(const std::string& text) {
@@ -31,7 +33,6 @@ FakePlatform::FakePlatform(std::optional<std::uint64_t> ofSeed)
                 .userDefaults = userDefaults,
                 .managedPreferences = managedPreferences,
                 .distributedNotifications = notifications,
-                .propertyLists = propertyLists,
                 .files = files,
                 .text = text,
                 .consoleLog = consoleLog,
@@ -108,10 +109,8 @@ FakePlatform& FakePlatform::withFuse(const std::string& version) {
   return withFuseInformation(platform::Value::Dictionary{{"CFBundleVersion", version}});
 }
 
-FakePlatform& FakePlatform::withFuseInformation(platform::Value value) {
-  const std::string bytes = "information of macFUSE: " + value.description();
-  files.addFile(kFuseInformationFile, bytes);
-  propertyLists.parsed.insert_or_assign(bytes, std::move(value));
+FakePlatform& FakePlatform::withFuseInformation(const platform::Value& value) {
+  files.addFile(kFuseInformationFile, platform::propertyListXML(value).value());
   return *this;
 }
 

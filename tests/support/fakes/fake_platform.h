@@ -23,7 +23,6 @@
 #include "fake_process_list.h"
 #include "fake_process_table.h"
 #include "fake_processes.h"
-#include "fake_property_lists.h"
 #include "fake_scheduler.h"
 #include "fake_shell.h"
 #include "fake_system.h"
@@ -97,9 +96,9 @@ class FakePlatform {
   FakePlatform& withEmbeddedBuilds();                  // both, in Contents/Helpers
   FakePlatform& withStrings(const std::string& json);  // the base table of user-visible texts
   FakePlatform& withSystem(const std::string& macOS,
-                           const std::string& cpu);          // as the shell commands tell it
-  FakePlatform& withFuse(const std::string& version);        // installs macFUSE, or another version of it
-  FakePlatform& withFuseInformation(platform::Value value);  // any content of its information file
+                           const std::string& cpu);    // as the shell commands tell it
+  FakePlatform& withFuse(const std::string& version);  // installs macFUSE, or another version of it
+  FakePlatform& withFuseInformation(const platform::Value& value);  // any content of its information file
 
   // A file in the bundle's resources, which is found by its name: "Strings.json", as the copy for the user's
   // language, or "Base.lproj/Strings.json".
@@ -140,7 +139,6 @@ class FakePlatform {
   FakeUserDefaultsStore userDefaults{scheduler};
   FakeManagedPreferences managedPreferences{userDefaults};
   FakeDistributedNotifications notifications{scheduler};
-  FakePropertyLists propertyLists;
   FakeText text;
   FakeConsoleLog consoleLog{scheduler};
   FakeSystemVersion systemVersion;

@@ -4,6 +4,7 @@
 #include "fake_platform.h"
 #include "fake_runtime_check.h"
 #include "made_up_programs.h"
+#include "platform/property_lists/property_lists.h"
 
 namespace karno::test {
 
@@ -53,10 +54,8 @@ class CompleteBundle {
     machine_.files.addFile(path(file), content);
   }
 
-  void writeList(const std::string& file, platform::Value::Dictionary entries) {
-    const std::string bytes = "entries of " + file;
-    write(file, bytes);
-    machine_.propertyLists.parsed.insert_or_assign(bytes, std::move(entries));
+  void writeList(const std::string& file, const platform::Value::Dictionary& entries) {
+    write(file, platform::propertyListXML(entries).value());
   }
 
   // Without a file there, or a folder.

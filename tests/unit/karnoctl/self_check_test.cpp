@@ -126,8 +126,7 @@ TEST_F(KarnoctlSelfCheck, NamesDamagedInformation) {
 }
 
 TEST_F(KarnoctlSelfCheck, NamesInformationOfAnotherKind) {
-  bundle_.write("Contents/Info.plist", "a list");
-  machine_.propertyLists.parsed.insert_or_assign("a list", Value::Array{});
+  bundle_.write("Contents/Info.plist", "<plist><array/></plist>");
 
   EXPECT_EQ(
       said(),

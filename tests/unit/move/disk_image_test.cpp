@@ -81,8 +81,7 @@ TEST_F(DiskImage, IsNoneWhenHdiutilPrintsNoPropertyList) {
 // Nobody looks at the exit status.
 TEST_F(DiskImage, IsFoundThoughHdiutilFails) {
   machine_.withImages(Value::Array{MovingMachine::image({kDevice})});
-  machine_.commands.answers.insert_or_assign(
-      kHdiutilLine, platform::CommandEnd{.end = {.terminationStatus = 1}, .standardOutput = test::kListing});
+  machine_.commands.answers.at(kHdiutilLine).value().end.terminationStatus = 1;
 
   EXPECT_EQ(containingDiskImageDevice(kImaged), kDevice);
 }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "fake_platform.h"
+#include "platform/property_lists/property_lists.h"
 #include "printing.h"
 
 namespace karno::test {
@@ -13,7 +14,6 @@ inline constexpr const char* kInstalled = "/Applications/Karno.app";
 inline constexpr const char* kTrashed = "/Users/tester/.Trash/Karno.app";
 inline constexpr const char* kExecutable = "/Contents/MacOS/Karno";
 inline constexpr const char* kHdiutilLine = "/usr/bin/hdiutil|info|-plist";
-inline constexpr const char* kListing = "what hdiutil lists";
 
 // A machine with an Applications folder, whose launcher lies where a test puts it.
 class MovingMachine : public FakePlatform {
@@ -45,10 +45,10 @@ class MovingMachine : public FakePlatform {
   MovingMachine& withImages(platform::Value images) {
     return withListing(platform::Value::Dictionary{{"images", std::move(images)}});
   }
-  MovingMachine& withListing(platform::Value listing) {
-    commands.answers.insert_or_assign(kHdiutilLine,
-                                      platform::CommandEnd{.end = {}, .standardOutput = kListing});
-    propertyLists.parsed.insert_or_assign(kListing, std::move(listing));
+  MovingMachine& withListing(const platform::Value& listing) {
+    commands.answers.insert_or_assign(
+        kHdiutilLine,
+        platform::CommandEnd{.end = {}, .standardOutput = platform::propertyListXML(listing).value()});
     return *this;
   }
 

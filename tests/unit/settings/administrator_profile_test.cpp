@@ -4,7 +4,7 @@
 #include "elements_are.h"
 #include "fake_platform.h"
 #include "karnoctl_documents.h"
-#include "platform/cocoa/xml_property_list.h"
+#include "platform/property_lists/property_lists.h"
 #include "settings/karno_admin_settings.h"
 
 namespace karno {
@@ -18,8 +18,8 @@ using ::testing::MatchesRegex;
 constexpr const char* kUUID = "[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}";
 
 Value::Dictionary dictionaryIn(const std::string& path) {
-  const auto list = platform::cocoa::readXMLList(test::textOfSource(path));
-  return list ? *list.value().get<Value::Dictionary>() : Value::Dictionary{};
+  const auto list = platform::parseDictionary(test::textOfSource(path));
+  return list ? list.value() : Value::Dictionary{};
 }
 
 const Value::Dictionary& dictionaryUnder(const std::string& key, const Value::Dictionary& list) {

@@ -6,6 +6,7 @@
 
 #include "elements_are.h"
 #include "fake_platform.h"
+#include "platform/property_lists/property_lists.h"
 
 namespace karno {
 namespace {
@@ -219,8 +220,8 @@ TEST(FuseFramework, TellsItsWholeInformation) {
 
 TEST(FuseFramework, OfAnotherNameIsReadFromItsOwnFolder) {
   FakePlatform machine;
-  machine.files.addFile("/Library/Frameworks/Other.framework/Resources/Info.plist", "other");
-  machine.propertyLists.parsed.insert_or_assign("other", Value::Dictionary{{"a", "b"}});
+  machine.files.addFile("/Library/Frameworks/Other.framework/Resources/Info.plist",
+                        platform::propertyListXML(Value::Dictionary{{"a", "b"}}).value());
 
   EXPECT_EQ(fuse().plistForFrameworkNamed("Other.framework"), (Value::Dictionary{{"a", "b"}}));
 }

@@ -147,10 +147,26 @@ TEST(OpenFinderForPath, DoesNothingWithoutAPath) {
   EXPECT_THAT(machine.console(), IsEmpty());
 }
 
+// Of {"key": 1}.
+constexpr const char* kArchive = R"(<plist version="1.0"><dict>
+<key>$archiver</key><string>NSKeyedArchiver</string>
+<key>$objects</key><array>
+<string>$null</string>
+<dict>
+  <key>$class</key><dict><key>CF$UID</key><integer>4</integer></dict>
+  <key>NS.keys</key><array><dict><key>CF$UID</key><integer>2</integer></dict></array>
+  <key>NS.objects</key><array><dict><key>CF$UID</key><integer>3</integer></dict></array>
+</dict>
+<string>key</string>
+<integer>1</integer>
+<dict><key>$classname</key><string>NSDictionary</string></dict>
+</array>
+<key>$top</key><dict><key>root</key><dict><key>CF$UID</key><integer>1</integer></dict></dict>
+</dict></plist>)";
+
 TEST(ReadPropertyList, ReadsAKeyedArchiveOfADictionary) {
   FakePlatform machine;
-  machine.files.addFile("/a/archive", "archived");
-  machine.propertyLists.unarchived["archived"] = {{"key", 1}};
+  machine.files.addFile("/a/archive", kArchive);
 
   const auto dictionary = Utilities::readPropertyListAtPath("/a/archive");
 
@@ -171,8 +187,7 @@ TEST(ReadPropertyList, FailsWithALineWhenTheFileCannotBeRead) {
 
 TEST(ReadPropertyList, FailsWithALineForAPlainPropertyList) {
   FakePlatform machine;
-  machine.files.addFile("/a/Info.plist", "<plist/>");
-  machine.propertyLists.parsed.emplace("<plist/>", Value::Dictionary{{"key", 1}});
+  machine.files.addFile("/a/Info.plist", "<plist><dict/></plist>");
 
   const auto dictionary = Utilities::readPropertyListAtPath("/a/Info.plist");
 
@@ -181,7 +196,7 @@ TEST(ReadPropertyList, FailsWithALineForAPlainPropertyList) {
       machine.consoleMessages(),
       ElementsAre(Line("WARN",
                        "PropertyList[READ] Failed to unarchive dictionary from /a/Info.plist. Reason: "
-                       "The data couldn’t be read because it isn’t in the correct format.")));
+                       "The keyed archive cannot be read: it is none.")));
 }
 
 TEST(PathForSymlink, IsWhatTheLinkHoldsNotResolvedFurther) {

@@ -1,14 +1,16 @@
 #include "platform/cocoa/runtime/values.h"
 
-#include <cmath>
 #include <cstring>
 #include <limits>
 
 #include "platform/cocoa/runtime/strings.h"
+#include "platform/property_lists/limits.h"
+#include "platform/property_lists/scalar_texts.h"
 
 namespace karno::platform::cocoa {
 namespace {
 
+using lists::kMaxValueDepth;
 using objc::Id;
 using objc::Object;
 using objc::send;
@@ -41,18 +43,8 @@ Value numberValue(Id number) {
 }
 
 std::optional<Value> dateValue(Id date) {
-  const double nanoseconds = send<double>(date, "timeIntervalSince1970") * kNanosecondsPerSecond;
-  if (std::isnan(nanoseconds)) {
-    return std::nullopt;
-  }
-  constexpr auto kLimit = static_cast<double>(std::numeric_limits<std::int64_t>::max());
-  if (nanoseconds >= kLimit) {
-    return Value(Date::max());
-  }
-  if (nanoseconds <= -kLimit) {
-    return Value(Date::min());
-  }
-  return Value(Date(std::chrono::nanoseconds(std::llround(nanoseconds))));
+  const auto moment = lists::dateSince1970(send<double>(date, "timeIntervalSince1970"));
+  return moment ? std::optional(Value(*moment)) : std::nullopt;
 }
 
 Value dataValue(Id data) {

@@ -7,12 +7,9 @@
 // Property-list objects as platform::Value and back. Any thread, inside an autorelease pool.
 namespace karno::platform::cocoa {
 
-// How deep containers may lie in one another; the outermost one counts as 1.
-inline constexpr int kMaxValueDepth = 64;
-
 // Absent when the object, or anything in it, is not a property-list object, a dictionary has a key that is no
-// string, or it is nested too deeply. A number beyond std::int64_t becomes a double; a date beyond Date's
-// range the nearest one in it.
+// string, or it is nested deeper than lists::kMaxValueDepth. A number beyond std::int64_t becomes a double; a
+// date beyond Date's range the nearest one in it.
 std::optional<Value> valueOf(objc::Id object);
 
 // Null only for a value that is nested too deeply.

@@ -9,7 +9,7 @@
 #include "platform/linux/bundles/file_url.h"
 #include "platform/linux/bundles/language_folders.h"
 #include "platform/linux/bundles/preferred_languages.h"
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/files/property_list_file.h"
 #include "platform/posix/files/program_bundle.h"
 #include "platform/posix/processes/process_information.h"
 
@@ -49,8 +49,8 @@ std::vector<std::string> foldersIn(const std::string& path) {
   return names;
 }
 
-Value::Dictionary infoDictionary(const PropertyLists& propertyLists, const std::string& bundle) {
-  Result<Value::Dictionary> info = readDictionary(propertyLists, bundle + "/Contents/Info.plist");
+Value::Dictionary infoDictionary(const std::string& bundle) {
+  Result<Value::Dictionary> info = readDictionary(bundle + "/Contents/Info.plist");
   return info ? std::move(info.value()) : Value::Dictionary();
 }
 
@@ -61,10 +61,8 @@ std::string mainBundlePath() {
 
 }  // namespace
 
-LinuxBundle::LinuxBundle(const PropertyLists& propertyLists, std::string path)
-    : propertyLists_(propertyLists),
-      path_(withoutSlashesAtEnd(std::move(path))),
-      info_(infoDictionary(propertyLists, path_)) {}
+LinuxBundle::LinuxBundle(std::string path)
+    : path_(withoutSlashesAtEnd(std::move(path))), info_(infoDictionary(path_)) {}
 
 std::string LinuxBundle::bundlePath() const { return path_; }
 
@@ -103,8 +101,7 @@ std::optional<std::string> LinuxBundle::pathForResource(std::string_view name, s
   if (directory.empty()) {
     candidates.push_back(resources + file);
     // Only a folder that is there can be named, so a language cannot lead out of the resources.
-    for (const std::string& folder :
-         languageFolders(foldersIn(resources), preferredLanguages(propertyLists_))) {
+    for (const std::string& folder : languageFolders(foldersIn(resources), preferredLanguages())) {
       candidates.push_back(resources + folder + "/" + file);
     }
   } else {
@@ -120,27 +117,22 @@ std::optional<std::string> LinuxBundle::pathForResource(std::string_view name, s
 std::string LinuxBundle::localisedString(std::string_view key, std::string_view table) const {
   const std::optional<std::string> path = pathForResource(table, "strings", "");
   if (!path) return std::string(key);
-  const Result<Value::Dictionary> texts = readDictionary(propertyLists_, *path);
+  const Result<Value::Dictionary> texts = readDictionary(*path);
   if (!texts) return std::string(key);
-  const auto entry = texts.value().find(key);
-  if (entry == texts.value().end() || !entry->second.isString()) return std::string(key);
-  return *entry->second.get<std::string>();
+  const auto* text = entryOf<std::string>(texts.value(), key);
+  return text == nullptr ? std::string(key) : *text;
 }
 
 std::optional<std::string> LinuxBundle::infoString(std::string_view key) const {
-  const auto entry = info_.find(key);
-  if (entry == info_.end()) return std::nullopt;
-  const auto* text = entry->second.get<std::string>();
-  if (text == nullptr) return std::nullopt;
-  return *text;
+  const auto* text = entryOf<std::string>(info_, key);
+  return text == nullptr ? std::nullopt : std::optional(*text);
 }
 
-LinuxBundles::LinuxBundles(const PropertyLists& propertyLists)
-    : propertyLists_(propertyLists), mainBundle_(propertyLists, mainBundlePath()) {}
+LinuxBundles::LinuxBundles() : mainBundle_(mainBundlePath()) {}
 
 std::shared_ptr<const Bundle> LinuxBundles::bundleAtPath(const std::string& path) const {
   if (!isFolder(path)) return nullptr;
-  return std::make_shared<LinuxBundle>(propertyLists_, path);
+  return std::make_shared<LinuxBundle>(path);
 }
 
 }  // namespace karno::platform

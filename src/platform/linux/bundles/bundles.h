@@ -1,6 +1,5 @@
 #pragma once
 #include "platform/bundles.h"
-#include "platform/property_lists.h"
 
 namespace karno::platform {
 
@@ -8,7 +7,7 @@ namespace karno::platform {
 class LinuxBundle final : public Bundle {
  public:
   // `path` is absolute.
-  LinuxBundle(const PropertyLists& propertyLists, std::string path);
+  explicit LinuxBundle(std::string path);
 
   std::string bundlePath() const override;
   std::string bundleURL() const override;
@@ -23,7 +22,6 @@ class LinuxBundle final : public Bundle {
  private:
   std::optional<std::string> infoString(std::string_view key) const;
 
-  const PropertyLists& propertyLists_;
   const std::string path_;
   const Value::Dictionary info_;
 };
@@ -32,13 +30,12 @@ class LinuxBundle final : public Bundle {
 // its own folder for one.
 class LinuxBundles final : public Bundles {
  public:
-  explicit LinuxBundles(const PropertyLists& propertyLists);
+  LinuxBundles();
 
   const Bundle& mainBundle() const override { return mainBundle_; }
   std::shared_ptr<const Bundle> bundleAtPath(const std::string& path) const override;
 
  private:
-  const PropertyLists& propertyLists_;
   const LinuxBundle mainBundle_;
 };
 

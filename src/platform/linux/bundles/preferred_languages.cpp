@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/files/property_list_file.h"
 #include "platform/posix/files/home.h"
 
 namespace karno::platform {
@@ -31,14 +31,11 @@ std::string tagOfLocale(std::string_view locale) {
   return tag == "C" || tag == "POSIX" ? std::string() : tag;
 }
 
-std::vector<std::string> languagesOfPreferences(const PropertyLists& propertyLists) {
+std::vector<std::string> languagesOfPreferences() {
   std::vector<std::string> languages;
-  const auto preferences =
-      readDictionary(propertyLists, homeFolder() + "/Library/Preferences/.GlobalPreferences.plist");
+  const auto preferences = readDictionary(homeFolder() + "/Library/Preferences/.GlobalPreferences.plist");
   if (!preferences) return languages;
-  const auto entry = preferences.value().find("AppleLanguages");
-  if (entry == preferences.value().end()) return languages;
-  const auto* tags = entry->second.get<Value::Array>();
+  const auto* tags = entryOf<Value::Array>(preferences.value(), "AppleLanguages");
   if (tags == nullptr) return languages;
   for (const Value& tag : *tags) {
     if (const auto* text = tag.get<std::string>()) add(languages, *text);
@@ -67,8 +64,8 @@ std::vector<std::string> languagesOfEnvironment() {
 
 }  // namespace
 
-std::vector<std::string> preferredLanguages(const PropertyLists& propertyLists) {
-  std::vector<std::string> languages = languagesOfPreferences(propertyLists);
+std::vector<std::string> preferredLanguages() {
+  std::vector<std::string> languages = languagesOfPreferences();
   return languages.empty() ? languagesOfEnvironment() : languages;
 }
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/linux/machine/machine_root.h"
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/files/property_list_file.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/system_path.h"
 
@@ -68,32 +68,21 @@ std::optional<Mount> kernelMountOf(const std::string& path) {
   return innermost;
 }
 
-const std::string* textOf(const Value::Dictionary& entries, std::string_view key) {
-  const auto entry = entries.find(key);
-  return entry == entries.end() ? nullptr : entry->second.get<std::string>();
-}
-
 void addMountsOf(const Value& image, std::vector<Mount>& mounts) {
-  const auto* entries = image.get<Value::Dictionary>();
-  if (entries == nullptr) return;
-  const auto entities = entries->find("system-entities");
-  const auto* list = entities == entries->end() ? nullptr : entities->second.get<Value::Array>();
+  const auto* list = entryOf<Value::Array>(image, "system-entities");
   if (list == nullptr) return;
   for (const Value& entity : *list) {
-    const auto* parts = entity.get<Value::Dictionary>();
-    if (parts == nullptr) continue;
-    const std::string* device = textOf(*parts, "dev-entry");
-    const std::string* place = textOf(*parts, "mount-point");
+    const auto* device = entryOf<std::string>(entity, "dev-entry");
+    const auto* place = entryOf<std::string>(entity, "mount-point");
     if (device != nullptr && place != nullptr) mounts.push_back({*device, systemPath(*place)});
   }
 }
 
-std::vector<Mount> diskImageMounts(const PropertyLists& propertyLists) {
+std::vector<Mount> diskImageMounts() {
   std::vector<Mount> mounts;
-  const auto table = readDictionary(propertyLists, systemPath("/var/machine/disk-images.plist"));
+  const auto table = readDictionary(systemPath("/var/machine/disk-images.plist"));
   if (!table) return mounts;
-  const auto images = table.value().find("images");
-  const auto* list = images == table.value().end() ? nullptr : images->second.get<Value::Array>();
+  const auto* list = entryOf<Value::Array>(table.value(), "images");
   if (list == nullptr) return mounts;
   for (const Value& image : *list) addMountsOf(image, mounts);
   return mounts;
@@ -110,7 +99,7 @@ std::optional<MountInformation> LinuxMounts::informationOf(const std::string& pa
   std::error_code error;
   const std::string place = fs::canonical(path, error).string();
   if (error) return std::nullopt;
-  for (const Mount& image : diskImageMounts(propertyLists_)) {
+  for (const Mount& image : diskImageMounts()) {
     if (isAtOrBelow(place, withoutLinks(image.place))) return MountInformation{.sourceDevice = image.device};
   }
   const std::optional<Mount> mount = kernelMountOf(place);

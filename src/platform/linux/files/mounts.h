@@ -1,6 +1,5 @@
 #pragma once
 #include "platform/mounts.h"
-#include "platform/property_lists.h"
 
 namespace karno::platform {
 
@@ -9,12 +8,7 @@ namespace karno::platform {
 // it is one of Linux.
 class LinuxMounts final : public Mounts {
  public:
-  explicit LinuxMounts(const PropertyLists& propertyLists) : propertyLists_(propertyLists) {}
-
   std::optional<MountInformation> informationOf(const std::string& path) const override;
-
- private:
-  const PropertyLists& propertyLists_;
 };
 
 }  // namespace karno::platform

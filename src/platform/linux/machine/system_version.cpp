@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/files/property_list_file.h"
 #include "platform/posix/console_line.h"
 #include "platform/system_path.h"
 
@@ -40,19 +40,18 @@ std::optional<Version> versionFromText(std::string_view text) {
   return std::nullopt;
 }
 
-std::optional<Version> versionFromFile(const PropertyLists& propertyLists, const std::string& path) {
-  const Result<Value::Dictionary> values = readDictionary(propertyLists, path);
+std::optional<Version> versionFromFile(const std::string& path) {
+  const Result<Value::Dictionary> values = readDictionary(path);
   if (!values) return std::nullopt;
-  const auto entry = values.value().find("ProductVersion");
-  if (entry == values.value().end() || !entry->second.isString()) return std::nullopt;
-  return versionFromText(*entry->second.get<std::string>());
+  const auto* version = entryOf<std::string>(values.value(), "ProductVersion");
+  return version == nullptr ? std::nullopt : versionFromText(*version);
 }
 
 }  // namespace
 
 std::optional<Version> LinuxSystemVersion::version() const {
   const std::string path = systemPath("/System/Library/CoreServices/SystemVersion.plist");
-  std::optional<Version> version = versionFromFile(propertyLists_, path);
+  std::optional<Version> version = versionFromFile(path);
   if (!version) {
     std::call_once(reported_, [&] { writeConsoleLine("SystemVersion: no ProductVersion in " + path); });
   }

@@ -3,7 +3,6 @@
 #include <mutex>
 #include <optional>
 
-#include "platform/property_lists.h"
 #include "platform/system_version.h"
 
 namespace karno::platform {
@@ -12,8 +11,6 @@ namespace karno::platform {
 // which is reported on the console log once.
 class LinuxSystemVersion final : public SystemVersion {
  public:
-  explicit LinuxSystemVersion(const PropertyLists& propertyLists) : propertyLists_(propertyLists) {}
-
   bool isAtLeast(int major, int minor, int patch) const override;
 
   // That of the first release of the macOS that the machine claims; the last one known for all later ones,
@@ -23,7 +20,6 @@ class LinuxSystemVersion final : public SystemVersion {
  private:
   std::optional<std::array<int, 3>> version() const;
 
-  const PropertyLists& propertyLists_;
   mutable std::once_flag reported_;
 };
 

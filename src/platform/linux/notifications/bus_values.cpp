@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/utf8.h"
 #include "platform/never_destroyed.h"
+#include "platform/text/utf8.h"
 
 namespace karno::platform {
 namespace {
@@ -191,7 +191,7 @@ Value::Dictionary valuesFromBusDictionary(const BusDictionary& values) {
 
 bool isBusText(const std::string& text) {
   if (text.find('\0') != std::string::npos) return false;
-  return isUTF8(text);
+  return isValidUTF8(text);
 }
 
 }  // namespace karno::platform

@@ -12,10 +12,12 @@
 #include <utility>
 
 #include "platform/linux/preferences/file_lock.h"
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/files/property_list_file.h"
 #include "platform/posix/console_line.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"
+#include "platform/posix/files/whole_file.h"
+#include "platform/property_lists/property_lists.h"
 
 namespace karno::platform {
 namespace {
@@ -63,8 +65,7 @@ int setAside(const std::string& path) {
 
 }  // namespace
 
-DefaultsFile::DefaultsFile(const PropertyLists& propertyLists, std::string path)
-    : propertyLists_(propertyLists), path_(std::move(path)) {}
+DefaultsFile::DefaultsFile(std::string path) : path_(std::move(path)) {}
 
 std::optional<Value> DefaultsFile::valueForKey(std::string_view key) {
   const std::scoped_lock lock(mutex_);
@@ -87,7 +88,7 @@ void DefaultsFile::readAfresh() {
   const auto readAt = std::chrono::system_clock::now();
   const Result<WholeFile> file = readWholeFile(path_);
   if (!file) return;
-  Result<Value::Dictionary> values = parseDictionary(propertyLists_, file.value().bytes);
+  Result<Value::Dictionary> values = parseDictionary(file.value().bytes);
   if (values) cache_ = std::move(values.value());
   if (hasSettled(file.value().status, readAt)) cachedStatus_ = file.value().status;
 }
@@ -124,14 +125,14 @@ std::optional<Error> DefaultsFile::store(const Changes& changes) {
   }
   if (changed == values.value()) return std::nullopt;
 
-  const Result<std::string> bytes = propertyLists_.serialiseAsXML(Value(std::move(changed)));
+  const Result<std::string> bytes = propertyListXML(Value(std::move(changed)));
   if (!bytes) return bytes.error();
   if (const int error = replaceFile(path_, bytes.value())) return Error::posix(error);
   return std::nullopt;
 }
 
 Result<Value::Dictionary> DefaultsFile::contentForWriting() {
-  Result<Value::Dictionary> values = readDictionary(propertyLists_, path_);
+  Result<Value::Dictionary> values = readDictionary(path_);
   if (values) return values;
   if (saysMissing(values.error())) return Value::Dictionary();
   if (!isDamage(values.error())) return values;

@@ -7,7 +7,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/property_lists.h"
+#include "platform/error.h"
+#include "platform/value.h"
 
 namespace karno::platform {
 
@@ -15,7 +16,7 @@ namespace karno::platform {
 class DefaultsFile {
  public:
   // An empty path holds nothing and takes nothing.
-  DefaultsFile(const PropertyLists& propertyLists, std::string path);
+  explicit DefaultsFile(std::string path);
 
   // As the file is now. Missing, unreadable and damaged files hold nothing. A value that could not be stored
   // counts all the same in this process.
@@ -37,7 +38,6 @@ class DefaultsFile {
   std::optional<Error> store(const Changes& changes);
   Result<Value::Dictionary> contentForWriting();
 
-  const PropertyLists& propertyLists_;
   const std::string path_;
 
   std::mutex mutex_;

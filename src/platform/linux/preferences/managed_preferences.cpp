@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/files/property_list_file.h"
 #include "platform/posix/files/home.h"
 #include "platform/system_path.h"
 
@@ -20,7 +20,7 @@ bool LinuxManagedPreferences::isAppValueForced(const std::string& key, const std
 }
 
 std::optional<LinuxManagedPreferences::Found> LinuxManagedPreferences::find(
-    const std::string& key, const std::string& applicationID) const {
+    const std::string& key, const std::string& applicationID) {
   // A "/" would lead out of the preferences folders.
   if (applicationID.empty() || applicationID.find('/') != std::string::npos) return std::nullopt;
 
@@ -32,7 +32,7 @@ std::optional<LinuxManagedPreferences::Found> LinuxManagedPreferences::find(
       {systemPath("/Library/Preferences" + file), false},
   };
   for (const auto& [path, isForced] : places) {
-    const Result<Value::Dictionary> values = readDictionary(propertyLists_, path);
+    const Result<Value::Dictionary> values = readDictionary(path);
     if (!values && saysMissing(values.error())) continue;
     if (!values) return std::nullopt;  // it might hold a value that must win over the following ones
     if (const auto entry = values.value().find(key); entry != values.value().end()) {

@@ -15,8 +15,7 @@ std::string pathOfSuite(const std::string& suiteName) {
 
 }  // namespace
 
-LinuxUserDefaults::LinuxUserDefaults(const PropertyLists& propertyLists, const std::string& suiteName)
-    : file_(propertyLists, pathOfSuite(suiteName)) {}
+LinuxUserDefaults::LinuxUserDefaults(const std::string& suiteName) : file_(pathOfSuite(suiteName)) {}
 
 std::optional<Value> LinuxUserDefaults::objectForKey(std::string_view key) const {
   return file_.valueForKey(key);
@@ -35,14 +34,14 @@ void LinuxUserDefaults::synchronize() { file_.synchronize(); }
 LinuxUserDefaults& LinuxUserDefaultsStore::standardUserDefaults() {
   std::call_once(standardMade_, [this] {
     const std::string programName = std::filesystem::path(programPath()).filename().string();
-    standard_ = std::make_unique<LinuxUserDefaults>(
-        propertyLists_, bundles_.mainBundle().bundleIdentifier().value_or(programName));
+    standard_ =
+        std::make_unique<LinuxUserDefaults>(bundles_.mainBundle().bundleIdentifier().value_or(programName));
   });
   return *standard_;
 }
 
 std::unique_ptr<UserDefaults> LinuxUserDefaultsStore::makeSuite(const std::string& suiteName) {
-  return std::make_unique<LinuxUserDefaults>(propertyLists_, suiteName);
+  return std::make_unique<LinuxUserDefaults>(suiteName);
 }
 
 }  // namespace karno::platform

@@ -13,7 +13,7 @@ namespace karno::platform {
 class LinuxUserDefaults final : public UserDefaults {
  public:
   // A name that is empty or holds a "/" is no suite: it reads as empty and stores nothing.
-  LinuxUserDefaults(const PropertyLists& propertyLists, const std::string& suiteName);
+  explicit LinuxUserDefaults(const std::string& suiteName);
 
   std::optional<Value> objectForKey(std::string_view key) const override;
   bool boolForKey(std::string_view key) const override;
@@ -30,14 +30,12 @@ class LinuxUserDefaults final : public UserDefaults {
 // The standard defaults are named after the main bundle's identifier; without one, after the program.
 class LinuxUserDefaultsStore final : public UserDefaultsStore {
  public:
-  LinuxUserDefaultsStore(const PropertyLists& propertyLists, const Bundles& bundles)
-      : propertyLists_(propertyLists), bundles_(bundles) {}
+  explicit LinuxUserDefaultsStore(const Bundles& bundles) : bundles_(bundles) {}
 
   LinuxUserDefaults& standardUserDefaults() override;
   std::unique_ptr<UserDefaults> makeSuite(const std::string& suiteName) override;
 
  private:
-  const PropertyLists& propertyLists_;
   const Bundles& bundles_;
   std::once_flag standardMade_;
   std::unique_ptr<LinuxUserDefaults> standard_;

@@ -6,9 +6,8 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/cocoa/property_lists.h"
 #include "platform/linux/processes/process_list.h"
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/files/property_list_file.h"
 #include "platform/posix/processes/running_children.h"
 
 namespace karno::platform::cocoa {
@@ -37,16 +36,13 @@ class Identifiers {
   }
 
  private:
-  std::optional<std::string> read(const std::string& bundle) const {
-    const Result<Value::Dictionary> info = readDictionary(propertyLists_, bundle + "/Contents/Info.plist");
+  static std::optional<std::string> read(const std::string& bundle) {
+    const Result<Value::Dictionary> info = readDictionary(bundle + "/Contents/Info.plist");
     if (!info) return std::nullopt;
-    const auto entry = info.value().find("CFBundleIdentifier");
-    if (entry == info.value().end()) return std::nullopt;
-    const auto* identifier = entry->second.get<std::string>();
+    const auto* identifier = entryOf<std::string>(info.value(), "CFBundleIdentifier");
     return identifier == nullptr ? std::nullopt : std::optional(*identifier);
   }
 
-  const CocoaPropertyLists propertyLists_{};
   std::map<std::string, std::optional<std::string>> known_;
 };
 

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "platform/text/utf8.h"
+
 namespace karno::platform::updates {
 namespace {
 
@@ -36,35 +38,16 @@ bool has(const List& list, std::string_view word) {
 
 char lowercase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 
-std::string utf8(std::uint32_t point) {
-  if (point == 0 || point > 0x10FFFF || (point >= 0xD800 && point < 0xE000)) return "\uFFFD";
-  std::string bytes;
-  const auto add = [&bytes](std::uint32_t byte) { bytes += static_cast<char>(byte); };
-  if (point < 0x80) {
-    add(point);
-  } else if (point < 0x800) {
-    add(0xC0 | point >> 6);
-    add(0x80 | (point & 0x3F));
-  } else if (point < 0x10000) {
-    add(0xE0 | point >> 12);
-    add(0x80 | (point >> 6 & 0x3F));
-    add(0x80 | (point & 0x3F));
-  } else {
-    add(0xF0 | point >> 18);
-    add(0x80 | (point >> 12 & 0x3F));
-    add(0x80 | (point >> 6 & 0x3F));
-    add(0x80 | (point & 0x3F));
-  }
-  return bytes;
-}
-
 std::string numericEntity(std::string_view digits) {
   const bool isHexadecimal = digits.starts_with('x') || digits.starts_with('X');
   if (isHexadecimal) digits.remove_prefix(1);
   std::uint32_t point = 0;
   const auto [end, error] =
       std::from_chars(digits.data(), digits.data() + digits.size(), point, isHexadecimal ? 16 : 10);
-  return error == std::errc() && end == digits.data() + digits.size() ? utf8(point) : std::string();
+  std::string text;
+  if (error != std::errc() || end != digits.data() + digits.size()) return text;
+  appendUTF8(text, point == 0 ? kReplacementCharacter : point);
+  return text;
 }
 
 class Reader {

@@ -1,8 +1,8 @@
 #include "platform/macos/files/file_manager.h"
 
+#include "platform/cocoa/runtime/errors.h"
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/runtime/strings.h"
-#include "platform/macos/foundation/foundation_error.h"
 
 namespace karno::platform {
 namespace {
@@ -18,7 +18,7 @@ std::optional<Error> errorUnlessDone(std::string_view doing, Work work) {
   const auto done = objc::guarded(doing, [&work]() -> std::optional<Error> {
     objc::Id error = nullptr;
     if (work(&error)) return std::nullopt;
-    return error == nullptr ? Error(std::string(kCocoaErrorDomain), kUnknown) : errorOf(error);
+    return cocoa::errorOf(error, Error(std::string(kCocoaErrorDomain), kUnknown));
   });
   return done ? done.value() : done.error();
 }

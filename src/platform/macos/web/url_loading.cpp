@@ -2,10 +2,10 @@
 
 #include <utility>
 
+#include "platform/cocoa/runtime/errors.h"
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/runtime/objc.h"
 #include "platform/cocoa/runtime/strings.h"
-#include "platform/macos/foundation/foundation_error.h"
 
 namespace karno::platform {
 namespace {
@@ -20,9 +20,7 @@ Error urlError(std::int64_t code, std::string description) {
                {{std::string(kLocalizedDescriptionKey), std::move(description)}});
 }
 
-Error errorFrom(objc::Id error) {
-  return error == nullptr ? urlError(kURLErrorUnknown, "unknown error") : errorOf(error);
-}
+Error errorFrom(objc::Id error) { return cocoa::errorOf(error, urlError(kURLErrorUnknown, "unknown error")); }
 
 Result<std::string> fetch(const std::string& text) {
   const objc::Id url = objc::send(objc::classNamed("NSURL"), "URLWithString:", objc::string(text));

@@ -4,10 +4,10 @@
 
 #include <filesystem>
 
+#include "../../support/information_lists.h"
 #include "../../support/property_list_texts.h"
 #include "../../support/scoped_environment.h"
 #include "../../support/temporary_folder.h"
-#include "platform/cocoa/property_lists.h"
 
 namespace karno::platform {
 namespace {
@@ -26,8 +26,7 @@ class LinuxBundlesTest : public testing::Test {
   TemporaryFolder folder;
   const ScopedEnvironment home{"HOME", folder.path()};  // without preferences
   const ScopedEnvironment list{"LANGUAGE", std::nullopt};
-  cocoa::CocoaPropertyLists propertyLists;
-  LinuxBundles bundles{propertyLists};
+  LinuxBundles bundles;
 };
 
 TEST_F(LinuxBundlesTest, EncodesUnusualNamesInURLs) {
@@ -55,6 +54,18 @@ TEST_F(LinuxBundlesTest, KnowsNothingFromADamagedInfoPlist) {
   EXPECT_EQ(made->executablePath(), std::nullopt);
   EXPECT_EQ(made->objectForInfoDictionaryKey("CFBundleExecutable"), std::nullopt);
 }
+
+class LinuxBundleOf : public LinuxBundlesTest, public testing::WithParamInterface<test::InformationList> {};
+
+TEST_P(LinuxBundleOf, AnUnusualListHasWhatTheInstallerAndTheReleaseToolFind) {
+  folder.write("A.app/Contents/Info.plist", GetParam().bytes);
+
+  EXPECT_EQ(bundle("A.app")->bundleIdentifier(), GetParam().name);
+  EXPECT_EQ(bundle("A.app")->objectForInfoDictionaryKey("CFBundleVersion"), Value(GetParam().version));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, LinuxBundleOf, testing::ValuesIn(test::informationLists()),
+                         [](const auto& each) { return each.param.form; });
 
 TEST_F(LinuxBundlesTest, IgnoresEntriesOfTheWrongType) {
   folder.write(

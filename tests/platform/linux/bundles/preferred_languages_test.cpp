@@ -7,7 +7,6 @@
 #include "../../support/scoped_environment.h"
 #include "../../support/temporary_folder.h"
 #include "elements_are.h"
-#include "platform/cocoa/property_lists.h"
 
 namespace karno::platform {
 namespace {
@@ -25,9 +24,8 @@ class PreferredLanguages : public testing::Test {
   void setPreferences(const std::string& elements) const {
     folder.write("Library/Preferences/.GlobalPreferences.plist", propertyList(elements));
   }
-  std::vector<std::string> languages() const { return preferredLanguages(propertyLists); }
+  static std::vector<std::string> languages() { return preferredLanguages(); }
 
-  const cocoa::CocoaPropertyLists propertyLists{};
   const TemporaryFolder folder;
   const ScopedEnvironment home{"HOME", folder.path()};
   const ScopedEnvironment language{"LANGUAGE", std::nullopt};

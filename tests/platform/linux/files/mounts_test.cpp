@@ -7,7 +7,6 @@
 #include "../../support/property_list_texts.h"
 #include "../../support/scoped_environment.h"
 #include "../../support/temporary_folder.h"
-#include "platform/cocoa/property_lists.h"
 
 namespace karno::platform {
 namespace {
@@ -39,8 +38,7 @@ class LinuxMountsTest : public testing::Test {
 
   const TemporaryFolder folder_;
   const ScopedEnvironment root_{"KARNO_MACHINE_ROOT", folder_.path()};
-  cocoa::CocoaPropertyLists propertyLists_;
-  LinuxMounts mounts_{propertyLists_};
+  LinuxMounts mounts_;
 };
 
 TEST_F(LinuxMountsTest, TakeTheMachineRootForTheRootFileSystem) {

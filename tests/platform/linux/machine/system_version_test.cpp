@@ -6,7 +6,6 @@
 #include "../../support/scoped_environment.h"
 #include "../../support/standard_error_capture.h"
 #include "../../support/temporary_folder.h"
-#include "platform/cocoa/property_lists.h"
 
 namespace karno::platform {
 namespace {
@@ -28,8 +27,7 @@ class LinuxSystemVersionTest : public testing::Test {
 
   TemporaryFolder folder;
   ScopedEnvironment root{"KARNO_MACHINE_ROOT", folder.path()};
-  cocoa::CocoaPropertyLists propertyLists;
-  LinuxSystemVersion version{propertyLists};
+  LinuxSystemVersion version;
 };
 
 TEST_F(LinuxSystemVersionTest, ComparesNumerically) {

@@ -7,7 +7,6 @@
 #include "../../support/property_list_texts.h"
 #include "../../support/scoped_environment.h"
 #include "../../support/temporary_folder.h"
-#include "platform/cocoa/property_lists.h"
 #include "platform/posix/files/home.h"
 
 namespace karno::platform {
@@ -30,8 +29,7 @@ class LinuxManagedPreferencesTest : public testing::Test {
   TemporaryFolder folder;
   ScopedEnvironment root{"KARNO_MACHINE_ROOT", folder / "root"};
   ScopedEnvironment home{"HOME", folder / "home"};
-  cocoa::CocoaPropertyLists propertyLists;
-  LinuxManagedPreferences preferences{propertyLists};
+  LinuxManagedPreferences preferences;
 };
 
 TEST_F(LinuxManagedPreferencesTest, PreferForcedValuesThenTheUsersThenThoseOfTheMachine) {

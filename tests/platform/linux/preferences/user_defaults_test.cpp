@@ -15,9 +15,8 @@
 #include "../../support/scoped_environment.h"
 #include "../../support/standard_error_capture.h"
 #include "../../support/temporary_folder.h"
-#include "platform/cocoa/property_lists.h"
 #include "platform/linux/bundles/bundles.h"
-#include "platform/linux/property_list_file.h"
+#include "platform/linux/files/property_list_file.h"
 
 namespace karno::platform {
 namespace {
@@ -37,7 +36,7 @@ class LinuxUserDefaultsTest : public testing::Test {
   std::string path() const { return home / kFile; }
   std::string write(const std::string& elements) const { return home.write(kFile, propertyList(elements)); }
   std::unique_ptr<UserDefaults> suite() { return store.makeSuite(kSuite); }
-  Value::Dictionary stored() const { return readDictionary(propertyLists, path()).value(); }
+  Value::Dictionary stored() const { return readDictionary(path()).value(); }
 
   // Changes each of its keys ten times, 1000 writes in all, and looks after every write whether the one
   // before is still there: another writer that stores what it read too early would undo just that one.
@@ -60,9 +59,8 @@ class LinuxUserDefaultsTest : public testing::Test {
 
   TemporaryFolder home;
   ScopedEnvironment homeVariable{"HOME", home.path()};
-  cocoa::CocoaPropertyLists propertyLists;
-  LinuxBundles bundles{propertyLists};
-  LinuxUserDefaultsStore store{propertyLists, bundles};
+  LinuxBundles bundles;
+  LinuxUserDefaultsStore store{bundles};
 };
 
 TEST_F(LinuxUserDefaultsTest, KeepValuesOfEveryTypeThatOthersStored) {

@@ -6,6 +6,8 @@
 #include "../stand_in.h"
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
+#include "platform/cocoa/runtime/values.h"
+#include "stand_in.h"
 
 namespace karno::platform::test {
 namespace {
@@ -39,15 +41,15 @@ Class managerClass() {
   return made;
 }
 
-objc::Id domain(objc::Id, objc::Sel selector) { return answer(selector); }
+objc::Id property(objc::Id, objc::Sel selector) { return answer(selector); }
 objc::Integer code(objc::Id, objc::Sel) { return 640; }
-objc::Id localizedDescription(objc::Id, objc::Sel selector) { return answer(selector); }
 
 Class errorClass() {
   static const Class made = StandInClass("StandInFileError")
-                                .method("domain", "@@:", domain)
+                                .method("domain", "@@:", property)
                                 .method("code", "q@:", code)
-                                .method("localizedDescription", "@@:", localizedDescription)
+                                .method("localizedDescription", "@@:", property)
+                                .method("userInfo", "@@:", property)
                                 .registerClass();
   return made;
 }
@@ -96,6 +98,15 @@ TEST_F(MacFileManager, TellsWhyItCannotTrash) {
 
   EXPECT_EQ(manager_.trashItem("/a"),
             Error("NSCocoaErrorDomain", 640, {{std::string(kLocalizedDescriptionKey), "The disk is full."}}));
+}
+
+TEST_F(MacFileManager, TellsWhichFileAnErrorSpeaksOf) {
+  failWithAnError();
+  standIns_.answer("userInfo", cocoa::objectOf(Value(Value::Dictionary{{"NSFilePath", "/a"}})));
+
+  EXPECT_EQ(manager_.copyItem("/a", "/b"),
+            Error("NSCocoaErrorDomain", 640,
+                  {{"NSFilePath", "/a"}, {std::string(kLocalizedDescriptionKey), "The disk is full."}}));
 }
 
 TEST_F(MacFileManager, FailsWithoutAReason) {

@@ -6,6 +6,8 @@
 #include "../stand_in.h"
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
+#include "platform/cocoa/runtime/values.h"
+#include "stand_in.h"
 
 namespace karno::platform::test {
 namespace {
@@ -43,6 +45,7 @@ Class errorClass() {
                                 .method("domain", "@@:", property)
                                 .method("code", "q@:", code)
                                 .method("localizedDescription", "@@:", property)
+                                .method("userInfo", "@@:", property)
                                 .registerClass();
   return made;
 }
@@ -93,13 +96,17 @@ TEST_F(MacURLLoading, PassesTheErrorOn) {
   standIns_.answer("error", instanceOf(errorClass()));
   standIns_.answer("domain", objc::string("NSURLErrorDomain"));
   standIns_.answer("localizedDescription", objc::string("The Internet connection appears to be offline."));
+  standIns_.answer(
+      "userInfo",
+      cocoa::objectOf(Value(Value::Dictionary{{"NSErrorFailingURLStringKey", "https://localhost"}})));
 
   const auto contents = urlLoading_.contentsOfURL("https://localhost/page");
 
   ASSERT_FALSE(contents);
   EXPECT_EQ(contents.error(),
             Error("NSURLErrorDomain", -1009,
-                  {{"NSLocalizedDescription", "The Internet connection appears to be offline."}}));
+                  {{"NSErrorFailingURLStringKey", "https://localhost"},
+                   {"NSLocalizedDescription", "The Internet connection appears to be offline."}}));
 }
 
 TEST_F(MacURLLoading, TellsOfAFailureWithoutAReason) {
