@@ -7,7 +7,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "karnoctl/verbs.h"
+#include "karnoctl/verbs/verbs.h"
 #include "subprocess.h"
 
 namespace karno::test {
@@ -113,8 +113,7 @@ void ManualPage::readLine(const std::string& line) {
 }
 
 ZshCompletion::ZshCompletion() {
-  for (const std::string& line : linesOf(textOfSource("tools/karnoctl/completions/_karnoctl")))
-    readLine(line);
+  for (const std::string& line : linesOf(textOfSource("src/karnoctl/completions/_karnoctl"))) readLine(line);
 }
 
 void ZshCompletion::readLine(const std::string& line) {
@@ -150,7 +149,7 @@ void ZshCompletion::readItem(const std::string& line) {
 
 Words linesFromBash(const std::string& script, const Words& words) {
   Words command{"bash", "--norc", "--noprofile",
-                "-c",   script,   KARNO_SOURCES "/tools/karnoctl/completions/karnoctl.bash"};
+                "-c",   script,   KARNO_SOURCES "/src/karnoctl/completions/karnoctl.bash"};
   command.insert(command.end(), words.begin(), words.end());
   return linesOf(runCommand(command, kShellLimit).output);
 }

@@ -51,7 +51,7 @@ class ManualPage {
   std::map<std::string, Words> words_;
 };
 
-// tools/karnoctl/completions/_karnoctl, by its text: its lists of 'word:description', and the options in the
+// src/karnoctl/completions/_karnoctl, by its text: its lists of 'word:description', and the options in the
 // branches of its case.
 class ZshCompletion {
  public:
@@ -80,7 +80,7 @@ class ZshCompletion {
 };
 
 // What a bash prints, its complaints among it, that runs the script with
-// tools/karnoctl/completions/karnoctl.bash as $0 and the words as arguments.
+// src/karnoctl/completions/karnoctl.bash as $0 and the words as arguments.
 Words linesFromBash(const std::string& script, const Words& words = {});
 
 // What that file has bash offer for the last of the words, which are split as readline splits them.

@@ -5,8 +5,8 @@
 
 #include "elements_are.h"
 #include "ipc/wrapper_protocol.h"
-#include "karnoctl/log_options.h"
-#include "karnoctl/verbs.h"
+#include "karnoctl/verbs/log_options.h"
+#include "karnoctl/verbs/verbs.h"
 #include "karnoctl_documents.h"
 
 namespace karno::karnoctl {
@@ -83,8 +83,8 @@ TEST_P(KarnoctlValueInBash, IsOneThatTheToolTakes) {
 INSTANTIATE_TEST_SUITE_P(Each, KarnoctlValueInBash, testing::Values("--color", "--lines"));
 
 TEST(KarnoctlInBash, OffersFoldersForABundle) {
-  EXPECT_THAT(offeredByBash({"karnoctl", "self-check", KARNO_SOURCES "/tools/karn"}),
-              UnorderedElementsAre(KARNO_SOURCES "/tools/karno-appcast", KARNO_SOURCES "/tools/karnoctl"));
+  EXPECT_THAT(offeredByBash({"karnoctl", "self-check", KARNO_SOURCES "/src/m"}),
+              ElementsAre(KARNO_SOURCES "/src/move"));
 }
 
 TEST(KarnoctlInBash, OffersTheVerbsToHelp) {
