@@ -3,9 +3,13 @@
 #include <string>
 #include <string_view>
 
-#include "karnoctl/verbs/verb.h"
+#include "command_line/program.h"
+#include "karnoctl/verbs/context.h"
 
 namespace karno::karnoctl {
+
+// karnoctl with all its verbs. The context outlives it.
+command_line::Program program(std::string_view version, Context& context);
 
 // Does what the command line asks for; `arguments` are without the program's name. The result is the exit
 // status.

@@ -1,4 +1,3 @@
-#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -24,21 +23,13 @@ Platform& installedPlatform(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  using karno::karnoctl::Context;
-  try {
-    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-    Context context{.out = std::cout,
-                    .err = std::cerr,
-                    .platform = [argc, argv]() -> Platform& { return installedPlatform(argc, argv); },
-                    .runtimeCheck = karno::platform::nativeRuntimeCheck,
-                    .outputIsTerminal = karno::platform::standardOutputIsTerminal(),
-                    .outputWantsColours = karno::platform::standardOutputWantsColours()};
-    const int status = karno::karnoctl::run(arguments, KARNO_VERSION, context);
-    if (std::cout.flush()) return status;
-    std::cerr << "karnoctl: cannot write the output\n";
-    return karno::karnoctl::kExitFailed;
-  } catch (const std::exception& error) {
-    std::cerr << "karnoctl: " << error.what() << '\n';
-    return karno::karnoctl::kExitFailed;
-  }
+  const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+  karno::karnoctl::Context context{
+      .out = std::cout,
+      .err = std::cerr,
+      .platform = [argc, argv]() -> Platform& { return installedPlatform(argc, argv); },
+      .runtimeCheck = karno::platform::nativeRuntimeCheck,
+      .outputIsTerminal = karno::platform::standardOutputIsTerminal(),
+      .outputWantsColours = karno::platform::standardOutputWantsColours()};
+  return karno::karnoctl::run(arguments, KARNO_VERSION, context);
 }

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "command_line/verb.h"
+
 // What karnoctl takes, by itself and by what describes it to people and shells.
 namespace karno::test {
 
@@ -18,6 +20,9 @@ Words linesOf(const std::string& text);
 
 // In the order of the table.
 Words verbsOfTool();
+
+// Throws std::out_of_range when there is none of that name. It is not to be run.
+command_line::Verb verbOfTool(std::string_view name);
 
 // The options that a verb's help speaks of, and "--help", which every verb takes.
 WordSet optionsOfTool(std::string_view verb);

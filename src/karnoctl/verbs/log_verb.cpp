@@ -1,16 +1,13 @@
-#include "karnoctl/verbs/log_verb.h"
-
 #include <algorithm>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <utility>
-#include <variant>
 
+#include "command_line/arguments.h"
 #include "karnoctl/log/log_follower.h"
 #include "karnoctl/log/log_printer.h"
 #include "karnoctl/log/log_tail.h"
-#include "karnoctl/verbs/log_options.h"
 #include "karnoctl/verbs/verbs.h"
 #include "log/log_files.h"
 
@@ -20,22 +17,27 @@ namespace {
 using OpenFile = std::unique_ptr<platform::ReadableFile>;
 
 constexpr std::uint64_t kAllLines = ~std::uint64_t{0};
+constexpr std::uint64_t kUsualLines = 50;
 constexpr double kLookSeconds = 0.25;
 
-std::string logHelp() {
-  return "Shows the end of the launcher's log. Where the log file has fewer lines than asked for, the file\n"
-         "before it is shown first.\n"
-         "\n"
-         "Options:\n"
-         "  --lines N      how many lines (50), or all\n"
-         "  --follow       go on with what the launcher logs from now on, until Ctrl-C (exit status 130)\n"
-         "  --color WHEN   levels in colour: auto (on a terminal, unless NO_COLOR is set), always, never\n";
+struct LogOptions {
+  std::uint64_t lines = kUsualLines;
+  bool follow = false;
+  bool colours = false;
+};
+
+std::uint64_t linesIn(const std::string& value) {
+  if (value == "all") return kAllLines;
+  const std::optional<std::uint64_t> number = command_line::numberIn(value);
+  if (!number) throw command_line::UsageError("'" + value + "' is no number of lines");
+  return *number;
 }
 
-LogPrinting printingFor(const LogOptions& options, const Context& context) {
-  const bool colours = options.colour == ColourChoice::Always ||
-                       (options.colour == ColourChoice::Auto && context.outputWantsColours);
-  return {.toTerminal = context.outputIsTerminal, .colours = colours};
+bool wantsColours(const std::string& when, const Context& context) {
+  if (when == "auto") return context.outputWantsColours;
+  if (when != "always" && when != "never")
+    throw command_line::UsageError("--color takes auto, always or never, not '" + when + "'");
+  return when == "always";
 }
 
 // Null when there is no such file or it cannot be read.
@@ -79,49 +81,54 @@ void follow(LogFollower follower, LogPrinter& printer, Context& context) {
 int showLog(const LogOptions& options, Context& context) {
   const platform::FileReading& reading = context.platform().fileReading;
   const std::string path = wrapperLogFile();
-  const std::uint64_t wanted = options.lines.value_or(kAllLines);
   OpenFile file = openIfThere(reading, path);
   const OpenFile oldFile = openIfThere(reading, wrapperOldLogFile());
   if (!file && !oldFile && !options.follow) {
     context.err << "karnoctl: there is no log at '" << path << "'\n";
-    return kExitFailed;
+    return command_line::kExitFailed;
   }
   if (!file && options.follow) context.err << "karnoctl: waiting for a log at '" << path << "'\n";
 
-  LogPrinter printer(context.out, printingFor(options, context));
-  const Tail tail = tailOf(file, wanted);
-  const Tail oldTail = tailOf(oldFile, wanted - std::min(wanted, tail.lines));
+  LogPrinter printer(context.out, {.toTerminal = context.outputIsTerminal, .colours = options.colours});
+  const Tail tail = tailOf(file, options.lines);
+  const Tail oldTail = tailOf(oldFile, options.lines - std::min(options.lines, tail.lines));
   printTail(oldFile, oldTail, printer);
   printer.endLine();
   printTail(file, tail, printer);
   if (!options.follow) {
     printer.endLine();
-    return kExitOk;
+    return command_line::kExitOk;
   }
   context.out.flush();
   follow(LogFollower(reading, path, std::move(file), tail.end), printer, context);
-  return kExitFailed;
-}
-
-int runLog(std::span<const std::string> arguments, Context& context) {
-  const auto parsed = parseLogOptions(arguments);
-  if (const auto* error = std::get_if<UsageError>(&parsed)) return reportUsageError(*error, context);
-  const LogOptions& options = *std::get_if<LogOptions>(&parsed);
-  if (options.help) {
-    printVerbHelp(*findVerb("log"), context.out);
-    return kExitOk;
-  }
-  return showLog(options, context);
+  return command_line::kExitFailed;
 }
 
 }  // namespace
 
-Verb logVerb() {
-  return {.name = "log",
-          .synopsis = "[--follow] [--lines N] [--color WHEN]",
-          .summary = "show what the launcher has logged",
-          .help = logHelp,
-          .run = runLog};
+command_line::Verb logVerb(Context& context) {
+  const auto run = [&context](const command_line::Arguments& arguments) {
+    const auto lines = arguments.value("--lines");
+    return showLog({.lines = lines ? linesIn(*lines) : kUsualLines,
+                    .follow = arguments.has("--follow"),
+                    .colours = wantsColours(arguments.value("--color").value_or("auto"), context)},
+                   context);
+  };
+  return {
+      .name = "log",
+      .synopsis = "[--follow] [--lines N] [--color WHEN]",
+      .summary = "show what the launcher has logged",
+      .help =
+          "Shows the end of the launcher's log. Where the log file has fewer lines than asked for, the file\n"
+          "before it is shown first.\n"
+          "\n"
+          "Options:\n"
+          "  --lines N      how many lines (50), or all\n"
+          "  --follow       go on with what the launcher logs from now on, until Ctrl-C (exit status 130)\n"
+          "  --color WHEN   levels in colour: auto (on a terminal, unless NO_COLOR is set), always, never\n",
+      .options = {"--lines", "--color"},
+      .flags = {"--follow"},
+      .run = run};
 }
 
 }  // namespace karno::karnoctl

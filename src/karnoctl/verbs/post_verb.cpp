@@ -1,25 +1,23 @@
-#include "karnoctl/verbs/post_verb.h"
-
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
 #include <ostream>
-#include <variant>
 
+#include "command_line/arguments.h"
+#include "command_line/closest_word.h"
 #include "ipc/wrapper_notification.h"
-#include "karnoctl/verbs/post_options.h"
 #include "karnoctl/verbs/verbs.h"
 
 namespace karno::karnoctl {
 namespace {
 
-struct Explanation {
+struct Effect {
   std::string_view message;
-  std::string_view effect;
+  std::string_view text;
 };
 
-constexpr std::array<Explanation, kWrapperMessages.size()> kExplanations{{
+constexpr std::array<Effect, kWrapperMessages.size()> kEffects{{
     {kCheckForUpdates, "look for an update now"},
     {kEnableAutomaticUpdates, "look for updates from time to time"},
     {kDisableAutomaticUpdates, "look for updates only when asked"},
@@ -37,8 +35,7 @@ std::string postHelp() {
       "Posts to the running launcher what its client would post.\n"
       "\n"
       "Messages:\n";
-  for (const Explanation& line : kExplanations)
-    text += fmt::format("  {:<35} {}\n", line.message, line.effect);
+  for (const Effect& line : kEffects) text += fmt::format("  {:<35} {}\n", line.message, line.text);
   text +=
       "\n"
       "Options:\n"
@@ -48,31 +45,33 @@ std::string postHelp() {
   return text;
 }
 
-int runPost(std::span<const std::string> arguments, Context& context) {
-  const auto parsed = parsePostOptions(arguments);
-  if (const auto* error = std::get_if<UsageError>(&parsed)) return reportUsageError(*error, context);
-  const PostOptions& options = *std::get_if<PostOptions>(&parsed);
-  if (options.help) {
-    printVerbHelp(*findVerb("post"), context.out);
-    return kExitOk;
-  }
-  const auto notification = wrapperNotification(options.message, options.reason);
-  if (!context.platform().distributedNotifications.post(notification)) {
-    context.err << "karnoctl: cannot post '" << options.message
-                << "': the session's notification service cannot be reached\n";
-    return kExitFailed;
-  }
-  return kExitOk;
+std::string messageIn(const command_line::Arguments& arguments) {
+  const std::optional<std::string>& message = arguments.word();
+  if (!message) throw command_line::UsageError("post what? (no message given)");
+  if (std::ranges::find(kWrapperMessages, *message) != kWrapperMessages.end()) return *message;
+  throw command_line::UsageError("unknown message '" + *message + "'" +
+                                 command_line::suggestion(*message, kWrapperMessages));
+}
+
+int post(const command_line::Arguments& arguments, const Context& context) {
+  const std::string message = messageIn(arguments);
+  const auto notification = wrapperNotification(message, arguments.value("--reason"));
+  if (context.platform().distributedNotifications.post(notification)) return command_line::kExitOk;
+  context.err << "karnoctl: cannot post '" << message
+              << "': the session's notification service cannot be reached\n";
+  return command_line::kExitFailed;
 }
 
 }  // namespace
 
-Verb postVerb() {
+command_line::Verb postVerb(Context& context) {
   return {.name = "post",
           .synopsis = "MESSAGE [--reason TEXT]",
           .summary = "tell the launcher what its client would tell it",
-          .help = postHelp,
-          .run = runPost};
+          .help = postHelp(),
+          .texts = {"--reason"},
+          .word = "message",
+          .run = [&context](const auto& arguments) { return post(arguments, context); }};
 }
 
 }  // namespace karno::karnoctl

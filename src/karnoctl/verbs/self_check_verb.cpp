@@ -1,9 +1,7 @@
-#include "karnoctl/verbs/self_check_verb.h"
-
 #include <cerrno>
 #include <ostream>
-#include <variant>
 
+#include "command_line/arguments.h"
 #include "karnoctl/programs/program_file.h"
 #include "karnoctl/self_check/self_check.h"
 #include "karnoctl/self_check/self_check_system.h"
@@ -12,48 +10,6 @@
 
 namespace karno::karnoctl {
 namespace {
-
-struct SelfCheckOptions {
-  bool help = false;
-  bool asJson = false;
-  std::string bundle;  // empty for the one that this program lies in
-};
-
-std::string selfCheckHelp() {
-  return "Checks the launcher's bundle, the one that this karnoctl lies in or BUNDLE: its property lists,\n"
-         "programs, both builds of the client, the texts in all languages and, on a Mac, that it is signed "
-         "and\n"
-         "can be updated; then, whether this system has all that the launcher asks of it. Says each thing "
-         "that\n"
-         "is wrong, and what it costs, in one sentence. Nothing is started or changed.\n"
-         "\n"
-         "Options:\n"
-         "  --json   the same for scripts\n"
-         "\n"
-         "Exit status: 0 nothing is wrong, 1 something is.\n";
-}
-
-UsageError misuse(std::string text) { return {std::move(text), "self-check"}; }
-
-std::variant<SelfCheckOptions, UsageError> parse(std::span<const std::string> arguments) {
-  SelfCheckOptions options;
-  for (const std::string& word : arguments) {
-    if (word == "--help") {
-      options.help = true;
-    } else if (word == "--json") {
-      options.asJson = true;
-    } else if (word.starts_with('-')) {
-      return misuse("unknown option '" + word + "'");
-    } else if (word.empty()) {
-      return misuse("the path of the bundle is empty");
-    } else if (!options.bundle.empty()) {
-      return misuse("self-check takes one bundle at most, not '" + word + "' as well");
-    } else {
-      options.bundle = word;
-    }
-  }
-  return options;
-}
 
 // X.app of X.app/Contents/MacOS/karnoctl; empty for a program that lies elsewhere.
 std::string bundleAround(const std::string& program) {
@@ -83,13 +39,13 @@ int report(const CheckedBundle& bundle, Context& context) {
   checkExceptions(bundle);
   if (found.wrong.size() > before) context.out << found.wrong.back() << '\n';
   if (found.wrong.empty()) context.out << closingSentence(bundle) << '\n';
-  return found.wrong.empty() ? kExitOk : kExitFailed;
+  return found.wrong.empty() ? command_line::kExitOk : command_line::kExitFailed;
 }
 
 int reportAsJson(const CheckedBundle& bundle, Context& context) {
   checkExceptions(bundle);
   context.out << findingsJson(bundle);
-  return bundle.findings().wrong.empty() ? kExitOk : kExitFailed;
+  return bundle.findings().wrong.empty() ? command_line::kExitOk : command_line::kExitFailed;
 }
 
 int check(const std::string& path, bool asJson, Context& context) {
@@ -99,7 +55,7 @@ int check(const std::string& path, bool asJson, Context& context) {
   const auto own = programAtPath(platform.fileReading, runtime.programPath());
   if (!own) {
     context.err << "karnoctl: cannot read its own program: " << reasonOf(own.error()) << '\n';
-    return kExitFailed;
+    return command_line::kExitFailed;
   }
   const CheckedBundle bundle(platform, runtime, own.value(), path, findings);
   if (const std::string obstacle = obstacleTo(platform, path); !obstacle.empty()) {
@@ -110,34 +66,41 @@ int check(const std::string& path, bool asJson, Context& context) {
   return asJson ? reportAsJson(bundle, context) : report(bundle, context);
 }
 
-int runSelfCheck(std::span<const std::string> arguments, Context& context) {
-  const auto parsed = parse(arguments);
-  if (const auto* error = std::get_if<UsageError>(&parsed)) return reportUsageError(*error, context);
-  const SelfCheckOptions& options = *std::get_if<SelfCheckOptions>(&parsed);
-  if (options.help) {
-    printVerbHelp(*findVerb("self-check"), context.out);
-    return kExitOk;
-  }
-  const platform::Platform& platform = context.platform();
-  if (!options.bundle.empty()) {
-    const platform::FileManager& files = platform.fileManager;
-    return check(files.standardising(files.resolvingSymbolicLinks(options.bundle)), options.asJson, context);
-  }
-  const std::string own = bundleAround(context.runtimeCheck().programPath());
-  if (own.empty()) {
-    return reportUsageError(misuse("which bundle? (this karnoctl does not lie in one)"), context);
-  }
-  return check(own, options.asJson, context);
+std::string bundleFor(const std::optional<std::string>& said, Context& context) {
+  const platform::FileManager& files = context.platform().fileManager;
+  if (said) return files.standardising(files.resolvingSymbolicLinks(*said));
+  return bundleAround(context.runtimeCheck().programPath());
+}
+
+int runSelfCheck(const command_line::Arguments& arguments, Context& context) {
+  if (arguments.word() == "") throw command_line::UsageError("the path of the bundle is empty");
+  const std::string bundle = bundleFor(arguments.word(), context);
+  if (bundle.empty()) throw command_line::UsageError("which bundle? (this karnoctl does not lie in one)");
+  return check(bundle, arguments.has("--json"), context);
 }
 
 }  // namespace
 
-Verb selfCheckVerb() {
-  return {.name = "self-check",
-          .synopsis = "[--json] [BUNDLE]",
-          .summary = "say what is wrong with the launcher's bundle",
-          .help = selfCheckHelp,
-          .run = runSelfCheck};
+command_line::Verb selfCheckVerb(Context& context) {
+  return {
+      .name = "self-check",
+      .synopsis = "[--json] [BUNDLE]",
+      .summary = "say what is wrong with the launcher's bundle",
+      .help =
+          "Checks the launcher's bundle, the one that this karnoctl lies in or BUNDLE: its property lists,\n"
+          "programs, both builds of the client, the texts in all languages and, on a Mac, that it is signed "
+          "and\n"
+          "can be updated; then, whether this system has all that the launcher asks of it. Says each thing "
+          "that\n"
+          "is wrong, and what it costs, in one sentence. Nothing is started or changed.\n"
+          "\n"
+          "Options:\n"
+          "  --json   the same for scripts\n"
+          "\n"
+          "Exit status: 0 nothing is wrong, 1 something is.\n",
+      .flags = {"--json"},
+      .word = "bundle",
+      .run = [&context](const auto& arguments) { return runSelfCheck(arguments, context); }};
 }
 
 }  // namespace karno::karnoctl

@@ -1,22 +1,14 @@
 #pragma once
-#include <span>
-#include <string_view>
+#include "command_line/verb.h"
+#include "karnoctl/verbs/context.h"
 
-#include "karnoctl/verbs/usage_error.h"
-#include "karnoctl/verbs/verb.h"
-
+// The verbs, each made in a file of its own. The context outlives them.
 namespace karno::karnoctl {
 
-// All verbs, in the order in which the help lists them.
-std::span<const Verb> allVerbs();
-
-// Null when there is none of that name.
-const Verb* findVerb(std::string_view name);
-
-// "karnoctl: TEXT" and where to read on; gives the exit status for it.
-int reportUsageError(const UsageError& error, Context& context);
-
-void printGeneralHelp(std::ostream& out);
-void printVerbHelp(const Verb& verb, std::ostream& out);
+command_line::Verb statusVerb(Context& context);
+command_line::Verb logVerb(Context& context);
+command_line::Verb explainVerb(Context& context);
+command_line::Verb selfCheckVerb(Context& context);
+command_line::Verb postVerb(Context& context);
 
 }  // namespace karno::karnoctl

@@ -72,7 +72,7 @@ TEST_F(KarnoctlSelfCheck, RefusesWhatItDoesNotKnow) {
 
   EXPECT_EQ(terminal_.err(),
             "karnoctl: unknown option '--fast'\nTry \"karnoctl help self-check\".\n"
-            "karnoctl: self-check takes one bundle at most, not 'b.app' as well\n"
+            "karnoctl: one bundle at a time, not 'a.app' and 'b.app'\n"
             "Try \"karnoctl help self-check\".\n"
             "karnoctl: the path of the bundle is empty\nTry \"karnoctl help self-check\".\n");
 }

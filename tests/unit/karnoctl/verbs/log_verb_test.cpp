@@ -119,6 +119,55 @@ TEST(KarnoctlLog, ColoursLevelsAsItIsTold) {
   EXPECT_EQ(screen.out(), "now (1) [INFO] Text\n");
 }
 
+struct WrongWord {
+  const char* word;
+  const char* complaint;
+};
+
+class WrongKarnoctlLog : public testing::TestWithParam<WrongWord> {};
+
+TEST_P(WrongKarnoctlLog, SaysWhatIsWrong) {
+  FakePlatform machine;
+  Terminal terminal;
+
+  EXPECT_EQ(terminal.run({"log", GetParam().word}), 64);
+
+  EXPECT_EQ(terminal.err(),
+            "karnoctl: " + std::string(GetParam().complaint) + "\nTry \"karnoctl help log\".\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, WrongKarnoctlLog,
+    testing::Values(WrongWord{"--lines=-7", "'-7' is no number of lines"},
+                    WrongWord{"--lines=7x", "'7x' is no number of lines"},
+                    WrongWord{"--lines=99999999999999999999", "'99999999999999999999' is no number of lines"},
+                    WrongWord{"--lines", "--lines needs a value"},
+                    WrongWord{"--color=red", "--color takes auto, always or never, not 'red'"},
+                    WrongWord{"--folow", "unknown option '--folow'; did you mean '--follow'?"},
+                    WrongWord{"today", "log takes no argument 'today'"}));
+
+TEST(KarnoctlLog, ShowsFiftyLinesByItself) {
+  FakePlatform machine;
+  Terminal terminal;
+  std::string fifty;
+  for (int number = 0; number < 50; ++number) fifty += std::to_string(number) + '\n';
+  machine.files.addFile(kLogFile, "one more\n" + fifty);
+
+  EXPECT_EQ(terminal.run({"log"}), 0);
+
+  EXPECT_EQ(terminal.out(), fifty);
+}
+
+TEST(KarnoctlLog, ShowsNoLineWhereNoneIsWanted) {
+  FakePlatform machine;
+  Terminal terminal;
+  machine.files.addFile(kLogFile, "one\n");
+
+  EXPECT_EQ(terminal.run({"log", "--lines=0"}), 0);
+
+  EXPECT_EQ(terminal.out(), "");
+}
+
 // Somebody who watches the log of this machine, until the test ends.
 class Watcher {
  public:

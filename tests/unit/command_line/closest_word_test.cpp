@@ -1,4 +1,4 @@
-#include "karnoctl/closest_word.h"
+#include "command_line/closest_word.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace karno::karnoctl {
+namespace karno::command_line {
 namespace {
 
 constexpr std::array<std::string_view, 3> kWords{"post", "status", "restart"};
@@ -44,4 +44,4 @@ TEST(Suggestion, FollowsAnErrorText) {
 }
 
 }  // namespace
-}  // namespace karno::karnoctl
+}  // namespace karno::command_line

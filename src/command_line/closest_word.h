@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace karno::karnoctl {
+namespace karno::command_line {
 
 // The candidate that someone who typed `word` most likely meant: the one with the fewest letters to change,
 // add or leave out, the first of several. Absent when none is near, that is within a third of its letters.
@@ -14,4 +14,4 @@ std::optional<std::string_view> closestWord(std::string_view word,
 // "; did you mean 'x'?" ready to follow an error text, or nothing.
 std::string suggestion(std::string_view word, std::span<const std::string_view> candidates);
 
-}  // namespace karno::karnoctl
+}  // namespace karno::command_line

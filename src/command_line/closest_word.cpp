@@ -1,11 +1,11 @@
-#include "karnoctl/closest_word.h"
+#include "command_line/closest_word.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
 #include <vector>
 
-namespace karno::karnoctl {
+namespace karno::command_line {
 namespace {
 
 // Longer words are no slips of the hand, and the work grows with the square of the length.
@@ -50,4 +50,4 @@ std::string suggestion(std::string_view word, std::span<const std::string_view> 
   return closest ? "; did you mean '" + std::string(*closest) + "'?" : std::string();
 }
 
-}  // namespace karno::karnoctl
+}  // namespace karno::command_line

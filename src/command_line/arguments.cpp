@@ -1,11 +1,12 @@
-#include "karno-appcast/arguments.h"
+#include "command_line/arguments.h"
 
 #include <algorithm>
-#include <vector>
+#include <charconv>
+#include <system_error>
 
-#include "karnoctl/closest_word.h"
+#include "command_line/closest_word.h"
 
-namespace karno::appcast {
+namespace karno::command_line {
 namespace {
 
 bool contains(const std::vector<std::string_view>& names, std::string_view name) {
@@ -14,9 +15,9 @@ bool contains(const std::vector<std::string_view>& names, std::string_view name)
 
 UsageError unknownOption(const Verb& verb, const std::string& name) {
   std::vector<std::string_view> known{"--help"};
-  known.insert(known.end(), verb.optionsWithValue.begin(), verb.optionsWithValue.end());
-  known.insert(known.end(), verb.flags.begin(), verb.flags.end());
-  return UsageError("unknown option '" + name + "'" + karnoctl::suggestion(name, known));
+  for (const auto& names : {verb.options, verb.texts, verb.flags})
+    known.insert(known.end(), names.begin(), names.end());
+  return UsageError("unknown option '" + name + "'" + suggestion(name, known));
 }
 
 }  // namespace
@@ -24,7 +25,7 @@ UsageError unknownOption(const Verb& verb, const std::string& name) {
 Arguments::Arguments(const Verb& verb, std::span<const std::string> arguments)
     : verb_(verb.name), wordName_(verb.word) {
   bool optionsEnded = false;
-  while (!arguments.empty()) {
+  while (!arguments.empty() && !wantsHelp()) {
     const std::string& first = arguments.front();
     std::size_t taken = 1;
     if (!optionsEnded && first == "--") {
@@ -34,24 +35,22 @@ Arguments::Arguments(const Verb& verb, std::span<const std::string> arguments)
     } else {
       takeWord(verb, first);
     }
-    if (wantsHelp()) return;
     arguments = arguments.subspan(taken);
   }
 }
 
 std::size_t Arguments::takeOption(const Verb& verb, std::span<const std::string> rest) {
   const std::string& first = rest.front();
-  const std::string name = first.substr(0, first.find('='));
+  const std::string name = first == "-h" ? "--help" : first.substr(0, first.find('='));
   const bool hasValue = name.size() < first.size();
-  if ((contains(verb.flags, name) || name == "--help") && !hasValue) {
-    flags_.insert(name);
-    return 1;
-  }
-  if (!contains(verb.optionsWithValue, name)) throw unknownOption(verb, first);
-  if (values_.contains(name)) throw UsageError(name + " is there twice");
+  const bool isFlag = name == "--help" || contains(verb.flags, name);
+  const bool mayBeEmpty = contains(verb.texts, name);
+  if (isFlag ? hasValue : !mayBeEmpty && !contains(verb.options, name)) throw unknownOption(verb, first);
+  if (isFlag) return options_[name], 1;
+  if (has(name)) throw UsageError(name + " is there twice");
   if (!hasValue && rest.size() < 2) throw UsageError(name + " needs a value");
-  values_[name] = hasValue ? first.substr(name.size() + 1) : rest[1];
-  if (values_[name].empty()) throw UsageError(name + " needs a value");
+  const std::string& value = options_[name] = hasValue ? first.substr(name.size() + 1) : rest[1];
+  if (value.empty() && !mayBeEmpty) throw UsageError(name + " needs a value");
   return hasValue ? 1 : 2;
 }
 
@@ -62,8 +61,8 @@ void Arguments::takeWord(const Verb& verb, const std::string& word) {
 }
 
 std::optional<std::string> Arguments::value(std::string_view option) const {
-  const auto found = values_.find(option);
-  return found == values_.end() ? std::nullopt : std::optional(found->second);
+  const auto found = options_.find(option);
+  return found == options_.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::string Arguments::required(std::string_view option) const {
@@ -72,9 +71,15 @@ std::string Arguments::required(std::string_view option) const {
   return std::move(*found);
 }
 
-std::string Arguments::word() const {
+std::string Arguments::requiredWord() const {
   if (!word_) throw UsageError(verb_ + " needs " + wordName_);
   return *word_;
 }
 
-}  // namespace karno::appcast
+std::optional<std::uint64_t> numberIn(std::string_view text) {
+  std::uint64_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
+}
+
+}  // namespace karno::command_line

@@ -1,36 +1,31 @@
 #pragma once
+#include <cstdint>
 #include <map>
 #include <optional>
-#include <set>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
-#include "karno-appcast/verb.h"
+#include "command_line/verb.h"
 
-namespace karno::appcast {
-
-// What is wrong with a command line, as one line without the program's name.
-class UsageError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
+namespace karno::command_line {
 
 // What was said behind a verb: options in any order, as "--name value" or "--name=value", and at most the one
-// word that the verb takes. "--" ends the options.
+// word that the verb takes. The word behind an option that takes a value is that value, whatever it looks
+// like. "--" ends the options.
 class Arguments {
  public:
-  // Throws UsageError when the verb does not take them.
+  // Throws UsageError when the verb does not take them. What follows a wish for help is not read.
   Arguments(const Verb& verb, std::span<const std::string> arguments);
 
   bool wantsHelp() const { return has("--help"); }
-  bool has(std::string_view flag) const { return flags_.contains(flag); }
+  bool has(std::string_view option) const { return options_.contains(option); }
   std::optional<std::string> value(std::string_view option) const;
+  const std::optional<std::string>& word() const { return word_; }
 
   // Throw UsageError when it was left out.
   std::string required(std::string_view option) const;
-  std::string word() const;
+  std::string requiredWord() const;
 
  private:
   // The number of arguments taken.
@@ -39,9 +34,11 @@ class Arguments {
 
   std::string verb_;
   std::string wordName_;
-  std::map<std::string, std::string, std::less<>> values_;
-  std::set<std::string, std::less<>> flags_;
+  std::map<std::string, std::string, std::less<>> options_;
   std::optional<std::string> word_;
 };
 
-}  // namespace karno::appcast
+// Absent for a text that is more or less than one number of decimal digits, or too large.
+std::optional<std::uint64_t> numberIn(std::string_view text);
+
+}  // namespace karno::command_line
