@@ -1,10 +1,10 @@
-#include "platform/linux/updater/version_order.h"
+#include "platform/version_order.h"
 
 #include <gtest/gtest.h>
 
 #include <ostream>
 
-namespace karno::platform::updates {
+namespace karno::platform {
 namespace {
 
 struct Pair {
@@ -43,4 +43,4 @@ INSTANTIATE_TEST_SUITE_P(Pairs, SameVersion,
                                            Pair{"1.0-1", "1.0.1"}, Pair{" 1.0 ", "1.0"}));
 
 }  // namespace
-}  // namespace karno::platform::updates
+}  // namespace karno::platform
