@@ -5,7 +5,7 @@
 
 #include "platform/linux/curl_library.h"
 #include "platform/linux/url_errors.h"
-#include "platform/linux/url_loading.h"
+#include "platform/linux/url_fetch.h"
 
 namespace karno::platform {
 
