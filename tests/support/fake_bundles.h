@@ -16,7 +16,6 @@ class FakeBundle final : public platform::Bundle {
   explicit FakeBundle(std::string path) : path_(std::move(path)) {}
 
   std::string bundlePath() const override { return path_; }
-  std::string bundleURL() const override { return platform::fileURL(path_, true); }
   std::optional<std::string> executablePath() const override;
   std::optional<std::string> executableURL() const override;
   std::optional<std::string> bundleIdentifier() const override;

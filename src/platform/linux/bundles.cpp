@@ -68,8 +68,6 @@ LinuxBundle::LinuxBundle(const PropertyLists& propertyLists, std::string path)
 
 std::string LinuxBundle::bundlePath() const { return path_; }
 
-std::string LinuxBundle::bundleURL() const { return fileURL(path_, true); }
-
 std::optional<std::string> LinuxBundle::executablePath() const {
   const std::optional<std::string> name = infoString("CFBundleExecutable");
   // A name with a "/" could lead out of the bundle.
@@ -83,7 +81,7 @@ std::optional<std::string> LinuxBundle::executablePath() const {
 std::optional<std::string> LinuxBundle::executableURL() const {
   const std::optional<std::string> path = executablePath();
   if (!path) return std::nullopt;
-  return fileURL(*path, false);
+  return fileURL(*path);
 }
 
 std::optional<std::string> LinuxBundle::bundleIdentifier() const { return infoString("CFBundleIdentifier"); }

@@ -11,7 +11,6 @@ class LinuxBundle final : public Bundle {
   LinuxBundle(const PropertyLists& propertyLists, std::string path);
 
   std::string bundlePath() const override;
-  std::string bundleURL() const override;
   std::optional<std::string> executablePath() const override;
   std::optional<std::string> executableURL() const override;
   std::optional<std::string> bundleIdentifier() const override;

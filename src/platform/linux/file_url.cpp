@@ -16,7 +16,7 @@ bool isUnescaped(char byte) {
 
 }  // namespace
 
-std::string fileURL(std::string_view path, bool isFolder) {
+std::string fileURL(std::string_view path) {
   std::string url = "file://";
   for (const char byte : path) {
     if (isUnescaped(byte)) {
@@ -25,7 +25,6 @@ std::string fileURL(std::string_view path, bool isFolder) {
       url += fmt::format("%{:02X}", static_cast<unsigned char>(byte));
     }
   }
-  if (isFolder && url.back() != '/') url += '/';
   return url;
 }
 

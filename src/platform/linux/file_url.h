@@ -4,7 +4,7 @@
 
 namespace karno::platform {
 
-// "file:///Applications/My%20App.app" for an absolute path. A folder's URL ends with "/".
-std::string fileURL(std::string_view path, bool isFolder);
+// "file:///Applications/My%20App.app" for an absolute path.
+std::string fileURL(std::string_view path);
 
 }  // namespace karno::platform
