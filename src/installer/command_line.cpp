@@ -38,7 +38,7 @@ int unpack(const UnpackRequest& request) {
   ProgressLines lines(STDOUT_FILENO, sizeOf(request.archive));
   const auto unpacked = unpackUpdate(request, lines);
   if (!unpacked) {
-    const Failure& failure = unpacked.failure();
+    const Failure& failure = unpacked.error();
     lines.say(fmt::format("failed {} {}", static_cast<int>(failure.code), failure.text));
     return kExitFailed;
   }

@@ -4,11 +4,22 @@
 #include <string_view>
 
 #include "karnoctl/programs/program_image.h"
-#include "karnoctl/self_check/self_check_findings.h"
 #include "platform/platform.h"
 #include "platform/runtime_check.h"
 
 namespace karno::karnoctl {
+
+// What a self-check has found. Each is one plain sentence.
+struct SelfCheckFindings {
+  std::vector<std::string> wrong;
+  std::vector<std::string> notes;  // worth knowing, but nothing is wrong
+
+  // What was looked at.
+  std::size_t programs = 0;
+  std::size_t propertyLists = 0;
+  std::size_t tables = 0;
+  std::size_t messages = 0;
+};
 
 // The launcher's bundle in a folder, whose files are named as in it: "Contents/Info.plist". What stands in
 // the way of reading one is written down among the findings, with what that costs: the end of a sentence,

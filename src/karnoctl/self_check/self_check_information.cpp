@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "karnoctl/self_check/text_shapes.h"
+#include "platform/public_key.h"
 
 namespace karno::karnoctl {
 namespace {
@@ -60,7 +61,7 @@ bool fits(const Value& value, Shape shape) {
     case Shape::Host:
       return text != nullptr && looksLikeHost(*text);
     case Shape::PublicKey:
-      return text != nullptr && looksLikePublicKey(*text);
+      return text != nullptr && platform::looksLikePublicKey(*text);
   }
   return false;
 }

@@ -5,8 +5,6 @@
 namespace karno::karnoctl {
 namespace {
 
-constexpr std::string_view kBase64Digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
@@ -34,16 +32,6 @@ bool looksLikeHost(std::string_view text) {
     text.remove_prefix(dot + 1);
   }
   return isLabel(text);
-}
-
-bool looksLikePublicKey(std::string_view text) {
-  constexpr std::size_t kLetters = 44;  // the last one fills up
-  if (text.size() != kLetters || !text.ends_with('=')) return false;
-  text.remove_suffix(1);
-  const bool allDigits =
-      std::ranges::all_of(text, [](char c) { return kBase64Digits.find(c) != std::string_view::npos; });
-  // Of its last six bits two lie behind the 32 bytes.
-  return allDigits && kBase64Digits.find(text.back()) % 4 == 0;
 }
 
 }  // namespace karno::karnoctl

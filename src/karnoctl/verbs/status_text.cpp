@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstdint>
+
 #include "app/karno_embedded_app.h"
-#include "karnoctl/verbs/duration_text.h"
 #include "util/string_utils.h"
 
 namespace karno::karnoctl {
@@ -26,6 +28,17 @@ std::string clientText(const RunningClient& client, platform::Date now) {
 }
 
 }  // namespace
+
+std::string durationText(double seconds) {
+  constexpr double kLongest = 1e12;  // seconds; keeps the conversion defined
+  const auto whole = static_cast<std::int64_t>(std::clamp(seconds, 0.0, kLongest));
+  const std::int64_t minutes = whole / 60;
+  const std::int64_t hours = minutes / 60;
+  if (minutes == 0) return fmt::format("{} s", whole);
+  if (hours == 0) return fmt::format("{} min", minutes);
+  if (hours < 24) return fmt::format("{} h {} min", hours, minutes % 60);
+  return fmt::format("{} d {} h", hours / 24, hours % 24);
+}
 
 std::string statusText(const std::vector<RunningLauncher>& launchers, platform::Date now) {
   if (launchers.empty()) return "No Karno launcher runs.\n";

@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include "karnoctl/self_check/self_check_information.h"
-
 namespace karno::karnoctl {
 namespace {
 
@@ -40,21 +38,6 @@ TEST(TextShapes, KnowHostsOfUpTo260Letters) {
 
   EXPECT_TRUE(looksLikeHost(labels + "abcd"));
   EXPECT_FALSE(looksLikeHost(labels + "abcde"));
-}
-
-TEST(TextShapes, KnowPublicKeys) {
-  EXPECT_TRUE(looksLikePublicKey("11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo="));
-  EXPECT_TRUE(looksLikePublicKey(publicKeyOfNobody()));
-}
-
-TEST(TextShapes, KnowWhatIsNoPublicKey) {
-  EXPECT_FALSE(looksLikePublicKey(""));
-  EXPECT_FALSE(looksLikePublicKey("11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo"));
-  EXPECT_FALSE(looksLikePublicKey("11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHUR=="));
-  EXPECT_FALSE(looksLikePublicKey("11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURp="));
-  EXPECT_FALSE(looksLikePublicKey("11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURq="));
-  EXPECT_FALSE(looksLikePublicKey("11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURoA"));
-  EXPECT_FALSE(looksLikePublicKey("11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHU o="));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "fake_platform.h"
-#include "karnoctl/verbs/duration_text.h"
+#include "karnoctl/verbs/status_text.h"
 #include "terminal.h"
 
 namespace karno::karnoctl {
