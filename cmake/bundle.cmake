@@ -75,7 +75,7 @@ set(other_resources ${icon})
 
 # What a shell takes from the bundle: karnoctl's manual page, and its completions under the names that shells look for.
 karno_stage(${PROJECT_SOURCE_DIR}/docs/man/karnoctl.1 "" Contents/Resources/man/man1/karnoctl.1)
-set(completions ${PROJECT_SOURCE_DIR}/tools/karnoctl/completions)
+set(completions ${PROJECT_SOURCE_DIR}/src/karnoctl/completions)
 karno_stage(${completions}/karnoctl.bash "" Contents/Resources/completions/bash/karnoctl)
 karno_stage(${completions}/_karnoctl "" Contents/Resources/completions/zsh/_karnoctl)
 list(APPEND other_resources man/man1/karnoctl.1 completions/bash/karnoctl completions/zsh/_karnoctl)

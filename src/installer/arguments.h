@@ -1,31 +1,14 @@
 #pragma once
-#include <span>
-#include <string>
-#include <variant>
+#include <functional>
 
+#include "command_line/verb.h"
 #include "installer/install.h"
 #include "installer/unpack.h"
 
+// What can be asked of the program, and how; the doing is the caller's.
 namespace karno::installer {
 
-struct InstallCommand {
-  InstallRequest request;
-  bool relaunch = false;
-};
-
-struct HelpCommand {};
-struct VersionCommand {};
-
-struct UsageError {
-  std::string text;
-};
-
-using Command = std::variant<UsageError, HelpCommand, VersionCommand, UnpackRequest, InstallCommand>;
-
-// What the words after the program's name ask for. Options come in any order, each at most once.
-Command parseArguments(std::span<const std::string> arguments);
-
-// How the program is used, several lines.
-std::string usageText();
+command_line::Verb unpackVerb(std::function<int(const UnpackRequest&)> unpack);
+command_line::Verb installVerb(std::function<int(const InstallRequest&, bool relaunch)> install);
 
 }  // namespace karno::installer

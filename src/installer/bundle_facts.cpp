@@ -4,9 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/linux/updater/version_order.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/property_lists/property_lists.h"
+#include "platform/version_order.h"
 
 namespace karno::installer {
 namespace {
@@ -56,7 +56,7 @@ MaybeFailure checkIsUpdate(const BundleFacts& candidate, const BundleFacts& curr
     return invalid(fmt::format("The update is of \"{}\", not of \"{}\".", oneLine(candidate.identifier),
                                oneLine(current.identifier)));
   }
-  if (platform::updates::compareVersions(candidate.version, current.version) <= 0) {
+  if (platform::compareVersions(candidate.version, current.version) <= 0) {
     return Failure{FailureCode::NotNewer,
                    fmt::format("The update has version {}, which is not newer than {}.",
                                oneLine(candidate.version), oneLine(current.version))};

@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <array>
+#include <iostream>
 #include <system_error>
 
+#include "command_line/program.h"
 #include "installer/archive_file.h"
 #include "installer/arguments.h"
 #include "installer/interruption.h"
@@ -18,9 +20,13 @@
 namespace karno::installer {
 namespace {
 
-bool print(int descriptor, std::string_view text) { return platform::writeAll(descriptor, text) == 0; }
+using command_line::kExitFailed;
+using command_line::kExitOk;
 
-void complain(std::string_view text) { print(STDERR_FILENO, fmt::format("karno-installer: {}\n", text)); }
+// Whether anybody reads it or not.
+void complain(std::string_view text) {
+  platform::writeAll(STDERR_FILENO, fmt::format("karno-installer: {}\n", text));
+}
 
 std::uint64_t sizeOf(const std::string& path) {
   const auto file = ArchiveFile::open(path);
@@ -32,7 +38,7 @@ int unpack(const UnpackRequest& request) {
   ProgressLines lines(STDOUT_FILENO, sizeOf(request.archive));
   const auto unpacked = unpackUpdate(request, lines);
   if (!unpacked) {
-    const Failure& failure = unpacked.failure();
+    const Failure& failure = unpacked.error();
     lines.say(fmt::format("failed {} {}", static_cast<int>(failure.code), failure.text));
     return kExitFailed;
   }
@@ -57,38 +63,26 @@ int openAgain(const std::string& bundle) {
   return kExitFailed;
 }
 
-int install(const InstallCommand& command) {
+int install(const InstallRequest& request, bool relaunch) {
   // It outlives the session that it was started in. A leader of a process group cannot leave its session, but
   // is spared the signal of its end.
   followSignals(SIG_IGN);
   ::setsid();
-  const InstallEnd end = installUpdate(command.request);
+  const InstallEnd end = installUpdate(request);
   if (!end.complaint.empty()) complain(end.complaint);
   if (!end.isInstalled) return kExitFailed;
-  return command.relaunch ? openAgain(command.request.bundle) : kExitOk;
+  return relaunch ? openAgain(request.bundle) : kExitOk;
 }
-
-struct Doing {
-  std::string_view version;
-
-  int operator()(const UsageError& error) const {
-    complain(error.text + "\n" + usageText());
-    return kExitUsage;
-  }
-  int operator()(const HelpCommand&) const {
-    return print(STDOUT_FILENO, usageText()) ? kExitOk : kExitFailed;
-  }
-  int operator()(const VersionCommand&) const {
-    return print(STDOUT_FILENO, fmt::format("karno-installer {}\n", version)) ? kExitOk : kExitFailed;
-  }
-  int operator()(const UnpackRequest& request) const { return unpack(request); }
-  int operator()(const InstallCommand& command) const { return install(command); }
-};
 
 }  // namespace
 
 int run(std::span<const std::string> arguments, std::string_view version) {
-  return std::visit(Doing{version}, parseArguments(arguments));
+  const command_line::Program program{.name = "karno-installer",
+                                      .version = version,
+                                      .purpose = "Unpacks and installs updates of the launcher.",
+                                      .exitStatuses = "0 done, 1 failed",
+                                      .verbs = {unpackVerb(unpack), installVerb(install)}};
+  return command_line::run(program, arguments, std::cout, std::cerr);
 }
 
 }  // namespace karno::installer

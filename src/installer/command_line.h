@@ -5,10 +5,6 @@
 
 namespace karno::installer {
 
-inline constexpr int kExitOk = 0;
-inline constexpr int kExitFailed = 1;
-inline constexpr int kExitUsage = 64;
-
 // Does what the words after the program's name say, with the process's standard output and standard error.
 // Gives the exit status; does not come back where it goes over into the program that opens the bundle again.
 int run(std::span<const std::string> arguments, std::string_view version);

@@ -47,7 +47,7 @@ class Extraction {
   Outcome<std::string> run() {
     while (true) {
       auto next = reader_.nextEntry();
-      if (!next) return next.failure();
+      if (!next) return next.error();
       if (!next.value()) break;
       if (++entries_ > limits_.entriesMax)
         return Failure{FailureCode::Unpacking, "The archive holds too many entries."};
@@ -61,7 +61,7 @@ class Extraction {
  private:
   MaybeFailure take(const ArchiveEntry& entry) {
     auto safe = safePath(entry.name, limits_);
-    if (!safe) return safe.failure();
+    if (!safe) return safe.error();
     const SafePath& path = safe.value();
     if (entry.isEncrypted) return refused(path, "is encrypted");
     if (isPassedOver(path, entry.kind == EntryKind::File)) return passOver();
@@ -126,7 +126,7 @@ class Extraction {
   MaybeFailure eachPiece(const Use& use, std::uint64_t& size) {
     while (true) {
       const auto next = reader_.nextPiece();
-      if (!next) return next.failure();
+      if (!next) return next.error();
       if (!next.value()) return std::nullopt;
       const Piece& piece = *next.value();
       if (piece.offset > limits_.unpackedBytesMax || !fits(piece.offset + piece.bytes.size()))

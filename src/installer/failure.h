@@ -2,8 +2,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <variant>
+
+#include "platform/error.h"
 
 namespace karno::installer {
 
@@ -26,21 +26,8 @@ struct Failure {
 // Nothing when all went well.
 using MaybeFailure = std::optional<Failure>;
 
-// Either a value or what stood in its way.
 template <class T>
-class Outcome {
- public:
-  Outcome(T value) : state_(std::in_place_index<0>, std::move(value)) {}
-  Outcome(Failure failure) : state_(std::in_place_index<1>, std::move(failure)) {}
-
-  explicit operator bool() const { return state_.index() == 0; }
-  T& value() { return std::get<0>(state_); }
-  const T& value() const { return std::get<0>(state_); }
-  const Failure& failure() const { return std::get<1>(state_); }
-
- private:
-  std::variant<T, Failure> state_;
-};
+using Outcome = platform::Result<T, Failure>;
 
 // A failure to unpack with the system's words for an errno.
 Failure systemFailure(int error);

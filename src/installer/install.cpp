@@ -75,14 +75,14 @@ Complaint waitFor(const InstallRequest& request) {
 
 Complaint checkUpdate(const std::string& path, const BundleFacts& current) {
   const auto candidate = readBundleFacts(path);
-  if (!candidate) return candidate.failure().text;
+  if (!candidate) return candidate.error().text;
   if (const auto failure = checkIsUpdate(candidate.value(), current)) return failure->text;
   return std::nullopt;
 }
 
 Complaint swapChecked(const Places& places, Swap& swap) {
   const auto current = readBundleFacts(places.bundle);
-  if (!current) return "Of the present bundle: " + current.failure().text;
+  if (!current) return "Of the present bundle: " + current.error().text;
   if (auto complaint = checkUpdate(places.newBundle, current.value())) return complaint;
 
   if (const int error = swap.swap()) return "The bundle could not be replaced: " + words(error) + ".";

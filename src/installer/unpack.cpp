@@ -51,9 +51,9 @@ class Unpacked {
 
 MaybeFailure checkBundle(const std::string& unpacked, const std::string& current) {
   const auto candidate = readBundleFacts(unpacked);
-  if (!candidate) return candidate.failure();
+  if (!candidate) return candidate.error();
   const auto old = readBundleFacts(current);
-  if (!old) return Failure{FailureCode::Validation, "Of the present bundle: " + old.failure().text};
+  if (!old) return Failure{FailureCode::Validation, "Of the present bundle: " + old.error().text};
   return checkIsUpdate(candidate.value(), old.value());
 }
 
@@ -61,15 +61,15 @@ MaybeFailure checkBundle(const std::string& unpacked, const std::string& current
 
 Outcome<std::string> unpackUpdate(const UnpackRequest& request, ExtractionObserver& observer) {
   const auto archive = ArchiveFile::open(request.archive);
-  if (!archive) return archive.failure();
+  if (!archive) return archive.error();
   const ArchiveFile& file = archive.value();
   if (auto failure = file.check(request.lengthInBytes, request.signature, request.publicKey)) return *failure;
 
   auto folder = openPrivateFolder(request.into);
-  if (!folder) return folder.failure();
+  if (!folder) return folder.error();
   Unpacked unpacked(std::move(folder.value()));
   const auto name = extractBundle(file.descriptor(), unpacked.folder(), request.limits, observer);
-  if (!name) return name.failure();
+  if (!name) return name.error();
   const std::string path = request.into + "/" + name.value();
   if (auto failure = checkBundle(path, request.bundle)) return *failure;
 

@@ -15,7 +15,6 @@ class Bundle {
   virtual ~Bundle() = default;
 
   virtual std::string bundlePath() const = 0;
-  virtual std::string bundleURL() const = 0;  // "file:///Applications/Karno.app/"
 
   // Absent when Info.plist names no executable or the file is not there.
   virtual std::optional<std::string> executablePath() const = 0;

@@ -28,7 +28,7 @@ class DispatchGroup {
   virtual bool wait(std::int64_t nanoseconds) = 0;
 };
 
-enum class QueuePriority : long { High = 2, Default = 0, Low = -2, Background = -32768 };
+enum class QueuePriority { Default, Background };
 
 // Queues, waiting and the main-thread test. Safe from any thread.
 class Dispatch {

@@ -48,19 +48,19 @@ class Error {
 };
 
 // Either a value or the error that stood in its way.
-template <class T>
+template <class T, class Failure = Error>
 class Result {
  public:
   Result(T value) : state_(std::in_place_index<0>, std::move(value)) {}
-  Result(Error error) : state_(std::in_place_index<1>, std::move(error)) {}
+  Result(Failure error) : state_(std::in_place_index<1>, std::move(error)) {}
 
   explicit operator bool() const { return state_.index() == 0; }
   const T& value() const { return std::get<0>(state_); }
   T& value() { return std::get<0>(state_); }
-  const Error& error() const { return std::get<1>(state_); }
+  const Failure& error() const { return std::get<1>(state_); }
 
  private:
-  std::variant<T, Error> state_;
+  std::variant<T, Failure> state_;
 };
 
 }  // namespace karno::platform

@@ -11,7 +11,10 @@ bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
 bool beginsWithDigit(std::string_view text) { return !text.empty() && isDigit(text.front()); }
 
-// Takes the run of digits off the front; its value is the same without the zeros in front.
+int sign(int number) { return (number > 0) - (number < 0); }
+
+}  // namespace
+
 std::string_view takeNumber(std::string_view& text) {
   const auto end = std::find_if_not(text.begin(), text.end(), isDigit);
   std::string_view number = text.substr(0, static_cast<std::size_t>(end - text.begin()));
@@ -20,14 +23,10 @@ std::string_view takeNumber(std::string_view& text) {
   return number;
 }
 
-int sign(int number) { return (number > 0) - (number < 0); }
-
 int orderOfNumbers(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return a.size() < b.size() ? -1 : 1;
   return sign(a.compare(b));
 }
-
-}  // namespace
 
 int numericOrder(std::string_view a, std::string_view b) {
   while (!a.empty() && !b.empty()) {

@@ -4,7 +4,7 @@
 #include "fuzz_target.h"
 #include "platform/linux/updater/appcast.h"
 #include "platform/linux/updater/notes_text.h"
-#include "platform/linux/updater/version_order.h"
+#include "platform/version_order.h"
 
 namespace karno::fuzz {
 namespace {
@@ -24,8 +24,8 @@ void check(std::string_view bytes) {
     mustHold(!item.version.empty(), "an item has a version");
     mustHold(!item.downloadURL.empty() || item.isInformationOnly, "an item has something behind it");
     const FeedItem& first = items.value().front();
-    const bool isOlder = compareVersions(item.version, first.version) < 0;
-    mustHold(isOlder == (compareVersions(first.version, item.version) > 0), "one order");
+    const bool isOlder = platform::compareVersions(item.version, first.version) < 0;
+    mustHold(isOlder == (platform::compareVersions(first.version, item.version) > 0), "one order");
   }
 }
 

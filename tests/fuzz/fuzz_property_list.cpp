@@ -11,7 +11,8 @@ namespace {
 using platform::propertyListXML;
 using platform::Value;
 
-// Written and read again it stays what it is. Texts are compared, because a number that is none equals nothing.
+// Written and read again it stays what it is. Texts are compared, because a number that is none equals
+// nothing.
 void checkAgain(const Value& value) {
   const auto text = propertyListXML(value);
   mustHold(bool{text}, "what is read can be written");

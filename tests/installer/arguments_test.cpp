@@ -1,9 +1,12 @@
 #include "installer/arguments.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
+
+#include "command_line/program.h"
 
 namespace karno::installer {
 namespace {
@@ -19,94 +22,114 @@ Words with(Words words, const Words& more) {
   return words;
 }
 
-std::string errorOf(const Words& words) {
-  const Command command = parseArguments(words);
-  const auto* error = std::get_if<UsageError>(&command);
-  return error == nullptr ? "(none)" : error->text;
+// What the program would do for these words.
+struct Understood {
+  std::optional<UnpackRequest> unpack;
+  std::optional<InstallRequest> install;
+  bool relaunch = false;
+  std::string error;  // without the hint that follows it
+};
+
+Understood understood(const Words& words) {
+  Understood result;
+  const auto unpack = [&](const UnpackRequest& request) {
+    result.unpack = request;
+    return 0;
+  };
+  const auto install = [&](const InstallRequest& request, bool relaunch) {
+    result.install = request;
+    result.relaunch = relaunch;
+    return 0;
+  };
+  std::ostringstream out;
+  std::ostringstream err;
+  command_line::run({.name = "installer",
+                     .version = {},
+                     .purpose = {},
+                     .exitStatuses = {},
+                     .verbs = {unpackVerb(unpack), installVerb(install)}},
+                    words, out, err);
+  result.error = err.str().substr(0, err.str().find('\n'));
+  return result;
 }
 
-TEST(Arguments, OfUnpackNameAllThatIsNeeded) {
-  const Command command = parseArguments(with(kUnpack, {"--length", "12345678901"}));
+std::string errorOf(const Words& words) { return understood(words).error; }
 
-  const auto& request = std::get<UnpackRequest>(command);
-  EXPECT_EQ(request.archive, "a.zip");
-  EXPECT_EQ(request.lengthInBytes, 12345678901U);
-  EXPECT_EQ(request.signature, "c2ln");
-  EXPECT_EQ(request.publicKey, "a2V5");
-  EXPECT_EQ(request.bundle, "Karno.app");
-  EXPECT_EQ(request.into, "folder");
+TEST(InstallerArguments, OfUnpackNameAllThatIsNeeded) {
+  const Understood result = understood(with(kUnpack, {"--length", "12345678901"}));
+
+  ASSERT_TRUE(result.unpack) << result.error;
+  EXPECT_EQ(result.unpack->archive, "a.zip");
+  EXPECT_EQ(result.unpack->lengthInBytes, 12345678901U);
+  EXPECT_EQ(result.unpack->signature, "c2ln");
+  EXPECT_EQ(result.unpack->publicKey, "a2V5");
+  EXPECT_EQ(result.unpack->bundle, "Karno.app");
+  EXPECT_EQ(result.unpack->into, "folder");
 }
 
-TEST(Arguments, OfUnpackMayLeaveOutTheLength) {
-  const Command command = parseArguments(kUnpack);
+TEST(InstallerArguments, OfUnpackMayLeaveOutTheLength) {
+  const Understood result = understood(kUnpack);
 
-  EXPECT_EQ(std::get<UnpackRequest>(command).lengthInBytes, std::nullopt);
+  ASSERT_TRUE(result.unpack) << result.error;
+  EXPECT_EQ(result.unpack->lengthInBytes, std::nullopt);
 }
 
-TEST(Arguments, OfUnpackMayHaveAnEmptySignature) {
+TEST(InstallerArguments, OfUnpackMayHaveAnEmptySignature) {
   Words words = kUnpack;
   words[4] = "";
 
-  EXPECT_EQ(std::get<UnpackRequest>(parseArguments(words)).signature, "");
+  const Understood result = understood(words);
+
+  ASSERT_TRUE(result.unpack) << result.error;
+  EXPECT_EQ(result.unpack->signature, "");
 }
 
-TEST(Arguments, OfInstallGiveUpAfterTenMinutesUnlessTheySayOtherwise) {
-  const Command command = parseArguments(kInstall);
+TEST(InstallerArguments, OfInstallGiveUpAfterTenMinutes) {
+  const Understood result = understood(kInstall);
 
-  const auto& install = std::get<InstallCommand>(command);
-  EXPECT_EQ(install.request.newBundle, "n/Karno.app");
-  EXPECT_EQ(install.request.bundle, "Karno.app");
-  EXPECT_EQ(install.request.after, 4711);
-  EXPECT_EQ(install.request.giveUpAfter, std::chrono::seconds(600));
-  EXPECT_FALSE(install.relaunch);
+  ASSERT_TRUE(result.install) << result.error;
+  EXPECT_EQ(result.install->newBundle, "n/Karno.app");
+  EXPECT_EQ(result.install->bundle, "Karno.app");
+  EXPECT_EQ(result.install->after, 4711);
+  EXPECT_EQ(result.install->giveUpAfter, std::chrono::seconds(600));
+  EXPECT_FALSE(result.relaunch);
 }
 
-TEST(Arguments, OfInstallComeInAnyOrder) {
-  const Command command = parseArguments(
-      Words{"install", "--relaunch", "--give-up", "5", "--after", "1", "--bundle", "b", "--new", "n"});
+TEST(InstallerArguments, OfInstallMayAskForARelaunch) {
+  const Understood result =
+      understood({"install", "--relaunch", "--after", "1", "--bundle", "b", "--new", "n"});
 
-  const auto& install = std::get<InstallCommand>(command);
-  EXPECT_EQ(install.request.newBundle, "n");
-  EXPECT_EQ(install.request.giveUpAfter, std::chrono::seconds(5));
-  EXPECT_TRUE(install.relaunch);
+  ASSERT_TRUE(result.install) << result.error;
+  EXPECT_EQ(result.install->newBundle, "n");
+  EXPECT_TRUE(result.relaunch);
 }
 
-TEST(Arguments, AskForHelpAndVersionAlone) {
-  EXPECT_TRUE(std::holds_alternative<HelpCommand>(parseArguments(Words{"--help"})));
-  EXPECT_TRUE(std::holds_alternative<VersionCommand>(parseArguments(Words{"--version"})));
-  EXPECT_EQ(errorOf({"--help", "me"}), "--help stands alone");
+TEST(InstallerArguments, AreRefusedWhereSomethingIsWrong) {
+  EXPECT_EQ(errorOf({}), "installer: what is to be done? (no verb given)");
+  EXPECT_EQ(errorOf({"explode"}), "installer: unknown verb 'explode'");
+  EXPECT_EQ(errorOf({"unpack"}), "installer: unpack needs --archive");
+  EXPECT_EQ(errorOf(with(kUnpack, {"--force", "1"})), "installer: unknown option '--force'");
+  EXPECT_EQ(errorOf(with(kUnpack, {"--length"})), "installer: --length needs a value");
+  EXPECT_EQ(errorOf(with(kUnpack, {"--into", "x"})), "installer: --into is there twice");
+  EXPECT_EQ(errorOf(with(kUnpack, {"--relaunch"})), "installer: unknown option '--relaunch'");
+  EXPECT_EQ(errorOf({"install", "--new", "n", "--bundle", "b"}), "installer: install needs --after");
 }
 
-TEST(Arguments, AreRefusedWhereSomethingIsWrong) {
-  EXPECT_EQ(errorOf({}), "no command given");
-  EXPECT_EQ(errorOf({"explode"}), "unknown command 'explode'");
-  EXPECT_EQ(errorOf({"unpack"}), "--archive is missing");
-  EXPECT_EQ(errorOf(with(kUnpack, {"--force", "1"})), "unknown option '--force'");
-  EXPECT_EQ(errorOf(with(kUnpack, {"--length"})), "--length needs a value");
-  EXPECT_EQ(errorOf(with(kUnpack, {"--into", "x"})), "--into is given twice");
-  EXPECT_EQ(errorOf(with(kUnpack, {"--relaunch"})), "unknown option '--relaunch'");
-  EXPECT_EQ(errorOf({"install", "--new", "n", "--bundle", "b"}), "--after is missing");
-}
-
-TEST(Arguments, TakeOnlyNumbersThatFit) {
-  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "-1"})), "no number for --length: '-1'");
-  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "1x"})), "no number for --length: '1x'");
-  EXPECT_EQ(errorOf(with(kUnpack, {"--length", ""})), "no number for --length: ''");
+TEST(InstallerArguments, TakeOnlyNumbersThatFit) {
+  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "-1"})), "installer: no number for --length: '-1'");
+  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "1x"})), "installer: no number for --length: '1x'");
   EXPECT_EQ(errorOf(with(kUnpack, {"--length", "9223372036854775808"})),
-            "no number for --length: '9223372036854775808'");
+            "installer: no number for --length: '9223372036854775808'");
   EXPECT_EQ(errorOf({"install", "--new", "n", "--bundle", "b", "--after", "0"}),
-            "no number for --after: '0'");
+            "installer: no number for --after: '0'");
   EXPECT_EQ(errorOf({"install", "--new", "n", "--bundle", "b", "--after", "2147483648"}),
-            "no number for --after: '2147483648'");
-  EXPECT_EQ(errorOf(with(kInstall, {"--give-up", "604801"})), "no number for --give-up: '604801'");
+            "installer: no number for --after: '2147483648'");
 }
 
-TEST(Arguments, TakeTheNumbersAtTheEdges) {
-  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "0"})), "(none)");
-  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "9223372036854775807"})), "(none)");
-  EXPECT_EQ(errorOf({"install", "--new", "n", "--bundle", "b", "--after", "2147483647"}), "(none)");
-  EXPECT_EQ(errorOf(with(kInstall, {"--give-up", "0"})), "(none)");
-  EXPECT_EQ(errorOf(with(kInstall, {"--give-up", "604800"})), "(none)");
+TEST(InstallerArguments, TakeTheNumbersAtTheEdges) {
+  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "0"})), "");
+  EXPECT_EQ(errorOf(with(kUnpack, {"--length", "9223372036854775807"})), "");
+  EXPECT_EQ(errorOf({"install", "--new", "n", "--bundle", "b", "--after", "2147483647"}), "");
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ const BundleFacts kFacts{.identifier = "it.vantul.KarnoWrapper", .version = "2",
 
 std::string said(const Outcome<BundleFacts>& facts) {
   return facts ? facts.value().identifier + " " + facts.value().version + " " + facts.value().executable
-               : std::to_string(static_cast<int>(facts.failure().code)) + " " + facts.failure().text;
+               : std::to_string(static_cast<int>(facts.error().code)) + " " + facts.error().text;
 }
 
 std::string said(const MaybeFailure& failure) {

@@ -13,7 +13,7 @@ using namespace std::string_literals;
 // "ready a/b", or the failure's text.
 std::string said(std::string_view name, const UnpackLimits& limits = {}) {
   const auto path = safePath(name, limits);
-  return path ? "ready " + joined(path.value()) : path.failure().text;
+  return path ? "ready " + joined(path.value()) : path.error().text;
 }
 
 std::string refusal(const std::string& name, const std::string& reason) {

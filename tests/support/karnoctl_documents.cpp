@@ -7,7 +7,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "karnoctl/verbs.h"
+#include "karnoctl/command_line.h"
 #include "subprocess.h"
 
 namespace karno::test {
@@ -26,6 +26,12 @@ WordSet optionsIn(const std::string& text) {
   for (std::sregex_iterator found(text.begin(), text.end(), option), end; found != end; ++found)
     options.insert(found->str());
   return options;
+}
+
+std::vector<command_line::Verb> tableOfTool() {
+  std::ostringstream nowhere;
+  karnoctl::Context context{.out = nowhere, .err = nowhere, .platform = {}, .runtimeCheck = {}};
+  return karnoctl::program("", context).verbs;
 }
 
 // "Op Fl -lines Ar N" is "[--lines N]" on paper.
@@ -65,20 +71,27 @@ Words linesOf(const std::string& text) {
 
 Words verbsOfTool() {
   Words verbs;
-  for (const karnoctl::Verb& verb : karnoctl::allVerbs()) verbs.emplace_back(verb.name);
+  for (const command_line::Verb& verb : tableOfTool()) verbs.emplace_back(verb.name);
   return verbs;
 }
 
+command_line::Verb verbOfTool(std::string_view name) {
+  for (const command_line::Verb& verb : tableOfTool()) {
+    if (verb.name == name) return verb;
+  }
+  throw std::out_of_range("karnoctl has no verb " + std::string(name));
+}
+
 WordSet optionsOfTool(std::string_view verb) {
-  const karnoctl::Verb* const found = karnoctl::findVerb(verb);
-  WordSet options = optionsIn(std::string(found->synopsis) + '\n' + found->help());
+  const command_line::Verb found = verbOfTool(verb);
+  WordSet options = optionsIn(std::string(found.synopsis) + '\n' + found.help);
   options.insert("--help");
   return options;
 }
 
 std::string usageOfTool(std::string_view verb) {
-  const karnoctl::Verb* const found = karnoctl::findVerb(verb);
-  return std::string(verb) + (found->synopsis.empty() ? "" : " ") + std::string(found->synopsis);
+  const std::string_view synopsis = verbOfTool(verb).synopsis;
+  return std::string(verb) + (synopsis.empty() ? "" : " ") + std::string(synopsis);
 }
 
 ManualPage::ManualPage() {
@@ -113,8 +126,7 @@ void ManualPage::readLine(const std::string& line) {
 }
 
 ZshCompletion::ZshCompletion() {
-  for (const std::string& line : linesOf(textOfSource("tools/karnoctl/completions/_karnoctl")))
-    readLine(line);
+  for (const std::string& line : linesOf(textOfSource("src/karnoctl/completions/_karnoctl"))) readLine(line);
 }
 
 void ZshCompletion::readLine(const std::string& line) {
@@ -150,7 +162,7 @@ void ZshCompletion::readItem(const std::string& line) {
 
 Words linesFromBash(const std::string& script, const Words& words) {
   Words command{"bash", "--norc", "--noprofile",
-                "-c",   script,   KARNO_SOURCES "/tools/karnoctl/completions/karnoctl.bash"};
+                "-c",   script,   KARNO_SOURCES "/src/karnoctl/completions/karnoctl.bash"};
   command.insert(command.end(), words.begin(), words.end());
   return linesOf(runCommand(command, kShellLimit).output);
 }

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "command_line/verb.h"
+
 // What karnoctl takes, by itself and by what describes it to people and shells.
 namespace karno::test {
 
@@ -18,6 +20,9 @@ Words linesOf(const std::string& text);
 
 // In the order of the table.
 Words verbsOfTool();
+
+// Throws std::out_of_range when there is none of that name. It is not to be run.
+command_line::Verb verbOfTool(std::string_view name);
 
 // The options that a verb's help speaks of, and "--help", which every verb takes.
 WordSet optionsOfTool(std::string_view verb);
@@ -51,7 +56,7 @@ class ManualPage {
   std::map<std::string, Words> words_;
 };
 
-// tools/karnoctl/completions/_karnoctl, by its text: its lists of 'word:description', and the options in the
+// src/karnoctl/completions/_karnoctl, by its text: its lists of 'word:description', and the options in the
 // branches of its case.
 class ZshCompletion {
  public:
@@ -80,7 +85,7 @@ class ZshCompletion {
 };
 
 // What a bash prints, its complaints among it, that runs the script with
-// tools/karnoctl/completions/karnoctl.bash as $0 and the words as arguments.
+// src/karnoctl/completions/karnoctl.bash as $0 and the words as arguments.
 Words linesFromBash(const std::string& script, const Words& words = {});
 
 // What that file has bash offer for the last of the words, which are split as readline splits them.

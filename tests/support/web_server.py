@@ -111,6 +111,8 @@ BEHAVIOURS = {
     "/to-https": lambda request: request.redirect(url("https", "/page")),
     "/to-http": lambda request: request.redirect(url("http", "/page")),
     "/to-a-file": lambda request: request.redirect("file:///etc/passwd"),
+    "/to-https-and-back": lambda request: request.redirect(url("https", "/to-http")),
+    "/choices": lambda request: request.answer(300, b"this or that"),
     "/loop": lambda request: request.redirect("/loop"),
     "/hang-up": lambda request: None,
     "/hang-up-half-way": Handler.send_half,

@@ -7,12 +7,12 @@
 #include "karno-appcast/failure.h"
 #include "karno-appcast/feed_names.h"
 #include "karno-appcast/feed_texts.h"
-#include "platform/linux/updater/version_order.h"
+#include "platform/version_order.h"
 
 namespace karno::appcast {
 namespace {
 
-using platform::updates::compareVersions;
+using platform::compareVersions;
 using pugi::xml_node;
 
 void addText(xml_node parent, const std::string& name, const std::string& text) {

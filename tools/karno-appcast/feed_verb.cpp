@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "karno-appcast/arguments.h"
+#include "command_line/arguments.h"
 #include "karno-appcast/failure.h"
 #include "karno-appcast/feed.h"
 #include "karno-appcast/feed_texts.h"
@@ -30,8 +30,8 @@ void write(const std::string& path, const std::string& text) {
   if (::chmod(path.c_str(), kForEverybody) != 0) throw systemFailure("cannot open up " + path, errno);
 }
 
-void writeFeed(const Arguments& arguments, std::ostream& out) {
-  const std::string folder = arguments.word();
+int writeFeed(const command_line::Arguments& arguments, std::ostream& out) {
+  const std::string folder = arguments.requiredWord();
   const std::string keyFile = arguments.required("--private");
   FeedOptions options{
       .urlPrefix = checkedPrefix(arguments.required("--url-prefix"), arguments.has("--allow-http")),
@@ -46,11 +46,12 @@ void writeFeed(const Arguments& arguments, std::ostream& out) {
   write(output, feedText(releases, existingFeed(output), options));
   out << output << " offers " << releases.size() << (releases.size() == 1 ? " release" : " releases")
       << " of " << folder << '\n';
+  return command_line::kExitOk;
 }
 
 }  // namespace
 
-Verb feedVerb() {
+command_line::Verb feedVerb(std::ostream& out) {
   return {.name = "feed",
           .synopsis =
               "FOLDER --private FILE --url-prefix URL [--output FILE] [--title TEXT]\n"
@@ -70,10 +71,10 @@ Verb feedVerb() {
               "  --minimum-system VERSION  the oldest system for these releases, in place of what their\n"
               "                            bundles say\n"
               "  --allow-http              accept a URL that begins with http://\n",
-          .optionsWithValue = {"--private", "--url-prefix", "--output", "--title", "--minimum-system"},
+          .options = {"--private", "--url-prefix", "--output", "--title", "--minimum-system"},
           .flags = {"--allow-http"},
           .word = "FOLDER",
-          .run = writeFeed};
+          .run = [&out](const auto& arguments) { return writeFeed(arguments, out); }};
 }
 
 }  // namespace karno::appcast

@@ -1,6 +1,6 @@
 #include <ostream>
 
-#include "karno-appcast/arguments.h"
+#include "command_line/arguments.h"
 #include "karno-appcast/key_file.h"
 #include "karno-appcast/verbs.h"
 
@@ -9,19 +9,21 @@ namespace {
 
 constexpr std::string_view kDefaultKeyFile = "karno-update.key";
 
-void makeKeys(const Arguments& arguments, std::ostream& out) {
+int makeKeys(const command_line::Arguments& arguments, std::ostream& out) {
   const PrivateKey key = PrivateKey::random();
   createKeyFile(arguments.value("--private").value_or(std::string(kDefaultKeyFile)), key);
   out << key.publicKey() << '\n';
+  return command_line::kExitOk;
 }
 
-void printPublicKey(const Arguments& arguments, std::ostream& out) {
+int printPublicKey(const command_line::Arguments& arguments, std::ostream& out) {
   out << readKeyFile(arguments.required("--private")).publicKey() << '\n';
+  return command_line::kExitOk;
 }
 
 }  // namespace
 
-Verb keysVerb() {
+command_line::Verb keysVerb(std::ostream& out) {
   return {.name = "keys",
           .synopsis = "[--private FILE]",
           .summary = "make the pair of keys that releases are signed and checked with",
@@ -30,21 +32,17 @@ Verb keysVerb() {
               "which is never overwritten. Prints the public key, for SUPublicEDKey in the bundle's\n"
               "Info.plist. Keep the private key where nobody else can read it and where it does not get\n"
               "lost: launchers take no update that another key has signed.\n",
-          .optionsWithValue = {"--private"},
-          .flags = {},
-          .word = {},
-          .run = makeKeys};
+          .options = {"--private"},
+          .run = [&out](const auto& arguments) { return makeKeys(arguments, out); }};
 }
 
-Verb publicKeyVerb() {
+command_line::Verb publicKeyVerb(std::ostream& out) {
   return {.name = "public-key",
           .synopsis = "--private FILE",
           .summary = "print the public key that belongs to a private one",
           .help = "Prints the public key, for SUPublicEDKey in the bundle's Info.plist.\n",
-          .optionsWithValue = {"--private"},
-          .flags = {},
-          .word = {},
-          .run = printPublicKey};
+          .options = {"--private"},
+          .run = [&out](const auto& arguments) { return printPublicKey(arguments, out); }};
 }
 
 }  // namespace karno::appcast

@@ -10,8 +10,8 @@
 #include "karno-appcast/feed_texts.h"
 #include "karno-appcast/info_plist.h"
 #include "karno-appcast/mapped_file.h"
-#include "platform/linux/updater/version_order.h"
 #include "platform/posix/files/whole_file.h"
+#include "platform/version_order.h"
 
 namespace karno::appcast {
 namespace {
@@ -74,7 +74,7 @@ void refuseTheSameVersion(const std::vector<Release>& releases) {
   for (const Release& one : releases) {
     for (const Release& other : releases) {
       if (&one == &other) break;
-      if (platform::updates::compareVersions(one.version, other.version) == 0)
+      if (platform::compareVersions(one.version, other.version) == 0)
         throw Failure(other.fileName + " and " + one.fileName + " hold the same version " + one.version);
     }
   }

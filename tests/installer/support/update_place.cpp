@@ -55,8 +55,7 @@ void UpdatePlace::sign(const std::string& bytes) {
 std::string UpdatePlace::unpack() {
   AskingObserver observer(goesOn);
   const auto unpacked = installer::unpackUpdate(request, observer);
-  if (!unpacked)
-    return fmt::format("{} {}", static_cast<int>(unpacked.failure().code), unpacked.failure().text);
+  if (!unpacked) return fmt::format("{} {}", static_cast<int>(unpacked.error().code), unpacked.error().text);
   return "ready " + std::filesystem::path(unpacked.value()).lexically_relative(into()).string();
 }
 

@@ -49,7 +49,7 @@ bool callsTheRuntime(const Source& source) {
 
 std::vector<std::string> filesThatCallTheRuntime() {
   std::vector<std::string> files;
-  for (const char* const folder : {"src", "tools/karnoctl", "examples"}) {
+  for (const char* const folder : {"src", "examples"}) {
     for (const Source& source : sourcesIn(folder)) {
       if (callsTheRuntime(source)) files.push_back(source.path);
     }

@@ -15,7 +15,7 @@ std::optional<std::string> FakeBundle::executablePath() const {
 std::optional<std::string> FakeBundle::executableURL() const {
   const auto path = executablePath();
   if (!path) return std::nullopt;
-  return platform::fileURL(*path, false);
+  return platform::fileURL(*path);
 }
 
 std::optional<std::string> FakeBundle::bundleIdentifier() const {

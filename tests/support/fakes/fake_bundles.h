@@ -6,7 +6,7 @@
 
 #include "fake_files.h"
 #include "platform/bundles.h"
-#include "platform/linux/bundles/file_url.h"
+#include "platform/linux/text/file_url.h"
 
 namespace karno::test {
 
@@ -16,7 +16,6 @@ class FakeBundle final : public platform::Bundle {
   explicit FakeBundle(std::string path) : path_(std::move(path)) {}
 
   std::string bundlePath() const override { return path_; }
-  std::string bundleURL() const override { return platform::fileURL(path_, true); }
   std::optional<std::string> executablePath() const override;
   std::optional<std::string> executableURL() const override;
   std::optional<std::string> bundleIdentifier() const override;

@@ -38,7 +38,8 @@ class FakeDispatch::GlobalQueue final : public Queue {
  public:
   GlobalQueue(FakeDispatch& dispatch, QueuePriority ofQueue) : priority(ofQueue), dispatch_(dispatch) {}
   void async(Block block) override {
-    const std::string thread = "global(" + std::to_string(static_cast<long>(priority)) + ")";
+    // By the numbers that the Mac has for them.
+    const std::string thread = priority == QueuePriority::Background ? "global(-32768)" : "global(0)";
     dispatch_.submissions_.push_back(thread);
     dispatch_.scheduler_.addThread(thread, std::move(block));
   }
@@ -118,8 +119,7 @@ FakeDispatch::FakeDispatch(FakeScheduler& scheduler)
       mainQueue_(std::make_unique<MainQueue>(*this, MainLane::DispatchQueue, kMainQueue)),
       mainOperationQueue_(std::make_unique<MainQueue>(*this, MainLane::OperationQueue, kMainOperationQueue)),
       mainEvents_(std::make_unique<MainQueue>(*this, MainLane::Events, kMainEvents)) {
-  for (const QueuePriority priority :
-       {QueuePriority::High, QueuePriority::Default, QueuePriority::Low, QueuePriority::Background}) {
+  for (const QueuePriority priority : {QueuePriority::Default, QueuePriority::Background}) {
     globalQueues_.push_back(std::make_unique<GlobalQueue>(*this, priority));
   }
 }

@@ -1,13 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <variant>
-
 #include "elements_are.h"
 #include "ipc/wrapper_protocol.h"
-#include "karnoctl/log_options.h"
-#include "karnoctl/verbs.h"
 #include "karnoctl_documents.h"
+#include "terminal.h"
 
 namespace karno::karnoctl {
 namespace {
@@ -75,16 +72,17 @@ TEST_P(KarnoctlValueInBash, IsOneThatTheToolTakes) {
 
   ASSERT_THAT(offered, Not(IsEmpty()));
   for (const std::string& value : offered) {
-    const Words arguments{GetParam(), value};
-    EXPECT_TRUE(std::holds_alternative<LogOptions>(parseLogOptions(arguments))) << value;
+    test::FakePlatform machine;
+    machine.files.addFile(test::kLogFile, "");
+    EXPECT_EQ(test::Terminal().run({"log", GetParam(), value}), 0) << value;
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, KarnoctlValueInBash, testing::Values("--color", "--lines"));
 
 TEST(KarnoctlInBash, OffersFoldersForABundle) {
-  EXPECT_THAT(offeredByBash({"karnoctl", "self-check", KARNO_SOURCES "/tools/karn"}),
-              UnorderedElementsAre(KARNO_SOURCES "/tools/karno-appcast", KARNO_SOURCES "/tools/karnoctl"));
+  EXPECT_THAT(offeredByBash({"karnoctl", "self-check", KARNO_SOURCES "/src/m"}),
+              ElementsAre(KARNO_SOURCES "/src/move"));
 }
 
 TEST(KarnoctlInBash, OffersTheVerbsToHelp) {
@@ -110,6 +108,14 @@ TEST(KarnoctlInZsh, HasTheOptionsThatStandWithoutAVerb) {
 
 class KarnoctlVerbInAShell : public testing::TestWithParam<std::string> {};
 
+TEST_P(KarnoctlVerbInAShell, TakesTheOptionsThatItsHelpSpeaksOf) {
+  const command_line::Verb verb = test::verbOfTool(GetParam());
+  WordSet taken{"--help"};
+  for (const auto& names : {verb.options, verb.texts, verb.flags}) taken.insert(names.begin(), names.end());
+
+  EXPECT_EQ(taken, test::optionsOfTool(GetParam()));
+}
+
 TEST_P(KarnoctlVerbInAShell, HasItsOptionsAndNoOthersInBash) {
   const Words offered = offeredByBash({"karnoctl", GetParam(), "-"});
 
@@ -121,7 +127,7 @@ TEST_P(KarnoctlVerbInAShell, HasItsOptionsAndNoOthersInZsh) {
 }
 
 TEST_P(KarnoctlVerbInAShell, IsDescribedInZshAsTheToolDescribesIt) {
-  EXPECT_EQ(ZshCompletion().summaryOf(GetParam()), findVerb(GetParam())->summary);
+  EXPECT_EQ(ZshCompletion().summaryOf(GetParam()), test::verbOfTool(GetParam()).summary);
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, KarnoctlVerbInAShell, testing::ValuesIn(test::verbsOfTool()));

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "ipc/wrapper_protocol.h"
-#include "karnoctl/verbs.h"
 #include "karnoctl_documents.h"
 
 namespace karno::karnoctl {

@@ -236,7 +236,7 @@ TEST(Threads, AreTheMainThreadOnlyOnTheMainQueues) {
   machine.runUntilIdle();
   machine.dispatch.mainOperationQueue().async(note);
   machine.runUntilIdle();
-  machine.dispatch.globalQueue(QueuePriority::High).async(note);
+  machine.dispatch.globalQueue(QueuePriority::Default).async(note);
   machine.runUntilIdle();
 
   EXPECT_THAT(answers, ElementsAre(true, true, false));

@@ -109,7 +109,6 @@ inline constexpr Message kMessages[] = {
     {"NSBundle", '+', "bundleWithPath:"},
     {"NSBundle", '-', "loadAndReturnError:", Where::Everywhere, {10, 5}},
     {"NSBundle", '-', "bundlePath"},
-    {"NSBundle", '-', "bundleURL", Where::Everywhere, {10, 6}},
     {"NSBundle", '-', "executablePath"},
     {"NSBundle", '-', "executableURL", Where::Everywhere, {10, 6}},
     {"NSBundle", '-', "bundleIdentifier"},

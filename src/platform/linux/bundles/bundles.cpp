@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/bundles/file_url.h"
 #include "platform/linux/bundles/language_folders.h"
 #include "platform/linux/bundles/preferred_languages.h"
 #include "platform/linux/files/property_list_file.h"
+#include "platform/linux/text/file_url.h"
 #include "platform/posix/files/program_bundle.h"
 #include "platform/posix/processes/process_information.h"
 
@@ -66,8 +66,6 @@ LinuxBundle::LinuxBundle(std::string path)
 
 std::string LinuxBundle::bundlePath() const { return path_; }
 
-std::string LinuxBundle::bundleURL() const { return fileURL(path_, true); }
-
 std::optional<std::string> LinuxBundle::executablePath() const {
   const std::optional<std::string> name = infoString("CFBundleExecutable");
   // A name with a "/" could lead out of the bundle.
@@ -81,7 +79,7 @@ std::optional<std::string> LinuxBundle::executablePath() const {
 std::optional<std::string> LinuxBundle::executableURL() const {
   const std::optional<std::string> path = executablePath();
   if (!path) return std::nullopt;
-  return fileURL(*path, false);
+  return fileURL(*path);
 }
 
 std::optional<std::string> LinuxBundle::bundleIdentifier() const { return infoString("CFBundleIdentifier"); }

@@ -10,7 +10,6 @@ class LinuxBundle final : public Bundle {
   explicit LinuxBundle(std::string path);
 
   std::string bundlePath() const override;
-  std::string bundleURL() const override;
   std::optional<std::string> executablePath() const override;
   std::optional<std::string> executableURL() const override;
   std::optional<std::string> bundleIdentifier() const override;

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <string_view>
 
 #include "platform/linux/files/property_list_file.h"
+#include "platform/posix/environment.h"
 #include "platform/posix/files/home.h"
 
 namespace karno::platform {
@@ -13,11 +13,6 @@ namespace {
 
 constexpr std::size_t kLanguagesMax = 32;
 constexpr std::size_t kTagCharactersMax = 64;
-
-std::string_view environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string_view() : value;
-}
 
 void add(std::vector<std::string>& languages, std::string_view tag) {
   if (!tag.empty() && tag.size() <= kTagCharactersMax && languages.size() < kLanguagesMax)
@@ -47,13 +42,15 @@ std::vector<std::string> languagesOfPreferences() {
 std::vector<std::string> languagesOfEnvironment() {
   std::string locale;
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-    if (environment(name).empty()) continue;
-    locale = tagOfLocale(environment(name));
+    const std::string value = environmentVariable(name);
+    if (value.empty()) continue;
+    locale = tagOfLocale(value);
     break;
   }
   std::vector<std::string> languages;
   if (locale.empty()) return languages;
-  for (std::string_view rest = environment("LANGUAGE"); !rest.empty();) {
+  const std::string list = environmentVariable("LANGUAGE");
+  for (std::string_view rest = list; !rest.empty();) {
     const std::size_t end = std::min(rest.find(':'), rest.size());
     add(languages, tagOfLocale(rest.substr(0, end)));
     rest.remove_prefix(std::min(end + 1, rest.size()));

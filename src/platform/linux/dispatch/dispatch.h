@@ -3,6 +3,7 @@
 #include "platform/dispatch.h"
 #include "platform/linux/dispatch/main_queue.h"
 #include "platform/linux/dispatch/thread_pool.h"
+#include "platform/posix/clock.h"
 
 namespace karno::platform {
 
@@ -16,7 +17,7 @@ class LinuxDispatch final : public Dispatch {
   Queue& globalQueue(QueuePriority priority) override;
   std::shared_ptr<Queue> makeSerialQueue(std::string label) override;
   std::shared_ptr<DispatchGroup> makeGroup() override;
-  void sleep(double seconds) override;
+  void sleep(double seconds) override { sleepFor(seconds); }
   bool isMainThread() const override;
 
  private:
@@ -24,10 +25,8 @@ class LinuxDispatch final : public Dispatch {
   MainQueue mainQueue_{mainEvents_};
   ThreadPool pool_{{.threadsMax = 448}};
   ThreadPool backgroundPool_{{.threadsMax = 64, .lowered = true}};
-  PoolQueue high_{pool_, PoolLane::High};
-  PoolQueue normal_{pool_, PoolLane::Normal};
-  PoolQueue low_{pool_, PoolLane::Low};
-  PoolQueue background_{backgroundPool_, PoolLane::Normal};
+  PoolQueue normal_{pool_};
+  PoolQueue background_{backgroundPool_};
 };
 
 }  // namespace karno::platform

@@ -24,7 +24,7 @@ void SerialQueue::async(Block block) {
     blocks_.push_back(std::move(block));
     if (std::exchange(running_, true)) return;
   }
-  pool_.add([self = shared_from_this()] { self->drain(); }, PoolLane::Normal);
+  pool_.add([self = shared_from_this()] { self->drain(); });
 }
 
 void SerialQueue::drain() {

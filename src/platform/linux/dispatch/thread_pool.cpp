@@ -1,6 +1,5 @@
 #include "platform/linux/dispatch/thread_pool.h"
 
-#include <algorithm>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -16,13 +15,12 @@ constexpr const char* kIdleThreadName = "Pool";
 
 }  // namespace
 
-void ThreadPool::add(Block block, PoolLane lane) {
+void ThreadPool::add(Block block) {
   {
     const std::scoped_lock lock(mutex_);
-    lanes_[static_cast<std::size_t>(lane)].push_back(std::move(block));
-    ++waiting_;
+    blocks_.push_back(std::move(block));
     added_.notify_one();
-    if (waiting_ <= static_cast<std::size_t>(idle_) || threads_ >= settings_.threadsMax) return;
+    if (blocks_.size() <= static_cast<std::size_t>(idle_) || threads_ >= settings_.threadsMax) return;
     ++threads_;
   }
   startWorker();
@@ -54,17 +52,14 @@ void ThreadPool::work() {
 }
 
 bool ThreadPool::takeNext(std::unique_lock<std::mutex>& lock, Block& block) {
-  if (waiting_ == 0) {
+  if (blocks_.empty()) {
     if (idle_ >= settings_.idleThreadsMax) return false;
     ++idle_;
-    added_.wait(lock, [this] { return waiting_ != 0; });
+    added_.wait(lock, [this] { return !blocks_.empty(); });
     --idle_;
   }
-  const auto lane =
-      std::find_if(lanes_.begin(), lanes_.end(), [](const auto& blocks) { return !blocks.empty(); });
-  block = std::move(lane->front());
-  lane->pop_front();
-  --waiting_;
+  block = std::move(blocks_.front());
+  blocks_.pop_front();
   return true;
 }
 

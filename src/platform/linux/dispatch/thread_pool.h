@@ -1,7 +1,5 @@
 #pragma once
-#include <array>
 #include <condition_variable>
-#include <cstddef>
 #include <deque>
 #include <mutex>
 
@@ -9,17 +7,15 @@
 
 namespace karno::platform {
 
-enum class PoolLane : std::size_t { High, Normal, Low };
-
 struct PoolSettings {
   int threadsMax = 0;
   bool lowered = false;  // its threads let everything else go first
   int idleThreadsMax = 4;
 };
 
-// Threads that run blocks, those of a higher lane first. A block never waits while another thread is allowed,
+// Threads that run blocks. A block never waits while another thread is allowed,
 // since any block may occupy its thread for ever. An idle thread sleeps without a timer; the idle ones
-// beyond idleThreadsMax end. The lanes are unbounded: a block that was accepted is part of the behaviour.
+// beyond idleThreadsMax end. Unbounded: a block that was accepted is part of the behaviour.
 // Lives for ever.
 class ThreadPool {
  public:
@@ -27,7 +23,7 @@ class ThreadPool {
   ThreadPool(const ThreadPool&) = delete;
   ThreadPool& operator=(const ThreadPool&) = delete;
 
-  void add(Block block, PoolLane lane);
+  void add(Block block);
 
  private:
   void startWorker();
@@ -37,20 +33,18 @@ class ThreadPool {
   const PoolSettings settings_;
   std::mutex mutex_;
   std::condition_variable added_;
-  std::array<std::deque<Block>, 3> lanes_;
-  std::size_t waiting_ = 0;  // blocks in all lanes
+  std::deque<Block> blocks_;
   int threads_ = 0;
   int idle_ = 0;  // threads that wait for a block
 };
 
 class PoolQueue final : public Queue {
  public:
-  PoolQueue(ThreadPool& pool, PoolLane lane) : pool_(pool), lane_(lane) {}
-  void async(Block block) override { pool_.add(std::move(block), lane_); }
+  explicit PoolQueue(ThreadPool& pool) : pool_(pool) {}
+  void async(Block block) override { pool_.add(std::move(block)); }
 
  private:
   ThreadPool& pool_;
-  const PoolLane lane_;
 };
 
 }  // namespace karno::platform

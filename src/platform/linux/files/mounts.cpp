@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/machine/machine_root.h"
 #include "platform/linux/files/property_list_file.h"
+#include "platform/linux/machine/machine_root.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/system_path.h"
 

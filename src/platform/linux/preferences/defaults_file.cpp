@@ -11,12 +11,11 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/preferences/file_lock.h"
 #include "platform/linux/files/property_list_file.h"
+#include "platform/linux/preferences/file_lock.h"
 #include "platform/posix/console_line.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"
-#include "platform/posix/files/whole_file.h"
 #include "platform/property_lists/property_lists.h"
 
 namespace karno::platform {

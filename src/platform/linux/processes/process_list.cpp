@@ -7,12 +7,12 @@
 #include <algorithm>
 #include <charconv>
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <string_view>
 #include <system_error>
 
+#include "platform/linux/machine/machine_root.h"
 #include "platform/posix/files/whole_file.h"
 
 namespace karno::platform {
@@ -41,11 +41,6 @@ std::string contentOf(const fs::path& file) {
   return content ? content.value().bytes : std::string();
 }
 
-std::string withoutSlashesAtEnd(std::string path) {
-  while (path.size() > 1 && path.back() == '/') path.pop_back();
-  return path;
-}
-
 // The entries of an environment end with a zero byte each.
 std::string machineRootOf(const fs::path& process) {
   const std::string environment = contentOf(process / "environ");
@@ -53,16 +48,11 @@ std::string machineRootOf(const fs::path& process) {
     const std::size_t end = std::min(environment.find('\0', begin), environment.size());
     const std::string_view entry = std::string_view(environment).substr(begin, end - begin);
     if (entry.starts_with(kRootVariable)) {
-      return withoutSlashesAtEnd(std::string(entry.substr(kRootVariable.size())));
+      return machineRootNamed(entry.substr(kRootVariable.size()));
     }
     begin = end + 1;
   }
-  return {};
-}
-
-std::string ownMachineRoot() {
-  const char* const value = std::getenv("KARNO_MACHINE_ROOT");
-  return value == nullptr ? std::string() : withoutSlashesAtEnd(value);
+  return machineRootNamed({});
 }
 
 // Absent for kernel threads, zombies and a process that has gone meanwhile. An executable that was replaced,
@@ -114,7 +104,7 @@ Date startDateOf(const Status& status) {
 }  // namespace
 
 std::vector<RunningProcess> LinuxProcessList::runningProcesses() const {
-  const std::string root = ownMachineRoot();
+  const std::string root = machineRoot();
   std::vector<RunningProcess> found;
   std::error_code error;
   for (fs::directory_iterator entry("/proc", error); !error && entry != fs::directory_iterator();

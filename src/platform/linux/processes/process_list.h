@@ -3,8 +3,8 @@
 
 namespace karno::platform {
 
-// What /proc tells. A process belongs to this machine root when it was started with the same
-// KARNO_MACHINE_ROOT, or without one as well.
+// What /proc tells. A process belongs to this machine root by the KARNO_MACHINE_ROOT that it was started
+// with; without one, to the root that this user has by default.
 class LinuxProcessList final : public ProcessList {
  public:
   std::vector<RunningProcess> runningProcesses() const override;

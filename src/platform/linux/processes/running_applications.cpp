@@ -6,8 +6,8 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/processes/process_list.h"
 #include "platform/linux/files/property_list_file.h"
+#include "platform/linux/processes/process_list.h"
 #include "platform/posix/processes/running_children.h"
 
 namespace karno::platform::cocoa {

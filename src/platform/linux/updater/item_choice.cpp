@@ -6,7 +6,7 @@
 #include <limits>
 #include <system_error>
 
-#include "platform/linux/updater/version_order.h"
+#include "platform/version_order.h"
 
 namespace karno::platform::updates {
 namespace {

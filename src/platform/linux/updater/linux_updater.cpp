@@ -5,10 +5,10 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/linux/updater/base64_key.h"
 #include "platform/linux/updater/setting_keys.h"
 #include "platform/linux/updater/update_errors.h"
 #include "platform/platform.h"
+#include "platform/public_key.h"
 
 namespace karno::platform::updates {
 namespace {
@@ -28,7 +28,7 @@ std::optional<Error> misconfiguration() {
   if (!version || !version->isString() || version->get<std::string>()->empty())
     return updateError(UpdateErrorCode::InvalidHostVersion, "The application has no version.");
   const auto key = bundle.objectForInfoDictionaryKey(kPublicKeyKey);
-  if (!key || !key->isString() || !isEncodedKey(*key->get<std::string>()))
+  if (!key || !key->isString() || !looksLikePublicKey(*key->get<std::string>()))
     return updateError(UpdateErrorCode::NoPublicKey, "The application has no key to verify updates with.");
   return std::nullopt;
 }

@@ -11,7 +11,4 @@ inline constexpr const char* kHasLaunchedKey = "SUHasLaunchedBefore";
 inline constexpr const char* kPublicKeyKey = "SUPublicEDKey";
 inline constexpr const char* kFeedKey = "SUFeedURL";
 
-// Info.plist only: lets a feed and its downloads come from this very machine over plain http.
-inline constexpr const char* kLoopbackKey = "KarnoAllowsLoopbackUpdates";
-
 }  // namespace karno::platform::updates

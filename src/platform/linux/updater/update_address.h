@@ -6,8 +6,7 @@
 
 namespace karno::platform::updates {
 
-// Absent when an update may come from there: over https, or over plain http from this very machine where the
-// bundle allows that.
-std::optional<Error> refusalOfAddress(const std::string& url, bool allowsLoopback);
+// Absent when an update may come from there, which is over https only.
+std::optional<Error> refusalOfAddress(const std::string& url);
 
 }  // namespace karno::platform::updates

@@ -45,10 +45,6 @@ std::string_view tokenFor(NothingToOffer reason) {
 
 }  // namespace
 
-bool UpdateSession::allowsLoopback() const {
-  return plainBoolean(bundle().objectForInfoDictionaryKey(kLoopbackKey));
-}
-
 std::string UpdateSession::textOf(std::string_view token) const {
   const std::string name = infoText("CFBundleName");
   const std::string version = infoText("CFBundleShortVersionString");
@@ -58,7 +54,7 @@ std::string UpdateSession::textOf(std::string_view token) const {
 void UpdateSession::begin() {
   const std::string feed = parts_.delegate.feedURLStringForUpdater(parts_.updater);
   parts_.services.settings.setObject(Value(host().clock.now()), kLastCheckKey);
-  if (const auto refusal = refusalOfAddress(feed, allowsLoopback())) return abort(*refusal);
+  if (const auto refusal = refusalOfAddress(feed)) return abort(*refusal);
   if (parts_.isUserAsking) showProgress(textOf("CHECKING"));
   inBackground([feed] { return host().urlLoading.contentsOfURL(feed); },
                [self = shared_from_this()](const Result<std::string>& answer) { self->feedCame(answer); });
@@ -138,7 +134,7 @@ void UpdateSession::chosen(long choice) {
 }
 
 void UpdateSession::download() {
-  if (const auto refusal = refusalOfAddress(item_.downloadURL, allowsLoopback())) return abort(*refusal);
+  if (const auto refusal = refusalOfAddress(item_.downloadURL)) return abort(*refusal);
   const Result<std::string> folder = parts_.services.folders.makeFolderBeside(bundle().bundlePath());
   if (!folder) return abort(folder.error());
   downloadFolder_ = folder.value();

@@ -56,7 +56,6 @@ class UpdateSession : public std::enable_shared_from_this<UpdateSession> {
   Progress progressOnMainThread();
   void tell(const std::string& message, const std::string& explanation);
   std::string textOf(std::string_view token) const;
-  bool allowsLoopback() const;
 
   const Parts parts_;
   FeedItem item_;

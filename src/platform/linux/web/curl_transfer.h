@@ -5,7 +5,7 @@
 
 #include "platform/linux/web/curl_library.h"
 #include "platform/linux/web/url_errors.h"
-#include "platform/linux/web/url_loading.h"
+#include "platform/linux/web/url_fetch.h"
 
 namespace karno::platform {
 

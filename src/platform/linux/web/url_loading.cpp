@@ -2,14 +2,20 @@
 
 #include <algorithm>
 
-#include "platform/linux/web/url_address.h"
-#include "platform/linux/web/url_errors.h"
-#include "platform/linux/web/url_request.h"
-
 namespace karno::platform {
 namespace {
 
-constexpr long kFirstFailure = 400;
+class Contents final : public URLSink {
+ public:
+  std::optional<Error> take(std::string_view bytes) override {
+    text_.append(bytes);
+    return std::nullopt;
+  }
+  std::string text() && { return std::move(text_); }
+
+ private:
+  std::string text_;
+};
 
 }  // namespace
 
@@ -22,27 +28,9 @@ std::string userAgentOf(const Bundle& bundle) {
 }
 
 Result<std::string> CurlURLLoading::contentsOfURL(const std::string& url) {
-  const Result<URLAddress> wanted = addressOf(url);
-  if (!wanted) return wanted.error();
-  const std::string userAgent = userAgentOf(bundles_.mainBundle());
-
-  std::string current = url;
-  URLAddress address = wanted.value();
-  for (int redirects = 0; redirects <= limits_.redirectsMax; ++redirects) {
-    Result<URLAnswer> answer = requestURL(current, address, userAgent, limits_);
-    if (!answer) return answer.error();
-    if (!answer.value().redirectTarget) {
-      if (answer.value().status >= kFirstFailure) return unopenedFile(wanted.value().lastPathComponent);
-      return std::move(answer.value().body);
-    }
-    current = *answer.value().redirectTarget;
-    const Result<URLAddress> next = addressOf(current);
-    if (!next) return next.error();
-    if (address.isSecure() && !next.value().isSecure())
-      return urlError(URLErrorCode::InsecureConnectionRefused);
-    address = next.value();
-  }
-  return urlError(URLErrorCode::TooManyRedirects);
+  Contents contents;
+  if (const auto error = fetchURL(url, userAgentOf(bundles_.mainBundle()), limits_, contents)) return *error;
+  return std::move(contents).text();
 }
 
 }  // namespace karno::platform

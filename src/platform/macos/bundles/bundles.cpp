@@ -26,14 +26,11 @@ std::optional<std::string> FoundationBundle::stringOf(objc::Selector property) c
   return textOf([this, property] { return objc::send(bundle_, property); });
 }
 
-std::optional<std::string> FoundationBundle::urlOf(objc::Selector property) const {
-  return textOf([this, property] { return objc::send(objc::send(bundle_, property), "absoluteString"); });
-}
-
 std::string FoundationBundle::bundlePath() const { return stringOf("bundlePath").value_or(""); }
-std::string FoundationBundle::bundleURL() const { return urlOf("bundleURL").value_or(""); }
 std::optional<std::string> FoundationBundle::executablePath() const { return stringOf("executablePath"); }
-std::optional<std::string> FoundationBundle::executableURL() const { return urlOf("executableURL"); }
+std::optional<std::string> FoundationBundle::executableURL() const {
+  return textOf([this] { return objc::send(objc::send(bundle_, "executableURL"), "absoluteString"); });
+}
 std::optional<std::string> FoundationBundle::bundleIdentifier() const { return stringOf("bundleIdentifier"); }
 
 std::optional<Value> FoundationBundle::objectForInfoDictionaryKey(std::string_view key) const {

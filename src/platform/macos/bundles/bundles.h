@@ -15,7 +15,6 @@ class FoundationBundle final : public Bundle {
   explicit FoundationBundle(objc::Object bundle) : bundle_(std::move(bundle)) {}
 
   std::string bundlePath() const override;
-  std::string bundleURL() const override;
   std::optional<std::string> executablePath() const override;
   std::optional<std::string> executableURL() const override;
   std::optional<std::string> bundleIdentifier() const override;
@@ -26,7 +25,6 @@ class FoundationBundle final : public Bundle {
 
  private:
   std::optional<std::string> stringOf(objc::Selector property) const;
-  std::optional<std::string> urlOf(objc::Selector property) const;
 
   const objc::Object bundle_;
 };

@@ -1,9 +1,5 @@
 #include "platform/macos/dispatch/dispatch.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <cmath>
-#include <ctime>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -14,9 +10,6 @@
 
 namespace karno::platform {
 namespace {
-
-constexpr double kSleepSecondsMax = 1e9;  // three decades; keeps the arithmetic within its types
-constexpr double kNanosecondsPerSecond = 1e9;
 
 // What a queue holds: the block, and what its queue is called for the console line of a failure.
 struct Work {
@@ -56,17 +49,7 @@ class GCDSerialQueue final : public Queue {
 void GCDQueue::async(Block block) { enqueue(queue_, std::move(block), owner_); }
 
 Queue& MacDispatch::globalQueue(QueuePriority priority) {
-  switch (priority) {
-    case QueuePriority::High:
-      return high_;
-    case QueuePriority::Default:
-      return normal_;
-    case QueuePriority::Low:
-      return low_;
-    case QueuePriority::Background:
-      return background_;
-  }
-  return normal_;
+  return priority == QueuePriority::Background ? background_ : normal_;
 }
 
 std::shared_ptr<Queue> MacDispatch::makeSerialQueue(std::string label) {
@@ -74,16 +57,6 @@ std::shared_ptr<Queue> MacDispatch::makeSerialQueue(std::string label) {
 }
 
 std::shared_ptr<DispatchGroup> MacDispatch::makeGroup() { return std::make_shared<GCDGroup>(); }
-
-void MacDispatch::sleep(double seconds) {
-  if (!(seconds > 0)) return;
-  const double limited = std::min(seconds, kSleepSecondsMax);
-  const double whole = std::floor(limited);
-  timespec left = {.tv_sec = static_cast<time_t>(whole),
-                   .tv_nsec = static_cast<long>((limited - whole) * kNanosecondsPerSecond)};
-  while (::nanosleep(&left, &left) == -1 && errno == EINTR) {
-  }
-}
 
 bool MacDispatch::isMainThread() const { return cocoa::isMainThread(); }
 

@@ -3,6 +3,7 @@
 
 #include "platform/cocoa/runtime/main_events.h"
 #include "platform/dispatch.h"
+#include "platform/posix/clock.h"
 
 namespace karno::platform {
 
@@ -27,7 +28,7 @@ class MacDispatch final : public Dispatch {
   Queue& globalQueue(QueuePriority priority) override;
   std::shared_ptr<Queue> makeSerialQueue(std::string label) override;
   std::shared_ptr<DispatchGroup> makeGroup() override;
-  void sleep(double seconds) override;
+  void sleep(double seconds) override { sleepFor(seconds); }
   bool isMainThread() const override;
 
  private:
@@ -35,9 +36,7 @@ class MacDispatch final : public Dispatch {
   // The operation queue of the main thread runs on its dispatch queue.
   GCDQueue mainOperationQueue_{dispatch_get_main_queue(), "main operation queue"};
   cocoa::MainEvents mainEvents_;
-  GCDQueue high_{dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_HIGH, 0), "high global queue"};
   GCDQueue normal_{dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_DEFAULT, 0), "default global queue"};
-  GCDQueue low_{dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_LOW, 0), "low global queue"};
   GCDQueue background_{dispatch_get_global_queue(DISPATCH_QUEUE_PRIORITY_BACKGROUND, 0),
                        "background global queue"};
 };

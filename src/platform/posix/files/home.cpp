@@ -5,8 +5,9 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstdlib>
 #include <vector>
+
+#include "platform/posix/environment.h"
 
 namespace karno::platform {
 namespace {
@@ -24,11 +25,6 @@ std::string accountField(char* passwd::*field) {
     error = ::getpwuid_r(::getuid(), &account, buffer.data(), buffer.size(), &found);
   }
   return found == nullptr || found->*field == nullptr ? std::string() : std::string(found->*field);
-}
-
-std::string environmentVariable(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
 }
 
 }  // namespace

@@ -29,13 +29,6 @@ class LinuxBundlesTest : public testing::Test {
   LinuxBundles bundles;
 };
 
-TEST_F(LinuxBundlesTest, EncodesUnusualNamesInURLs) {
-  std::filesystem::create_directories(folder / "Grüße & 100% #1?.app");
-
-  EXPECT_EQ(bundle("Grüße & 100% #1?.app")->bundleURL(),
-            "file://" + folder / "Gr%C3%BC%C3%9Fe%20&%20100%25%20%231%3F.app/");
-}
-
 TEST_F(LinuxBundlesTest, FindsNoBundleWhereThereIsNoFolder) {
   folder.write("file.app", "");
 

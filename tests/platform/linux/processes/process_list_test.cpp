@@ -84,6 +84,17 @@ TEST(LinuxProcessList, LeavesOutTheProcessesOfOtherMachineRoots) {
   EXPECT_TRUE(entryOf(sleeper.identifier()));
 }
 
+TEST(LinuxProcessList, CountsAProcessWithoutARootToTheOneByDefault) {
+  const TemporaryFolder folder;
+  const ScopedEnvironment data("XDG_DATA_HOME", folder / "data");
+  const ScopedEnvironment none("KARNO_MACHINE_ROOT", std::nullopt);
+  const SleepingProcess sleeper(makeSleeper(folder, "sleeper"));
+
+  EXPECT_TRUE(entryOf(sleeper.identifier()));
+  const ScopedEnvironment byName("KARNO_MACHINE_ROOT", folder / "data/karno/machine");
+  EXPECT_TRUE(entryOf(sleeper.identifier()));
+}
+
 TEST(LinuxProcessList, KeepsThePlaceOfAProgramThatWasRemoved) {
   const TemporaryFolder folder;
   const SleepingProcess sleeper(makeSleeper(folder, "sleeper"));

@@ -92,6 +92,19 @@ TEST_F(Download, IsNeverRedirectedAwayFromHttps) {
   EXPECT_EQ(downloaded(), "");
 }
 
+TEST_F(Download, IsNeverRedirectedBackFromHttpsToHttp) {
+  EXPECT_EQ(failureOf(server_->http("/to-https-and-back")), Failure(-1022, "NSURLErrorDomain"));
+  EXPECT_EQ(downloaded(), "");
+}
+
+TEST_F(Download, MayGoFromHttpToEither) {
+  server_->putPage("/page", "the file");
+
+  EXPECT_EQ(failureOf(server_->http("/to-http")), kNone);
+
+  EXPECT_EQ(downloaded(), "the file");
+}
+
 TEST_F(Download, StopsAtTheBytesThatWereAnnounced) {
   server_->putPage("/file", "12345678");
 
@@ -128,8 +141,8 @@ class BadServer : public Download, public testing::WithParamInterface<Misbehavio
 TEST_P(BadServer, IsAnError) { EXPECT_EQ(failureOf(server_->https(GetParam().path)).first, GetParam().code); }
 
 INSTANTIATE_TEST_SUITE_P(Paths, BadServer,
-                         testing::Values(Misbehaviour{"/missing", 256}, Misbehaviour{"/loop", -1007},
-                                         Misbehaviour{"/hang-up", -1005},
+                         testing::Values(Misbehaviour{"/missing", 256}, Misbehaviour{"/choices", 256},
+                                         Misbehaviour{"/loop", -1007}, Misbehaviour{"/hang-up", -1005},
                                          Misbehaviour{"/hang-up-half-way", -1005},
                                          Misbehaviour{"/no-http", -1017}, Misbehaviour{"/to-a-file", -1002}));
 

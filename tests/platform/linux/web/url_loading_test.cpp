@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <future>
 
@@ -123,6 +124,7 @@ TEST_F(URLLoadingTest, SendsNoVersionThatWouldBreakTheHeader) {
 TEST_F(URLLoadingTest, FollowsRedirects) {
   EXPECT_EQ(bodyOf(server_->https("/redirected")), "the page");
   EXPECT_EQ(bodyOf(server_->http("/to-https")), "the page");
+  EXPECT_EQ(bodyOf(server_->http("/to-http")), "the page");
 }
 
 TEST_F(URLLoadingTest, FollowsTenRedirectsAndNoMore) {
@@ -140,14 +142,19 @@ TEST_F(URLLoadingTest, IsNotLedFromHttpsToHttp) {
                "The resource could not be loaded because the App Transport Security policy requires the "
                "use of a secure connection."));
   EXPECT_EQ(server_->requests(), "GET /to-http\tKarno\n");
+  EXPECT_EQ(errorFor(server_->http("/to-https-and-back")).code(), -1022);
 }
 
-TEST_F(URLLoadingTest, IsNotLedToAFile) { EXPECT_EQ(errorFor(server_->https("/to-a-file")), kUnsupported); }
+TEST_F(URLLoadingTest, IsNotLedToAFile) {
+  EXPECT_EQ(errorFor(server_->https("/to-a-file")), kUnsupported);
+  EXPECT_EQ(errorFor(server_->http("/to-a-file")), kUnsupported);
+}
 
 TEST_F(URLLoadingTest, TakesAnAnswerWithoutSuccessForAnError) {
   EXPECT_EQ(errorFor(server_->https("/releases/latest")),
             Error("NSCocoaErrorDomain", 256,
                   {{"NSLocalizedDescription", "The file “latest” couldn’t be opened."}}));
+  EXPECT_EQ(errorFor(server_->https("/choices")).code(), 256);
 }
 
 TEST_F(URLLoadingTest, FailsWhenTheServerHangsUp) {
@@ -216,6 +223,20 @@ TEST_F(URLLoadingTest, RefusesWhatIsNoWebAddress) {
   EXPECT_EQ(errorFor("https://a host/page"), urlError(-1000, "bad URL"));
   EXPECT_EQ(errorFor("https://"), urlError(-1000, "bad URL"));
   EXPECT_EQ(errorFor(std::string("https://localhost/\0", 19)), urlError(-1000, "bad URL"));
+}
+
+// A disk on which there is no room.
+class FullDisk final : public URLSink {
+ public:
+  std::optional<Error> take(std::string_view) override { return Error::posix(ENOSPC); }
+};
+
+TEST_F(URLLoadingTest, FailsWithWhatKeepsTheBytesFromBeingTaken) {
+  FullDisk disk;
+
+  const auto error = fetchURL(server_->https("/page"), "Karno", {}, disk);
+
+  EXPECT_EQ(error, Error::posix(ENOSPC));
 }
 
 TEST_F(URLLoadingTest, FetchesManyAtTheSameTime) {

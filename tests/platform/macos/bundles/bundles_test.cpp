@@ -30,7 +30,6 @@ Class bundleClass() {
                                 .classMethod("mainBundle", "@@:", withoutArguments)
                                 .classMethod("bundleWithPath:", "@@:@", withOne)
                                 .method("bundlePath", "@@:", withoutArguments)
-                                .method("bundleURL", "@@:", withoutArguments)
                                 .method("executablePath", "@@:", withoutArguments)
                                 .method("executableURL", "@@:", withoutArguments)
                                 .method("bundleIdentifier", "@@:", withoutArguments)
@@ -120,14 +119,11 @@ TEST_F(MacBundles, KeepTheMainOneThatHasAnIdentifier) {
 TEST_F(MacBundles, TellPathsAndAddresses) {
   standIns_.answer("executablePath", objc::string("/Applications/Karno.app/Contents/MacOS/Karno"));
   standIns_.answer("executableURL", instanceOf(urlClass()));
-  standIns_.answer("bundleURL", instanceOf(urlClass()));
   standIns_.answer("absoluteString", objc::string("file:///Applications/Karno.app/"));
 
   EXPECT_EQ("/Applications/Karno.app/Contents/MacOS/Karno", bundle_.executablePath());
   EXPECT_EQ("file:///Applications/Karno.app/", bundle_.executableURL());
-  EXPECT_EQ("file:///Applications/Karno.app/", bundle_.bundleURL());
-  EXPECT_THAT(standIns_.messages(), ElementsAre("executablePath", "executableURL", "absoluteString",
-                                                "bundleURL", "absoluteString"));
+  EXPECT_THAT(standIns_.messages(), ElementsAre("executablePath", "executableURL", "absoluteString"));
 }
 
 TEST_F(MacBundles, ReadInfoPlist) {
@@ -156,7 +152,6 @@ TEST_F(MacBundles, LookIntoADirectory) {
 
 TEST_F(MacBundles, TellNothingOfWhatIsNil) {
   EXPECT_EQ("", bundle_.bundlePath());
-  EXPECT_EQ("", bundle_.bundleURL());
   EXPECT_EQ(std::nullopt, bundle_.executablePath());
   EXPECT_EQ(std::nullopt, bundle_.executableURL());
   EXPECT_EQ(std::nullopt, bundle_.bundleIdentifier());
@@ -194,16 +189,13 @@ TEST_F(MacBundles, HaveAnEmptyMainOneWhereThePlatformHasNone) {
 
 TEST_F(MacBundles, GiveNothingBackThatTheyWereOnlyLent) {
   const int countBefore = standIns_.liveCount();
-  standIns_.answer("bundleURL", instanceOf(urlClass()));
   standIns_.answer("executableURL", instanceOf(urlClass()));
   standIns_.answer("objectForInfoDictionaryKey:", instanceOf(urlClass()));
 
-  bundle_.bundleURL();
   bundle_.executableURL();
   bundle_.objectForInfoDictionaryKey("key");
 
-  EXPECT_EQ(countBefore + 3, standIns_.liveCount());
-  standIns_.answer("bundleURL", objc::Object());
+  EXPECT_EQ(countBefore + 2, standIns_.liveCount());
   standIns_.answer("executableURL", objc::Object());
   standIns_.answer("objectForInfoDictionaryKey:", objc::Object());
   EXPECT_EQ(countBefore, standIns_.liveCount());

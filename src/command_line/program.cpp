@@ -1,0 +1,114 @@
+#include "command_line/program.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <exception>
+#include <ostream>
+
+#include "command_line/arguments.h"
+#include "command_line/closest_word.h"
+
+namespace karno::command_line {
+namespace {
+
+// One run of a program.
+class Run {
+ public:
+  Run(const Program& program, std::ostream& out, std::ostream& err)
+      : program_(program), out_(out), err_(err) {}
+
+  int dispatch(std::span<const std::string> arguments) {
+    if (arguments.empty()) throw UsageError("what is to be done? (no verb given)");
+    const std::string& first = arguments.front();
+    const auto rest = arguments.subspan(1);
+    const bool isHelp = first == "--help" || first == "-h";
+    if ((isHelp || first == "--version") && !rest.empty()) throw UsageError(first + " stands alone");
+    if (isHelp || first == "help") return help(rest);
+    if (first == "--version") return out_ << program_.name << ' ' << program_.version << '\n', kExitOk;
+    if (first.starts_with('-')) {
+      constexpr std::array<std::string_view, 2> kKnown{"--help", "--version"};
+      throw UsageError("unknown option '" + first + "'" + suggestion(first, kKnown));
+    }
+    return runVerb(verbNamed(first), rest);
+  }
+
+  int reportUsageError(std::string_view text, std::string_view advice) {
+    err_ << program_.name << ": " << text << "\nTry \"" << program_.name << ' ' << advice << "\".\n";
+    return kExitUsage;
+  }
+
+ private:
+  int help(std::span<const std::string> arguments) {
+    if (arguments.size() > 1) throw UsageError("help takes one verb at most");
+    return arguments.empty() ? printHelp() : printHelp(verbNamed(arguments[0]));
+  }
+
+  int printHelp() {
+    out_ << fmt::format(
+        "Usage: {0} VERB [ARGUMENT...]\n"
+        "       {0} help [VERB]\n"
+        "       {0} --help | --version\n"
+        "\n"
+        "{1}\n"
+        "\n"
+        "Verbs:\n",
+        program_.name, program_.purpose);
+    for (const Verb& verb : program_.verbs) printLine(verb.name, verb.summary);
+    printLine("help", "say how a verb is used");
+    out_ << "\nExit status: " << program_.exitStatuses << ", 64 wrong usage.\n";
+    return kExitOk;
+  }
+
+  void printLine(std::string_view verb, std::string_view summary) {
+    out_ << fmt::format("  {:<10} {}\n", verb, summary);
+  }
+
+  int printHelp(const Verb& verb) {
+    out_ << "Usage: " << program_.name << ' ' << verb.name << (verb.synopsis.empty() ? "" : " ")
+         << verb.synopsis << "\n\n"
+         << verb.help;
+    return kExitOk;
+  }
+
+  const Verb& verbNamed(const std::string& name) const {
+    std::vector<std::string_view> names{"help"};
+    for (const Verb& verb : program_.verbs) {
+      if (verb.name == name) return verb;
+      names.push_back(verb.name);
+    }
+    throw UsageError("unknown verb '" + name + "'" + suggestion(name, names));
+  }
+
+  int runVerb(const Verb& verb, std::span<const std::string> rest) {
+    try {
+      const Arguments arguments(verb, rest);
+      return arguments.wantsHelp() ? printHelp(verb) : verb.run(arguments);
+    } catch (const UsageError& error) {
+      return reportUsageError(error.what(), fmt::format("help {}", verb.name));
+    }
+  }
+
+  const Program& program_;
+  std::ostream& out_;
+  std::ostream& err_;
+};
+
+}  // namespace
+
+int run(const Program& program, std::span<const std::string> arguments, std::ostream& out,
+        std::ostream& err) {
+  Run running(program, out, err);
+  try {
+    const int status = running.dispatch(arguments);
+    if (out.flush()) return status;
+    err << program.name << ": cannot write the output\n";
+  } catch (const UsageError& error) {
+    return running.reportUsageError(error.what(), "--help");
+  } catch (const std::exception& error) {
+    err << program.name << ": " << error.what() << '\n';
+  }
+  return kExitFailed;
+}
+
+}  // namespace karno::command_line

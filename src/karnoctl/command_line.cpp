@@ -1,0 +1,20 @@
+#include "karnoctl/command_line.h"
+
+#include "karnoctl/verbs/verbs.h"
+
+namespace karno::karnoctl {
+
+command_line::Program program(std::string_view version, Context& context) {
+  return {.name = "karnoctl",
+          .version = version,
+          .purpose = "Talks to the Karno launcher that runs in your session.",
+          .exitStatuses = "0 done, 1 failed, 3 no launcher runs (status)",
+          .verbs = {statusVerb(context), logVerb(context), explainVerb(context), selfCheckVerb(context),
+                    postVerb(context)}};
+}
+
+int run(std::span<const std::string> arguments, std::string_view version, Context& context) {
+  return command_line::run(program(version, context), arguments, context.out, context.err);
+}
+
+}  // namespace karno::karnoctl

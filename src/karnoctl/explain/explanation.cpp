@@ -1,0 +1,103 @@
+#include "karnoctl/explain/explanation.h"
+
+#include <algorithm>
+
+#include "app/karno_embedded_app.h"
+#include "karnoctl/explain/read_only_platform.h"
+#include "settings/karno_admin_settings.h"
+#include "settings/karno_settings.h"
+#include "system/fuse_manager.h"
+#include "system/karno_os_info_manager.h"
+#include "update/feed_marker.h"
+#include "update/karno_sparkle_manager.h"
+#include "util/string_utils.h"
+#include "util/utilities.h"
+
+namespace karno::karnoctl {
+namespace {
+
+AdministratorSetting administratorSetting(const std::string& key) {
+  platform::ManagedPreferences& preferences = platform::host().managedPreferences;
+  const std::string domain(KarnoAdminSettings::applicationID());
+  return {.key = key,
+          .value = preferences.copyAppValue(key, domain),
+          .isForced = preferences.isAppValueForced(key, domain),
+          .readAs = KarnoAdminSettings::instance().tristateForKey(key)};
+}
+
+UserSetting userSetting(const std::string& key, bool readAs) {
+  return {.key = key, .value = KarnoSettings::instance().userDefaults().objectForKey(key), .readAs = readAs};
+}
+
+void gatherSettings(Explanation& explanation) {
+  const KarnoSettings& settings = KarnoSettings::instance();
+  explanation.useFileProvider = administratorSetting("USE_FILE_PROVIDER");
+  explanation.updatesEnabled = administratorSetting("UPDATES_ENABLED");
+
+  // The user's own value: the launcher's reading of it asks the administrator first.
+  const bool storedChoice = settings.userDefaults().boolForKey("useFileProvider");
+  explanation.facts = {.administrator = explanation.useFileProvider.readAs,
+                       .verified = settings.useFileProviderVerified(),
+                       .storedChoice = storedChoice,
+                       .firstStartup = settings.isFirstStartup()};
+  explanation.userSettings = {userSetting("useFileProviderVerified", settings.useFileProviderVerified()),
+                              userSetting("useFileProvider", storedChoice),
+                              userSetting("isFirstStartup", settings.isFirstStartup()),
+                              userSetting("verboseLogging", settings.verboseLogging())};
+}
+
+void gatherChoice(Explanation& explanation) {
+  explanation.choice = buildChoice(explanation.facts);
+  explanation.bundleName = explanation.choice.useFileProvider ? KarnoEmbeddedApp::nameForFileProviderApp()
+                                                              : KarnoEmbeddedApp::nameForFuseApp();
+  explanation.isBundleThere = Utilities::bundleForEmbeddedKarnoAppWithName(explanation.bundleName) != nullptr;
+}
+
+SystemCheck systemCheck(const Explanation& explanation) {
+  const bool useFileProvider = explanation.choice.useFileProvider;
+  if (useFileProvider && platform::host().systemVersion.isAtLeast(12, 3, 0)) return SystemCheck::FileProvider;
+  const bool isMet = std::ranges::any_of(explanation.requirements,
+                                         [](const RequirementRow& row) { return row.objection.empty(); });
+  if (isMet) return useFileProvider ? SystemCheck::FuseForOldSystem : SystemCheck::Fuse;
+  const std::optional<std::string>& fuse = explanation.system.fuse;
+  return fuse && !fuse->empty() ? SystemCheck::FuseToBeUpgraded : SystemCheck::FuseToBeInstalled;
+}
+
+void gatherSystem(Explanation& explanation) {
+  const KarnoOSInfoManager& system = KarnoOSInfoManager::instance();
+  explanation.system = {.cpu = system.cpu(),
+                        .macOS = system.productVersion(),
+                        .fuse = FuseManager::instance().installedFuseVersion()};
+  explanation.buildVersion = system.buildVersion();
+  explanation.fuseInformationFile =
+      FuseManager::pathOfPlistForFrameworkNamed(FuseManager::kFuseFramework).value_or("");
+  for (const FuseRequirement& row : FuseRequirement::allOptions()) {
+    explanation.requirements.push_back(
+        {.requirement = row, .objection = objectionTo(row, explanation.system)});
+  }
+  explanation.check = systemCheck(explanation);
+}
+
+void gatherFeed(Explanation& explanation) {
+  const platform::Files& files = platform::host().files;
+  explanation.feedURL = KarnoSparkleManager::instance().feedURL();
+  explanation.feedMarker = feedMarkerPath();
+  if (!files.fileExists(explanation.feedMarker)) return;
+  const auto text = files.read(explanation.feedMarker);
+  const bool isNamed = text && trimmingWhitespaceAndNewlines(text.value()) == explanation.feedURL;
+  explanation.feedSource = isNamed ? FeedSource::NamedByMarker : FeedSource::DebugFeed;
+}
+
+}  // namespace
+
+Explanation gatherExplanation(platform::Platform& platform) {
+  const ReadOnlyPlatform readOnly(platform);
+  Explanation explanation;
+  gatherSettings(explanation);
+  gatherChoice(explanation);
+  gatherSystem(explanation);
+  gatherFeed(explanation);
+  return explanation;
+}
+
+}  // namespace karno::karnoctl

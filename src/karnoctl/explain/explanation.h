@@ -1,0 +1,69 @@
+#pragma once
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "karnoctl/explain/build_choice.h"
+#include "karnoctl/explain/requirement_check.h"
+#include "platform/platform.h"
+#include "platform/value.h"
+#include "system/fuse_requirement.h"
+
+namespace karno::karnoctl {
+
+struct AdministratorSetting {
+  std::string key;
+  std::optional<platform::Value> value = std::nullopt;  // as it is stored
+  bool isForced = false;  // by a managed preference file or a configuration profile
+  KarnoTristate readAs = KarnoTristate::NotSet;
+};
+
+struct UserSetting {
+  std::string key;
+  std::optional<platform::Value> value = std::nullopt;  // as it is stored
+  bool readAs = false;
+};
+
+struct RequirementRow {
+  FuseRequirement requirement;
+  std::string objection;  // why the system does not meet it; empty when it does
+};
+
+// What the check of the system, which follows the choice of the build, comes to.
+enum class SystemCheck {
+  FileProvider,       // passes: macOS has it
+  Fuse,               // passes: macFUSE is good enough
+  FuseForOldSystem,   // the same, because macOS is too old for File Provider
+  FuseToBeInstalled,  // the user is asked to install macFUSE
+  FuseToBeUpgraded,   // the user is asked to install a newer one
+};
+
+enum class FeedSource { Deployment, NamedByMarker, DebugFeed };
+
+// All that decides what the next start of the launcher does.
+struct Explanation {
+  ChoiceFacts facts;
+  BuildChoice choice;
+  std::string bundleName;  // of the chosen build
+  bool isBundleThere = false;
+
+  SystemFacts system;
+  std::optional<std::string> buildVersion;  // of macOS
+  std::string fuseInformationFile;
+  std::vector<RequirementRow> requirements;
+  SystemCheck check = SystemCheck::FileProvider;
+
+  std::string feedURL;
+  std::string feedMarker;
+  FeedSource feedSource = FeedSource::Deployment;
+
+  AdministratorSetting useFileProvider;
+  AdministratorSetting updatesEnabled;
+  std::vector<UserSetting> userSettings;
+};
+
+// Asks the launcher's own code and leaves no trace: nothing is written and nothing logged. Runs the two shell
+// commands that tell processor and macOS.
+Explanation gatherExplanation(platform::Platform& platform);
+
+}  // namespace karno::karnoctl

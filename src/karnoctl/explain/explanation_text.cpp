@@ -1,0 +1,167 @@
+#include "karnoctl/explain/explanation_text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstddef>
+
+#include "settings/karno_admin_settings.h"
+
+namespace karno::karnoctl {
+namespace {
+
+constexpr std::string_view kNotSet = "not set";
+
+std::string_view yesOrNo(bool value) { return value ? "yes" : "no"; }
+
+std::string orUnknown(const std::optional<std::string>& text) {
+  return text && !text->empty() ? *text : "not known";
+}
+
+std::string outcomeText(const Explanation& explanation) {
+  const auto because = [&] {
+    switch (explanation.choice.rule) {
+      case ChoiceRule::Administrator:
+        return "the administrator has chosen it";
+      case ChoiceRule::SettledBefore:
+        return "the choice was settled by an earlier start";
+      case ChoiceRule::FirstStartup:
+        return "this is the first start";
+      case ChoiceRule::AlreadyUsingFuse:
+        break;
+    }
+    return "the client has run before and no choice was settled";
+  };
+  return fmt::format(
+      "The next start runs the {} build, {}: {}.\n{}",
+      explanation.choice.useFileProvider ? "File Provider" : "FUSE", explanation.bundleName, because(),
+      explanation.isBundleThere
+          ? ""
+          : fmt::format("It will fail: there is no {} in the launcher's bundle.\n", explanation.bundleName));
+}
+
+std::string_view checkText(SystemCheck check) {
+  switch (check) {
+    case SystemCheck::FileProvider:
+      return "The system check passes: macOS has File Provider from version 12.3 on.\n";
+    case SystemCheck::Fuse:
+      return "The system check passes: macFUSE is good enough.\n";
+    case SystemCheck::FuseForOldSystem:
+      return "The system check passes, by macFUSE: macOS is older than 12.3, so File Provider cannot be "
+             "used.\n";
+    case SystemCheck::FuseToBeUpgraded:
+      return "The system check stops the start: the user is asked to install a newer macFUSE.\n";
+    case SystemCheck::FuseToBeInstalled:
+      break;
+  }
+  return "The system check stops the start: the user is asked to install macFUSE.\n";
+}
+
+std::string choiceText(const Explanation& explanation) {
+  const ChoiceFacts& facts = explanation.facts;
+  const auto line = [&](bool decides, std::string_view name, const std::string& what) {
+    return fmt::format("  {} {:<15} {}\n", decides ? '>' : ' ', name, what);
+  };
+  const ChoiceRule rule = explanation.choice.rule;
+  const bool isAdministrators = rule == ChoiceRule::Administrator;
+  const bool isSettled = rule == ChoiceRule::SettledBefore;
+  const std::string settled =
+      facts.verified ? fmt::format("useFileProvider = {}", yesOrNo(facts.storedChoice)) : "none";
+  const std::string first = fmt::format("isFirstStartup = {}", yesOrNo(facts.firstStartup));
+  return "\nChoice of the build (\">\" decides)\n" +
+         line(isAdministrators, "administrator",
+              "USE_FILE_PROVIDER " + (explanation.useFileProvider.value
+                                          ? "= " + readingText(explanation.useFileProvider)
+                                          : std::string("is not set"))) +
+         line(isSettled, "settled choice", settled) +
+         line(!isAdministrators && !isSettled, "first start", first);
+}
+
+std::string systemText(const Explanation& explanation) {
+  const SystemFacts& system = explanation.system;
+  const std::string build = explanation.buildVersion ? " (" + *explanation.buildVersion + ")" : "";
+  const std::string fuse = system.fuse ? *system.fuse + ", read from" : "none, looked for in";
+  return fmt::format("\nSystem\n  macOS      {}{}\n  processor  {}\n  macFUSE    {} {}\n",
+                     orUnknown(system.macOS), build, orUnknown(system.cpu), fuse,
+                     explanation.fuseInformationFile);
+}
+
+std::string requirementsText(const Explanation& explanation) {
+  std::string text = "\nmacFUSE for the FUSE build (one row is enough)\n";
+  for (const RequirementRow& row : explanation.requirements) {
+    const FuseRequirement& requirement = row.requirement;
+    const std::string needs = fmt::format("{:<6}  {:<8}  {}", requirement.requiredCPU(),
+                                          requirement.fuseVersion() + "+", macOSRange(requirement));
+    text += row.objection.empty() ? fmt::format("  ✓ {}\n", needs)
+                                  : fmt::format("  ✗ {:<39}  {}\n", needs, row.objection);
+  }
+  return text;
+}
+
+std::string updatesText(const Explanation& explanation) {
+  const auto why = [&]() -> std::string {
+    switch (explanation.feedSource) {
+      case FeedSource::NamedByMarker:
+        return "named in " + explanation.feedMarker;
+      case FeedSource::DebugFeed:
+        return "the debug feed, since " + explanation.feedMarker + " names no URL";
+      case FeedSource::Deployment:
+        break;
+    }
+    return "the usual one, since there is no " + explanation.feedMarker;
+  };
+  const auto automatic = [&] {
+    switch (explanation.updatesEnabled.readAs) {
+      case KarnoTristate::On:
+        return "switched on by the administrator";
+      case KarnoTristate::Off:
+        return "switched off by the administrator";
+      case KarnoTristate::NotSet:
+        break;
+    }
+    return "left to the user";
+  };
+  return fmt::format("\nUpdates\n  feed       {}\n             {}\n  automatic  {}\n", explanation.feedURL,
+                     why(), automatic());
+}
+
+std::string settingLine(std::string_view key, std::string_view value, std::string_view origin) {
+  const std::string line = fmt::format("  {:<23}  {:<15}  {}", key, value, origin);
+  return line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
+}
+
+std::string administratorLine(const AdministratorSetting& setting) {
+  if (!setting.value) return settingLine(setting.key, kNotSet, "");
+  return settingLine(
+      setting.key, readingText(setting),
+      fmt::format("{} ({})",
+                  setting.isForced ? "managed preferences" : "preferences of the user or the machine",
+                  KarnoAdminSettings::applicationID()));
+}
+
+std::string settingsText(const Explanation& explanation) {
+  std::string text = "\nSettings\n" + administratorLine(explanation.useFileProvider) +
+                     administratorLine(explanation.updatesEnabled);
+  for (const UserSetting& setting : explanation.userSettings) {
+    text += settingLine(setting.key, yesOrNo(setting.readAs),
+                        setting.value ? "user defaults (it.vantul.karno)" : "default");
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string readingText(const AdministratorSetting& setting) {
+  if (!setting.value) return std::string(kNotSet);
+  const std::string* const text = setting.value->get<std::string>();
+  if (text == nullptr) return setting.value->description() + ", no text: does not count";
+  return fmt::format("\"{}\": {}", *text, setting.readAs == KarnoTristate::On ? "on" : "off");
+}
+
+std::string explanationText(const Explanation& explanation) {
+  return outcomeText(explanation) + std::string(checkText(explanation.check)) + choiceText(explanation) +
+         systemText(explanation) + requirementsText(explanation) + updatesText(explanation) +
+         settingsText(explanation);
+}
+
+}  // namespace karno::karnoctl

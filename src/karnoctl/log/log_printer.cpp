@@ -1,0 +1,88 @@
+#include "karnoctl/log/log_printer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <ostream>
+
+namespace karno::karnoctl {
+namespace {
+
+// A line that never ends is printed in pieces of this size.
+constexpr std::size_t kWaitingBytesMax = 1U << 20U;
+
+// Date and process identifier come first and are not longer than this.
+constexpr std::size_t kLevelPlaceMax = 80;
+
+struct LevelColour {
+  std::string_view level;
+  std::string_view colour;  // as the parameters of "select graphic rendition"
+};
+
+constexpr std::array<LevelColour, 7> kColours{{{"VERBOSE", "2"},
+                                               {"DEBUG", "2"},
+                                               {"INFO", "32"},
+                                               {"WARN", "33"},
+                                               {"*** ERROR ***", "1;31"},
+                                               {"NET", "36"},
+                                               {"STARTUP", "1"}}};
+
+}  // namespace
+
+std::string colouredLogLine(std::string_view line) {
+  constexpr std::string_view kBeforeLevel = ") [";
+  const std::size_t place = line.substr(0, kLevelPlaceMax).find(kBeforeLevel);
+  if (place == std::string_view::npos) return std::string(line);
+
+  const std::size_t begin = place + kBeforeLevel.size();
+  const std::size_t end = line.find(']', begin);
+  if (end == std::string_view::npos) return std::string(line);
+
+  const std::string_view level = line.substr(begin, end - begin);
+  const auto known = std::ranges::find(kColours, level, &LevelColour::level);
+  if (known == kColours.end()) return std::string(line);
+
+  std::string coloured(line.substr(0, begin));
+  coloured.append("\033[").append(known->colour).append("m").append(level).append("\033[0m");
+  return coloured.append(line.substr(end));
+}
+
+std::string withoutControlCharacters(std::string_view line) {
+  std::string visible;
+  visible.reserve(line.size());
+  for (const char character : line) {
+    const auto byte = static_cast<unsigned char>(character);
+    if ((byte >= 0x20 && byte != 0x7F) || character == '\t') {
+      visible += character;
+    } else {
+      visible += '^';
+      visible += static_cast<char>(byte ^ 0x40U);
+    }
+  }
+  return visible;
+}
+
+void LogPrinter::print(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const std::size_t newline = bytes.find('\n');
+    waiting_.append(bytes.substr(0, newline));
+    if (newline == std::string_view::npos) break;
+    printLine(waiting_);
+    waiting_.clear();
+    bytes.remove_prefix(newline + 1);
+  }
+  if (waiting_.size() > kWaitingBytesMax) endLine();
+}
+
+void LogPrinter::endLine() {
+  if (waiting_.empty()) return;
+  printLine(waiting_);
+  waiting_.clear();
+}
+
+void LogPrinter::printLine(std::string_view line) {
+  const std::string text = printing_.toTerminal ? withoutControlCharacters(line) : std::string(line);
+  out_ << (printing_.colours ? colouredLogLine(text) : text) << '\n';
+}
+
+}  // namespace karno::karnoctl

@@ -1,0 +1,35 @@
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "karnoctl/command_line.h"
+#include "platform/runtime_check.h"
+#include "platform/terminal.h"
+
+namespace {
+
+using karno::platform::Platform;
+
+Platform& installedPlatform(int argc, char** argv) {
+  static Platform& platform = [argc, argv]() -> Platform& {
+    Platform& native = karno::platform::nativePlatform(argc, argv);
+    karno::platform::endWithTheReaderOfTheOutput();
+    karno::platform::install(native);
+    return native;
+  }();
+  return platform;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+  karno::karnoctl::Context context{
+      .out = std::cout,
+      .err = std::cerr,
+      .platform = [argc, argv]() -> Platform& { return installedPlatform(argc, argv); },
+      .runtimeCheck = karno::platform::nativeRuntimeCheck,
+      .outputIsTerminal = karno::platform::standardOutputIsTerminal(),
+      .outputWantsColours = karno::platform::standardOutputWantsColours()};
+  return karno::karnoctl::run(arguments, KARNO_VERSION, context);
+}

@@ -1,0 +1,72 @@
+#include "karnoctl/self_check/self_check_programs.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace karno::karnoctl {
+namespace {
+
+std::vector<std::string> processorsOf(const ProgramImage& image) {
+  std::vector<std::string> names;
+  for (const ProgramSlice& slice : image.slices) names.push_back(slice.processor);
+  return names;
+}
+
+bool has(const std::vector<std::string>& names, const std::string& name) {
+  return std::ranges::find(names, name) != names.end();
+}
+
+// A universal program is one for every Mac.
+void checkProcessors(const CheckedBundle& bundle, const std::string& file, const ProgramImage& image,
+                     std::string_view cost) {
+  const std::vector<std::string> built = processorsOf(image);
+  if (bundle.isForMacOS()) {
+    for (const char* const wanted : {"x86_64", "arm64"}) {
+      if (!has(built, wanted)) {
+        bundle.wrong(fmt::format("{} has no code for {}: {} on such a Mac.", file, wanted, cost));
+      }
+    }
+    return;
+  }
+  const std::string& own = bundle.ownProgram().slices.front().processor;
+  if (!has(built, own)) {
+    bundle.wrong(
+        fmt::format("{} is built for {}, and this machine has {}: {}.", file, built.front(), own, cost));
+  }
+}
+
+void checkSignatures(const CheckedBundle& bundle, const std::string& file, const ProgramImage& image) {
+  for (const ProgramSlice& slice : image.slices) {
+    if (slice.isSigned) continue;
+    bundle.wrong(
+        fmt::format("{} is not signed (its code for {}): macOS may refuse it.", file, slice.processor));
+  }
+}
+
+void checkImage(const CheckedBundle& bundle, const std::string& file, std::string_view cost) {
+  const auto image = bundle.program(file);
+  if (!image) {
+    bundle.wrong(fmt::format("{} is no program ({}): {}.", file, reasonOf(image.error()), cost));
+  } else if (image.value().system != bundle.ownProgram().system) {
+    bundle.wrong(
+        fmt::format("{} is a program for {}: {} here.", file, bundle.isForMacOS() ? "Linux" : "macOS", cost));
+  } else {
+    checkProcessors(bundle, file, image.value(), cost);
+    if (bundle.isForMacOS()) checkSignatures(bundle, file, image.value());
+  }
+}
+
+}  // namespace
+
+void checkProgram(const CheckedBundle& bundle, const std::string& file, std::string_view cost) {
+  if (!bundle.hasFile(file, cost)) return;
+  ++bundle.findings().programs;
+  if (!bundle.runtime().isExecutable(bundle.pathOf(file))) {
+    bundle.wrong(fmt::format("{} may not be executed: {}.", file, cost));
+  }
+  checkImage(bundle, file, cost);
+}
+
+}  // namespace karno::karnoctl

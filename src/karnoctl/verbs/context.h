@@ -1,0 +1,23 @@
+#pragma once
+#include <functional>
+#include <iosfwd>
+
+#include "platform/platform.h"
+#include "platform/runtime_check.h"
+
+namespace karno::karnoctl {
+
+inline constexpr int kExitNotRunning = 3;
+
+// What a verb works with. The platform is only made, and installed, when a verb asks for it; what checks the
+// system is asked for after that.
+struct Context {
+  std::ostream& out;
+  std::ostream& err;
+  std::function<platform::Platform&()> platform;
+  std::function<platform::RuntimeCheck&()> runtimeCheck;
+  bool outputIsTerminal = false;
+  bool outputWantsColours = false;
+};
+
+}  // namespace karno::karnoctl

@@ -1,0 +1,106 @@
+#include <cerrno>
+#include <ostream>
+
+#include "command_line/arguments.h"
+#include "karnoctl/programs/program_file.h"
+#include "karnoctl/self_check/self_check.h"
+#include "karnoctl/self_check/self_check_system.h"
+#include "karnoctl/verbs/verbs.h"
+#include "util/string_utils.h"
+
+namespace karno::karnoctl {
+namespace {
+
+// X.app of X.app/Contents/MacOS/karnoctl; empty for a program that lies elsewhere.
+std::string bundleAround(const std::string& program) {
+  const std::string programs = deletingLastPathComponent(program);
+  const std::string contents = deletingLastPathComponent(programs);
+  const bool isInBundle = lastPathComponent(programs) == "MacOS" && lastPathComponent(contents) == "Contents";
+  return isInBundle ? deletingLastPathComponent(contents) : std::string();
+}
+
+// What stands in the way of looking into the bundle at all; empty when nothing does.
+std::string obstacleTo(const platform::Platform& platform, const std::string& path) {
+  const auto file = platform.fileReading.open(path);
+  if (file) return path + " is a file, and no bundle.";
+  const platform::Error& error = file.error();
+  if (error == platform::Error::posix(EISDIR)) return {};
+  if (error == platform::Error::posix(ENOENT)) return "There is nothing at " + path + ".";
+  return path + " cannot be read (" + reasonOf(error) + ").";
+}
+
+int report(const CheckedBundle& bundle, Context& context) {
+  const SelfCheckFindings& found = bundle.findings();
+  for (const std::string& sentence : found.wrong) context.out << sentence << '\n';
+  for (const std::string& sentence : found.notes) context.out << "Note: " << sentence << '\n';
+  // An exception that is not caught ends this process.
+  context.out.flush();
+  const std::size_t before = found.wrong.size();
+  checkExceptions(bundle);
+  if (found.wrong.size() > before) context.out << found.wrong.back() << '\n';
+  if (found.wrong.empty()) context.out << closingSentence(bundle) << '\n';
+  return found.wrong.empty() ? command_line::kExitOk : command_line::kExitFailed;
+}
+
+int reportAsJson(const CheckedBundle& bundle, Context& context) {
+  checkExceptions(bundle);
+  context.out << findingsJson(bundle);
+  return bundle.findings().wrong.empty() ? command_line::kExitOk : command_line::kExitFailed;
+}
+
+int check(const std::string& path, bool asJson, Context& context) {
+  const platform::Platform& platform = context.platform();
+  const platform::RuntimeCheck& runtime = context.runtimeCheck();
+  SelfCheckFindings findings;
+  const auto own = programAtPath(platform.fileReading, runtime.programPath());
+  if (!own) {
+    context.err << "karnoctl: cannot read its own program: " << reasonOf(own.error()) << '\n';
+    return command_line::kExitFailed;
+  }
+  const CheckedBundle bundle(platform, runtime, own.value(), path, findings);
+  if (const std::string obstacle = obstacleTo(platform, path); !obstacle.empty()) {
+    bundle.wrong(obstacle);
+  } else {
+    checkBundleAndSystem(bundle);
+  }
+  return asJson ? reportAsJson(bundle, context) : report(bundle, context);
+}
+
+std::string bundleFor(const std::optional<std::string>& said, Context& context) {
+  const platform::FileManager& files = context.platform().fileManager;
+  if (said) return files.standardising(files.resolvingSymbolicLinks(*said));
+  return bundleAround(context.runtimeCheck().programPath());
+}
+
+int runSelfCheck(const command_line::Arguments& arguments, Context& context) {
+  if (arguments.word() == "") throw command_line::UsageError("the path of the bundle is empty");
+  const std::string bundle = bundleFor(arguments.word(), context);
+  if (bundle.empty()) throw command_line::UsageError("which bundle? (this karnoctl does not lie in one)");
+  return check(bundle, arguments.has("--json"), context);
+}
+
+}  // namespace
+
+command_line::Verb selfCheckVerb(Context& context) {
+  return {
+      .name = "self-check",
+      .synopsis = "[--json] [BUNDLE]",
+      .summary = "say what is wrong with the launcher's bundle",
+      .help =
+          "Checks the launcher's bundle, the one that this karnoctl lies in or BUNDLE: its property lists,\n"
+          "programs, both builds of the client, the texts in all languages and, on a Mac, that it is signed "
+          "and\n"
+          "can be updated; then, whether this system has all that the launcher asks of it. Says each thing "
+          "that\n"
+          "is wrong, and what it costs, in one sentence. Nothing is started or changed.\n"
+          "\n"
+          "Options:\n"
+          "  --json   the same for scripts\n"
+          "\n"
+          "Exit status: 0 nothing is wrong, 1 something is.\n",
+      .flags = {"--json"},
+      .word = "bundle",
+      .run = [&context](const auto& arguments) { return runSelfCheck(arguments, context); }};
+}
+
+}  // namespace karno::karnoctl

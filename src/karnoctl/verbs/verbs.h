@@ -1,0 +1,14 @@
+#pragma once
+#include "command_line/verb.h"
+#include "karnoctl/verbs/context.h"
+
+// The verbs, each made in a file of its own. The context outlives them.
+namespace karno::karnoctl {
+
+command_line::Verb statusVerb(Context& context);
+command_line::Verb logVerb(Context& context);
+command_line::Verb explainVerb(Context& context);
+command_line::Verb selfCheckVerb(Context& context);
+command_line::Verb postVerb(Context& context);
+
+}  // namespace karno::karnoctl

@@ -1,0 +1,12 @@
+#pragma once
+#include <compare>
+#include <string_view>
+
+namespace karno::platform {
+
+// The order of bundle versions as an updater sees it: runs of digits by their value, whatever their length,
+// runs of letters by their text; a missing number counts as zero, so "2.1" equals "2.1.0", and a word stands
+// before what has none: "1.0a3" is older than "1.0". Other characters only part the runs.
+std::strong_ordering compareVersions(std::string_view one, std::string_view other);
+
+}  // namespace karno::platform

@@ -1,9 +1,0 @@
-#pragma once
-#include "karnoctl/verb.h"
-
-namespace karno::karnoctl {
-
-// "explain": what the next start of the launcher will do, and why.
-Verb explainVerb();
-
-}  // namespace karno::karnoctl

@@ -1,9 +1,0 @@
-#pragma once
-#include "karnoctl/verb.h"
-
-namespace karno::karnoctl {
-
-// "post": tells the launcher what the embedded application would tell it.
-Verb postVerb();
-
-}  // namespace karno::karnoctl

@@ -1,9 +1,0 @@
-#pragma once
-#include "karnoctl/verb.h"
-
-namespace karno::karnoctl {
-
-// "status": which launchers run, and which client each of them has started.
-Verb statusVerb();
-
-}  // namespace karno::karnoctl
