@@ -7,7 +7,6 @@
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/runtime/values.h"
-#include "stand_in.h"
 
 namespace karno::platform::test {
 namespace {

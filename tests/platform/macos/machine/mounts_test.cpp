@@ -1,4 +1,4 @@
-#include "platform/macos/files/mounts.h"
+#include "platform/macos/machine/mounts.h"
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>

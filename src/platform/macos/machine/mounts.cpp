@@ -1,4 +1,4 @@
-#include "platform/macos/files/mounts.h"
+#include "platform/macos/machine/mounts.h"
 
 #include <sys/mount.h>
 #include <sys/param.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/files/mounts.h"
+#include "platform/linux/machine/mounts.h"
 
 #include <gtest/gtest.h>
 
