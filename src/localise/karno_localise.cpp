@@ -63,13 +63,16 @@ std::string KarnoLocalise::localise(std::string_view token) { return localisedSt
 
 std::string KarnoLocalise::localise(std::string_view token, Params params) {
   const std::string_view found = textForToken(token);
-  if (params.size() == 0) return std::string(found);
+  if (params.empty()) return std::string(found);
   std::string text;
-  const Param* const first = params.begin();
   for (const Param& param : params) {
-    text = stringByReplacingKey(param.key, param.value, &param == first ? found : text);
+    text = stringByReplacingKey(param.key, param.value, &param == params.data() ? found : text);
   }
   return text;
+}
+
+std::string KarnoLocalise::localise(std::string_view token, std::initializer_list<Param> params) {
+  return localise(token, Params(params.begin(), params.size()));
 }
 
 std::string KarnoLocalise::localise(std::string_view token, Options options) {
@@ -77,6 +80,11 @@ std::string KarnoLocalise::localise(std::string_view token, Options options) {
 }
 
 std::string KarnoLocalise::localise(std::string_view token, Params params, Options options) {
+  return applyOptionsToString(localise(token, params), options);
+}
+
+std::string KarnoLocalise::localise(std::string_view token, std::initializer_list<Param> params,
+                                    Options options) {
   return applyOptionsToString(localise(token, params), options);
 }
 

@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -32,7 +33,7 @@ class KarnoLocalise {
     std::string_view key;
     std::string_view value;
   };
-  using Params = std::initializer_list<Param>;
+  using Params = std::span<const Param>;
   using Options = std::uint32_t;  // any of LocaliseOption
 
   // The text for the token; the token itself when no table has it, nothing for an empty token.
@@ -41,8 +42,10 @@ class KarnoLocalise {
   // Placeholders are filled in the order of the parameters, each one also in what those before it have put
   // in. A placeholder without a parameter stays.
   static std::string localise(std::string_view token, Params params);
+  static std::string localise(std::string_view token, std::initializer_list<Param> params);
   static std::string localise(std::string_view token, Options options);
   static std::string localise(std::string_view token, Params params, Options options);
+  static std::string localise(std::string_view token, std::initializer_list<Param> params, Options options);
 
   static std::string applyOptionsToString(std::string text, Options options);
 
@@ -65,6 +68,14 @@ class KarnoLocalise {
 
   static KarnoLocalise& instance();
 
+  // The two tables, with the escapes of their files replaced; absent when they could not be read.
+  const std::optional<StringTable>& localisedStrings() const { return localisedStrings_; }
+  const std::optional<StringTable>& defaultStrings() const { return defaultStrings_; }
+
+  // The texts that the two options append, looked up once.
+  std::string optionAreYouSure();
+  std::string optionContactSysAdmin();
+
  private:
   friend class platform::NeverDestroyed<KarnoLocalise>;
 
@@ -73,11 +84,8 @@ class KarnoLocalise {
   // The text lives as long as the tables, or as the token when no table has it.
   static std::string_view textForToken(std::string_view token);
 
-  std::string optionAreYouSure();
-  std::string optionContactSysAdmin();
   std::string textLookedUpOnce(std::optional<std::string>& text, std::string_view token);
 
-  // Without the escapes of the table files.
   const std::optional<StringTable> localisedStrings_;
   const std::optional<StringTable> defaultStrings_;
 

@@ -30,6 +30,7 @@ class FuseManager {
   static FuseManager& instance();
 
   // Held weakly.
+  std::shared_ptr<FuseManagerDelegate> delegate();
   void setDelegate(std::weak_ptr<FuseManagerDelegate> delegate);
 
   // Checks on the calling thread and tells the delegate before it returns.
@@ -57,7 +58,7 @@ class FuseManager {
   // Offers the user to update macFUSE when a newer release has been published. The completion, which may be
   // empty, is called once at the end: on the main thread, or on the calling thread when the File Provider
   // build is in use and nothing is checked.
-  void promptUserIfUpdateIsAvailable(std::function<void()> completion);
+  void promptUserIfUpdateIsAvailableCompletion(std::function<void()> completion);
 
   // These two wait for the network.
   bool isUpdateAvailable();
@@ -69,7 +70,6 @@ class FuseManager {
  private:
   friend class platform::NeverDestroyed<FuseManager>;
   FuseManager() = default;
-  std::shared_ptr<FuseManagerDelegate> delegate();
 
   std::mutex lock_;  // guards delegate_
   std::weak_ptr<FuseManagerDelegate> delegate_;

@@ -94,7 +94,7 @@ void promptUser() {
 
 }  // namespace
 
-void FuseManager::promptUserIfUpdateIsAvailable(std::function<void()> completion) {
+void FuseManager::promptUserIfUpdateIsAvailableCompletion(std::function<void()> completion) {
   const auto complete = [completion = std::move(completion)] {
     if (completion) completion();
   };

@@ -87,11 +87,12 @@ std::optional<std::string> getMainVersionWithIntegerCount(std::string_view versi
   return fmt::format("{}", fmt::join(components, "."));
 }
 
-bool needsToUpdateToVersion(std::string_view version, std::string_view other,
+bool needsToUpdateToVersion(std::string_view version, VersionArgument other,
                             std::int64_t mainVersionIntegerCount) {
   const auto ours = getMainVersionWithIntegerCount(version, mainVersionIntegerCount);
-  const auto theirs = getMainVersionWithIntegerCount(other, mainVersionIntegerCount);
-  return ours && isEqualToVersion(*ours, theirs.value_or("")) && isNewerThanVersion(other, version);
+  const auto theirs = getMainVersionWithIntegerCount(other.value_or(""), mainVersionIntegerCount);
+  return ours && isEqualToVersion(*ours, theirs.value_or("")) &&
+         isNewerThanVersion(other.value_or(""), version);
 }
 
 }  // namespace karno

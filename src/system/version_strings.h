@@ -24,7 +24,7 @@ bool isEqualOrNewerThanVersion(std::string_view version, VersionArgument other);
 std::optional<std::string> getMainVersionWithIntegerCount(std::string_view version, std::int64_t count);
 
 // Whether `other` is newer than `version` and of the same main line, that is with the same first components.
-bool needsToUpdateToVersion(std::string_view version, std::string_view other,
+bool needsToUpdateToVersion(std::string_view version, VersionArgument other,
                             std::int64_t mainVersionIntegerCount);
 
 }  // namespace karno

@@ -130,7 +130,7 @@ void KarnoSparkleManager::recordKarnoHasBeenUpdated() {
 void KarnoSparkleManager::checkFuseFollowingAnUpdate() {
   if (!platform::host().files.fileExists(updatedTouchfile())) return;
   KarnoLog::manager().logInfo("Sparkle[START] Checking Fuse following a Karno update");
-  FuseManager::instance().promptUserIfUpdateIsAvailable([this] {
+  FuseManager::instance().promptUserIfUpdateIsAvailableCompletion([this] {
     const auto error = platform::host().files.remove(updatedTouchfile());
     if (!error) return;
     KarnoLog::manager().logError(fmt::format("Sparkle[START] Failed to remove '{}'. Reason:{}",

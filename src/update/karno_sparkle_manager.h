@@ -72,10 +72,14 @@ class KarnoSparkleManager : public platform::UpdaterDelegate {
 
   void didAbortWithError(platform::Updater& updater, const platform::Error& error) override;
 
+  // Whether the last check of the feed found a valid update. Main thread only.
+  bool foundKarnoUpdate() const { return foundKarnoUpdate_; }
+  void setFoundKarnoUpdate(bool found) { foundKarnoUpdate_ = found; }
+
  private:
   bool checkForUpdatesAutomatically_ = false;
-  bool foundKarnoUpdate_ = false;  // whether the last check of the feed found a valid update
-  std::mutex buildLock_;           // guards the making of the two below
+  bool foundKarnoUpdate_ = false;
+  std::mutex buildLock_;  // guards the making of the two below
   std::unique_ptr<platform::Updater> sparkleUpdater_;
   std::string updatedTouchfile_;
 };

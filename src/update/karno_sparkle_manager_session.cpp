@@ -44,13 +44,13 @@ std::string KarnoSparkleManager::feedURLStringForUpdater(Updater&) { return feed
 
 void KarnoSparkleManager::didFinishLoadingAppcast(Updater&) {
   logInfo(fmt::format("Sparkle[UPDATE] Downloaded appcast ({})", feedURL()));
-  foundKarnoUpdate_ = false;
+  setFoundKarnoUpdate(false);
 }
 
 void KarnoSparkleManager::didFindValidUpdate(Updater&, const AppcastItem& item) {
   logInfo(fmt::format("Sparkle[UPDATE] Found: {} ({})", titleOf(item), item.displayVersionString));
   platform::host().application.requestUserAttention(platform::AttentionRequest::Critical);
-  foundKarnoUpdate_ = true;
+  setFoundKarnoUpdate(true);
 }
 
 void KarnoSparkleManager::userDidMakeChoice(Updater&, long choice, const AppcastItem&) {
@@ -61,9 +61,9 @@ void KarnoSparkleManager::userDidMakeChoice(Updater&, long choice, const Appcast
 // The text speaks of an automated check after one that the user asked for as well.
 void KarnoSparkleManager::updaterDidNotFindUpdate(Updater&, const platform::Error& error) {
   logInfo(fmt::format("Sparkle[UPDATE] No update found. Reason: {}", error.description()));
-  foundKarnoUpdate_ = false;
+  setFoundKarnoUpdate(false);
   logInfo("Sparkle[UPDATE] Checking Fuse for updates following automated update check");
-  FuseManager::instance().promptUserIfUpdateIsAvailable(
+  FuseManager::instance().promptUserIfUpdateIsAvailableCompletion(
       [] { setActivationPolicy(ActivationPolicy::Accessory); });
 }
 

@@ -131,5 +131,15 @@ TEST(LocaliseOptions, LookEachSentenceUpOnce) {
                           "--- KarnoLocalise token 'MESSAGE_CONTACT_SYS_ADMIN' not found"));
 }
 
+TEST(LocaliseOptions, TellTheSentencesThatTheyAppend) {
+  FakePlatform machine;
+  machine.withStrings(kSentences);
+  KarnoLocalise& localise = KarnoLocalise::instance();
+
+  EXPECT_EQ(localise.optionAreYouSure(), "Really go on?");
+  EXPECT_EQ(localise.optionContactSysAdmin(), "Ask them. Please.");
+  EXPECT_EQ(localise.defaultStrings()->at("MESSAGE_CONTACT_SYS_ADMIN"), "Ask them. Please.");
+}
+
 }  // namespace
 }  // namespace karno

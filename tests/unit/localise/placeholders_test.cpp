@@ -39,6 +39,15 @@ TEST(Placeholders, AreFoundWhereverTheyStand) {
   EXPECT_EQ(filled("n", "3", ""), "");
 }
 
+TEST(Placeholders, TakeParametersThatAreGatheredAtRunTime) {
+  FakePlatform machine;
+  std::vector<KarnoLocalise::Param> params;
+  for (const char* const key : {"a", "b"}) params.push_back({.key = key, .value = "x"});
+
+  EXPECT_EQ(KarnoLocalise::localise("{{ a }} {{ b }}", params), "x x");
+  EXPECT_EQ(KarnoLocalise::localise("{{ a }} {{ b }}", params, LocaliseOptionUppercase), "X X");
+}
+
 TEST(Placeholders, OfOtherNamesStay) {
   FakePlatform machine;
 

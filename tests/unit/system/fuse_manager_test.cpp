@@ -189,6 +189,18 @@ TEST(FuseAnswer, IsAnUpgradeWhenOnlyTheProcessorIsUnknown) {
   EXPECT_THAT(answersOf(machine), ElementsAre("upgrade on main"));
 }
 
+TEST(FuseAnswer, GoesToADelegateThatSomebodyElseKeeps) {
+  FakePlatform machine;
+  auto delegate = std::make_shared<Recorder>(machine);
+
+  fuse().setDelegate(delegate);
+  const bool isKnown = fuse().delegate() == delegate;
+  delegate.reset();
+
+  EXPECT_TRUE(isKnown);
+  EXPECT_EQ(fuse().delegate(), nullptr);
+}
+
 TEST(FuseAnswer, GoesNowhereWithoutADelegate) {
   FakePlatform machine;
   machine.withSystem("14.5", "arm64").withFuse("4.4.1");

@@ -241,7 +241,10 @@ TEST(UpdatePrompt, IsSkippedForTheFileProviderBuildOnTheCallingThread) {
   std::string thread;
 
   machine.onThread(
-      [&] { fuse().promptUserIfUpdateIsAvailable([&] { thread = machine.scheduler.currentThreadName(); }); },
+      [&] {
+        fuse().promptUserIfUpdateIsAvailableCompletion(
+            [&] { thread = machine.scheduler.currentThreadName(); });
+      },
       "caller");
   machine.runUntilIdle();
 
@@ -256,7 +259,8 @@ TEST(UpdatePrompt, IsSkippedForTheFileProviderBuildOnTheCallingThread) {
 std::vector<std::string> completions(FakePlatform& machine) {
   std::vector<std::string> threads;
   machine.onThread([&] {
-    fuse().promptUserIfUpdateIsAvailable([&] { threads.push_back(machine.scheduler.currentThreadName()); });
+    fuse().promptUserIfUpdateIsAvailableCompletion(
+        [&] { threads.push_back(machine.scheduler.currentThreadName()); });
   });
   machine.runUntilIdle();
   return threads;
@@ -310,7 +314,7 @@ TEST(UpdatePrompt, WaitsForAnAlertThatIsOpen) {
   prepare(machine, R"({"name": "4.5.0"})");
   std::size_t shownWhileUp = 0;
   machine.alerts.answerNext(1000, [&] {
-    fuse().promptUserIfUpdateIsAvailable(nullptr);
+    fuse().promptUserIfUpdateIsAvailableCompletion(nullptr);
     machine.runUntilIdle();
     shownWhileUp = machine.alerts.shown().size();
   });
@@ -373,7 +377,7 @@ TEST(UpdatePrompt, NeedsNoCompletion) {
   prepare(machine, R"({"name": "4.5.0"})");
   machine.alerts.answerNext(1001);
 
-  fuse().promptUserIfUpdateIsAvailable(nullptr);
+  fuse().promptUserIfUpdateIsAvailableCompletion(nullptr);
   machine.runUntilIdle();
 
   EXPECT_EQ(machine.alerts.shown().size(), 1U);
@@ -383,7 +387,7 @@ TEST(UpdatePrompt, NeedsNoCompletionWhenSkippedEither) {
   FakePlatform machine;
   machine.withUserSetting("useFileProvider", true);
 
-  fuse().promptUserIfUpdateIsAvailable(nullptr);
+  fuse().promptUserIfUpdateIsAvailableCompletion(nullptr);
 
   EXPECT_EQ(machine.consoleMessages().size(), 1U);
 }

@@ -112,5 +112,10 @@ TEST(NeedsToUpdateToVersion, AMissingMainLineOfTheOtherCountsAsZero) {
   EXPECT_TRUE(needsToUpdateToVersion("0.0.1", "5", 2));
 }
 
+TEST(NeedsToUpdateToVersion, NeverToAVersionThatIsMissing) {
+  EXPECT_FALSE(needsToUpdateToVersion("0.0.1", std::nullopt, 2));
+  EXPECT_FALSE(needsToUpdateToVersion("4.4.1", std::nullopt, 2));
+}
+
 }  // namespace
 }  // namespace karno

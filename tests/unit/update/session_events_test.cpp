@@ -67,6 +67,21 @@ TEST_F(Session, AsksForAttentionUntilTheLauncherIsActivatedWhenAnUpdateIsFound) 
   EXPECT_THAT(machine.application.policies, IsEmpty());
 }
 
+TEST_F(Session, RemembersWhetherTheLastCheckFoundAnUpdate) {
+  const KarnoSparkleManager& manager = KarnoSparkleManager::instance();
+  std::vector<bool> found = {manager.foundKarnoUpdate()};
+
+  delegate().didFindValidUpdate(updater(), kItem);
+  found.push_back(manager.foundKarnoUpdate());
+  delegate().didFinishLoadingAppcast(updater());
+  found.push_back(manager.foundKarnoUpdate());
+  delegate().didFindValidUpdate(updater(), kItem);
+  delegate().updaterDidNotFindUpdate(updater(), kError);
+  found.push_back(manager.foundKarnoUpdate());
+
+  EXPECT_EQ(found, (std::vector{false, true, false, false}));
+}
+
 TEST_F(Session, PrintsAMissingTitleAsNull) {
   const AppcastItem untitled{.title = std::nullopt, .displayVersionString = "1.1.0"};
 
