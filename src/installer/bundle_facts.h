@@ -2,7 +2,7 @@
 #include <string>
 #include <string_view>
 
-#include "installer/failure.h"
+#include "installer/archive/failure.h"
 
 namespace karno::installer {
 

@@ -9,7 +9,7 @@
 #include <system_error>
 
 #include "command_line/program.h"
-#include "installer/archive_file.h"
+#include "installer/archive/archive_file.h"
 #include "installer/arguments.h"
 #include "installer/interruption.h"
 #include "installer/progress.h"

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "installer/extraction.h"
+#include "installer/archive/extraction.h"
 
 namespace karno::installer {
 

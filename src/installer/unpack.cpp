@@ -6,7 +6,7 @@
 
 #include <cerrno>
 
-#include "installer/archive_file.h"
+#include "installer/archive/archive_file.h"
 #include "installer/bundle_facts.h"
 #include "installer/tree_removal.h"
 #include "platform/posix/retry.h"

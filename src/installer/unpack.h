@@ -3,9 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "installer/extraction.h"
-#include "installer/failure.h"
-#include "installer/limits.h"
+#include "installer/archive/extraction.h"
+#include "installer/archive/failure.h"
+#include "installer/archive/limits.h"
 
 namespace karno::installer {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "fuzz_target.h"
-#include "installer/extraction.h"
+#include "installer/archive/extraction.h"
 #include "installer/tree_removal.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "fuzz_target.h"
-#include "installer/signature.h"
+#include "installer/archive/signature.h"
 
 namespace karno::fuzz {
 namespace {

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
-#include "installer/extraction.h"
+#include "installer/archive/extraction.h"
 
 namespace karno::test {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 #include <string_view>
 
-#include "installer/failure.h"
+#include "installer/archive/failure.h"
 
 namespace karno::installer {
 

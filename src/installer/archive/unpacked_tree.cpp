@@ -1,4 +1,4 @@
-#include "installer/unpacked_tree.h"
+#include "installer/archive/unpacked_tree.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

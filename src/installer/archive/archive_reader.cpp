@@ -1,4 +1,4 @@
-#include "installer/archive_reader.h"
+#include "installer/archive/archive_reader.h"
 
 #include <archive.h>
 #include <archive_entry.h>

@@ -1,4 +1,4 @@
-#include "installer/failure.h"
+#include "installer/archive/failure.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "installer/signature.h"
+#include "installer/archive/signature.h"
 
 #include <sodium.h>
 

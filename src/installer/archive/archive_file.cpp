@@ -1,4 +1,4 @@
-#include "installer/archive_file.h"
+#include "installer/archive/archive_file.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -7,7 +7,7 @@
 
 #include <cerrno>
 
-#include "installer/signature.h"
+#include "installer/archive/signature.h"
 #include "platform/posix/retry.h"
 
 namespace karno::installer {

@@ -1,4 +1,4 @@
-#include "installer/extraction.h"
+#include "installer/archive/extraction.h"
 
 #include <unistd.h>
 
@@ -6,9 +6,9 @@
 #include <cerrno>
 #include <optional>
 
-#include "installer/archive_reader.h"
-#include "installer/safe_path.h"
-#include "installer/unpacked_tree.h"
+#include "installer/archive/archive_reader.h"
+#include "installer/archive/safe_path.h"
+#include "installer/archive/unpacked_tree.h"
 #include "platform/posix/scoped_descriptor.h"
 
 namespace karno::installer {

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "installer/failure.h"
+#include "installer/archive/failure.h"
 #include "platform/posix/scoped_descriptor.h"
 
 namespace karno::installer {

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "installer/safe_path.h"
+#include "installer/archive/safe_path.h"
 #include "platform/posix/scoped_descriptor.h"
 
 namespace karno::installer {

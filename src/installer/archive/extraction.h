@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <string>
 
-#include "installer/failure.h"
-#include "installer/limits.h"
+#include "installer/archive/failure.h"
+#include "installer/archive/limits.h"
 
 namespace karno::installer {
 

@@ -1,4 +1,4 @@
-#include "installer/safe_path.h"
+#include "installer/archive/safe_path.h"
 
 #include <cstddef>
 #include <utility>

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "installer/failure.h"
+#include "installer/archive/failure.h"
 
 struct archive;
 struct archive_entry;

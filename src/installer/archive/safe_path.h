@@ -3,8 +3,8 @@
 #include <string_view>
 #include <vector>
 
-#include "installer/failure.h"
-#include "installer/limits.h"
+#include "installer/archive/failure.h"
+#include "installer/archive/limits.h"
 
 namespace karno::installer {
 
