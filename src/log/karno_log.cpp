@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <iterator>
 #include <utility>
 
 #include "log/date_texts.h"
@@ -28,15 +27,18 @@ KarnoLog& KarnoLog::manager() {
 }
 
 KarnoLog::KarnoLog()
-    : processIdentifier_(platform::host().processes.currentProcessIdentifier()),
-      logDirectory_(wrapperLogDirectory()),
-      filename_(wrapperLogFile()),
-      oldFilename_(wrapperOldLogFile()) {
+    : logDirectory_(wrapperLogDirectory()), filename_(wrapperLogFile()), oldFilename_(wrapperOldLogFile()) {
+  setProcessIdentifier(platform::host().processes.currentProcessIdentifier());
   if (platform::host().files.createDirectory(logDirectory_)) return;
   platform::Dispatch& dispatch = platform::host().dispatch;
   queue_ = dispatch.makeSerialQueue("it.vantul.KarnoWrapper.Logger");
   flushQueue_ = dispatch.makeSerialQueue("it.vantul.KarnoWrapper.FlushLog");
   queue_->async([this] { dequeueLogEntries(); });
+}
+
+void KarnoLog::setProcessIdentifier(std::int32_t processIdentifier) {
+  processIdentifier_ = processIdentifier;
+  processText_ = fmt::format(" ({}) [", processIdentifier);
 }
 
 void KarnoLog::start() {
@@ -59,7 +61,7 @@ void KarnoLog::logMessage(std::string_view message, std::string_view level) {
   std::string line;
   line.reserve(kUsualPrefixBytesMax + message.size());
   appendLogDate(line, platform::host().clock.now());
-  fmt::format_to(std::back_inserter(line), " ({}) [{}] {}", processIdentifier_, level, message);
+  line.append(processText_).append(level).append("] ").append(message);
   platform::host().consoleLog.log(line);
   addEntry(line);
 }

@@ -67,7 +67,7 @@ class KarnoLog {
 
   // To be set only while no other thread uses the log. The queues are null when there is no writer.
   std::int32_t processIdentifier() const { return processIdentifier_; }
-  void setProcessIdentifier(std::int32_t processIdentifier) { processIdentifier_ = processIdentifier; }
+  void setProcessIdentifier(std::int32_t processIdentifier);
   const std::string& logDirectory() const { return logDirectory_; }
   void setLogDirectory(std::string path) { logDirectory_ = std::move(path); }
   const std::string& filename() const { return filename_; }
@@ -89,7 +89,8 @@ class KarnoLog {
   std::size_t queuedCount() const { return queuedCount_.load(std::memory_order_relaxed); }
   void waitUntilDrained() const;
 
-  std::int32_t processIdentifier_;
+  std::int32_t processIdentifier_ = 0;
+  std::string processText_;  // what stands between the date and the level
   std::string logDirectory_;
   std::string filename_;
   std::string oldFilename_;
