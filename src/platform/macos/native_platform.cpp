@@ -7,6 +7,7 @@
 #include "platform/macos/bundles/bundles.h"
 #include "platform/macos/dispatch/dispatch.h"
 #include "platform/macos/files/file_manager.h"
+#include "platform/macos/files/files.h"
 #include "platform/macos/files/standard_folders.h"
 #include "platform/macos/machine/console_log.h"
 #include "platform/macos/machine/identifiers.h"
@@ -24,7 +25,6 @@
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
 #include "platform/posix/files/file_reading.h"
-#include "platform/posix/files/files.h"
 #include "platform/posix/processes/commands.h"
 #include "platform/posix/processes/popen_shell.h"
 #include "platform/posix/processes/process_setup.h"
@@ -44,7 +44,7 @@ struct NativeServices {
   SystemClock clock;
   PosixTasks tasks;
   PosixProcesses processes;
-  PosixFiles files;
+  FoundationFiles files;
   FoundationBundles bundles;
   FoundationUserDefaultsStore userDefaults;
   MacManagedPreferences managedPreferences;

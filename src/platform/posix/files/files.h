@@ -5,7 +5,7 @@ namespace karno::platform {
 
 // Files by POSIX calls. read() refuses more than 64 MiB with EFBIG, folders with EISDIR and what is neither
 // with EINVAL.
-class PosixFiles final : public Files {
+class PosixFiles : public Files {
  public:
   std::vector<std::string> searchPath(UserFolder folder) const override;
   std::string homeDirectory() const override;
