@@ -27,6 +27,7 @@ ClientWindow::ClientWindow(const Build& build, std::int32_t parent, Actions acti
   const ClientLayout layout = clientLayout();
   window_.addLabel(frame(layout.headline), headline(build, parent));
   window_.addLabel(frame(layout.reasonLabel), "Reason:");
+  reason_.setAccessibilityLabel("Reason");
   for (std::size_t i = 0; i < kWrapperMessages.size(); ++i) {
     const std::string_view message = kWrapperMessages[i];
     buttons_.push_back(window_.addButton(frame(layout.messageButton(i)), message, "",

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "app/main_window.h"
+#include "app/startup_manager.h"
 #include "ipc/karno_wrappper_notifier_listener.h"
 #include "log/karno_log.h"
 #include "platform/platform.h"
@@ -28,6 +29,15 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::applicationWillTerminate() {
   KarnoLog::manager().logInfo("AppDelegate:: Terminating");
   KarnoWrappperNotifierListener::manager().stop();
+}
+
+// Who opens the launcher once more wants to see something: its own window where it shows one, else the
+// client.
+bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
+  if (hasVisibleWindows) return true;
+  const std::int32_t client = StartupManager::instance().embeddedKarnoProcessIdentifier();
+  if (client > 0) platform::host().workspace.activateApplication(client);
+  return false;
 }
 
 void AppDelegate::moveApplicationIfNeeded() {

@@ -25,6 +25,7 @@ class AppDelegate : public platform::ApplicationDelegate,
 
   void applicationDidFinishLaunching() override;
   void applicationWillTerminate() override;
+  bool applicationShouldHandleReopen(bool hasVisibleWindows) override;
 
   // Starts the move check on a background-priority queue and returns.
   void moveApplicationIfNeeded();

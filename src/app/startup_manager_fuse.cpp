@@ -64,6 +64,7 @@ void StartupManager::informUserToDownloadFuse() {
   platform::host().workspace.openURL(fuseDownloadSite());
   KarnoLog::manager().logInfo("Startup[FUSE] Showing macFuse website and asking user to install Fuse");
   queue.async([this] {
+    const auto activity = platform::host().dispatch.beginActivity("Waiting for macFUSE");
     platform::host().dispatch.sleep(kPauseBeforeAlert);
     platform::host().dispatch.mainQueue().async(tellUserToInstall);
     waitForFuseToBeInstalled();

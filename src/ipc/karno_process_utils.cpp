@@ -51,6 +51,7 @@ bool KarnoProcessUtils::terminateKarnoAppWithPid(std::int32_t processIdentifier,
 bool KarnoProcessUtils::waitForProcessTermination(std::int32_t processIdentifier, double timeout,
                                                   std::string_view) {
   const auto cells = std::make_shared<WaitCells>();
+  const auto activity = platform::host().dispatch.beginActivity("Waiting for a process to terminate");
   const auto group = platform::host().dispatch.makeGroup();
   group->enter();
   platform::host().dispatch.globalQueue(platform::QueuePriority::Default).async([=] {
@@ -82,6 +83,7 @@ bool KarnoProcessUtils::waitForApplicationToTerminateWithBundleID(const std::str
                                                                   std::string_view) {
   KarnoLog& log = KarnoLog::manager();
   platform::Dispatch& dispatch = platform::host().dispatch;
+  const auto activity = dispatch.beginActivity("Waiting for an application to terminate");
   log.logInfo(fmt::format("ProcessUtils: Waiting for '{}' to terminate", bundleID));
   double elapsed = 0;
   do {

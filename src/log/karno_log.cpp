@@ -151,6 +151,7 @@ void KarnoLog::flushWithCompletion(std::function<void()> completion) {
 }
 
 void KarnoLog::waitUntilDrained() const {
+  const auto activity = platform::host().dispatch.beginActivity("Flushing the log");
   for (int look = 0; look < kFlushLooksMax && queuedCount() > 0; ++look) {
     platform::host().dispatch.sleep(kFlushLookSeconds);
   }

@@ -6,12 +6,16 @@
 
 namespace karno::platform {
 
-// What the application object tells the launcher. Both calls come on the main thread.
+// What the application object tells the launcher. All calls come on the main thread.
 class ApplicationDelegate {
  public:
   virtual ~ApplicationDelegate() = default;
   virtual void applicationDidFinishLaunching() = 0;
   virtual void applicationWillTerminate() = 0;
+
+  // The user has opened the application once more while it runs. True lets the system do what it usually
+  // does, which brings the windows to the front that there are. Never called on Linux.
+  virtual bool applicationShouldHandleReopen(bool /*hasVisibleWindows*/) { return true; }
 };
 
 // Regular: with a place in the Dock, and windows that can come to the front. Accessory: without the place.

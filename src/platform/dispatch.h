@@ -56,6 +56,10 @@ class Dispatch {
   // Suspends the calling thread.
   virtual void sleep(double seconds) = 0;
 
+  // For whoever waits and counts the time: as long as the answer lives, the system does not put this process
+  // to rest, which stretches the sleeps of an application without a window. Null where no system does that.
+  virtual std::shared_ptr<void> beginActivity(const std::string& /*reason*/) { return nullptr; }
+
   virtual bool isMainThread() const = 0;
 };
 

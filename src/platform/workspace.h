@@ -26,6 +26,10 @@ class Workspace {
   // be asked several times a second.
   virtual std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) = 0;
 
+  // Brings that application in front of the others, as far as the system lets one application do that for
+  // another. Main thread only. Nothing happens on Linux.
+  virtual void activateApplication(std::int32_t processIdentifier) = 0;
+
   // The paths of the bundles that the applications which run now were started from, this one included; one
   // without a bundle is left out. Any thread.
   virtual std::vector<std::string> bundlePathsOfRunningApplications() = 0;

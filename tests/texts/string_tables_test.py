@@ -1,6 +1,7 @@
 """Every table of user-visible texts is complete, agrees with the base and is well typeset."""
 
 import plistlib
+import re
 import unittest
 from pathlib import Path
 
@@ -106,6 +107,35 @@ class MoveTables(unittest.TestCase):
 
     def test_are_without_a_fault(self):
         base = self.tables.pop("Base")
+        found = [f"{language}: {sentence}"
+                 for language, table in self.tables.items()
+                 for sentence in table_check.findings(language, table, base)]
+
+        self.assertEqual([], found)
+
+
+class MenuTables(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.tables = table_check.strings_tables(RESOURCES, "MainMenu.strings")
+
+    def test_are_there_for_every_language(self):
+        self.assertEqual(LANGUAGES, sorted(self.tables))
+
+    # An English reader sees the keys, with or without a table.
+    def test_have_english_for_their_keys(self):
+        self.assertEqual([], [text for text, english in self.tables["Base"].items() if text != english])
+
+    def test_have_exactly_the_titles_of_the_menus(self):
+        menus = (PROJECT / "src/platform/cocoa/windows/main_menu.cpp").read_text(encoding="utf-8")
+        titles = set(re.findall(r'\{"([^"]+)",\s*[{"]', menus)) - {"Karno"}
+
+        self.assertEqual(9, len(titles))
+        self.assertEqual(titles, set(self.tables["Base"]))
+
+    def test_are_without_a_fault(self):
+        base = self.tables["Base"]
         found = [f"{language}: {sentence}"
                  for language, table in self.tables.items()
                  for sentence in table_check.findings(language, table, base)]

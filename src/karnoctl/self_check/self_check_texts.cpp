@@ -29,6 +29,7 @@ struct TableKind {
 
 constexpr TableKind kStrings = {"Strings.json", false, "what stands for it in the code is shown instead"};
 constexpr TableKind kMove = {"MoveApplication.strings", true, "the English text is shown instead"};
+constexpr TableKind kMenu = {"MainMenu.strings", true, "the English text is shown instead"};
 constexpr TableKind kReasons = {"InfoPlist.strings", true, "the one of Info.plist stands in"};
 constexpr TableKind kUpdater = {"Updater.json", false, "what stands for it in the code is shown instead"};
 
@@ -146,6 +147,7 @@ void checkTexts(const CheckedBundle& bundle, const Value::Dictionary& informatio
   const std::vector<std::string> languages = languagesOf(information);
   checkTables(bundle, kStrings, languages);
   checkTables(bundle, kMove, languages);
+  if (bundle.isForMacOS()) checkTables(bundle, kMenu, languages);
   // Only macOS asks with reasons of ours, and its updater brings its own texts.
   checkTables(bundle, bundle.isForMacOS() ? kReasons : kUpdater, languages);
 }

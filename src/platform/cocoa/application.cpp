@@ -24,6 +24,13 @@ std::shared_ptr<ApplicationDelegate>& theDelegate() {
 
 void applicationDidFinishLaunching(Id, Id) { theDelegate()->applicationDidFinishLaunching(); }
 
+objc::Boolean shouldHandleReopen(Id, Id, objc::Boolean hasVisibleWindows) {
+  return static_cast<objc::Boolean>(theDelegate()->applicationShouldHandleReopen(hasVisibleWindows != 0));
+}
+
+// No window is restored; a Mac complains of a delegate that does not say how.
+objc::Boolean supportsSecureRestorableState(Id, Id) { return true; }
+
 // exit() comes next and takes every thread away: what the delegate's last words handed to one, such as a line
 // for the log's writer, is given the time to be done.
 void applicationWillTerminate(Id, Id) {
@@ -35,6 +42,8 @@ Class delegateClass() {
   return objc::ClassBuilder("KarnoApplicationDelegate", objc::classNamed("NSObject"))
       .method<applicationDidFinishLaunching>("applicationDidFinishLaunching:")
       .method<applicationWillTerminate>("applicationWillTerminate:")
+      .method<shouldHandleReopen>("applicationShouldHandleReopen:hasVisibleWindows:")
+      .method<supportsSecureRestorableState>("applicationSupportsSecureRestorableState:")
       .registerClass();
 }
 
@@ -78,16 +87,22 @@ bool CocoaApplication::isActive() const {
 }
 
 void CocoaApplication::activateIgnoringOtherApps() {
-  objc::guardedAndLogged("activate",
-                         [] { send<void>(sharedApplication(), "activateIgnoringOtherApps:", true); });
+  objc::guardedAndLogged("activate", [] {
+    const Id application = sharedApplication();
+    if (objc::respondsTo(application, "activate")) {
+      send<void>(application, "activate");
+    } else {
+      send<void>(application, "activateIgnoringOtherApps:", true);
+    }
+  });
 }
 
 void CocoaApplication::setActivationPolicy(ActivationPolicy policy) {
   objc::guardedAndLogged("activation policy", [policy] {
     // Where there is no Dock, there is no policy.
-    const objc::Sel message = objc::registered("setActivationPolicy:");
-    if (!send<bool>(objc::classNamed("NSApplication"), "instancesRespondToSelector:", message)) return;
-    send<bool>(sharedApplication(), "setActivationPolicy:", static_cast<long>(policy));
+    const Id application = sharedApplication();
+    if (!objc::respondsTo(application, "setActivationPolicy:")) return;
+    send<bool>(application, "setActivationPolicy:", static_cast<long>(policy));
   });
 }
 

@@ -8,6 +8,7 @@ class CocoaWorkspace : public Workspace {
  public:
   void selectFile(const std::string& path, const std::string& rootFolder) final;
   std::vector<RunningApplication> runningApplications(const std::string& bundleIdentifier) final;
+  void activateApplication(std::int32_t processIdentifier) final;
   std::vector<std::string> bundlePathsOfRunningApplications() final;
 };
 

@@ -57,6 +57,24 @@ TEST(CocoaApplicationOnScreen, ActivatingItIsHarmless) {
   EXPECT_EQ(result.status, 0);
 }
 
+TEST(CocoaApplicationOnScreen, HasMenusForTheKeysThatAUserKnowsAndShowsNoneHere) {
+  EXPECT_EQ(onScreen("application/menu").output,
+            "did finish launching\n"
+            "Karno (MainMenu)\n"
+            "  About Karno (MainMenu), orderFrontStandardAboutPanel:, \n"
+            "  Hide Karno (MainMenu), hide:, h\n"
+            "  Quit Karno (MainMenu), terminate:, q\n"
+            "Edit (MainMenu)\n"
+            "  Copy (MainMenu), copy:, c\n"
+            "  Select All (MainMenu), selectAll:, a\n"
+            "Window (MainMenu)\n"
+            "  Close (MainMenu), performClose:, w\n"
+            "  Minimize (MainMenu), performMiniaturize:, m\n"
+            "\n"
+            "0 windows to see\n"
+            "will terminate\n");
+}
+
 // GNUstep would take an argument for a document and say in an alert that it cannot open it.
 TEST(CocoaApplicationOnScreen, ArgumentsAreNotTakenForDocuments) {
   const CommandResult result = runCommand(

@@ -158,6 +158,13 @@ std::shared_ptr<platform::DispatchGroup> FakeDispatch::makeGroup() {
 
 void FakeDispatch::sleep(double seconds) { scheduler_.sleep(seconds); }
 
+std::shared_ptr<void> FakeDispatch::beginActivity(const std::string& reason) {
+  activities_->push_back(reason);
+  return {nullptr, [activities = activities_, reason](void*) {
+            activities->erase(std::ranges::find(*activities, reason));
+          }};
+}
+
 bool FakeDispatch::isMainThread() const { return scheduler_.isMainThread(); }
 
 }  // namespace karno::test

@@ -24,6 +24,11 @@ class FakeDispatch final : public platform::Dispatch {
   void sleep(double seconds) override;
   bool isMainThread() const override;
 
+  std::shared_ptr<void> beginActivity(const std::string& reason) override;
+
+  // What the activities are for that go on now, in the order begun.
+  const std::vector<std::string>& activities() const { return *activities_; }
+
   // Labels of the serial queues in the order made.
   const std::vector<std::string>& serialQueues() const { return serialQueues_; }
 
@@ -45,6 +50,7 @@ class FakeDispatch final : public platform::Dispatch {
   std::unique_ptr<MainQueue> mainOperationQueue_;
   std::unique_ptr<MainQueue> mainEvents_;
   std::vector<std::unique_ptr<GlobalQueue>> globalQueues_;
+  std::shared_ptr<std::vector<std::string>> activities_ = std::make_shared<std::vector<std::string>>();
   std::vector<std::string> serialQueues_;
   std::vector<std::string> submissions_;
 };

@@ -54,6 +54,12 @@ class FakeWorkspace final : public platform::Workspace {
     if (whenOpened) whenOpened();
   }
 
+  void activateApplication(std::int32_t processIdentifier) override {
+    scheduler_.requireMainThread("Workspace::activateApplication");
+    activated.push_back(processIdentifier);
+  }
+  std::vector<std::int32_t> activated;
+
   struct Opened {
     std::string url;
     std::string thread;

@@ -94,4 +94,8 @@ Object make(ClassName name) { return Object::adopting(send(send(classNamed(name)
 
 bool isKindOf(Id object, ClassName name) { return send<bool>(object, "isKindOfClass:", classNamed(name)); }
 
+bool respondsTo(Receiver object, Selector selector) {
+  return send<bool>(object, "respondsToSelector:", registered(selector));
+}
+
 }  // namespace karno::platform::objc

@@ -172,6 +172,9 @@ Object make(ClassName name);
 
 bool isKindOf(Id object, ClassName name);
 
+// Whether the object has that method; for rows that are asked for.
+bool respondsTo(Receiver object, Selector selector);
+
 // Collects what is autoreleased on this thread until the end of the scope. Every thread of ours has one
 // around each piece of work.
 class AutoreleasePool {

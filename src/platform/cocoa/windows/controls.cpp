@@ -31,6 +31,11 @@ void Control::setFrame(const Frame& frame) {
   send<void>(view_, "setFrame:", objc::Rect{{frame.x, frame.y}, {frame.width, frame.height}});
 }
 
+void Control::setAccessibilityLabel(std::string_view text) {
+  if (!objc::respondsTo(view_, "setAccessibilityLabel:")) return;
+  send<void>(view_, "setAccessibilityLabel:", objc::string(text));
+}
+
 void Label::setText(std::string_view text) { setStringValue(view(), text); }
 std::string Label::text() const { return stringValue(view()); }
 

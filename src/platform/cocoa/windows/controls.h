@@ -28,6 +28,9 @@ class Control {
  public:
   void setFrame(const Frame& frame);
 
+  // What is said of it to a user who does not see it, where it has no text of its own.
+  void setAccessibilityLabel(std::string_view text);
+
  protected:
   explicit Control(objc::Object view) : view_(std::move(view)) {}
   const objc::Object& view() const { return view_; }

@@ -37,6 +37,7 @@ MessagePanel::MessagePanel(Window::Options options, std::vector<ButtonSpec> butt
   for (ButtonSpec& button : buttons) {
     buttons_.push_back(window_.addButton({}, button.title, button.keyEquivalent, std::move(button.onClick)));
   }
+  icon_.setAccessibilityLabel(kApplicationName);
   window_.setTabOrder(buttons_);
 }
 

@@ -67,6 +67,7 @@ void CocoaProgressWindow::layOut() {
   native_->window.setContentSize(width + 2 * kProgressMargin,
                                  kMessageBottom + messageHeight + kProgressMargin);
   native_->message.setFrame({kProgressMargin, kMessageBottom, width, messageHeight});
+  native_->bar.setAccessibilityLabel(native_->message.text());
   native_->bar.setFrame({kProgressMargin, kBarBottom, width, kBarHeight});
   layOutButtonRow(native_->cancel, kProgressMargin + width, kProgressMargin);
 }

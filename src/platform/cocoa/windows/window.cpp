@@ -17,6 +17,7 @@ constexpr objc::UInteger kClosable = 2;
 constexpr objc::UInteger kMiniaturizable = 4;
 constexpr objc::UInteger kResizable = 8;
 constexpr objc::UInteger kBackingStoreBuffered = 2;
+constexpr objc::UInteger kMovesToActiveSpace = 2;
 constexpr objc::UInteger kBezelStyleRounded = 1;
 constexpr objc::UInteger kMomentaryPushIn = 7;
 constexpr objc::UInteger kProgressBar = 0;
@@ -59,6 +60,8 @@ objc::Object makeWindow(double width, double height, Window::Options options) {
                                                     "initWithContentRect:styleMask:backing:defer:", content,
                                                     style, kBackingStoreBuffered, true));
   send<void>(window, "setReleasedWhenClosed:", false);
+  send<void>(window, "setCollectionBehavior:", kMovesToActiveSpace);
+  if (objc::respondsTo(window, "setRestorable:")) send<void>(window, "setRestorable:", false);
   return window;
 }
 

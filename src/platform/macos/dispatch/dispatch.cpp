@@ -7,6 +7,7 @@
 #include "platform/cocoa/runtime/run_block.h"
 #include "platform/cocoa/runtime/threads.h"
 #include "platform/macos/dispatch/gcd_group.h"
+#include "platform/macos/dispatch/process_activity.h"
 
 namespace karno::platform {
 namespace {
@@ -57,6 +58,10 @@ std::shared_ptr<Queue> MacDispatch::makeSerialQueue(std::string label) {
 }
 
 std::shared_ptr<DispatchGroup> MacDispatch::makeGroup() { return std::make_shared<GCDGroup>(); }
+
+std::shared_ptr<void> MacDispatch::beginActivity(const std::string& reason) {
+  return std::make_shared<ProcessActivity>(reason);
+}
 
 bool MacDispatch::isMainThread() const { return cocoa::isMainThread(); }
 

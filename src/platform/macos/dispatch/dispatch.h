@@ -29,6 +29,7 @@ class MacDispatch final : public Dispatch {
   std::shared_ptr<Queue> makeSerialQueue(std::string label) override;
   std::shared_ptr<DispatchGroup> makeGroup() override;
   void sleep(double seconds) override { sleepFor(seconds); }
+  std::shared_ptr<void> beginActivity(const std::string& reason) override;
   bool isMainThread() const override;
 
  private:

@@ -8,8 +8,10 @@
 #include <string>
 #include <thread>
 
+#include "look.h"
 #include "platform/cocoa/runtime/objc.h"
 #include "platform/cocoa/runtime/threads.h"
+#include "platform/cocoa/windows/main_menu.h"
 #include "platform/linux/gnustep/method_replacement.h"
 #include "scenario.h"
 
@@ -71,6 +73,30 @@ void terminateUnderAnAlert() {
   say("answered");
 }
 
+// Texts that say which table they are from.
+class TableNamingBundle final : public platform::Bundle {
+ public:
+  std::string bundlePath() const override { return ""; }
+  std::optional<std::string> executablePath() const override { return {}; }
+  std::optional<std::string> executableURL() const override { return {}; }
+  std::optional<std::string> bundleIdentifier() const override { return {}; }
+  std::optional<platform::Value> objectForInfoDictionaryKey(std::string_view) const override { return {}; }
+  std::optional<std::string> pathForResource(std::string_view, std::string_view,
+                                             std::string_view) const override {
+    return {};
+  }
+  std::string localisedString(std::string_view key, std::string_view table) const override {
+    return fmt::format("{} ({})", key, table);
+  }
+};
+
+void showMenu() {
+  const platform::objc::Object bar = platform::cocoa::makeMainMenu(TableNamingBundle());
+  say(textsOfMenu(bar));
+  say(fmt::format("{} windows to see", visibleWindows().size()));
+  terminate();
+}
+
 }  // namespace
 
 void runApplicationScenario(std::string_view name) {
@@ -94,6 +120,8 @@ void runApplicationScenario(std::string_view name) {
   } else if (name == "activate") {
     platform::host().application.activateIgnoringOtherApps();
     terminate();
+  } else if (name == "menu") {
+    showMenu();
   } else if (name == "select-file") {
     platform::host().workspace.selectFile("/etc/hostname", "");
     say("asked");

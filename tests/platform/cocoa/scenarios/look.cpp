@@ -149,6 +149,20 @@ std::string barOnScreen() {
   return "no bar";
 }
 
+std::string textsOfMenu(const objc::Object& bar) {
+  const objc::AutoreleasePool pool;
+  std::string texts;
+  for (const Id entry : elements(ask(bar.get(), "itemArray"))) {
+    texts += objc::text(ask(entry, "title")) + "\n";
+    for (const Id item : elements(ask(ask(entry, "submenu"), "itemArray"))) {
+      texts +=
+          fmt::format("  {}, {}, {}\n", objc::text(ask(item, "title")),
+                      sel_getName(ask<objc::Sel>(item, "action")), objc::text(ask(item, "keyEquivalent")));
+    }
+  }
+  return texts;
+}
+
 std::string complaints() {
   const objc::AutoreleasePool pool;
   const SeenWindow window = theWindow();

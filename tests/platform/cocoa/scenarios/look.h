@@ -36,6 +36,9 @@ std::string textsOnScreen();
 // "0 to 100, at 42", of the one visible progress bar.
 std::string barOnScreen();
 
+// The titles of a menu bar's menus and, below each, its items: title, message, key.
+std::string textsOfMenu(const platform::objc::Object& bar);
+
 // What a person would complain about in the one visible window: text that is cut, a title that does not fit
 // its button, a control that lies outside or on top of another, a button too small to hit. "nothing" if all
 // is well.

@@ -39,6 +39,18 @@ TEST(CocoaControlsOnScreen, AWindowThatHasTheFocusTakesKeysThoughItsApplicationW
             "did finish launching\ndeactivated\nclicked Weiter\nwill terminate\n");
 }
 
+TEST(CocoaControlsOnScreen, WindowsOfAMacComeToTheUsersSpaceAreNotRestoredAndSayWhatTheyShow) {
+  EXPECT_EQ(onScreen("window/mac").output,
+            "did finish launching\n"
+            "on Space: 2\n"
+            "restorable: 0\n"
+            "NSProgressIndicator: Downloading\n"
+            "on Space: 2\n"
+            "restorable: 0\n"
+            "NSImageView: Karno\n"
+            "will terminate\n");
+}
+
 TEST(CocoaControlsOnScreen, ADestroyedWindowSaysNothing) {
   EXPECT_EQ(onScreen("window/destroyed").output, "did finish launching\ngone\nwill terminate\n");
 }

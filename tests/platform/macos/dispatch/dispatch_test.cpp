@@ -1,5 +1,6 @@
 #include "platform/macos/dispatch/dispatch.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,11 +8,13 @@
 #include <cmath>
 #include <limits>
 #include <stdexcept>
+#include <thread>
 
 #include "../../support/standard_error_capture.h"
 #include "../grand_central.h"
 #include "../stand_in.h"
 #include "elements_are.h"
+#include "platform/cocoa/runtime/strings.h"
 #include "platform/macos/dispatch/gcd_group.h"
 
 namespace karno::platform::test {
@@ -63,6 +66,53 @@ TEST_F(MacQueues, CollectWhatABlockAutoreleases) {
 
   EXPECT_EQ(countInside, 1);
   EXPECT_EQ(standIns_.liveCount(), 0);
+}
+
+objc::Id processInfo(objc::Id, objc::Sel selector) { return answer(selector); }
+
+objc::Id beginActivity(objc::Id, objc::Sel selector, unsigned long options, objc::Id reason) {
+  return recordAndAnswer(selector, fmt::format("{:#x} {}", options, shown(reason)));
+}
+
+void endActivity(objc::Id, objc::Sel selector, objc::Id token) { recordAndAnswer(selector, shown(token)); }
+
+Class processInfoClass() {
+  static const Class made = StandInClass("StandInProcessInfo")
+                                .classMethod("processInfo", "@@:", processInfo)
+                                .method("beginActivityWithOptions:reason:", "@@:Q@", beginActivity)
+                                .method("endActivity:", "v@:@", endActivity)
+                                .registerClass();
+  return made;
+}
+
+class MacActivities : public MacQueues {
+ protected:
+  MacActivities() {
+    standIns_.answer("processInfo", instanceOf(processInfoClass()));
+    standIns_.answer("beginActivityWithOptions:reason:", objc::string("token"));
+  }
+
+  const objc::AutoreleasePool pool_;
+  const objc::ClassOverride override_{"NSProcessInfo", processInfoClass()};
+};
+
+TEST_F(MacActivities, KeepTheProcessAwakeAsLongAsSomebodyWaits) {
+  std::shared_ptr<void> activity = dispatch_.beginActivity("Waiting for macFUSE");
+  EXPECT_THAT(standIns_.messages(),
+              ElementsAre("beginActivityWithOptions:reason: 0xefffff Waiting for macFUSE"));
+
+  std::thread([&activity] { activity.reset(); }).join();
+
+  EXPECT_EQ(standIns_.messages().back(), "endActivity: token");
+}
+
+TEST_F(MacActivities, AreDoneWithoutWhereTheSystemRefuses) {
+  const StandardErrorCapture console;
+  standIns_.raise();
+
+  dispatch_.beginActivity("Waiting for macFUSE").reset();
+
+  EXPECT_EQ(console.text(), "begin an activity: raised by a stand-in\n");
 }
 
 TEST_F(MacQueues, TellTheConsoleWhatABlockThrows) {

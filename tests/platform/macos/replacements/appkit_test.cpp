@@ -4,9 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <objc/runtime.h>
+
+#include <algorithm>
 #include <array>
 
 #include "elements_are.h"
+#include "platform/cocoa/application.h"
 #include "platform/cocoa/running_applications.h"
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/runtime/values.h"
@@ -22,6 +26,7 @@ namespace karno::platform::test {
 namespace {
 
 using karno::test::ElementsAre;
+using ::testing::Contains;
 using ::testing::IsEmpty;
 
 objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
@@ -36,10 +41,61 @@ objc::Boolean selectFile(objc::Id, objc::Sel selector, objc::Id path, objc::Id r
 
 int processIdentifier(objc::Id, objc::Sel) { return 4711; }
 
+void activate(objc::Id, objc::Sel selector) { recordAndAnswer(selector); }
+void withObject(objc::Id, objc::Sel selector, objc::Id object) {
+  recordAndAnswer(selector, object_getClassName(object));
+}
+objc::Id withProcess(objc::Id, objc::Sel selector, int process) {
+  return recordAndAnswer(selector, std::to_string(process));
+}
+objc::Boolean withOptions(objc::Id, objc::Sel selector, objc::UInteger options) {
+  recordAndAnswer(selector, std::to_string(options));
+  return 1;
+}
+void withTruth(objc::Id, objc::Sel selector, objc::Boolean truth) {
+  recordAndAnswer(selector, std::to_string(truth));
+}
+objc::Id initMenu(objc::Id self, objc::Sel, objc::Id) { return self; }
+objc::Id initItem(objc::Id self, objc::Sel, objc::Id title, objc::Sel action, objc::Id key) {
+  recordAndAnswer("item", fmt::format("{}, {}, {}", shown(title),
+                                      action == nullptr ? "" : sel_getName(action), shown(key)));
+  return self;
+}
+
+StandInClass desktopApplication(const char* name) {
+  return StandInClass(name)
+      .classMethod("sharedApplication", "@@:", withoutArguments)
+      .method("applicationIconImage", "@@:", withoutArguments)
+      .method("setMainMenu:", "v@:@", withObject)
+      .method("activateIgnoringOtherApps:", "v@:C", withTruth);
+}
+
 Class applicationClass() {
-  static const Class made = StandInClass("StandInDesktopApplication")
-                                .classMethod("sharedApplication", "@@:", withoutArguments)
-                                .method("applicationIconImage", "@@:", withoutArguments)
+  static const Class made = desktopApplication("StandInDesktopApplication").registerClass();
+  return made;
+}
+
+// As macOS 14 has it.
+Class newApplicationClass() {
+  static const Class made = desktopApplication("StandInNewDesktopApplication")
+                                .method("activate", "v@:", activate)
+                                .method("yieldActivationToApplication:", "v@:@", withObject)
+                                .registerClass();
+  return made;
+}
+
+Class menuClass() {
+  static const Class made = StandInClass("StandInMenu")
+                                .method("initWithTitle:", "@@:@", initMenu)
+                                .method("addItem:", "v@:@", withObject)
+                                .registerClass();
+  return made;
+}
+
+Class itemClass() {
+  static const Class made = StandInClass("StandInMenuItem")
+                                .method("initWithTitle:action:keyEquivalent:", "@@:@:@", initItem)
+                                .method("setSubmenu:", "v@:@", withObject)
                                 .registerClass();
   return made;
 }
@@ -59,6 +115,8 @@ Class runningClass() {
                                 .method("bundleIdentifier", "@@:", withoutArguments)
                                 .method("bundleURL", "@@:", withoutArguments)
                                 .method("processIdentifier", "i@:", processIdentifier)
+                                .classMethod("runningApplicationWithProcessIdentifier:", "@@:i", withProcess)
+                                .method("activateWithOptions:", "C@:Q", withOptions)
                                 .registerClass();
   return made;
 }
@@ -90,11 +148,56 @@ TEST_F(MacDesktop, RunsTheApplicationWithTheProgramsArguments) {
   EXPECT_THAT(standIns_.messages(), ElementsAre("application main 2: Karno -verbose"));
 }
 
-TEST_F(MacDesktop, NeedsNothingDoneBeforeTheApplicationRuns) {
+TEST_F(MacDesktop, GivesTheApplicationItsMenusBeforeItRuns) {
+  const objc::ClassOverride menu{"NSMenu", menuClass()};
+  const objc::ClassOverride item{"NSMenuItem", itemClass()};
+  standIns_.answer("sharedApplication", instanceOf(applicationClass()));
+
   cocoa::prepareForApplication();
   cocoa::prepareApplication();
 
-  EXPECT_THAT(standIns_.messages(), IsEmpty());
+  const std::vector<std::string>& told = standIns_.messages();
+  EXPECT_THAT(told, Contains("item Quit Karno, terminate:, q"));
+  EXPECT_EQ(std::ranges::count(told, "setSubmenu: StandInMenu"), 3);
+  EXPECT_EQ(told.back(), "setMainMenu: StandInMenu");
+}
+
+TEST_F(MacDesktop, ComesToTheFrontInTheWayOfItsSystem) {
+  standIns_.answer("sharedApplication", instanceOf(applicationClass()));
+  cocoa::CocoaApplication().activateIgnoringOtherApps();
+  standIns_.answer("sharedApplication", instanceOf(newApplicationClass()));
+  cocoa::CocoaApplication().activateIgnoringOtherApps();
+
+  EXPECT_THAT(standIns_.messages(), ElementsAre("sharedApplication", "activateIgnoringOtherApps: 1",
+                                                "sharedApplication", "activate"));
+}
+
+TEST_F(MacDesktop, BringsAnotherApplicationToTheFront) {
+  standIns_.answer("sharedApplication", instanceOf(applicationClass()));
+  standIns_.answer("runningApplicationWithProcessIdentifier:", instanceOf(runningClass()));
+
+  MacWorkspace().activateApplication(4711);
+
+  EXPECT_THAT(standIns_.messages(), ElementsAre("runningApplicationWithProcessIdentifier: 4711",
+                                                "sharedApplication", "activateWithOptions: 3"));
+}
+
+TEST_F(MacDesktop, MakesWayForTheOtherApplicationWhereItMust) {
+  standIns_.answer("sharedApplication", instanceOf(newApplicationClass()));
+  standIns_.answer("runningApplicationWithProcessIdentifier:", instanceOf(runningClass()));
+
+  MacWorkspace().activateApplication(4711);
+
+  EXPECT_THAT(standIns_.messages(),
+              ElementsAre("runningApplicationWithProcessIdentifier: 4711", "sharedApplication",
+                          "yieldActivationToApplication: StandInDesktopRunningApplication",
+                          "activateWithOptions: 3"));
+}
+
+TEST_F(MacDesktop, LeavesAnApplicationThatHasGoneAlone) {
+  MacWorkspace().activateApplication(4711);
+
+  EXPECT_THAT(standIns_.messages(), ElementsAre("runningApplicationWithProcessIdentifier: 4711"));
 }
 
 TEST_F(MacDesktop, TellsTheIconOfTheApplication) {

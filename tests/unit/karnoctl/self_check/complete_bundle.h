@@ -35,6 +35,7 @@ class CompleteBundle {
     remove(table("Base", "Updater.json"));
     remove(table("de", "Updater.json"));
     for (const char* const language : {"Base", "de"}) {
+      writeList(table(language, "MainMenu.strings"), {{"Quit Karno", "Quit Karno"}});
       writeList(table(language, "InfoPlist.strings"), {{"NSAppleEventsUsageDescription", "A reason."}});
     }
     remove("Contents/Resources/karno.png");

@@ -21,7 +21,7 @@ class KarnoctlSelfCheckOnAMac : public test::SelfCheckedMachine {
 TEST_F(KarnoctlSelfCheckOnAMac, SaysThatNothingIsWrong) {
   EXPECT_EQ(
       said(),
-      "Nothing is wrong with /Applications/Karno.app: 4 programs, 7 property lists, 6 tables of texts and "
+      "Nothing is wrong with /Applications/Karno.app: 4 programs, 9 property lists, 8 tables of texts and "
       "211 messages to the system were checked.\n");
   EXPECT_EQ(terminal_.runtime().loaded,
             std::vector<std::string>{"/Applications/Karno.app/Contents/Frameworks/Sparkle.framework"});
@@ -49,6 +49,14 @@ TEST_F(KarnoctlSelfCheckOnAMac, NamesALanguageWithoutAReasonThatMacOSGives) {
       said(),
       "Contents/Resources/de.lproj/InfoPlist.strings has no text for \"NSAppleEventsUsageDescription\": "
       "the base language stands in.\n");
+}
+
+TEST_F(KarnoctlSelfCheckOnAMac, NamesALanguageWithoutATitleOfTheMenus) {
+  bundle_.writeList(CompleteBundle::table("de", "MainMenu.strings"), {});
+
+  EXPECT_EQ(said(),
+            "Contents/Resources/de.lproj/MainMenu.strings has no text for \"Quit Karno\": the base language "
+            "stands in.\n");
 }
 
 TEST_F(KarnoctlSelfCheckOnAMac, MissesTheFrameworkThatUpdates) {
