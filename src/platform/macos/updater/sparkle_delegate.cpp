@@ -71,8 +71,6 @@ objc::Id feedURLString(objc::Id self, objc::Id) {
 
 objc::Boolean shouldRelaunch(objc::Id self, objc::Id) {
   const auto relaunch = ask<bool>(self, "updaterShouldRelaunchApplication:", [](SparkleAudience& audience) {
-    ++audience.relaunchQuestions;
-    const std::shared_ptr<void> answered(nullptr, [&audience](void*) { --audience.relaunchQuestions; });
     return audience.delegate->updaterShouldRelaunchApplication(*audience.updater);
   });
   return static_cast<objc::Boolean>(relaunch.value_or(false));

@@ -1,5 +1,4 @@
 #pragma once
-#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -23,10 +22,6 @@ struct SparkleAudience {
   Updater* updater;           // main thread only
   Dispatch& dispatch;
   const std::int64_t answerNanosecondsMax;
-
-  // Above zero while the main thread is busy with the question of a relaunch, whose answer ends the embedded
-  // application and waits for that.
-  std::atomic<int> relaunchQuestions = 0;
 };
 
 // The Objective-C object that the updater framework and its windows ask and tell, in front of an

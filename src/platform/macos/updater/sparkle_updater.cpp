@@ -1,6 +1,7 @@
 #include "platform/macos/updater/sparkle_updater.h"
 
 #include <atomic>
+#include <mutex>
 #include <utility>
 
 #include "platform/cocoa/runtime/guarded.h"
@@ -9,11 +10,12 @@
 #include "platform/macos/updater/sparkle_delegate.h"
 #include "platform/macos/updater/sparkle_framework.h"
 #include "platform/macos/updater/sparkle_values.h"
+#include "platform/posix/console_line.h"
 
 namespace karno::platform {
 
 // Main thread only, but for what says otherwise.
-class SparkleUpdater::Core {
+class SparkleUpdater::Core : public std::enable_shared_from_this<Core> {
  public:
   Core(UpdaterDelegate& delegate, Updater& updater, Dispatch& dispatch, const SparkleWaits& waits)
       : audience_(std::make_shared<SparkleAudience>(delegate, updater, dispatch, waits.delegate)),
@@ -23,17 +25,17 @@ class SparkleUpdater::Core {
   void close() {
     audience_->delegate = nullptr;
     audience_->updater = nullptr;
+    isTried_ = true;
     // The framework is not known to retain the delegate, so that one goes last.
-    objects_ = SparkleObjects();
+    keep(SparkleObjects());
     delegate_.reset();
-    isClosed_ = true;
   }
 
   std::optional<Error> start() {
-    const objc::Id updater = made();
+    const objc::Object updater = made();
     if (isStarted_) return std::nullopt;
-    if (updater == nullptr) return failure_;
-    auto answer = objc::guarded("starting the updater", [updater]() -> std::optional<Error> {
+    if (!updater) return failure_;
+    auto answer = objc::guarded("starting the updater", [&updater]() -> std::optional<Error> {
       objc::Id error = nullptr;
       if (objc::send<bool>(updater, "startUpdater:", &error)) return std::nullopt;
       return sparkle::errorOf(error);
@@ -43,43 +45,47 @@ class SparkleUpdater::Core {
     return answer.value();
   }
 
-  // The framework's updater, made on the first call; null when there is none.
-  objc::Id made() {
-    if (!isClosed_ && !isTried_) {
-      isTried_ = true;
-      auto objects = makeSparkleObjects([this] {
-        delegate_ = std::make_unique<SparkleDelegate>(audience_);
-        return delegate_->object();
-      });
-      if (objects) {
-        objects_ = std::move(objects.value());
-      } else {
-        failure_ = objects.error();
-      }
-    }
-    return objects_.updater.get();
+  // The framework's updater, none where there is none. The first call has it made, on the main thread. Any
+  // thread.
+  objc::Object made() {
+    if (!isTried_) runOnMainThread([core = shared_from_this()] { core->make(); });
+    const std::lock_guard lock(mutex_);
+    return objects_.updater;
   }
 
   // Any thread.
-  bool isAskedForRelaunch() const { return audience_->relaunchQuestions > 0; }
-  bool isMainThread() const { return audience_->dispatch.isMainThread(); }
   bool runOnMainThread(Block block) const {
     return platform::runOnMainThread(audience_->dispatch, std::move(block), questionNanosecondsMax_);
   }
 
-  // The last answers of the framework, before the first one those of a session in progress. Any thread.
-  std::atomic<bool> sessionInProgress = true;
-  std::atomic<bool> canCheckForUpdates = false;
-
  private:
+  void make() {
+    if (isTried_) return;
+    auto objects = makeSparkleObjects([this] {
+      delegate_ = std::make_unique<SparkleDelegate>(audience_);
+      return delegate_->object();
+    });
+    if (objects) {
+      keep(std::move(objects.value()));
+    } else {
+      failure_ = objects.error();
+    }
+    isTried_ = true;
+  }
+
+  void keep(SparkleObjects objects) {
+    const std::lock_guard lock(mutex_);
+    std::swap(objects_, objects);
+  }
+
   const std::shared_ptr<SparkleAudience> audience_;
   const std::int64_t questionNanosecondsMax_;
   std::unique_ptr<SparkleDelegate> delegate_;
+  std::mutex mutex_;  // guards the objects
   SparkleObjects objects_;
-  std::optional<Error> failure_;  // why there are no objects
-  bool isTried_ = false;
+  std::optional<Error> failure_;       // why there are no objects
+  std::atomic<bool> isTried_ = false;  // any thread
   bool isStarted_ = false;
-  bool isClosed_ = false;
 };
 
 SparkleUpdater::SparkleUpdater(UpdaterDelegate& delegate, Dispatch& dispatch, const SparkleWaits& waits)
@@ -96,25 +102,19 @@ std::optional<Error> SparkleUpdater::startUpdater() {
 }
 
 bool SparkleUpdater::sessionInProgress() const {
-  const cocoa::ThreadPoolScope pool;
-  if (!core_->isMainThread() && core_->isAskedForRelaunch()) return true;
-  core_->runOnMainThread([core = core_] {
-    objc::guardedAndLogged("asking the updater for a session", [&core] {
-      core->sessionInProgress = objc::send<bool>(core->made(), "sessionInProgress");
-    });
-  });
-  return core_->sessionInProgress;
+  return answerOf("asking the updater for a session", "sessionInProgress", true);
 }
 
 bool SparkleUpdater::canCheckForUpdates() const {
+  return answerOf("asking the updater whether it can check", "canCheckForUpdates", false);
+}
+
+bool SparkleUpdater::answerOf(const char* what, objc::Selector question, bool whenRaised) const {
   const cocoa::ThreadPoolScope pool;
-  if (!core_->isMainThread() && core_->isAskedForRelaunch()) return false;
-  core_->runOnMainThread([core = core_] {
-    objc::guardedAndLogged("asking the updater whether it can check", [&core] {
-      core->canCheckForUpdates = objc::send<bool>(core->made(), "canCheckForUpdates");
-    });
-  });
-  return core_->canCheckForUpdates;
+  const auto answer = objc::guarded(what, [&] { return objc::send<bool>(core_->made(), question); });
+  if (answer) return answer.value();
+  writeConsoleLine(answer.error().localizedDescription());
+  return whenRaised;
 }
 
 void SparkleUpdater::checkForUpdates() {
@@ -135,13 +135,9 @@ void SparkleUpdater::setAutomaticallyChecksForUpdates(bool automatically) {
 void SparkleUpdater::clearFeedURLFromUserDefaults() {
   const objc::AutoreleasePool pool;
   objc::guardedAndLogged("clearing the updater's feed", [this] {
-    const objc::Id updater = core_->made();
+    const objc::Object updater = core_->made();
     const objc::Selector clear = "clearFeedURLFromUserDefaults";
-    const objc::Sel selector = objc::registered(clear);
-    // Frameworks before 2.4 have no such method.
-    if (objc::send<bool>(objc::send<Class>(updater, "class"), "instancesRespondToSelector:", selector)) {
-      objc::send<objc::Id>(updater, clear);
-    }
+    if (objc::respondsTo(updater, clear)) objc::send(updater, clear);
   });
 }
 

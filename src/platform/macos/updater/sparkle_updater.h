@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/cocoa/runtime/selectors.h"
 #include "platform/dispatch.h"
 #include "platform/updater.h"
 
@@ -9,7 +10,7 @@ namespace karno::platform {
 
 // How long one thread waits for the main thread, in nanoseconds.
 struct SparkleWaits {
-  std::int64_t question = 5'000'000'000;   // of whoever asks the updater or sets something
+  std::int64_t question = 5'000'000'000;   // of whoever has the updater made or sets something
   std::int64_t delegate = 60'000'000'000;  // of a thread of the framework that wants an answer
 };
 
@@ -17,13 +18,12 @@ struct SparkleWaits {
 // thread when something is first wanted of them. Where that fails the updater never starts: starting it says
 // why, no session is in progress, nothing can be checked for, and the rest does nothing.
 //
-// The framework belongs to the main thread. A question from another thread is asked there and waited for, but
-// not for ever, since the main thread may be waiting for the very thread that asks: while it ends the
-// embedded application before an installation, the thread that learns of that end asks whether an update is
-// in progress. So during the question of a relaunch other threads hear at once that a session is in progress
-// and nothing can be checked for; at any other time, when the main thread does not answer in time, they hear
-// what it answered last, and before its first answer the same as during a relaunch. What is set on another
-// thread is waited for as long and takes effect even when that time runs out.
+// The two questions are put to the framework by whoever asks, on the thread that asks, each time: the main
+// thread may be waiting for the very thread that asks, as it does while it ends the embedded application
+// before an installation. Only the making of the objects, and what is set, belongs to the main thread;
+// another thread waits for that, but not for ever. What is set takes effect even when that time runs out.
+// What the framework raises at a question counts as a session in progress and as nothing that can be checked
+// for.
 //
 // Make it on any thread, destroy it on the main thread.
 class SparkleUpdater final : public Updater {
@@ -42,6 +42,8 @@ class SparkleUpdater final : public Updater {
 
  private:
   class Core;
+
+  bool answerOf(const char* what, objc::Selector question, bool whenRaised) const;
 
   const std::shared_ptr<Core> core_;  // blocks on their way to the main thread own it as well
 };

@@ -36,18 +36,10 @@ class MacUpdater : public testing::Test {
     updater_ = SparkleUpdaters(dispatch_, {.question = kMoment}).makeUpdater(delegate_);
   }
 
-  // The answer that a question gets on another thread while this one serves the main queue.
+  // What another thread hears while nobody serves the main queue.
   template <class Ask>
-  bool askedElsewhere(Ask ask) {
-    std::atomic<bool> isAnswered = false;
-    std::future<bool> answer = std::async(std::launch::async, [&] {
-      const bool heard = ask();
-      isAnswered = true;
-      dispatch_.byHand().async([] {});  // wakes the test's thread
-      return heard;
-    });
-    dispatch_.byHand().runUntil([&isAnswered] { return isAnswered.load(); });
-    return answer.get();
+  static auto askedElsewhere(Ask ask) {
+    return std::async(std::launch::async, ask).get();
   }
 
   const objc::AutoreleasePool pool_;
@@ -296,66 +288,64 @@ TEST_F(MacUpdater, HasNoFrameworkWithoutAMainBundle) {
             {{"NSLocalizedDescription", "There is no framework at /Contents/Frameworks/Sparkle.framework"}}));
 }
 
-TEST_F(MacUpdater, WhatTheFrameworkRaisesWhenItIsAskedEndsOnTheConsole) {
+TEST_F(MacUpdater, WhatTheFrameworkRaisesWhenItIsAskedCountsAsAnUpdateInProgress) {
+  framework_.canCheckForUpdates = true;
   updater_->startUpdater();
-  framework_.sessionInProgress = true;
-  updater_->sessionInProgress();
-  updater_->canCheckForUpdates();
   const StandardErrorCapture console;
   framework_.standIns().raise();
 
   EXPECT_TRUE(updater_->sessionInProgress());
-  EXPECT_TRUE(updater_->canCheckForUpdates());
+  EXPECT_FALSE(updater_->canCheckForUpdates());
   EXPECT_EQ(console.text(),
             "asking the updater for a session: raised by a stand-in\n"
             "asking the updater whether it can check: raised by a stand-in\n");
 }
 
-TEST_F(MacUpdater, AnswersAnotherThreadWithWhatTheMainThreadHears) {
+TEST_F(MacUpdater, AnswersEveryThreadAtOnceWithWhatTheFrameworkSaysNow) {
+  updater_->startUpdater();
+  framework_.sessionInProgress = true;
+  framework_.canCheckForUpdates = false;
+  EXPECT_TRUE(askedElsewhere([this] { return updater_->sessionInProgress(); }));
+  EXPECT_FALSE(askedElsewhere([this] { return updater_->canCheckForUpdates(); }));
+
   framework_.sessionInProgress = false;
   framework_.canCheckForUpdates = true;
+  EXPECT_FALSE(askedElsewhere([this] { return updater_->sessionInProgress(); }));
+  EXPECT_TRUE(askedElsewhere([this] { return updater_->canCheckForUpdates(); }));
+}
 
-  const bool inSession = askedElsewhere([this] { return updater_->sessionInProgress(); });
-  const bool canCheck = askedElsewhere([this] { return updater_->canCheckForUpdates(); });
+TEST_F(MacUpdater, AnotherThreadThatAsksFirstHasTheMainThreadMakeIt) {
+  framework_.sessionInProgress = true;
+  std::atomic<bool> isAnswered = false;
+  std::future<bool> answer = std::async(std::launch::async, [&] {
+    const bool heard = updater_->sessionInProgress();
+    isAnswered = true;
+    dispatch_.byHand().async([] {});  // wakes the test's thread
+    return heard;
+  });
 
-  EXPECT_FALSE(inSession);
-  EXPECT_TRUE(canCheck);
+  dispatch_.byHand().runUntil([&isAnswered] { return isAnswered.load(); });
+
+  EXPECT_TRUE(answer.get());
 }
 
 TEST_F(MacUpdater, IsSetFromAnotherThread) {
   updater_->startUpdater();
+  std::thread setter([this] { updater_->setAutomaticallyChecksForUpdates(true); });
 
-  askedElsewhere([this] { return updater_->setAutomaticallyChecksForUpdates(true), true; });
+  dispatch_.byHand().runUntil([this] { return framework_.standIns().messages().back() != "startUpdater:"; });
+  setter.join();
 
   EXPECT_EQ(framework_.standIns().messages().back(), "setAutomaticallyChecksForUpdates: YES");
 }
 
-TEST_F(MacUpdater, BeforeTheFirstAnswerABusyMainThreadMeansAnUpdateInProgress) {
+TEST_F(MacUpdater, WhatCannotBeMadeInTimeHasNoSessionAndCannotCheck) {
   makeImpatient();
-
-  const bool inSession =
-      std::async(std::launch::async, [this] { return updater_->sessionInProgress(); }).get();
-  const bool canCheck =
-      std::async(std::launch::async, [this] { return updater_->canCheckForUpdates(); }).get();
-
-  EXPECT_TRUE(inSession);
-  EXPECT_FALSE(canCheck);
-}
-
-TEST_F(MacUpdater, ABusyMainThreadLeavesTheLastAnswerStanding) {
-  makeImpatient();
-  updater_->sessionInProgress();
-  updater_->canCheckForUpdates();
   framework_.sessionInProgress = true;
-  framework_.canCheckForUpdates = false;
+  framework_.canCheckForUpdates = true;
 
-  const bool inSession =
-      std::async(std::launch::async, [this] { return updater_->sessionInProgress(); }).get();
-  const bool canCheck =
-      std::async(std::launch::async, [this] { return updater_->canCheckForUpdates(); }).get();
-
-  EXPECT_FALSE(inSession);
-  EXPECT_TRUE(canCheck);
+  EXPECT_FALSE(askedElsewhere([this] { return updater_->sessionInProgress(); }));
+  EXPECT_FALSE(askedElsewhere([this] { return updater_->canCheckForUpdates(); }));
 }
 
 TEST_F(MacUpdater, WhatABusyMainThreadWasToSetIsSetWhenItIsFree) {
@@ -369,10 +359,10 @@ TEST_F(MacUpdater, WhatABusyMainThreadWasToSetIsSetWhenItIsFree) {
   EXPECT_EQ(framework_.standIns().messages().back(), "setAutomaticallyChecksForUpdates: NO");
 }
 
-TEST_F(MacUpdater, AQuestionThatOutlivesItReachesNobody) {
+TEST_F(MacUpdater, AWishThatOutlivesItReachesNobody) {
   makeImpatient();
   updater_->startUpdater();
-  std::thread([this] { updater_->sessionInProgress(); }).join();
+  std::thread([this] { updater_->setAutomaticallyChecksForUpdates(true); }).join();
   updater_.reset();
   const auto before = framework_.standIns().messages();
 
@@ -381,25 +371,16 @@ TEST_F(MacUpdater, AQuestionThatOutlivesItReachesNobody) {
   EXPECT_EQ(framework_.standIns().messages(), before);
 }
 
-TEST_F(MacUpdater, DuringTheQuestionOfARelaunchOtherThreadsHearAtOnceOfASession) {
-  makeImpatient();
+// The main thread waits just then for the client's end, and the thread that learns of that end asks.
+TEST_F(MacUpdater, IsAskedWhileTheMainThreadIsBusyWithARelaunch) {
   updater_->startUpdater();
-  updater_->sessionInProgress();
-  updater_->canCheckForUpdates();
+  framework_.sessionInProgress = true;
   std::atomic<bool> inSession = false;
-  std::atomic<bool> canCheck = true;
-  delegate_.onEveryCall = [&] {
-    std::thread([&] {
-      inSession = updater_->sessionInProgress();
-      canCheck = updater_->canCheckForUpdates();
-    }).join();
-  };
+  delegate_.onEveryCall = [&] { std::thread([&] { inSession = updater_->sessionInProgress(); }).join(); };
 
   tellDelegate<objc::Boolean>(framework_.delegate, "updaterShouldRelaunchApplication:", objc::Id());
 
   EXPECT_TRUE(inSession);
-  EXPECT_FALSE(canCheck);
-  EXPECT_FALSE(updater_->sessionInProgress());
 }
 
 }  // namespace
