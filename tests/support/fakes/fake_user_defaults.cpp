@@ -1,5 +1,8 @@
 #include "fake_user_defaults.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace karno::test {
 namespace {
 
@@ -42,14 +45,18 @@ FakeUserDefaultsStore::~FakeUserDefaultsStore() = default;
 
 std::unique_ptr<platform::UserDefaults> FakeUserDefaultsStore::makeSuite(const std::string& suiteName) {
   suitesMade_.push_back(suiteName);
-  suite(suiteName);
-  return std::make_unique<FakeUserDefaults>(scheduler_, suites_.at(suiteName));
+  return std::make_unique<FakeUserDefaults>(scheduler_, fileOf(suiteName));
 }
 
-FakeUserDefaultsStore::Suite& FakeUserDefaultsStore::suite(const std::string& name) {
+FakeUserDefaultsStore::Suite& FakeUserDefaultsStore::suite(const std::string& name) { return *fileOf(name); }
+
+const std::shared_ptr<FakeUserDefaultsStore::Suite>& FakeUserDefaultsStore::fileOf(std::string name) {
+  if (foldsCase) {
+    std::ranges::transform(name, name.begin(), [](unsigned char letter) { return std::tolower(letter); });
+  }
   std::shared_ptr<Suite>& suite = suites_[name];
   if (!suite) suite = std::make_shared<Suite>();
-  return *suite;
+  return suite;
 }
 
 }  // namespace karno::test

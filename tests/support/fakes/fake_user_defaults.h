@@ -27,6 +27,10 @@ class FakeUserDefaultsStore final : public platform::UserDefaultsStore {
   platform::UserDefaults& standardUserDefaults() override { return *standardUserDefaults_; }
   std::unique_ptr<platform::UserDefaults> makeSuite(const std::string& suiteName) override;
 
+  // Whether the disk takes names that differ only in case for one, as a Mac's usually does. Set it before
+  // anything else.
+  bool foldsCase = false;
+
   Suite& standard() { return *standard_; }
   Suite& suite(const std::string& name);
 
@@ -34,6 +38,8 @@ class FakeUserDefaultsStore final : public platform::UserDefaultsStore {
   const std::vector<std::string>& suitesMade() const { return suitesMade_; }
 
  private:
+  const std::shared_ptr<Suite>& fileOf(std::string name);
+
   FakeScheduler& scheduler_;
   std::map<std::string, std::shared_ptr<Suite>> suites_;
   std::shared_ptr<Suite> standard_ = std::make_shared<Suite>();

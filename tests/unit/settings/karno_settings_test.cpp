@@ -16,9 +16,24 @@ using test::Line;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 
-TEST(KarnoSettings, OfAnEmptySuiteAreTheDefaults) {
-  FakePlatform machine;
+// On a disk that folds case the suite and the domain of a client named it.vantul.Karno are one.
+class KarnoSettingsTest : public ::testing::TestWithParam<bool> {
+ protected:
+  KarnoSettingsTest() { machine.userDefaults.foldsCase = GetParam(); }
 
+  FakePlatform machine;
+};
+
+class KarnoSettingsUseFileProvider : public KarnoSettingsTest {};
+
+std::string diskName(const ::testing::TestParamInfo<bool>& disk) {
+  return disk.param ? "FoldingCase" : "KeepingCase";
+}
+
+INSTANTIATE_TEST_SUITE_P(Disk, KarnoSettingsTest, ::testing::Bool(), diskName);
+INSTANTIATE_TEST_SUITE_P(Disk, KarnoSettingsUseFileProvider, ::testing::Bool(), diskName);
+
+TEST_P(KarnoSettingsTest, OfAnEmptySuiteAreTheDefaults) {
   const KarnoSettings& settings = KarnoSettings::instance();
 
   EXPECT_FALSE(settings.verboseLogging());
@@ -27,17 +42,13 @@ TEST(KarnoSettings, OfAnEmptySuiteAreTheDefaults) {
   EXPECT_FALSE(settings.useFileProviderVerified());
 }
 
-TEST(KarnoSettings, LieInTheSuiteSharedWithTheEmbeddedApplication) {
-  FakePlatform machine;
-
+TEST_P(KarnoSettingsTest, LieInTheSuiteSharedWithTheEmbeddedApplication) {
   static_cast<void>(KarnoSettings::instance());
 
   EXPECT_THAT(machine.userDefaults.suitesMade(), ElementsAre("it.vantul.karno"));
 }
 
-TEST(KarnoSettings, MakeTheSuiteOnceTogetherWithTheObject) {
-  FakePlatform machine;
-
+TEST_P(KarnoSettingsTest, MakeTheSuiteOnceTogetherWithTheObject) {
   const platform::UserDefaults* first = &KarnoSettings::instance().userDefaults();
   static_cast<void>(KarnoSettings::instance().verboseLogging());
   const platform::UserDefaults* second = &KarnoSettings::instance().userDefaults();
@@ -46,8 +57,7 @@ TEST(KarnoSettings, MakeTheSuiteOnceTogetherWithTheObject) {
   EXPECT_THAT(machine.userDefaults.suitesMade(), ElementsAre("it.vantul.karno"));
 }
 
-TEST(KarnoSettings, ReadUnderTheirKeys) {
-  FakePlatform machine;
+TEST_P(KarnoSettingsTest, ReadUnderTheirKeys) {
   machine.withUserSetting("verboseLogging", true)
       .withUserSetting("isFirstStartup", false)
       .withUserSetting("useFileProvider", true)
@@ -61,8 +71,7 @@ TEST(KarnoSettings, ReadUnderTheirKeys) {
   EXPECT_TRUE(settings.useFileProviderVerified());
 }
 
-TEST(KarnoSettings, SeeWhatAnotherProcessWroteAtTheNextRead) {
-  FakePlatform machine;
+TEST_P(KarnoSettingsTest, SeeWhatAnotherProcessWroteAtTheNextRead) {
   const KarnoSettings& settings = KarnoSettings::instance();
   const bool before = settings.isFirstStartup();
 
@@ -73,9 +82,7 @@ TEST(KarnoSettings, SeeWhatAnotherProcessWroteAtTheNextRead) {
   EXPECT_FALSE(after);
 }
 
-TEST(KarnoSettings, WriteUnderTheirKeys) {
-  FakePlatform machine;
-
+TEST_P(KarnoSettingsTest, WriteUnderTheirKeys) {
   KarnoSettings::instance().setUseFileProvider(true);
   KarnoSettings::instance().setUseFileProviderVerified(true);
   KarnoSettings::instance().setUseFileProvider(false);
@@ -85,8 +92,7 @@ TEST(KarnoSettings, WriteUnderTheirKeys) {
                           Pair("useFileProvider", Value(false))));
 }
 
-TEST(KarnoSettings, WriteNothingWhenTheyAreRead) {
-  FakePlatform machine;
+TEST_P(KarnoSettingsTest, WriteNothingWhenTheyAreRead) {
   const KarnoSettings& settings = KarnoSettings::instance();
 
   static_cast<void>(settings.verboseLogging());
@@ -98,8 +104,7 @@ TEST(KarnoSettings, WriteNothingWhenTheyAreRead) {
   EXPECT_THAT(machine.console(), IsEmpty());
 }
 
-TEST(KarnoSettingsUseFileProvider, IsTheAdministratorsWhenForcedOn) {
-  FakePlatform machine;
+TEST_P(KarnoSettingsUseFileProvider, IsTheAdministratorsWhenForcedOn) {
   machine.withAdmin("USE_FILE_PROVIDER", "YES").withUserSetting("useFileProvider", false);
 
   const bool before = KarnoSettings::instance().useFileProvider();
@@ -110,36 +115,54 @@ TEST(KarnoSettingsUseFileProvider, IsTheAdministratorsWhenForcedOn) {
   EXPECT_TRUE(after);
 }
 
-TEST(KarnoSettingsUseFileProvider, IsTheAdministratorsWhenForcedOff) {
-  FakePlatform machine;
+TEST_P(KarnoSettingsUseFileProvider, IsTheAdministratorsWhenForcedOff) {
   machine.withAdmin("USE_FILE_PROVIDER", "NO").withUserSetting("useFileProvider", true);
 
   EXPECT_FALSE(KarnoSettings::instance().useFileProvider());
 }
 
-TEST(KarnoSettingsUseFileProvider, IsTheUsersWhenTheAdministratorSetNothing) {
-  FakePlatform machine;
+TEST_P(KarnoSettingsUseFileProvider, IsTheUsersWhenTheAdministratorSetNothing) {
   machine.withUserSetting("useFileProvider", true);
 
   EXPECT_TRUE(KarnoSettings::instance().useFileProvider());
 }
 
-TEST(KarnoSettingsUseFileProvider, IsTheUsersWhenTheAdministratorsValueIsNoString) {
-  FakePlatform machine;
+TEST_P(KarnoSettingsUseFileProvider, IsTheUsersWhenTheAdministratorsValueIsNoString) {
   machine.withAdmin("USE_FILE_PROVIDER", true).withUserSetting("useFileProvider", false);
 
   EXPECT_FALSE(KarnoSettings::instance().useFileProvider());
   EXPECT_THAT(machine.consoleMessages(), ElementsAre(Line("WARN", "Object=1")));
 }
 
-TEST(KarnoSettingsUseFileProvider, WrittenUnderTheAdministratorsHoldsWhenThatIsRemoved) {
-  FakePlatform machine;
+TEST_P(KarnoSettingsUseFileProvider, WrittenUnderTheAdministratorsHoldsWhenThatIsRemoved) {
   machine.withAdmin("USE_FILE_PROVIDER", "YES").withUserSetting("useFileProvider", true);
 
   KarnoSettings::instance().setUseFileProvider(false);
   machine.withoutAdmin("USE_FILE_PROVIDER");
 
   EXPECT_FALSE(KarnoSettings::instance().useFileProvider());
+}
+
+TEST(KarnoSettingsBesideAClientOfTheSameName, AreTheClientsOwnOnADiskThatFoldsCase) {
+  FakePlatform machine;
+  machine.userDefaults.foldsCase = true;
+  auto& client = machine.userDefaults.suite("it.vantul.Karno");
+  client.values.insert_or_assign("verboseLogging", true);
+  client.values.insert_or_assign("window", "200 300");
+
+  EXPECT_TRUE(KarnoSettings::instance().verboseLogging());
+  KarnoSettings::instance().setUseFileProvider(true);
+
+  EXPECT_THAT(client.values,
+              ElementsAre(Pair("useFileProvider", Value(true)), Pair("verboseLogging", Value(true)),
+                          Pair("window", Value("200 300"))));
+}
+
+TEST(KarnoSettingsBesideAClientOfTheSameName, AreApartOnADiskThatKeepsCase) {
+  FakePlatform machine;
+  machine.userDefaults.suite("it.vantul.Karno").values.insert_or_assign("verboseLogging", true);
+
+  EXPECT_FALSE(KarnoSettings::instance().verboseLogging());
 }
 
 struct Truth {
