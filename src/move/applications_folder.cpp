@@ -27,6 +27,13 @@ bool isInApplicationsFolder(const std::string& path) {
   const bool isBelowOne =
       std::ranges::any_of(folders, [&path](const std::string& folder) { return path.starts_with(folder); });
   if (isBelowOne) return true;
+  // A link or a disk that folds case can make a folder of any name one of them: moved there, the launcher
+  // would be moved onto itself.
+  const std::string folderOfPath = deletingLastPathComponent(path);
+  const bool isInOne = std::ranges::any_of(folders, [&folderOfPath](const std::string& folder) {
+    return platform::host().fileManager.isSameItem(folder, folderOfPath);
+  });
+  if (isInOne) return true;
   const std::vector<std::string> components = pathComponents(path);
   return std::ranges::find(components, "Applications") != components.end();
 }

@@ -8,9 +8,9 @@ namespace karno {
 // when it runs from a mounted disk image; else when it is in no Applications folder. Any thread.
 bool applicationNeedsMoving(bool onlyFromDiskImage);
 
-// Whether the path begins with an Applications folder of any domain, or any of its components is called
-// "Applications". The first is a plain comparison of texts: "/Applications Old/Karno.app" counts as well, and
-// is meant to.
+// Whether the path begins with an Applications folder of any domain, any of its components is called
+// "Applications", or the folder that holds it is one of those folders under another name. The first is a plain
+// comparison of texts: "/Applications Old/Karno.app" counts as well, and is meant to.
 bool isInApplicationsFolder(const std::string& path);
 
 }  // namespace karno

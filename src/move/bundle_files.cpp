@@ -9,8 +9,7 @@
 namespace karno {
 namespace {
 
-// The odd indentation is part of the script. The path is put in as it is, also when there is a quotation mark
-// in it, which the script then fails on.
+// The odd indentation is part of the script.
 constexpr std::string_view kTrashScript =
     "\t\t\t\t\t\t\t\t\t\tset theFile to POSIX file \"{}\" \n"
     "\t\t\t\t\t\t\t\t\t   \ttell application \"Finder\" \n"
@@ -20,12 +19,23 @@ constexpr std::string_view kTrashScript =
 // The system runs a downloaded application from a read-only place of that name.
 constexpr std::string_view kTranslocation = "/AppTranslocation/";
 
+// As it stands between quotation marks in AppleScript. Without the backslashes a path could end its text and
+// go on as a script.
+std::string inAppleScript(std::string_view path) {
+  std::string text;
+  for (const char character : path) {
+    if (character == '"' || character == '\\') text += '\\';
+    text += character;
+  }
+  return text;
+}
+
 }  // namespace
 
 bool trashItem(const std::string& path) {
   const platform::Platform& host = platform::host();
   if (canFileManagerTrash() && !host.fileManager.trashItem(path)) return true;
-  const auto error = host.appleScripts.execute(fmt::format(kTrashScript, path));
+  const auto error = host.appleScripts.execute(fmt::format(kTrashScript, inAppleScript(path)));
   if (!error) return true;
   host.consoleLog.log(fmt::format("Trash AppleScript error: {}", *error));
   host.consoleLog.log(fmt::format("ERROR -- Could not trash '{}'", path));

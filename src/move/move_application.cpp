@@ -81,14 +81,24 @@ void removeSource(const Move& move) {
   }
 }
 
+std::optional<Error> failWithPrivileges() {
+  log("ERROR -- Could not copy myself to /Applications with authorization");
+  return fail("Could not copy to /Applications with authorization");
+}
+
+// What is removed or trashed to make place must never be the launcher itself.
+bool isAtDestination(const Move& move) {
+  return platform::host().fileManager.isSameItem(move.bundlePath, move.destination);
+}
+
 std::optional<Error> moveWithPrivileges(const Move& move) {
+  if (isAtDestination(move)) return failWithPrivileges();
   switch (copyBundleWithPrivileges(move.bundlePath, move.destination)) {
     case PrivilegedCopy::Cancelled:
       log("INFO -- Not moving because user canceled authorization");
       return cancelled("User cancelled - they did not authorise");
     case PrivilegedCopy::Failed:
-      log("ERROR -- Could not copy myself to /Applications with authorization");
-      return fail("Could not copy to /Applications with authorization");
+      return failWithPrivileges();
     case PrivilegedCopy::Done:
       break;
   }
@@ -97,10 +107,11 @@ std::optional<Error> moveWithPrivileges(const Move& move) {
 }
 
 std::optional<Error> moveByOneself(const Move& move) {
-  if (platform::host().files.fileExists(move.destination) && !trashItem(move.destination)) {
+  const bool isThere = isAtDestination(move);
+  if (!isThere && platform::host().files.fileExists(move.destination) && !trashItem(move.destination)) {
     return fail("Failed to trash pre-existing app");
   }
-  if (!copyBundle(move.bundlePath, move.destination)) {
+  if (isThere || !copyBundle(move.bundlePath, move.destination)) {
     log(fmt::format("ERROR -- Could not copy myself to {}", move.destination));
     return fail("Failed to copy bundle");
   }

@@ -15,6 +15,10 @@ class FileManager {
   // Whether this user may write to the item; false when there is none.
   virtual bool isWritable(const std::string& path) const = 0;
 
+  // Whether both paths lead to one item, by its device and number; false when one of them leads nowhere. Paths
+  // that look apart may be one by a link, or on a disk that folds case.
+  virtual bool isSameItem(const std::string& path, const std::string& other) const = 0;
+
   // The path with every symbolic link in it resolved; as it is when there is nothing at its end.
   virtual std::string resolvingSymbolicLinks(const std::string& path) const = 0;
 

@@ -50,6 +50,18 @@ TEST_P(FileManagerContract, ResolvesLinksWhereverTheyAreInAPath) {
   EXPECT_EQ(manager_.resolvingSymbolicLinks("/"), "/");
 }
 
+TEST_P(FileManagerContract, KnowsOneItemByTwoPaths) {
+  here_.write("real/file", "");
+  here_.write("other/file", "");
+  here_.link("link", "real");
+
+  EXPECT_TRUE(manager_.isSameItem(here_ / "link/file", here_ / "real/../real/file"));
+  EXPECT_TRUE(manager_.isSameItem(here_ / "link", here_ / "real"));
+  EXPECT_FALSE(manager_.isSameItem(here_ / "other/file", here_ / "real/file"));
+  EXPECT_FALSE(manager_.isSameItem(here_ / "none", here_ / "none"));
+  EXPECT_FALSE(manager_.isSameItem(here_ / "real", here_ / "none"));
+}
+
 TEST_P(FileManagerContract, ResolvesNothingWhereNothingIs) {
   here_.write("real/file", "");
   here_.link("link", "real");

@@ -16,6 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using karno::test::ElementsAre;
+using ::testing::Contains;
 using ::testing::ElementsAreArray;
 
 constexpr const char* kMoving = "INFO -- Moving myself to the Applications folder";
@@ -121,6 +122,19 @@ TEST(MoveFromDownloads, OpensTheNewCopyOnceTheOldOneHasGone) {
   EXPECT_FALSE(fs::exists(downloaded(machine)));
   EXPECT_FALSE(fs::exists(trashed(machine)));
   EXPECT_FALSE(machine.hasProcesses());
+}
+
+// Moved, it would be moved onto itself.
+TEST(MoveFromWhereApplicationsLeadsTo, IsNotAskedFor) {
+  Machine machine(builtTools(), {"--into", "Downloads"});
+  fs::remove(machine.root() / "Applications");
+  fs::create_directory_symlink(machine.home() / "Downloads", machine.root() / "Applications");
+  startWithShortClient(machine);
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+
+  EXPECT_THAT(machine.log(), Contains(openingMessages().back()));
+  EXPECT_TRUE(fs::exists(executableOf(downloaded(machine))));
 }
 
 TEST(MoveFromDownloads, IsDeclinedByEscape) {

@@ -1,4 +1,6 @@
 #pragma once
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -16,6 +18,13 @@ class FakeFileManager final : public platform::FileManager {
   explicit FakeFileManager(FakeFiles& files) : files_(files) {}
 
   bool isWritable(const std::string& path) const override { return files_.isWritable(path); }
+
+  bool isSameItem(const std::string& path, const std::string& other) const override {
+    return files_.fileExists(path) && files_.fileExists(other) && placeOf(path) == placeOf(other);
+  }
+
+  // Whether the disk takes names that differ only in case for one.
+  bool foldsCase = false;
 
   std::string resolvingSymbolicLinks(const std::string& path) const override {
     return files_.resolvingSymbolicLinks(path);
@@ -49,6 +58,14 @@ class FakeFileManager final : public platform::FileManager {
   std::vector<std::string> trashed;  // every attempt
 
  private:
+  std::string placeOf(const std::string& path) const {
+    std::string place = files_.resolvingSymbolicLinks(path);
+    if (foldsCase) {
+      std::ranges::transform(place, place.begin(), [](unsigned char letter) { return std::tolower(letter); });
+    }
+    return place;
+  }
+
   std::string freePlace(const std::string& folder, const std::filesystem::path& name) const {
     std::string place = folder + "/" + name.string();
     for (int number = 2; files_.isThere(place); ++number) {

@@ -48,6 +48,25 @@ TEST(ApplicationsFolder, IsNoFolderOfALikeName) {
   EXPECT_FALSE(isInApplicationsFolder(""));
 }
 
+TEST(ApplicationsFolder, IsTheFolderThatALinkToItLeadsTo) {
+  MovingMachine machine;
+  machine.files.addDirectory("/Volumes/Data/Programs");
+  machine.files.addSymbolicLink("/Users/tester/Applications", "/Volumes/Data/Programs");
+
+  EXPECT_TRUE(isInApplicationsFolder("/Volumes/Data/Programs/Karno.app"));
+  EXPECT_FALSE(isInApplicationsFolder("/Volumes/Data/Programs/Tools/Karno.app"));
+}
+
+TEST(ApplicationsFolder, IsTheOneOfAnotherCaseOnADiskThatFoldsIt) {
+  MovingMachine machine;
+  machine.files.addDirectory("/applications");
+  EXPECT_FALSE(isInApplicationsFolder("/applications/Karno.app"));
+
+  machine.fileManager.foldsCase = true;
+
+  EXPECT_TRUE(isInApplicationsFolder("/applications/Karno.app"));
+}
+
 TEST(ApplicationNeedsMoving, OutsideOfEveryApplicationsFolder) {
   const MovingMachine machine("/Users/tester/Downloads/Karno.app");
 

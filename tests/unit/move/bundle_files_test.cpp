@@ -52,6 +52,19 @@ TEST(TrashItem, IsDoneByTheFinderWhenTheFileManagerFails) {
   EXPECT_THAT(machine.console(), IsEmpty());
 }
 
+// The text of the script must not end where the path has a quotation mark.
+TEST(TrashItem, GivesTheFinderAnyPathAsItsScriptsSpellIt) {
+  MovingMachine machine;
+  machine.systemVersion.appKit = 1186.9;
+
+  trashItem("/Users/tester/x\" & (do shell script \"id\") & \"\\.app");
+
+  ASSERT_EQ(machine.appleScripts.executed.size(), 1U);
+  EXPECT_THAT(machine.appleScripts.executed.front(),
+              ::testing::HasSubstr("set theFile to POSIX file \"/Users/tester/x\\\" & (do shell script "
+                                   "\\\"id\\\") & \\\"\\\\.app\" \n"));
+}
+
 TEST(TrashItem, IsDoneByTheFinderOnASystemThatIsTooOld) {
   MovingMachine machine;
   machine.systemVersion.appKit = 1186.9;

@@ -6,6 +6,7 @@
 
 #include "elements_are.h"
 #include "moving_machine.h"
+#include "util/utilities.h"
 
 namespace karno {
 namespace {
@@ -337,34 +338,45 @@ TEST(MoveDestination, KeepsTheBundlesName) {
                   "'/Applications/Anna'\\''s \"Kärno\"\n2.app') &"));
 }
 
-// The Applications folder leads to where the launcher is, though that is no Applications folder by its name.
+// The link leads to where the launcher is, whose folder has another name.
 class MoveOntoItself : public ::testing::Test {
  protected:
-  MoveOntoItself() {
-    machine_.standardFolders.local = "/Link";
-    machine_.files.addSymbolicLink("/Link", "/Volumes/Data/Programs");
-  }
+  MoveOntoItself() { machine_.files.addSymbolicLink(kInstalled, kDownloaded); }
 
-  static constexpr const char* kSelf = "/Volumes/Data/Programs/Karno.app";
-  MovingMachine machine_{kSelf};
+  MovingMachine machine_;
 };
 
-TEST_F(MoveOntoItself, FindsItselfRunning) {
+TEST_F(MoveOntoItself, FailsAsACopyThatCannotBeMade) {
   const auto error = moveApplicationToApplicationsFolder(false);
 
-  EXPECT_EQ(error, std::nullopt);
-  EXPECT_EQ(machine_.launcherAt(kSelf), "new launcher");
-  EXPECT_THAT(machine_.console(), ElementsAre(kMoving, "INFO -- Switching to an already running version"));
+  EXPECT_EQ(error, Utilities::errorWithPOSIXCode(14, "Failed to copy bundle"));
+  EXPECT_EQ(machine_.launcherAt(kDownloaded), "new launcher");
+  EXPECT_THAT(machine_.fileManager.trashed, IsEmpty());
+  EXPECT_THAT(machine_.fileManager.copies, IsEmpty());
+  EXPECT_THAT(machine_.console(),
+              ElementsAre(kMoving, "ERROR -- Could not copy myself to /Applications/Karno.app"));
 }
 
-// With privileges nobody looks, and the launcher removes itself. The order is kept.
-TEST_F(MoveOntoItself, RemovesItselfWithPrivileges) {
-  machine_.files.readOnly.insert("/Volumes/Data/Programs");
+TEST_F(MoveOntoItself, AsksForNoPasswordToFail) {
+  machine_.withReadOnlyApplications();
 
-  static_cast<void>(moveApplicationToApplicationsFolder(false));
+  const auto error = moveApplicationToApplicationsFolder(false);
 
-  EXPECT_THAT(machine_.authorisations.calls,
-              ::testing::Contains("execute /bin/rm|-rf|/Volumes/Data/Programs/Karno.app"));
+  EXPECT_EQ(error, Utilities::errorWithPOSIXCode(14, "Could not copy to /Applications with authorization"));
+  EXPECT_EQ(machine_.launcherAt(kDownloaded), "new launcher");
+  EXPECT_THAT(machine_.authorisations.calls, IsEmpty());
+  EXPECT_THAT(machine_.console(),
+              ElementsAre(kMoving, "ERROR -- Could not copy myself to /Applications with authorization"));
+}
+
+TEST(MoveOfALauncherInTheFolderThatApplicationsLeadsTo, IsNotNeeded) {
+  MovingMachine machine("/Volumes/Data/Programs/Karno.app");
+  machine.files.addSymbolicLink("/Users/tester/Applications", "/Volumes/Data/Programs");
+
+  EXPECT_EQ(moveApplicationToApplicationsFolder(false), std::nullopt);
+
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+  EXPECT_EQ(machine.launcherAt("/Volumes/Data/Programs/Karno.app"), "new launcher");
 }
 
 }  // namespace

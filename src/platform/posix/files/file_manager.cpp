@@ -9,6 +9,11 @@ namespace karno::platform {
 
 bool PosixFileManager::isWritable(const std::string& path) const { return ::access(path.c_str(), W_OK) == 0; }
 
+bool PosixFileManager::isSameItem(const std::string& path, const std::string& other) const {
+  std::error_code error;
+  return std::filesystem::equivalent(path, other, error) && !error;
+}
+
 std::string PosixFileManager::resolvingSymbolicLinks(const std::string& path) const {
   std::error_code error;
   const std::filesystem::path resolved = std::filesystem::canonical(path, error);

@@ -7,6 +7,7 @@ namespace karno::platform {
 class PosixFileManager : public FileManager {
  public:
   bool isWritable(const std::string& path) const override;
+  bool isSameItem(const std::string& path, const std::string& other) const final;
   std::string resolvingSymbolicLinks(const std::string& path) const final;
   std::string standardising(const std::string& path) const final;
 };
