@@ -95,6 +95,38 @@ class BundleCheck(unittest.TestCase):
 
         self.assert_finding("Contents/MacOS/Karno (x86_64) needs macOS 11.0 instead of 10.14.")
 
+    def test_refuses_a_slice_for_an_sdk_with_other_alerts(self):
+        self.bundle.set_sdk_version(TOOL, "x86_64", 10 << 16 | 14 << 8)
+
+        self.assert_finding("Contents/MacOS/karnoctl (x86_64) was built for the SDK of macOS 10.14, before 11.0.")
+
+    def test_refuses_a_slice_that_names_no_sdk(self):
+        self.bundle.set_sdk_version(TOOL, "x86_64", 0)
+
+        self.assert_finding("Contents/MacOS/karnoctl (x86_64) does not say which SDK it was built for.")
+
+    def test_refuses_a_slice_without_a_uuid(self):
+        self.bundle.take_uuid(TOOL, "x86_64")
+
+        self.assert_finding("Contents/MacOS/karnoctl (x86_64) has no UUID.")
+
+    def test_refuses_slices_with_the_same_uuid(self):
+        self.bundle.share_uuid(TOOL)
+
+        self.assertIn("Contents/MacOS/karnoctl has the same UUID for several processors.\n", self.bundle.check()[1])
+
+    def test_refuses_a_program_that_shares_its_symbols_with_libraries(self):
+        self.bundle.use_as_linked(LAUNCHER, "arm64")
+
+        status, said = self.bundle.check()
+
+        label = "Contents/MacOS/Karno (arm64)"
+        self.assertEqual(1, status)
+        self.assertIn(f"{label} exports __Znwm, which other libraries would then use.\n", said)
+        self.assertIn(f"{label} binds __Znwm weakly, so another library's takes its place.\n", said)
+        self.assertIn(f"{label} binds __ZTVNSt3__113basic_ostreamIcNS_11char_traitsIcEEEE weakly", said)
+        self.assertEqual([], [line for line in said.splitlines() if " exports " not in line and " binds " not in line])
+
     def test_refuses_an_import_that_no_stub_declares(self):
         self.bundle.replace_bytes(LAUNCHER, "x86_64", b"_objc_getClass\0", b"_objc_getClasz\0")
 

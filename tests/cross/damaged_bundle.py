@@ -5,10 +5,12 @@ import struct
 import subprocess
 import sys
 import tempfile
+import uuid
 from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parents[2]
 BUNDLE = PROJECT / "build/macos-universal/Karno.app"
+SYMBOLS = PROJECT / "build/macos-universal/symbols"
 
 sys.path.insert(0, str(PROJECT / "tools/cross"))
 from bundle_check import mach_o  # noqa: E402
@@ -73,9 +75,16 @@ class DamagedBundle:
 
     def use_unstripped(self, name, processor):
         path = self.app / name
-        unstripped = PROJECT / f"build/macos-{processor}/Karno.app" / name
-        command = [mach_o.llvm("llvm-lipo"), path, "-replace", processor, unstripped, "-output", path]
-        subprocess.run(command, check=True)
+        unstripped = self._thin(SYMBOLS / path.name, processor)
+        self._replace_slice(path, processor, unstripped)
+
+    def use_as_linked(self, name, processor):
+        """With all that the linker exports, though stripped."""
+        path = self.app / name
+        stripped = Path(self.folder.name) / "stripped"
+        linked = PROJECT / f"build/macos-{processor}/Karno.app" / name
+        subprocess.run([mach_o.llvm("llvm-strip"), "-x", "-o", stripped, linked], check=True)
+        self._replace_slice(path, processor, stripped)
 
     def replace_bytes(self, name, processor, old, new):
         """Everywhere in one slice; the length stays."""
@@ -96,13 +105,19 @@ class DamagedBundle:
         self._edit_slice(name, processor, write)
 
     def set_minimum_version(self, name, processor, packed):
-        def write(content):
-            (program,) = [part for part in self._slices(name) if part.processor == processor]
-            (command,) = [body for kind, body in program.load_commands() if kind == mach_o.LC_BUILD_VERSION]
-            changed = command[:12] + struct.pack("<I", packed) + command[16:]
-            return content.replace(command, changed, 1)
+        self._edit_command(name, processor, mach_o.LC_BUILD_VERSION, 12, struct.pack("<I", packed))
 
-        self._edit_slice(name, processor, write)
+    def set_sdk_version(self, name, processor, packed):
+        self._edit_command(name, processor, mach_o.LC_BUILD_VERSION, 16, struct.pack("<I", packed))
+
+    def take_uuid(self, name, processor):
+        """It becomes a command that nothing knows."""
+        self._edit_command(name, processor, mach_o.LC_UUID, 0, struct.pack("<I", 0x7F))
+
+    def share_uuid(self, name):
+        """That of the first processor becomes the second one's."""
+        first, second = self._slices(name)
+        self._edit_command(name, second.processor, mach_o.LC_UUID, 8, uuid.UUID(first.uuid()).bytes)
 
     def flip_a_code_byte(self, name, processor):
         """In the middle of the program, which the signature covers."""
@@ -111,6 +126,24 @@ class DamagedBundle:
             return content[:middle] + bytes([content[middle] ^ 1]) + content[middle + 1 :]
 
         self._edit_slice(name, processor, flip)
+
+    def _edit_command(self, name, processor, kind, offset, replacement):
+        def write(content):
+            (program,) = [part for part in self._slices(name) if part.processor == processor]
+            (command,) = [body for found, body in program.load_commands() if found == kind]
+            changed = command[:offset] + replacement + command[offset + len(replacement) :]
+            return content.replace(command, changed, 1)
+
+        self._edit_slice(name, processor, write)
+
+    def _thin(self, program, processor):
+        thin = Path(self.folder.name) / "thin"
+        subprocess.run([mach_o.llvm("llvm-lipo"), program, "-thin", processor, "-output", thin], check=True)
+        return thin
+
+    def _replace_slice(self, path, processor, replacement):
+        command = [mach_o.llvm("llvm-lipo"), path, "-replace", processor, replacement, "-output", path]
+        subprocess.run(command, check=True)
 
     def _slices(self, name):
         return mach_o.read_slices(self.app / name)

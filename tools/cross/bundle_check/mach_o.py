@@ -8,6 +8,7 @@ import re
 import shutil
 import struct
 import subprocess
+import uuid
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -16,8 +17,12 @@ MAGIC_64 = 0xFEEDFACF
 PROCESSORS = {0x01000007: "x86_64", 0x0100000C: "arm64"}
 
 LC_SYMTAB = 0x2
+LC_DYSYMTAB = 0xB
 LC_LOAD_DYLIB = 0xC
+LC_SEGMENT_64 = 0x19
+LC_UUID = 0x1B
 LC_CODE_SIGNATURE = 0x1D
+LC_DYLD_INFO_ONLY = 0x80000022
 LC_VERSION_MIN_MACOSX = 0x24
 LC_BUILD_VERSION = 0x32
 # Weak, re-exported, lazily loaded and upward links load a library as well.
@@ -56,11 +61,28 @@ class Slice:
 
     def minimum_version(self):
         """The lowest macOS as text, such as "10.14", or None when the program does not say."""
+        versions = self._versions()
+        return versions and version_text(versions[0])
+
+    def sdk_version(self):
+        """The macOS whose behaviour the program was built for, packed in one number; None when it does not say."""
+        versions = self._versions()
+        return versions and versions[1]
+
+    def _versions(self):
+        """(lowest macOS, that of the SDK), both packed, or None."""
         for command, body in self.load_commands():
             if command == LC_BUILD_VERSION:
-                return version_text(struct.unpack_from("<I", body, 12)[0])
+                return struct.unpack_from("<II", body, 12)
             if command == LC_VERSION_MIN_MACOSX:
-                return version_text(struct.unpack_from("<I", body, 8)[0])
+                return struct.unpack_from("<II", body, 8)
+        return None
+
+    def uuid(self):
+        """What a crash report names the program by, or None."""
+        for command, body in self.load_commands():
+            if command == LC_UUID:
+                return str(uuid.UUID(bytes=body[8:24])).upper()
         return None
 
     def libraries(self):
@@ -91,12 +113,43 @@ class Slice:
 
     def imports(self):
         """What the loader looks up when the program starts or first calls it."""
-        text = subprocess.run(
-            [llvm("llvm-objdump"), "--macho", f"--arch={self.processor}", "--bind", "--lazy-bind", self.path],
-            check=True, capture_output=True, text=True,
-        ).stdout
+        text = self._dump("--bind", "--lazy-bind")
         rows = re.findall(r"^__\w+ +\S+ +0x[0-9A-F]+ +(?:pointer +-?\d+ +)?(\S+) +(\S+)", text, re.MULTILINE)
         return sorted({Import(symbol, library) for library, symbol in rows}, key=lambda row: row.symbol)
+
+    def weak_binds(self):
+        """(address, symbol) of each place that the loader fills with the first definition that any library has."""
+        rows = re.findall(r"^__\w+ +\S+ +(0x[0-9A-F]+) +pointer +-?\d+ +(\S+)", self._dump("--weak-bind"), re.MULTILINE)
+        return [(int(address, 16), symbol) for address, symbol in rows]
+
+    def bound_addresses(self):
+        """The places that the loader fills with another library's symbol when the program starts."""
+        return addresses_in(self._dump("--bind"))
+
+    def rebased_addresses(self):
+        """The places that hold an address in the program itself."""
+        return addresses_in(self._dump("--rebase"))
+
+    def exports(self):
+        """The symbols that other libraries may use."""
+        return re.findall(r"^0x[0-9A-F]+ +(\S+)", self._dump("--exports-trie"), re.MULTILINE)
+
+    def number_at(self, address):
+        """The 64 bits that the file has for that address of the running program, or None."""
+        for command, body in self.load_commands():
+            if command == LC_SEGMENT_64:
+                start, _, offset, size = struct.unpack_from("<4Q", body, 24)
+                if start <= address <= start + size - 8:
+                    return struct.unpack_from("<Q", self.content, offset + address - start)[0]
+        return None
+
+    def _dump(self, *tables):
+        command = [llvm("llvm-objdump"), "--macho", f"--arch={self.processor}", *tables, self.path]
+        return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def addresses_in(table):
+    return {int(address, 16) for address in re.findall(r"^__\w+ +\S+ +(0x[0-9A-F]+)", table, re.MULTILINE)}
 
 
 def version_text(packed):

@@ -5,6 +5,10 @@ from pathlib import Path
 from . import code_signature, mach_o, text_stubs
 
 MINIMUM_VERSIONS = {"x86_64": "10.14", "arm64": "11.0"}
+# AppKit treats programs for older ones as they were treated then. From macOS 11 on its alerts look as they do now.
+SDK_MIN = 11 << 16
+# By which a program is known to the loader.
+EXPORTED = "__mh_execute_header"
 SIZE_BYTES_MAX = 4 << 20
 # Where macOS keeps its own libraries.
 SYSTEM_FOLDERS = ("/usr/lib/", "/System/Library/")
@@ -42,11 +46,13 @@ def findings(path, name, declarations, build_folders):
     for processor in MINIMUM_VERSIONS:
         if processor not in found:
             yield f"{name} has no {processor} slice."
+    yield from uuid_findings(slices, name)
     for program in slices:
         label = f"{name} ({program.processor})"
         yield from version_findings(program, label)
         yield from library_findings(program, label, declarations)
         yield from import_findings(program, label, declarations)
+        yield from symbol_findings(program, label)
         yield from content_findings(program, label, build_folders)
 
 
@@ -57,6 +63,23 @@ def version_findings(program, label):
         yield f"{label} does not say which macOS it needs."
     elif found != wanted:
         yield f"{label} needs macOS {found} instead of {wanted}."
+    sdk = program.sdk_version()
+    if not sdk:
+        yield f"{label} does not say which SDK it was built for."
+    elif sdk < SDK_MIN:
+        found, lowest = map(mach_o.version_text, (sdk, SDK_MIN))
+        yield f"{label} was built for the SDK of macOS {found}, before {lowest}."
+
+
+def uuid_findings(slices, name):
+    """Without one of its own, a crash report does not tell which program it is about."""
+    found = [program.uuid() for program in slices]
+    for program, identifier in zip(slices, found):
+        if identifier is None:
+            yield f"{name} ({program.processor}) has no UUID."
+    known = [identifier for identifier in found if identifier is not None]
+    if len(set(known)) < len(known):
+        yield f"{name} has the same UUID for several processors."
 
 
 def library_findings(program, label, declarations):
@@ -73,6 +96,15 @@ def import_findings(program, label, declarations):
         # A library that is not declared at all has its own finding.
         if row.library in declared and row.symbol not in declared[row.library]:
             yield f"{label} imports {row.symbol} from {row.library}, which does not declare it."
+
+
+def symbol_findings(program, label):
+    """macOS has libraries in every process whose symbols have the same names."""
+    for symbol in program.exports():
+        if symbol != EXPORTED:
+            yield f"{label} exports {symbol}, which other libraries would then use."
+    for symbol in sorted({symbol for _, symbol in program.weak_binds()}):
+        yield f"{label} binds {symbol} weakly, so another library's takes its place."
 
 
 def content_findings(program, label, build_folders):
