@@ -1,15 +1,46 @@
 """scripts/package-macos makes a whole bundle and an archive of it, or says why not and leaves the last ones alone."""
 
+import subprocess
 import unittest
 import zipfile
 
 import packaging_place
+from bundle_check import mach_o
 from packaging_place import PackagingPlace
 
 NO_HELPERS = "package-macos: Contents/Helpers is empty, as there is no --helpers: this package has no client to start.\n"
 NO_FRAMEWORK = ("package-macos: Contents/Frameworks is empty, as there is no --sparkle: the updater of this package never "
                 "starts.\n")
 NO_KEY = "package-macos: There is no --public-key: this package takes no update.\n"
+NO_SYMBOLS = ("package-macos: There is no folder of symbols beside --bundle: crash reports of this package name no "
+              "functions.\n")
+FUNCTION = "karno::StartupManager::instance()"
+
+
+def uuids_in(*programs):
+    """A row for each slice, as the package lists them."""
+    return {f"{part.uuid()} ({part.processor}) {path.name}" for path in programs for part in mach_o.read_slices(path)}
+
+
+def slice_of(program, processor):
+    (part,) = [part for part in mach_o.read_slices(program) if part.processor == processor]
+    return part
+
+
+def address_of(function, program, processor):
+    command = [mach_o.llvm("llvm-nm"), "--demangle", f"--arch={processor}", program]
+    rows = subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout.splitlines()
+    (address,) = [row.split()[0] for row in rows if row.endswith(f" t {function}")]
+    return int(address, 16)
+
+
+def code_at(address, program, processor):
+    return slice_of(program, processor).number_at(address)
+
+
+def function_at(address, program, processor):
+    command = [mach_o.llvm("llvm-symbolizer"), f"--obj={program}", f"--default-arch={processor}", hex(address)]
+    return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout.splitlines()[0]
 
 
 class Package(unittest.TestCase):
@@ -22,7 +53,8 @@ class Package(unittest.TestCase):
     def test_has_empty_folders_for_what_is_not_given_and_says_so(self):
         status, printed, said = self.place.package()
 
-        self.assertEqual((0, f"{self.place.app}\n{self.place.archive}\n"), (status, printed))
+        product = self.place.app, self.place.archive, self.place.symbols_archive
+        self.assertEqual((0, "".join(f"{part}\n" for part in product)), (status, printed))
         self.assertEqual(NO_HELPERS + NO_FRAMEWORK + NO_KEY, said)
         self.assertEqual([], list((self.place.app / "Contents/Helpers").iterdir()))
         self.assertEqual([], list((self.place.app / "Contents/Frameworks").iterdir()))
@@ -67,11 +99,12 @@ class Package(unittest.TestCase):
     def test_is_the_same_bytes_each_time(self):
         parts = "--helpers", self.place.helpers(), "--sparkle", self.place.framework()
         self.place.package(*parts)
-        first = packaging_place.hash_of(self.place.archive)
+        first = packaging_place.hash_of(self.place.archive), packaging_place.hash_of(self.place.symbols_archive)
 
         self.place.package(*parts, umask=0o077)
 
-        self.assertEqual(first, packaging_place.hash_of(self.place.archive))
+        second = packaging_place.hash_of(self.place.archive), packaging_place.hash_of(self.place.symbols_archive)
+        self.assertEqual(first, second)
 
     def test_is_sorted_and_has_the_date_of_the_release(self):
         self.place.package()
@@ -85,7 +118,8 @@ class Package(unittest.TestCase):
         self.place.package()
         self.place.package()
 
-        self.assertEqual(["Karno-1.0.0-macos.zip", "Karno.app"], sorted(path.name for path in self.place.output.iterdir()))
+        self.assertEqual({self.place.app, self.place.archive, self.place.symbols_archive},
+                         set(self.place.output.iterdir()))
 
     def test_replaces_nothing_when_the_bundle_is_damaged(self):
         self.place.package()
@@ -97,6 +131,65 @@ class Package(unittest.TestCase):
         sentence = "package-macos: Contents/Resources/Karno.icns is no icon: its length is not the one that it says.\n"
         self.assertEqual((1, "", sentence), outcome)
         self.assertEqual(last, packaging_place.content_of(self.place.output))
+
+
+class Symbols(unittest.TestCase):
+    """The programs before they were stripped, which name the functions of a crash report."""
+
+    maxDiff = 2000
+
+    def setUp(self):
+        self.place = PackagingPlace()
+        self.addCleanup(self.place.discard)
+
+    def test_have_the_uuid_of_each_program_and_processor(self):
+        self.place.package()
+
+        kept = self.place.unpacked_symbols()
+        listed = set((kept / "UUIDs").read_text().splitlines())
+        programs = self.place.app / "Contents/MacOS"
+        self.assertEqual(4, len(listed))
+        self.assertEqual(listed, uuids_in(programs / "Karno", programs / "karnoctl"))
+        self.assertEqual(listed, uuids_in(kept / "Karno", kept / "karnoctl"))
+
+    def test_name_what_lies_at_an_address_of_the_packaged_program(self):
+        self.place.package()
+
+        kept, packaged = self.place.unpacked_symbols() / "Karno", self.place.app / "Contents/MacOS/Karno"
+        for processor in ("x86_64", "arm64"):
+            with self.subTest(processor):
+                address = address_of(FUNCTION, kept, processor) + 8
+                self.assertEqual(code_at(address, kept, processor), code_at(address, packaged, processor))
+                self.assertEqual(FUNCTION, function_at(address, kept, processor))
+                self.assertNotEqual(FUNCTION, function_at(address, packaged, processor))
+
+    def test_are_refused_when_they_are_those_of_another_build(self):
+        self.place.use_copy_of_built(("Karno", "karnoctl"), ("karnoctl", "karnoctl"))
+
+        status, printed, said = self.place.package()
+
+        self.assertEqual((1, ""), (status, printed))
+        self.assertRegex(said, r"^package-macos: The symbols of Karno \(x86_64\) have the UUID [0-9A-F-]{36} instead of "
+                               r"[0-9A-F-]{36}: they are those of another build\.\n$")
+
+    def test_are_refused_when_those_of_a_program_are_missing(self):
+        self.place.use_copy_of_built(("Karno", "Karno"))
+
+        outcome = self.place.package()
+
+        missing = self.place.built.parent / "symbols/karnoctl"
+        self.assertEqual((1, "", f"package-macos: {missing} is missing.\n"), outcome)
+
+    def test_of_the_last_package_do_not_stay_beside_one_without(self):
+        self.place.package()
+        self.place.use_copy_of_built()
+        (self.place.built.parent / "symbols").rmdir()
+
+        status, printed, said = self.place.package()
+
+        self.assertEqual((0, f"{self.place.app}\n{self.place.archive}\n"), (status, printed))
+        self.assertEqual(NO_HELPERS + NO_FRAMEWORK + NO_KEY + NO_SYMBOLS, said)
+        self.assertFalse(self.place.symbols_archive.exists())
 
 
 class Build(unittest.TestCase):

@@ -24,6 +24,7 @@ class PackagingPlace:
         self.output = self.folder / "output"
         self.app = self.output / "Karno.app"
         self.archive = self.output / "Karno-1.0.0-macos.zip"
+        self.symbols_archive = self.output / "Karno-1.0.0-macos-symbols.zip"
         self.built = damaged_bundle.BUNDLE
 
     def discard(self):
@@ -68,11 +69,26 @@ class PackagingPlace:
         os.truncate(copy / "Contents/Resources/Karno.icns", 1000)
         self.built = copy
 
+    def use_copy_of_built(self, *symbols):
+        """A bundle of its own, with those of the cross build's files of symbols beside it."""
+        copy = self.folder / "copy/Karno.app"
+        shutil.copytree(self.built, copy)
+        (copy.parent / "symbols").mkdir()
+        for name, original in symbols:
+            shutil.copy(damaged_bundle.SYMBOLS / original, copy.parent / "symbols" / name)
+        self.built = copy
+
     def unpacked_archive(self):
         """The bundle as the unzip program makes it from the archive."""
+        return self._unpacked(self.archive) / "Karno.app"
+
+    def unpacked_symbols(self):
+        return self._unpacked(self.symbols_archive) / "Karno-1.0.0-macos-symbols"
+
+    def _unpacked(self, archive):
         folder = self.folder / "unpacked"
-        subprocess.run(["unzip", "-q", self.archive, "-d", folder], check=True)
-        return folder / "Karno.app"
+        subprocess.run(["unzip", "-q", archive, "-d", folder], check=True)
+        return folder
 
     def project_with_stand_in_build(self, built, status):
         """A project whose cross build notes its arguments, has `built` as its result, and ends with the status."""

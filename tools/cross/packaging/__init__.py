@@ -1,1 +1,2 @@
-"""What scripts/package-macos does: puts the bundle together, packs it, and replaces the last package."""
+"""What scripts/package-macos does: puts the bundle together, keeps its symbols, packs both, and replaces the last
+package."""
