@@ -4,6 +4,8 @@ set(bundle_folder ${CMAKE_BINARY_DIR}/Karno.app)
 set(bundle_texts ${CMAKE_BINARY_DIR}/bundle-texts)
 set(bundle_files)
 
+include(${CMAKE_CURRENT_LIST_DIR}/lowest_system.cmake)
+
 # Copies `source`, which `dependency` makes, to `destination` inside the bundle.
 function(karno_stage source dependency destination)
   set(staged "${bundle_folder}/${destination}")

@@ -71,6 +71,10 @@ class Framework(Refusal):
         super().setUp()
         self.framework = self.place.framework()
 
+    def set_version(self, version):
+        information = self.framework / "Resources/Info.plist"
+        packaging_place.write_information(information, "org.sparkle-project.Sparkle", version)
+
     def assert_finding(self, sentence):
         self.assert_refused(sentence, "--sparkle", self.framework)
 
@@ -92,7 +96,7 @@ class Framework(Refusal):
             "Sparkle.framework is no framework: it has no Versions, or no Resources/Info.plist that can be read.")
 
     def test_is_refused_when_it_is_another(self):
-        packaging_place.write_information(self.framework / "Resources/Info.plist", "com.example.Glitter")
+        packaging_place.write_information(self.framework / "Resources/Info.plist", "com.example.Glitter", "2.9.0")
 
         self.assert_finding(
             "Sparkle.framework has the identifier 'com.example.Glitter' instead of 'org.sparkle-project.Sparkle'.")
@@ -102,6 +106,50 @@ class Framework(Refusal):
         shutil.copytree(self.framework / "Versions/B", self.framework / "Versions/Current")
 
         self.assert_finding("Sparkle.framework has lost its links: Versions/Current is none.")
+
+    def test_is_refused_when_it_is_too_old(self):
+        self.set_version("2.8.1")
+
+        self.assert_finding("Sparkle.framework has the version 2.8.1, which should be 2.9 or newer.")
+
+    def test_is_refused_without_a_version(self):
+        self.set_version("")
+
+        self.assert_finding("Sparkle.framework has no version, which should be 2.9 or newer.")
+
+    def test_is_taken_when_it_is_newer(self):
+        for version in ("2.9", "2.10.0-beta.1", "3.0"):
+            with self.subTest(version):
+                self.set_version(version)
+
+                self.assertEqual(0, self.place.package("--sparkle", self.framework)[0])
+
+    def test_is_refused_with_a_program_for_its_library(self):
+        packaging_place.set_kind(self.framework / "Versions/B/Sparkle", "arm64", 2)
+
+        self.assert_finding("Sparkle.framework/Sparkle (arm64) is no dynamic library.")
+
+    def test_is_refused_without_what_installs(self):
+        (self.framework / "Autoupdate").unlink()
+        (self.framework / "Versions/B/Autoupdate").unlink()
+
+        self.assert_finding("Sparkle.framework/Autoupdate is missing.")
+
+    def test_is_refused_when_what_installs_may_not_be_executed(self):
+        (self.framework / "Versions/B/Autoupdate").chmod(0o644)
+
+        self.assert_finding("Sparkle.framework/Autoupdate is not executable.")
+
+    def test_is_refused_when_what_shows_progress_is_for_one_processor(self):
+        packaging_place.keep_only_slice(self.framework / "Versions/B/Updater.app/Contents/MacOS/Updater", "arm64")
+
+        self.assert_finding("Sparkle.framework/Updater.app/Contents/MacOS/Updater has no x86_64 slice.")
+
+    def test_is_refused_without_a_service(self):
+        shutil.rmtree(self.framework / "Versions/B/XPCServices/Installer.xpc")
+
+        self.assert_finding(
+            "Sparkle.framework/XPCServices/Installer.xpc is missing, or has no Contents/Info.plist that can be read.")
 
     def test_is_refused_without_its_library(self):
         (self.framework / "Versions/B/Sparkle").unlink()

@@ -4,6 +4,7 @@ import hashlib
 import os
 import plistlib
 import shutil
+import struct
 import subprocess
 import tempfile
 from pathlib import Path
@@ -49,17 +50,22 @@ class PackagingPlace:
         return folder
 
     def framework(self):
-        """The shape of the updater's framework, with a program of ours for its library."""
+        """The shape of the updater's framework, with programs of ours, one of them marked as a library."""
         framework = self.folder / "Sparkle.framework"
         version = framework / "Versions/B"
         (version / "Resources").mkdir(parents=True)
-        (version / "Updater.app/Contents").mkdir(parents=True)
-        write_information(version / "Resources/Info.plist", "org.sparkle-project.Sparkle")
-        write_information(version / "Updater.app/Contents/Info.plist", "org.sparkle-project.Sparkle.Updater")
-        shutil.copy(damaged_bundle.BUNDLE / "Contents/MacOS/karnoctl", version / "Sparkle")
+        write_information(version / "Resources/Info.plist", "org.sparkle-project.Sparkle", "2.9.0")
+        for bundle in ("Updater.app", "XPCServices/Downloader.xpc", "XPCServices/Installer.xpc"):
+            name = Path(bundle).stem
+            (version / bundle / "Contents/MacOS").mkdir(parents=True)
+            write_information(version / bundle / "Contents/Info.plist", f"org.sparkle-project.{name}", "2.9.0", name)
+            shutil.copy(damaged_bundle.BUNDLE / "Contents/MacOS/karnoctl", version / bundle / "Contents/MacOS" / name)
         shutil.copy(damaged_bundle.BUNDLE / "Contents/MacOS/karnoctl", version / "Autoupdate")
+        shutil.copy(damaged_bundle.BUNDLE / "Contents/MacOS/karnoctl", version / "Sparkle")
+        for processor in ("x86_64", "arm64"):
+            set_kind(version / "Sparkle", processor, mach_o.MH_DYLIB)
         (framework / "Versions/Current").symlink_to("B")
-        for name in ("Sparkle", "Resources", "Autoupdate", "Updater.app"):
+        for name in ("Sparkle", "Resources", "Autoupdate", "Updater.app", "XPCServices"):
             (framework / name).symlink_to(f"Versions/Current/{name}")
         return framework
 
@@ -110,12 +116,22 @@ class PackagingPlace:
         return run.returncode, run.stdout, run.stderr
 
 
-def write_information(path, identifier):
-    path.write_bytes(plistlib.dumps({"CFBundleIdentifier": identifier}))
+def write_information(path, identifier, version, executable=None):
+    entries = {"CFBundleIdentifier": identifier, "CFBundleShortVersionString": version}
+    path.write_bytes(plistlib.dumps(entries | ({"CFBundleExecutable": executable} if executable else {})))
+
+
+def set_kind(program, processor, kind):
+    """What each slice says that it is: a program, a library."""
+    whole = bytearray(program.read_bytes())
+    (part,) = [part for part in mach_o.read_slices(program) if part.processor == processor]
+    struct.pack_into("<I", whole, whole.index(part.content) + 12, kind)
+    program.write_bytes(whole)
 
 
 def keep_only_slice(program, processor):
-    subprocess.run([mach_o.llvm("llvm-lipo"), program, "-thin", processor, "-output", program], check=True)
+    (part,) = [part for part in mach_o.read_slices(program) if part.processor == processor]
+    program.write_bytes(part.content)
 
 
 def change_identifier(app, identifier):

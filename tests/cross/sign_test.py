@@ -1,6 +1,7 @@
 """scripts/sign-macos runs the Mac's tools from the inside out. Here they are stand-ins that note their arguments."""
 
 import os
+import plistlib
 import subprocess
 import tempfile
 import unittest
@@ -19,6 +20,16 @@ DITTO = NOTED + """case "$1" in
   -c) for last; do :; done; cd "$(eval echo "\\${$(($# - 1))}")/.." && exec zip -q -r -y "$last" Karno.app ;;
 esac
 """
+# It takes one value from a property list.
+PLUTIL = """#!/usr/bin/env python3
+import plistlib, sys
+_, extract, key, xml, output, standard_output, path = sys.argv
+assert (extract, xml, output, standard_output) == ("-extract", "xml1", "-o", "-")
+try:
+    print(plistlib.dumps(plistlib.load(open(path, "rb"))[key]).decode())
+except Exception as problem:
+    sys.exit(f"{path}: {problem}")
+"""
 FAILING = NOTED + 'case "$*" in "$TOOL_FAILS"*) exit 65 ;; esac\n'
 SPARKLE = ("Frameworks/Sparkle.framework/Versions/B/XPCServices/Downloader.xpc/Info.plist",
            "Frameworks/Sparkle.framework/Versions/B/XPCServices/Installer.xpc/Info.plist",
@@ -26,6 +37,9 @@ SPARKLE = ("Frameworks/Sparkle.framework/Versions/B/XPCServices/Downloader.xpc/I
            "Frameworks/Sparkle.framework/Versions/B/Autoupdate",
            "Frameworks/Sparkle.framework/Versions/B/Sparkle")
 HELPERS = "Helpers/Karno.app/Contents/Info.plist", "Helpers/Karno(Fuse).app/Contents/Info.plist"
+CODE = bytes.fromhex("cffaedfe0c000001")
+CODE_FOR_TWO_PROCESSORS = bytes.fromhex("cafebabe00000002")
+JAVA_CLASS = bytes.fromhex("cafebabe00000034")
 
 
 class Signing(unittest.TestCase):
@@ -37,7 +51,7 @@ class Signing(unittest.TestCase):
         self.folder = Path(folder.name)
         self.log = self.folder / "log"
         self.release = self.folder / "Karno-1.1.zip"
-        for name, text in (("codesign", FAILING), ("xcrun", FAILING), ("spctl", NOTED), ("ditto", DITTO)):
+        for name, text in (("codesign", FAILING), ("xcrun", FAILING), ("spctl", NOTED), ("ditto", DITTO), ("plutil", PLUTIL)):
             self.make_tool(name, text)
 
     def make_tool(self, name, text):
@@ -54,9 +68,45 @@ class Signing(unittest.TestCase):
             (contents / name).write_text(name)
         if more and more[0] in SPARKLE:
             (contents / "Frameworks/Sparkle.framework/Versions/Current").symlink_to("B")
+        return self.pack()
+
+    def pack(self):
         packed = self.folder / "Karno-1.1-macos.zip"
-        archive.pack(contents.parent, packed, 0)
+        archive.pack(self.folder / "made/Karno.app", packed, 0)
         return packed
+
+    def made(self, name):
+        """A file of the package that is not there yet."""
+        path = self.folder / "made/Karno.app/Contents" / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        return path
+
+    def make_bundle(self, name, information="Contents/Info.plist", program=None):
+        """With a program, unless that is empty."""
+        executable = Path(name).stem if program is None else program
+        entries = {"CFBundleExecutable": Path(executable).name} if executable else {}
+        self.made(f"{name}/{information}").write_bytes(plistlib.dumps(entries))
+        if executable:
+            place = executable if "/" in executable else f"Contents/MacOS/{executable}"
+            self.made(f"{name}/{place}").write_bytes(CODE)
+
+    def client_with_code_inside(self):
+        """Karno.app with code of every kind, and with what looks like it."""
+        app = "Helpers/Karno.app"
+        framework = f"{app}/Contents/Frameworks/Core.framework"
+        self.make_bundle(app)
+        self.make_bundle(framework, "Versions/A/Resources/Info.plist", "Versions/A/Core")
+        self.make_bundle(f"{framework}/Versions/A/XPCServices/Worker.xpc")
+        self.made(f"{framework}/Versions/Current").symlink_to("A")
+        self.made(f"{framework}/Core").symlink_to("Versions/Current/Core")
+        self.made(f"{framework}/Resources").symlink_to("Versions/Current/Resources")
+        self.make_bundle(f"{app}/Contents/PlugIns/Files.appex")
+        self.made(f"{app}/Contents/PlugIns/Files.appex/Contents/Frameworks/libfiles.dylib").write_bytes(CODE)
+        self.make_bundle(f"{app}/Contents/Helpers/Agent.app")
+        self.make_bundle(f"{app}/Contents/Resources/Pictures.bundle", program="")
+        self.made(f"{app}/Contents/MacOS/karno-files").write_bytes(CODE_FOR_TWO_PROCESSORS)
+        self.made(f"{app}/Contents/Resources/Main.class").write_bytes(JAVA_CLASS)
+        self.made(f"{app}/Contents/Resources/notes").write_text("notes")
 
     def sign(self, *words, fails="nothing"):
         """(exit status, what was printed, what was said beside); the folder it worked in is WORK."""
@@ -109,6 +159,66 @@ class Signing(unittest.TestCase):
         self.assertEqual([f"{begin} WORK/Karno.app/Contents/Helpers/Karno(Fuse).app",
                           f"{begin} WORK/Karno.app/Contents/Helpers/Karno.app"],
                          [line for line in self.noted() if "/Helpers/" in line])
+
+    def test_signs_all_code_inside_a_helper_before_what_it_lies_in(self):
+        self.client_with_code_inside()
+
+        self.sign("--identity", IDENTITY, "--sign-helpers", self.package(), self.release)
+
+        top = "WORK/Karno.app/Contents/Helpers/"
+        lines = [line for line in self.noted() if line.startswith("codesign --force") and top in line]
+        signed = [line.split(top)[1] for line in lines]
+        self.assertEqual([
+            "Karno.app",
+            "Karno.app/Contents/Frameworks/Core.framework",
+            "Karno.app/Contents/Frameworks/Core.framework/Versions/A/XPCServices/Worker.xpc",
+            "Karno.app/Contents/Helpers/Agent.app",
+            "Karno.app/Contents/MacOS/karno-files",
+            "Karno.app/Contents/PlugIns/Files.appex",
+            "Karno.app/Contents/PlugIns/Files.appex/Contents/Frameworks/libfiles.dylib",
+        ], sorted(signed))
+        outer_first = [(outer, inner) for index, outer in enumerate(signed) for inner in signed[index:]
+                       if inner.startswith(f"{outer}/")]
+        self.assertEqual([], outer_first)
+        loose = [line for line in lines if " --preserve-metadata=identifier,entitlements " in line]
+        self.assertEqual(["karno-files", "libfiles.dylib"], sorted(Path(line).name for line in loose))
+
+    def test_says_that_a_provisioning_profile_is_for_its_own_team(self):
+        self.make_bundle("Helpers/Karno.app")
+        self.made("Helpers/Karno.app/Contents/embedded.provisionprofile").write_text("profile")
+        package = self.package()
+
+        _, _, said = self.sign("--identity", IDENTITY, "--sign-helpers", package, self.release)
+        _, _, said_without = self.sign("--identity", IDENTITY, package, self.release)
+
+        sentence = ("sign-macos: Karno.app has a provisioning profile: with another team's signature macOS does not "
+                    "start it\n")
+        self.assertIn(sentence, said)
+        self.assertNotIn(sentence, said_without)
+
+    def test_refuses_a_framework_whose_links_were_followed(self):
+        self.package(*SPARKLE)
+        (self.folder / "made/Karno.app/Contents/Frameworks/Sparkle.framework/Versions/Current").unlink()
+        package = self.pack()
+
+        status, _, said = self.sign("--identity", IDENTITY, package, self.release)
+
+        self.assertEqual(
+            (1, "sign-macos: Sparkle.framework has no link Versions/Current: take it as its makers publish it, and copy "
+                "it with ditto\n"), (status, said))
+        self.assertEqual([], [line for line in self.noted() if line.startswith("codesign")])
+
+    def test_refuses_a_framework_without_its_current_version(self):
+        self.package(*SPARKLE)
+        current = self.folder / "made/Karno.app/Contents/Frameworks/Sparkle.framework/Versions/Current"
+        current.unlink()
+        current.symlink_to("A")
+        package = self.pack()
+
+        status, _, said = self.sign("--identity", IDENTITY, package, self.release)
+
+        self.assertEqual((1, "sign-macos: Sparkle.framework has no version that Versions/Current leads to\n"),
+                         (status, said))
 
     def test_says_what_is_missing(self):
         status, _, said = self.sign("--identity", IDENTITY, self.package(), self.release)

@@ -5,6 +5,7 @@ Each finding is one sentence.
 
 import os
 import plistlib
+import re
 
 from . import mach_o, programs
 
@@ -12,6 +13,11 @@ from . import mach_o, programs
 HELPERS = {"Karno": "it.vantul.Karno", "Karno(Fuse)": "it.vantul.KarnoFuse"}
 FRAMEWORK = "Sparkle.framework"
 FRAMEWORK_IDENTIFIER = "org.sparkle-project.Sparkle"
+# The first that the launcher is written for.
+FRAMEWORK_VERSION_MIN = (2, 9)
+# What installs an update once the launcher has ended: programs in the framework's version, and bundles with one.
+FRAMEWORK_PROGRAMS = ("Autoupdate",)
+FRAMEWORK_BUNDLES = ("Updater.app", "XPCServices/Downloader.xpc", "XPCServices/Installer.xpc")
 
 
 def findings(contents):
@@ -61,20 +67,54 @@ def framework_findings(framework):
     found = information.get("CFBundleIdentifier")
     if found != FRAMEWORK_IDENTIFIER:
         yield f"{FRAMEWORK} has the identifier {found!r} instead of {FRAMEWORK_IDENTIFIER!r}."
-    yield from processor_findings(framework / "Sparkle", f"{FRAMEWORK}/Sparkle")
+    yield from framework_version_findings(information.get("CFBundleShortVersionString"))
+    yield from code_findings(framework / "Sparkle", f"{FRAMEWORK}/Sparkle", mach_o.MH_DYLIB)
+    yield from framework_helper_findings(framework / "Versions/Current")
     yield from tree_findings(framework)
 
 
-def processor_findings(library, label):
-    if not library.is_file():
+def framework_version_findings(version):
+    lowest = ".".join(map(str, FRAMEWORK_VERSION_MIN))
+    numbers = re.match(r"[0-9]+(\.[0-9]+)*", str(version))
+    if numbers is None:
+        yield f"{FRAMEWORK} has no version, which should be {lowest} or newer."
+    elif tuple(map(int, numbers[0].split("."))) < FRAMEWORK_VERSION_MIN:
+        yield f"{FRAMEWORK} has the version {version}, which should be {lowest} or newer."
+
+
+def framework_helper_findings(version):
+    for name in FRAMEWORK_PROGRAMS:
+        yield from program_findings(version / name, f"{FRAMEWORK}/{name}")
+    for name in FRAMEWORK_BUNDLES:
+        information = property_list(version / name / "Contents/Info.plist")
+        if information is None:
+            yield f"{FRAMEWORK}/{name} is missing, or has no Contents/Info.plist that can be read."
+            continue
+        executable = f"{name}/Contents/MacOS/{information.get('CFBundleExecutable')}"
+        yield from program_findings(version / executable, f"{FRAMEWORK}/{executable}")
+
+
+def program_findings(program, label):
+    yield from code_findings(program, label, mach_o.MH_EXECUTE)
+    if program.is_file() and not is_program(program):
+        yield f"{label} is not executable."
+
+
+def code_findings(path, label, kind):
+    """Whether it is a program or a library, for every processor."""
+    if not path.is_file():
         yield f"{label} is missing."
         return
     try:
-        missing = missing_processors(library)
+        slices = mach_o.read_slices(path)
     except mach_o.NotMachO as problem:
         yield f"{label} {problem}."
         return
-    for processor in missing:
+    wanted = {mach_o.MH_DYLIB: "dynamic library", mach_o.MH_EXECUTE: "program that can be started"}[kind]
+    for part in slices:
+        if part.kind() != kind:
+            yield f"{label} ({part.processor}) is no {wanted}."
+    for processor in missing_processors(path):
         yield f"{label} has no {processor} slice."
 
 

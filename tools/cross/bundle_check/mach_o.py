@@ -16,6 +16,9 @@ FAT_MAGIC = 0xCAFEBABE
 MAGIC_64 = 0xFEEDFACF
 PROCESSORS = {0x01000007: "x86_64", 0x0100000C: "arm64"}
 
+MH_EXECUTE = 2
+MH_DYLIB = 6
+
 LC_SYMTAB = 0x2
 LC_DYSYMTAB = 0xB
 LC_LOAD_DYLIB = 0xC
@@ -58,6 +61,10 @@ class Slice:
             command, size = struct.unpack_from("<II", self.content, offset)
             yield command, self.content[offset : offset + size]
             offset += size
+
+    def kind(self):
+        """MH_EXECUTE for what can be started, MH_DYLIB for a library."""
+        return struct.unpack_from("<I", self.content, 12)[0]
 
     def minimum_version(self):
         """The lowest macOS as text, such as "10.14", or None when the program does not say."""
