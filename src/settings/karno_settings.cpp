@@ -11,7 +11,8 @@ KarnoSettings& KarnoSettings::instance() {
   return *settings;
 }
 
-KarnoSettings::KarnoSettings() : userDefaults_(platform::host().userDefaults.makeSuite("it.vantul.karno")) {}
+KarnoSettings::KarnoSettings()
+    : userDefaults_(platform::host().userDefaults.makeSuite(std::string(suiteName()))) {}
 
 bool KarnoSettings::useFileProviderVerified() const {
   return userDefaults_->boolForKey("useFileProviderVerified");

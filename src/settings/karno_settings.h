@@ -14,6 +14,8 @@ class KarnoSettings {
  public:
   static KarnoSettings& instance();
 
+  static constexpr std::string_view suiteName() { return "it.vantul.karno"; }
+
   // Lets verbose and debug lines into the log.
   bool verboseLogging() const { return boolForKey("verboseLogging", false); }
 

@@ -23,6 +23,10 @@ constexpr std::chrono::seconds kToolLimit{30};
 constexpr const char* kNote =
     "Note: Contents/Info.plist has the SUPublicEDKey of a build without a key of its own, whose private half "
     "nobody has: no update is taken.\n";
+constexpr const char* kClientNote =
+    "Note: Contents/Helpers/Karno.app/Contents/Info.plist has the CFBundleIdentifier it.vantul.Karno, the "
+    "settings' domain it.vantul.karno but for case: on a disk that folds case its own preferences and the "
+    "settings are one file.\n";
 constexpr const char* kGermanTable = "Contents/Resources/de.lproj/Strings.json";
 constexpr const char* kClient = "Contents/Helpers/Karno.app/Contents/MacOS/Karno";
 
@@ -48,7 +52,7 @@ class SelfCheck : public testing::Test {
     overwrite(name, content.replace(place, text.size(), replacement));
   }
 
-  // What karnoctl says of the bundle, without the note on its key.
+  // What karnoctl says of the bundle, without what it notes of every bundle as it is built.
   CommandResult check(const std::vector<std::string>& arguments = {}) const {
     std::vector<std::string> command{"/usr/bin/env",
                                      "-u",
@@ -59,10 +63,17 @@ class SelfCheck : public testing::Test {
                                      "self-check"};
     command.insert(command.end(), arguments.begin(), arguments.end());
     CommandResult result = runCommand(command, kToolLimit);
-    if (const std::size_t note = result.output.find(kNote); note != std::string::npos) {
-      result.output.erase(note, std::string_view(kNote).size());
+    for (const std::string_view sentence : {kNote, kClientNote}) {
+      if (const std::size_t note = result.output.find(sentence); note != std::string::npos) {
+        result.output.erase(note, sentence.size());
+      }
     }
     return result;
+  }
+
+  void sign(const std::string& authority) const {
+    const std::string tool = (machine_.root() / "usr/bin/codesign").string();
+    ASSERT_EQ(runCommand({tool, "--sign", authority, machine_.bundle().string()}, kToolLimit).status, 0);
   }
 
   const Machine machine_{builtTools()};
@@ -86,6 +97,63 @@ TEST_F(SelfCheck, FindsNothingWrongThroughALink) {
 
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.output, StartsWith("Nothing is wrong with " + machine_.bundle().string() + ": "));
+}
+
+TEST_F(SelfCheck, SaysWhoseSignatureTheBundleHas) {
+  sign("Developer ID Application: Vantul (ABCDE12345)");
+  overwrite("Contents/CodeResources", "the notary's answer");
+
+  const CommandResult result = check();
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output,
+              StartsWith("Note: The bundle is signed by Developer ID Application: Vantul (ABCDE12345).\n"
+                         "Nothing is wrong with "));
+}
+
+TEST_F(SelfCheck, NamesASignatureThatDoesNotFit) {
+  sign("Developer ID Application: Vantul (ABCDE12345)");
+  overwrite("Contents/PkgInfo", "APPLKARN");
+
+  const CommandResult result = check();
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output,
+            "The signature of the bundle does not fit (a sealed resource is missing or invalid): macOS may "
+            "refuse to start it.\n");
+}
+
+TEST_F(SelfCheck, NotesABundleThatGatekeeperRejects) {
+  sign("Developer ID Application: Vantul (ABCDE12345)");
+
+  const CommandResult result = check();
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(
+      result.output,
+      HasSubstr("Note: Gatekeeper rejects the bundle (Unnotarized Developer ID): a Mac that downloads "
+                "it does not open it.\n"));
+}
+
+// Not every file system that tests run on keeps extended attributes.
+TEST_F(SelfCheck, NotesQuarantineThatIsToldOfTheBundle) {
+  std::ofstream(machine_.root() / "usr/bin/xattr") << "#!/bin/sh\necho \"$1 $2 $3;5f5e1000;Safari;\"\n";
+
+  const CommandResult result = check();
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output,
+              StartsWith("Note: The bundle is in quarantine, since it was brought by Safari: macOS asks"));
+}
+
+TEST_F(SelfCheck, NotesWhatCannotBeAskedWithoutItsTool) {
+  fs::remove(machine_.root() / "usr/bin/xattr");
+
+  const CommandResult result = check();
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, StartsWith("Note: There is no /usr/bin/xattr here: whether the bundle is in "
+                                        "quarantine was not checked.\nNothing is wrong with "));
 }
 
 TEST_F(SelfCheck, LeavesTheMachineAsItIs) {

@@ -9,6 +9,7 @@
 #include "karnoctl/self_check/self_check_programs.h"
 #include "karnoctl/self_check/self_check_system.h"
 #include "karnoctl/self_check/self_check_texts.h"
+#include "karnoctl/self_check/self_check_trust.h"
 
 namespace karno::karnoctl {
 namespace {
@@ -29,6 +30,7 @@ void checkBundleAndSystem(const CheckedBundle& bundle) {
   checkProgram(bundle, "Contents/MacOS/karnoctl", "nobody can look after this launcher");
   checkHelpers(bundle);
   checkMacBundle(bundle);
+  checkTrust(bundle, information);
   checkTexts(bundle, information);
   checkSystem(bundle);
 }

@@ -31,6 +31,7 @@ class CheckedBundle {
   CheckedBundle(const platform::Platform& platform, const platform::RuntimeCheck& runtime,
                 const ProgramImage& ownProgram, std::string path, SelfCheckFindings& findings);
 
+  const platform::Platform& platform() const { return platform_; }
   const platform::RuntimeCheck& runtime() const { return runtime_; }
   const ProgramImage& ownProgram() const { return ownProgram_; }
   bool isForMacOS() const { return ownProgram_.system == ProgramSystem::MacOS; }

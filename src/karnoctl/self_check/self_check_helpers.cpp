@@ -5,6 +5,8 @@
 #include "app/karno_embedded_app.h"
 #include "karnoctl/self_check/self_check_information.h"
 #include "karnoctl/self_check/self_check_programs.h"
+#include "settings/karno_settings.h"
+#include "util/string_utils.h"
 
 namespace karno::karnoctl {
 namespace {
@@ -15,6 +17,18 @@ struct Build {
   std::string cost;
 };
 
+// A Mac's disk mostly folds case, and preferences are kept in a file with the name of their domain.
+void compareWithSettings(const CheckedBundle& bundle, const std::string& file,
+                         const platform::Value::Dictionary& information) {
+  constexpr std::string_view kDomain = KarnoSettings::suiteName();
+  const auto identifier = textIn(information, "CFBundleIdentifier");
+  if (!identifier || *identifier == kDomain || !u_isEqualToCaseInsensitive(*identifier, kDomain)) return;
+  bundle.note(fmt::format(
+      "{} has the CFBundleIdentifier {}, the settings' domain {} but for case: on a disk that folds case its "
+      "own preferences and the settings are one file.",
+      file, *identifier, kDomain));
+}
+
 void checkBuild(const CheckedBundle& bundle, const Build& build) {
   const std::string folder = "Contents/Helpers/" + build.bundleName;
   if (!bundle.hasFolder(folder, build.cost)) return;
@@ -24,6 +38,7 @@ void checkBuild(const CheckedBundle& bundle, const Build& build) {
   if (!information) return;
   checkIdentifier(bundle, file, *information, build.identifier,
                   "a restart cannot tell whether the client still runs");
+  compareWithSettings(bundle, file, *information);
 
   const auto program = textIn(*information, "CFBundleExecutable");
   if (!program || program->find('/') != std::string::npos) {

@@ -2,11 +2,12 @@
 
 #include <fmt/format.h>
 
+#include "karnoctl/self_check/self_check_seal.h"
+
 namespace karno::karnoctl {
 namespace {
 
 constexpr const char* kFramework = "Contents/Frameworks/Sparkle.framework";
-constexpr const char* kSeal = "Contents/_CodeSignature/CodeResources";
 
 void report(const CheckedBundle& bundle, const platform::MessageCensus& census, std::string_view owner) {
   bundle.findings().messages += census.lookedFor;

@@ -17,9 +17,9 @@ constexpr std::string_view kShell = "/bin/sh";
 constexpr std::string_view kShellWithoutMachine = "bash";
 constexpr std::string_view kSearchPathName = "PATH=";
 constexpr std::string_view kSearchPathOfNobody = "/usr/local/bin:/usr/bin:/bin";
-constexpr const char* kCommandsInScripts[] = {"/bin/kill",     "/bin/ps",          "/bin/sleep",
-                                              "/usr/bin/grep", "/usr/bin/hdiutil", "/usr/bin/open",
-                                              "/usr/bin/xattr"};
+constexpr const char* kCommandsInScripts[] = {"/bin/kill",         "/bin/ps",        "/bin/sleep",
+                                              "/usr/bin/codesign", "/usr/bin/grep",  "/usr/bin/hdiutil",
+                                              "/usr/bin/open",     "/usr/bin/xattr", "/usr/sbin/spctl"};
 constexpr std::string_view kEndsOfWord = " \t\n;&|<>()$`\\\"'*?[";
 
 std::optional<std::string> programOfMachine(std::string_view path) {

@@ -26,6 +26,20 @@ TEST_F(KarnoctlSelfCheck, SaysThatNothingIsWrong) {
   EXPECT_EQ(status_, 0);
 }
 
+TEST_F(KarnoctlSelfCheck, NotesAClientWithTheSettingsDomainButForCase) {
+  EXPECT_EQ(saidInFull(), std::string(kClientNote) + kAllIsFine);
+  EXPECT_EQ(status_, 0);
+}
+
+TEST_F(KarnoctlSelfCheck, NotesNothingOfAClientWithAnotherIdentifier) {
+  bundle_.writeList("Contents/Helpers/Karno.app/Contents/Info.plist",
+                    {{"CFBundleExecutable", "Karno"}, {"CFBundleIdentifier", "it.vantul.KarnoFiles"}});
+
+  EXPECT_EQ(saidInFull(),
+            "Contents/Helpers/Karno.app/Contents/Info.plist has the CFBundleIdentifier it.vantul.KarnoFiles "
+            "instead of it.vantul.Karno: a restart cannot tell whether the client still runs.\n");
+}
+
 TEST_F(KarnoctlSelfCheck, ChecksTheBundleThatIsNamed) {
   machine_.files.addDirectory("/Volumes/Disk");
   machine_.files.move("/Applications/Karno.app", "/Volumes/Disk/Karno.app");
@@ -35,12 +49,13 @@ TEST_F(KarnoctlSelfCheck, ChecksTheBundleThatIsNamed) {
   EXPECT_EQ(terminal_.run({"self-check", "/Volumes/Disk/Karno.app/"}), 0);
 
   EXPECT_EQ(
-      terminal_.out(),
+      withoutClientNote(terminal_.out()),
       "Nothing is wrong with /Volumes/Disk/Karno.app: 5 programs, 5 property lists, 6 tables of texts and "
       "200 messages to the system were checked.\n");
 }
 
 TEST_F(KarnoctlSelfCheck, SpeaksJsonToScripts) {
+  bundle_.remove("Contents/Helpers/Karno.app");
   bundle_.remove("Contents/Helpers/karno-installer");
   terminal_.runtime().system.doneWithout = {"-[NSApplication setActivationPolicy:]"};
 
@@ -49,9 +64,10 @@ TEST_F(KarnoctlSelfCheck, SpeaksJsonToScripts) {
   EXPECT_EQ(nlohmann::json::parse(terminal_.out()), nlohmann::json::parse(R"({
     "bundle": "/Applications/Karno.app",
     "fine": false,
-    "wrong": ["Contents/Helpers/karno-installer is missing: no update can be installed."],
+    "wrong": ["Contents/Helpers/Karno.app is missing: the File Provider build cannot start.",
+              "Contents/Helpers/karno-installer is missing: no update can be installed."],
     "notes": ["This system has no -[NSApplication setActivationPolicy:], which the launcher does without."],
-    "checked": {"programs": 4, "propertyLists": 5, "tables": 6, "messages": 200}
+    "checked": {"programs": 3, "propertyLists": 4, "tables": 6, "messages": 200}
   })"));
 }
 
@@ -261,10 +277,10 @@ TEST_F(KarnoctlSelfCheck, NamesAFileInThePlaceOfAClient) {
 
 TEST_F(KarnoctlSelfCheck, NamesAClientUnderAnotherIdentifier) {
   bundle_.writeList("Contents/Helpers/Karno(Fuse).app/Contents/Info.plist",
-                    {{"CFBundleExecutable", "Karno(Fuse)"}, {"CFBundleIdentifier", "it.vantul.Karno"}});
+                    {{"CFBundleExecutable", "Karno(Fuse)"}, {"CFBundleIdentifier", "it.vantul.Other"}});
 
   EXPECT_EQ(said(),
-            "Contents/Helpers/Karno(Fuse).app/Contents/Info.plist has the CFBundleIdentifier it.vantul.Karno "
+            "Contents/Helpers/Karno(Fuse).app/Contents/Info.plist has the CFBundleIdentifier it.vantul.Other "
             "instead of it.vantul.KarnoFuse: a restart cannot tell whether the client still runs.\n");
 }
 
