@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
+#include "move/applications_folder.h"
 #include "move/system_age.h"
 #include "platform/platform.h"
-#include "util/string_utils.h"
 
 namespace karno {
 namespace {
@@ -15,9 +15,6 @@ constexpr std::string_view kTrashScript =
     "\t\t\t\t\t\t\t\t\t   \ttell application \"Finder\" \n"
     "\t\t\t\t\t\t\t\t\t  \t\tmove theFile to trash \n"
     "\t\t\t\t\t\t\t\t\t  \tend tell";
-
-// The system runs a downloaded application from a read-only place of that name.
-constexpr std::string_view kTranslocation = "/AppTranslocation/";
 
 // As it stands between quotation marks in AppleScript. Without the backslashes a path could end its text and
 // go on as a script.
@@ -53,7 +50,7 @@ bool copyBundle(const std::string& source, const std::string& destination) {
 bool deleteOrTrash(const std::string& path) {
   const auto error = platform::host().files.remove(path);
   if (!error) return true;
-  if (!u_containsString(path, kTranslocation)) {
+  if (!isTranslocated(path)) {
     platform::host().consoleLog.log(
         fmt::format("WARNING -- Could not delete '{}': {}", path, error->localizedDescription()));
   }

@@ -1,7 +1,6 @@
 #include "move/move_alerts.h"
 
-#include <algorithm>
-
+#include "move/applications_folder.h"
 #include "move/lets_move.h"
 #include "platform/platform.h"
 
@@ -10,17 +9,11 @@ namespace {
 
 constexpr const char* kEscapeKey = "\033";
 
-bool isInDownloads(const std::string& path) {
-  const auto folders = platform::host().standardFolders.inAllDomains(platform::StandardFolder::Downloads);
-  return std::ranges::any_of(folders,
-                             [&path](const std::string& folder) { return path.starts_with(folder); });
-}
-
 std::string informativeText(const std::string& bundlePath, bool needsAuthorisation) {
   std::string text = moveText("I can move myself to the Applications folder if you'd like.");
   if (needsAuthorisation) {
     text += " " + moveText("Note that this will require an administrator password.");
-  } else if (isInDownloads(bundlePath)) {
+  } else if (isInDownloadsFolder(bundlePath)) {
     text += " " + moveText("This will keep your Downloads folder uncluttered.");
   }
   return text;

@@ -2,18 +2,16 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <atomic>
 
 #include "move/applications_folder.h"
 #include "move/bundle_files.h"
-#include "move/disk_image.h"
 #include "move/move_alerts.h"
+#include "move/move_plan.h"
 #include "move/privileged_copy.h"
 #include "move/running_copy.h"
 #include "move/shell_scripts.h"
 #include "platform/platform.h"
-#include "util/string_utils.h"
 #include "util/utilities.h"
 
 namespace karno {
@@ -35,38 +33,10 @@ class InProgress {
   ~InProgress() { inProgress = false; }
 };
 
-// A launcher that is ready to be moved: where it is and where it goes.
-struct Move {
-  std::string bundlePath;
-  std::string destination;
-  bool isNested = false;  // it runs from inside another application's bundle
-  std::optional<std::string> diskImageDevice;
-  bool needsAuthorisation = false;
-
-  // A bundle inside another one or on a disk image is left where it is.
-  bool leavesSourceBehind() const { return isNested || diskImageDevice; }
-};
-
 void log(const std::string& line) { platform::host().consoleLog.log(line); }
 
 Error cancelled(const std::string& message) {
   return Utilities::errorWithPOSIXCode(kMoveCancelledCode, message);
-}
-
-bool isInsideApplication(const std::string& bundlePath) {
-  const std::vector<std::string> components = pathComponents(deletingLastPathComponent(bundlePath));
-  return std::ranges::any_of(components,
-                             [](const std::string& component) { return pathExtension(component) == "app"; });
-}
-
-void chooseDestination(Move& move) {
-  const platform::Platform& host = platform::host();
-  const std::string folder =
-      host.fileManager.resolvingSymbolicLinks(host.standardFolders.localApplications());
-  move.destination = u_stringByAppendingPathComponents(folder, {lastPathComponent(move.bundlePath)});
-  move.needsAuthorisation =
-      !host.fileManager.isWritable(folder) ||
-      (host.files.fileExists(move.destination) && !host.fileManager.isWritable(move.destination));
 }
 
 std::optional<Error> fail(const std::string& message) {
@@ -158,10 +128,7 @@ std::optional<Error> moveApplicationToApplicationsFolder(bool onlyFromDiskImage)
   if (!host.dispatch.isMainThread()) {
     return Utilities::errorWithPOSIXCode(kWrongThreadCode, "Cannot run on background thread");
   }
-  Move move;
-  move.bundlePath = host.bundles.mainBundle().bundlePath();
-  move.isNested = isInsideApplication(move.bundlePath);
-  move.diskImageDevice = containingDiskImageDevice(move.bundlePath);
+  Move move = moveOfLauncher();
   if (onlyFromDiskImage && !move.diskImageDevice) return std::nullopt;
   if (isInApplicationsFolder(move.bundlePath)) return std::nullopt;
 

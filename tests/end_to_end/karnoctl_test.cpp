@@ -165,6 +165,18 @@ TEST(KarnoctlExplain, ForetellsTheNextStartAndLeavesNoTrace) {
   EXPECT_THAT(machine.log(), Contains("INFO EmbeddedApp[CONFIGURE] Use File Provider = Yes (admin)"));
 }
 
+TEST(KarnoctlExplain, ForetellsTheQuestionWhetherToMove) {
+  const Machine machine(builtTools(), {"--into", "Downloads"});
+
+  const CommandResult result = karnoctl(machine, {"explain"});
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, HasSubstr("\nMove\n  launcher   " + machine.bundle().string() +
+                                       "\n  question   asked: it is in no Applications folder, but in "
+                                       "Downloads\n  goes to    " +
+                                       machine.root().string() + "/Applications/Karno.app\n\nUpdates\n"));
+}
+
 TEST(KarnoctlExplain, ReadsTheFactsOfTheMachine) {
   const Machine machine(builtTools(), {"--macos", "12.2.1", "--cpu", "x86_64", "--fuse", "3.11.2"});
 

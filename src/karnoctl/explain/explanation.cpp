@@ -93,6 +93,7 @@ void gatherFeed(Explanation& explanation) {
 Explanation gatherExplanation(platform::Platform& platform) {
   const ReadOnlyPlatform readOnly(platform);
   Explanation explanation;
+  explanation.move = explainMove();
   gatherSettings(explanation);
   gatherChoice(explanation);
   gatherSystem(explanation);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "karnoctl/explain/build_choice.h"
+#include "karnoctl/explain/move_explanation.h"
 #include "karnoctl/explain/requirement_check.h"
 #include "platform/platform.h"
 #include "platform/value.h"
@@ -42,6 +43,8 @@ enum class FeedSource { Deployment, NamedByMarker, DebugFeed };
 
 // All that decides what the next start of the launcher does.
 struct Explanation {
+  MoveExplanation move;
+
   ChoiceFacts facts;
   BuildChoice choice;
   std::string bundleName;  // of the chosen build
@@ -63,7 +66,7 @@ struct Explanation {
 };
 
 // Asks the launcher's own code and leaves no trace: nothing is written and nothing logged. Runs the two shell
-// commands that tell processor and macOS.
+// commands that tell processor and macOS, and hdiutil where the launcher may be on a disk image.
 Explanation gatherExplanation(platform::Platform& platform);
 
 }  // namespace karno::karnoctl

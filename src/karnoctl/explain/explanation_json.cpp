@@ -50,6 +50,36 @@ const char* nameOf(SystemCheck check) {
   return "asks-to-install-fuse";
 }
 
+const char* nameOf(MoveRule rule) {
+  switch (rule) {
+    case MoveRule::Elsewhere:
+      return "elsewhere";
+    case MoveRule::Suppressed:
+      return "suppressed";
+    case MoveRule::InNoBundle:
+      return "in-no-bundle";
+    case MoveRule::InApplicationsFolder:
+      break;
+  }
+  return "in-applications-folder";
+}
+
+const char* nameOf(LauncherPlace place) {
+  switch (place) {
+    case LauncherPlace::Downloads:
+      return "downloads";
+    case LauncherPlace::DiskImage:
+      return "disk-image";
+    case LauncherPlace::Translocated:
+      return "translocated";
+    case LauncherPlace::InsideApplication:
+      return "inside-application";
+    case LauncherPlace::Other:
+      break;
+  }
+  return "other";
+}
+
 const char* nameOf(FeedSource source) {
   switch (source) {
     case FeedSource::NamedByMarker:
@@ -72,6 +102,19 @@ const char* nameOf(KarnoTristate state) {
       break;
   }
   return "not-set";
+}
+
+Json moveOf(const MoveExplanation& explanation) {
+  const bool asks = explanation.asks();
+  const Move& move = explanation.move;
+  return {{"asks", asks},
+          {"because", nameOf(explanation.rule)},
+          {"bundle", move.bundlePath},
+          {"place", asks ? Json(nameOf(explanation.place)) : Json()},
+          {"diskImage", orNull(move.diskImageDevice)},
+          {"destination", asks ? Json(move.destination) : Json()},
+          {"replaces", explanation.isDestinationTaken},
+          {"needsPassword", move.needsAuthorisation}};
 }
 
 Json requirementsOf(const Explanation& explanation) {
@@ -110,6 +153,7 @@ std::string explanationJson(const Explanation& explanation) {
       {"bundle", explanation.bundleName},
       {"bundleIsThere", explanation.isBundleThere},
       {"systemCheck", nameOf(explanation.check)},
+      {"move", moveOf(explanation.move)},
       {"system",
        {{"macOS", orNull(explanation.system.macOS)},
         {"processor", orNull(explanation.system.cpu)},

@@ -40,6 +40,14 @@ std::string outcomeText(const Explanation& explanation) {
           : fmt::format("It will fail: there is no {} in the launcher's bundle.\n", explanation.bundleName));
 }
 
+// Comes before all else in a start.
+std::string_view moveOutcomeText(const MoveExplanation& move) {
+  return move.asks()
+             ? "Before that it asks whether it may move itself to the Applications folder, and starts again "
+               "from there; without a yes it quits.\n"
+             : "";
+}
+
 std::string_view checkText(SystemCheck check) {
   switch (check) {
     case SystemCheck::FileProvider:
@@ -55,6 +63,50 @@ std::string_view checkText(SystemCheck check) {
       break;
   }
   return "The system check stops the start: the user is asked to install macFUSE.\n";
+}
+
+std::string_view placeText(LauncherPlace place) {
+  switch (place) {
+    case LauncherPlace::Downloads:
+      return "but in Downloads";
+    case LauncherPlace::DiskImage:
+      return "but on a disk image, where it stays";
+    case LauncherPlace::Translocated:
+      return "but where macOS puts what is in quarantine";
+    case LauncherPlace::InsideApplication:
+      return "but inside another application, where it stays";
+    case LauncherPlace::Other:
+      break;
+  }
+  return "nor below one";
+}
+
+std::string questionText(const MoveExplanation& explanation) {
+  switch (explanation.rule) {
+    case MoveRule::Elsewhere:
+      return fmt::format("asked: it is in no Applications folder, {}", placeText(explanation.place));
+    case MoveRule::Suppressed:
+      return "not asked: moveToApplicationsFolderAlertSuppress is set (it.vantul.KarnoWrapper)";
+    case MoveRule::InNoBundle:
+      return "not known: this karnoctl lies in no bundle";
+    case MoveRule::InApplicationsFolder:
+      break;
+  }
+  return "not asked: it is in an Applications folder";
+}
+
+std::string moveText(const MoveExplanation& explanation) {
+  const Move& move = explanation.move;
+  std::string text =
+      fmt::format("\nMove\n  launcher   {}\n  question   {}\n", move.bundlePath, questionText(explanation));
+  if (!explanation.asks()) return text;
+  text += fmt::format("  goes to    {}{}\n", move.destination,
+                      move.needsAuthorisation ? ", by an administrator's password" : "");
+  if (explanation.isDestinationTaken) {
+    text += fmt::format("             what is there {}\n",
+                        move.needsAuthorisation ? "is removed" : "goes to the Trash, unless it runs");
+  }
+  return text;
 }
 
 std::string choiceText(const Explanation& explanation) {
@@ -159,8 +211,9 @@ std::string readingText(const AdministratorSetting& setting) {
 }
 
 std::string explanationText(const Explanation& explanation) {
-  return outcomeText(explanation) + std::string(checkText(explanation.check)) + choiceText(explanation) +
-         systemText(explanation) + requirementsText(explanation) + updatesText(explanation) +
+  return outcomeText(explanation) + std::string(checkText(explanation.check)) +
+         std::string(moveOutcomeText(explanation.move)) + choiceText(explanation) + systemText(explanation) +
+         requirementsText(explanation) + moveText(explanation.move) + updatesText(explanation) +
          settingsText(explanation);
 }
 

@@ -9,12 +9,12 @@
 #include "karnoctl/self_check/self_check_information.h"
 #include "karnoctl/self_check/self_check_seal.h"
 #include "karnoctl/self_check/system_tools.h"
+#include "move/applications_folder.h"
 
 namespace karno::karnoctl {
 namespace {
 
 constexpr const char* kExtendedAttributes = "/usr/bin/xattr";
-constexpr std::string_view kTranslocation = "/AppTranslocation/";
 
 // The numbers of "10.14.6"; what is missing or no number is 0.
 std::array<int, 3> versionNumbers(const std::string& text) {
@@ -39,7 +39,7 @@ void checkLowestSystem(const CheckedBundle& bundle, const platform::Value::Dicti
 }
 
 void checkTranslocation(const CheckedBundle& bundle) {
-  if (bundle.path().find(kTranslocation) == std::string::npos) return;
+  if (!isTranslocated(bundle.path())) return;
   bundle.wrong(
       "macOS runs the bundle from a random place that nobody can write to (AppTranslocation): the launcher "
       "asks to be moved, and no update can be installed.");

@@ -20,12 +20,13 @@ command_line::Verb explainVerb(Context& context) {
   return {
       .name = "explain",
       .synopsis = "[--json]",
-      .summary = "say which build the launcher runs next, and why",
+      .summary = "say what the next start of the launcher does, and why",
       .help =
           "Says which build of the client the next start of the launcher runs, whether the system check "
           "lets\n"
-          "it, and what both rest on. Nothing is started, written or logged. A build that is named on the\n"
-          "launcher's own command line, as in a restart into the other build, comes before all of this.\n"
+          "it, whether it asks to be moved, and what all of that rests on. Nothing is started, written or\n"
+          "logged. A build that is named on the launcher's own command line, as in a restart into the other\n"
+          "build, comes before the choice.\n"
           "\n"
           "Options:\n"
           "  --json   the same for scripts\n",

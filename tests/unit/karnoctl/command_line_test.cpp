@@ -122,7 +122,7 @@ TEST(Karnoctl, ListsWhatItCanDo) {
             "Verbs:\n"
             "  status     say whether the launcher and its client run\n"
             "  log        show what the launcher has logged\n"
-            "  explain    say which build the launcher runs next, and why\n"
+            "  explain    say what the next start of the launcher does, and why\n"
             "  self-check say what is wrong with the launcher's bundle\n"
             "  post       tell the launcher what its client would tell it\n"
             "  help       say how a verb is used\n"

@@ -66,6 +66,10 @@ TEST(KarnoctlExplain, TellsTheWholeStoryOfAFirstStart) {
             "  ✗ arm64   4.0.4+    macOS 12 or earlier    macOS 14.5 is newer\n"
             "  ✗ x86_64  3.11.2+   any macOS              this Mac has arm64\n"
             "\n"
+            "Move\n"
+            "  launcher   /Applications/Karno.app\n"
+            "  question   not asked: it is in an Applications folder\n"
+            "\n"
             "Updates\n"
             "  feed       https://updates.vantul.it/updates/macos/appcast.eddsa.xml\n"
             "             the usual one, since there is no /Users/tester/KARNOUPGRADE.debug\n"
@@ -109,6 +113,10 @@ TEST(KarnoctlExplain, TellsTheWholeStoryOfAManagedMacWithFuse) {
             "  ✓ arm64   4.4.1+    macOS 13.0.0 or later\n"
             "  ✗ arm64   4.0.4+    macOS 12 or earlier    macOS 13.6.1 is newer\n"
             "  ✗ x86_64  3.11.2+   any macOS              this Mac has arm64\n"
+            "\n"
+            "Move\n"
+            "  launcher   /Applications/Karno.app\n"
+            "  question   not asked: it is in an Applications folder\n"
             "\n"
             "Updates\n"
             "  feed       https://updates.vantul.it/beta.xml\n"
@@ -225,6 +233,9 @@ TEST(KarnoctlExplain, SpeaksJsonToScripts) {
     "bundle": "Karno(Fuse).app",
     "bundleIsThere": true,
     "systemCheck": "passes-with-fuse",
+    "move": {"asks": false, "because": "in-applications-folder", "bundle": "/Applications/Karno.app",
+             "place": null, "diskImage": null, "destination": null, "replaces": false,
+             "needsPassword": false},
     "system": {
       "macOS": "14.5",
       "processor": "x86_64",
