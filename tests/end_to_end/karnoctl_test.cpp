@@ -167,11 +167,15 @@ TEST(KarnoctlExplain, ForetellsTheNextStartAndLeavesNoTrace) {
 
 TEST(KarnoctlExplain, ForetellsTheQuestionWhetherToMove) {
   const Machine machine(builtTools(), {"--into", "Downloads"});
+  const fs::path bundle = machine.home() / "Downloads/Karno.app";
 
-  const CommandResult result = karnoctl(machine, {"explain"});
+  const CommandResult result = runCommand(
+      {"/usr/bin/env", "HOME=" + machine.home().string(), "KARNO_MACHINE_ROOT=" + machine.root().string(),
+       (bundle / "Contents/MacOS/karnoctl").string(), "explain"},
+      kToolLimit);
 
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.output, HasSubstr("\nMove\n  launcher   " + machine.bundle().string() +
+  EXPECT_THAT(result.output, HasSubstr("\nMove\n  launcher   " + bundle.string() +
                                        "\n  question   asked: it is in no Applications folder, but in "
                                        "Downloads\n  goes to    " +
                                        machine.root().string() + "/Applications/Karno.app\n\nUpdates\n"));
