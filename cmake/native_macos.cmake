@@ -19,8 +19,8 @@ elseif(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
       "or Apple's compiler from the Command Line Tools ${apple_compiler_min} on, without CMAKE_CXX_COMPILER.")
   endif()
 else()
-  message(FATAL_ERROR "${compiler} cannot read the headers of macOS, which have blocks: Apple's compiler from the Command "
-    "Line Tools ${apple_compiler_min} on is needed, without CMAKE_CXX_COMPILER.")
+  message(FATAL_ERROR "${compiler} cannot read the headers of macOS, which have blocks: Apple's compiler from the "
+    "Command Line Tools ${apple_compiler_min} on is needed, without CMAKE_CXX_COMPILER.")
 endif()
 
 if(NOT CMAKE_OSX_DEPLOYMENT_TARGET)

@@ -169,8 +169,8 @@ class Symbols(unittest.TestCase):
         status, printed, said = self.place.package()
 
         self.assertEqual((1, ""), (status, printed))
-        self.assertRegex(said, r"^package-macos: The symbols of Karno \(x86_64\) have the UUID [0-9A-F-]{36} instead of "
-                               r"[0-9A-F-]{36}: they are those of another build\.\n$")
+        self.assertRegex(said, r"^package-macos: The symbols of Karno \(x86_64\) have the UUID [0-9A-F-]{36} instead "
+                               r"of [0-9A-F-]{36}: they are those of another build\.\n$")
 
     def test_are_refused_when_those_of_a_program_are_missing(self):
         self.place.use_copy_of_built(("Karno", "Karno"))

@@ -51,7 +51,8 @@ class Signing(unittest.TestCase):
         self.folder = Path(folder.name)
         self.log = self.folder / "log"
         self.release = self.folder / "Karno-1.1.zip"
-        for name, text in (("codesign", FAILING), ("xcrun", FAILING), ("spctl", NOTED), ("ditto", DITTO), ("plutil", PLUTIL)):
+        tools = {"codesign": FAILING, "xcrun": FAILING, "spctl": NOTED, "ditto": DITTO, "plutil": PLUTIL}
+        for name, text in tools.items():
             self.make_tool(name, text)
 
     def make_tool(self, name, text):
@@ -204,8 +205,8 @@ class Signing(unittest.TestCase):
         status, _, said = self.sign("--identity", IDENTITY, package, self.release)
 
         self.assertEqual(
-            (1, "sign-macos: Sparkle.framework has no link Versions/Current: take it as its makers publish it, and copy "
-                "it with ditto\n"), (status, said))
+            (1, "sign-macos: Sparkle.framework has no link Versions/Current: take it as its makers publish it, and "
+                "copy it with ditto\n"), (status, said))
         self.assertEqual([], [line for line in self.noted() if line.startswith("codesign")])
 
     def test_refuses_a_framework_without_its_current_version(self):
