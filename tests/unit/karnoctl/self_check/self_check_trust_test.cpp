@@ -24,7 +24,7 @@ constexpr int kNoSuchAttribute = 1;
 constexpr int kNotFoundByShell = 127;
 
 constexpr const char* kIsFine =
-    "Nothing is wrong with /Applications/Karno.app: 4 programs, 7 property lists, 6 tables of texts and 211 "
+    "Nothing is wrong with /Applications/Karno.app: 4 programs, 9 property lists, 8 tables of texts and 211 "
     "messages to the system were checked.\n";
 constexpr const char* kInQuarantine =
     "Note: The bundle is in quarantine, since it was brought by Safari: macOS asks at its first opening, and "
