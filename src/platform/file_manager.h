@@ -15,8 +15,8 @@ class FileManager {
   // Whether this user may write to the item; false when there is none.
   virtual bool isWritable(const std::string& path) const = 0;
 
-  // Whether both paths lead to one item, by its device and number; false when one of them leads nowhere. Paths
-  // that look apart may be one by a link, or on a disk that folds case.
+  // Whether both paths lead to one item, by its device and number; false when one of them leads nowhere.
+  // Paths that look apart may be one by a link, or on a disk that folds case.
   virtual bool isSameItem(const std::string& path, const std::string& other) const = 0;
 
   // The path with every symbolic link in it resolved; as it is when there is nothing at its end.
@@ -27,7 +27,8 @@ class FileManager {
   virtual std::string standardising(const std::string& path) const = 0;
 
   // Copies a file, or a folder with all it holds; links are copied as links. Something that is at `to`
-  // already is an error, and so is a place within the folder. After a failure a part of the copy may be there.
+  // already is an error, and so is a place within the folder. The copy is there whole and on the disk, or not
+  // at all.
   virtual std::optional<Error> copyItem(const std::string& from, const std::string& to) = 0;
 
   // Moves the item to the user's Trash, under another name when its own is taken there.

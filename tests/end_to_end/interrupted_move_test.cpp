@@ -53,7 +53,9 @@ struct Tally {
   int killed = 0;
   int sourceStillWhole = 0;
   int copyAlreadyWhole = 0;
-  std::string lost;  // at which changes of the disk neither was whole
+  std::string lost;     // at which changes of the disk neither was whole
+  std::string half;     // at which a part of a bundle had the name of a whole one
+  std::string oldLost;  // at which the old copy was neither in its place nor in the Trash
 };
 
 // A folder like a Mac's disk with a bundle in Downloads that a process moves, and may be killed while it
@@ -75,6 +77,7 @@ class InterruptedMove : public ::testing::Test {
     writeBundle(source(), "new");
     if (withInstalledCopy) writeBundle(installed(), "old");
     whole_ = everythingIn(source());
+    old_ = everythingIn(installed());
   }
 
   // Moves the bundle; at that change of the disk the process is killed. 0 kills it never.
@@ -103,7 +106,11 @@ class InterruptedMove : public ::testing::Test {
       const bool isCopyWhole = isWhole(installed());
       tally.sourceStillWhole += isSourceWhole;
       tally.copyAlreadyWhole += isCopyWhole;
-      if (!isSourceWhole && !isCopyWhole) tally.lost += " " + std::to_string(killAt);
+      const std::string at = " " + std::to_string(killAt);
+      if (!isSourceWhole && !isCopyWhole) tally.lost += at;
+      const auto there = everythingIn(installed());
+      if (!there.empty() && !isCopyWhole && there != old_) tally.half += at;
+      if (!old_.empty() && there != old_ && everythingIn(trashed()) != old_) tally.oldLost += at;
     }
     return tally;
   }
@@ -112,6 +119,7 @@ class InterruptedMove : public ::testing::Test {
 
   fs::path home() const { return root_ / "Users/user"; }
   fs::path source() const { return home() / "Downloads/Karno.app"; }
+  fs::path trashed() const { return home() / ".Trash/Karno.app"; }
   fs::path installed() const { return root_ / "Applications/Karno.app"; }
 
  private:
@@ -130,6 +138,7 @@ class InterruptedMove : public ::testing::Test {
 
   fs::path root_;
   std::map<std::string, std::string> whole_;
+  std::map<std::string, std::string> old_;  // empty without one
 };
 
 TEST_F(InterruptedMove, LeavesOneWholeBundleWhereverItIsKilled) {
@@ -140,9 +149,24 @@ TEST_F(InterruptedMove, LeavesOneWholeBundleWhereverItIsKilled) {
   const Tally tally = killAnywhere(changes);
 
   EXPECT_EQ(tally.lost, "") << "with the seed " << seed();
+  EXPECT_EQ(tally.half, "") << "with the seed " << seed();
+  EXPECT_EQ(tally.oldLost, "") << "with the seed " << seed();
   EXPECT_GE(tally.killed, 200);
   EXPECT_GT(tally.sourceStillWhole, 0);
   EXPECT_GT(tally.copyAlreadyWhole, 0);
+}
+
+TEST_F(InterruptedMove, LeavesNothingBehindOnceItHasBeenMadeAgain) {
+  layOut(false);
+  const long changes = changesOfAWholeMove();
+  layOut(false);
+  ASSERT_EQ(move(changes / 3).status, 128 + SIGKILL);
+  ASSERT_TRUE(fs::exists(installed().parent_path() / ".Karno.app.copying"));
+
+  EXPECT_EQ(move(0).status, 0);
+
+  EXPECT_TRUE(isWhole(installed()));
+  EXPECT_EQ(std::distance(fs::directory_iterator(installed().parent_path()), fs::directory_iterator()), 1);
 }
 
 }  // namespace

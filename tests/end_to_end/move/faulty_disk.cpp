@@ -122,4 +122,14 @@ int rename(const char* from, const char* to) {
   }
   return real<int(const char*, const char*)>("rename")(from, to);
 }
+
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) {
+  countChange();
+  if (diskIs("stubborn") && std::strstr(from, "/Downloads/") != nullptr) {
+    errno = EPERM;
+    return -1;
+  }
+  return real<int(int, const char*, int, const char*, unsigned)>("renameat2")(fromFolder, from, toFolder, to,
+                                                                              flags);
+}
 }

@@ -241,16 +241,18 @@ std::optional<Error> FakeFiles::copy(const std::string& from, const std::string&
   const std::string target = placeOf(to, LastLink::Kept).value();
   std::vector<std::string> places = placesFrom(source);
   std::reverse(places.begin(), places.end());
+  std::map<std::string, Node> copy;
   for (const std::string& each : places) {
     const std::string copied = target + each.substr(source.size());
     if (const auto error = hindrance(copied)) return error;
     const Node& original = nodes_.at(each);
     if (original.type == FileType::Other) return Error::posix(ENOTSUP);
-    nodes_[copied] = {original.type, clock_.now(),
-                      original.content ? std::make_shared<Content>(*original.content) : nullptr,
-                      original.destination};
+    copy[copied] = {original.type, clock_.now(),
+                    original.content ? std::make_shared<Content>(*original.content) : nullptr,
+                    original.destination};
     if (readOnly.contains(each)) readOnly.insert(copied);
   }
+  for (auto& [place, node] : copy) nodes_[place] = std::move(node);
   return std::nullopt;
 }
 

@@ -8,7 +8,9 @@
 #include <system_error>
 
 #include "platform/linux/files/tree_copy.h"
+#include "platform/posix/files/exclusive_rename.h"
 #include "platform/posix/files/home.h"
+#include "platform/posix/files/whole_copy.h"
 
 namespace karno::platform {
 namespace {
@@ -22,14 +24,10 @@ bool isThere(const fs::path& path) {
   return ::lstat(path.c_str(), &status) == 0;
 }
 
-// "Karno.app", "Karno 2.app", ...: the first of these that is free in the folder.
-std::optional<fs::path> freePlace(const fs::path& folder, const fs::path& name) {
-  fs::path place = folder / name;
-  for (int number = 2; isThere(place); ++number) {
-    if (number > kTrashNamesMax) return std::nullopt;
-    place = folder / (name.stem().string() + " " + std::to_string(number) + name.extension().string());
-  }
-  return place;
+// "Karno.app", "Karno 2.app", ...
+fs::path placeIn(const fs::path& folder, const fs::path& name, int number) {
+  if (number == 1) return folder / name;
+  return folder / (name.stem().string() + " " + std::to_string(number) + name.extension().string());
 }
 
 bool isBelow(const fs::path& path, const fs::path& folder) {
@@ -39,15 +37,18 @@ bool isBelow(const fs::path& path, const fs::path& folder) {
 }
 
 // To another file system.
-std::optional<Error> moveAcross(const fs::path& from, const fs::path& to) {
+int moveAcross(const fs::path& from, const fs::path& to) {
+  if (const auto failure =
+          copyWhole(to, [&from](const std::string& hidden) { return copyTree(from, hidden); }))
+    return static_cast<int>(failure->code());
   std::error_code error;
-  if (auto failure = copyTree(from, to)) {
-    fs::remove_all(to, error);
-    return failure;
-  }
   fs::remove_all(from, error);
-  if (error) return Error::posix(error.value());
-  return std::nullopt;
+  return error.value();
+}
+
+int moveTo(const fs::path& place, const fs::path& from) {
+  const int failure = renameReplacingNothing(from, place);
+  return failure == EXDEV ? moveAcross(from, place) : failure;
 }
 
 }  // namespace
@@ -62,7 +63,7 @@ bool LinuxFileManager::isWritable(const std::string& path) const {
 std::optional<Error> LinuxFileManager::copyItem(const std::string& from, const std::string& to) {
   if (isThere(to)) return Error::posix(EEXIST);
   if (isBelow(to, from)) return Error::posix(EINVAL);
-  return copyTree(from, to);
+  return copyWhole(to, [&from](const std::string& hidden) { return copyTree(from, hidden); });
 }
 
 std::optional<Error> LinuxFileManager::trashItem(const std::string& path) {
@@ -71,11 +72,12 @@ std::optional<Error> LinuxFileManager::trashItem(const std::string& path) {
   fs::create_directories(trash, error);
   if (error) return Error::posix(error.value());
 
-  const std::optional<fs::path> place = freePlace(trash, fs::path(path).filename());
-  if (!place) return Error::posix(EEXIST);
-  fs::rename(path, *place, error);
-  if (error == std::errc::cross_device_link) return moveAcross(path, *place);
-  if (error) return Error::posix(error.value());
+  int failure = EEXIST;
+  for (int number = 1; failure == EEXIST && number <= kTrashNamesMax; ++number) {
+    const fs::path place = placeIn(trash, fs::path(path).filename(), number);
+    if (!isThere(place)) failure = moveTo(place, path);
+  }
+  if (failure != 0) return Error::posix(failure);
   return std::nullopt;
 }
 

@@ -3,9 +3,9 @@
 
 namespace karno::platform {
 
-// Copies keep permissions, but neither times nor extended attributes. The Trash is .Trash in the user's home.
-// The super-user may write everywhere; here he is told that he may not where nobody's write permission is
-// set, as the user of a Mac, who is never the super-user, would be.
+// Copies keep permissions, times and, where both disks have them, extended attributes. The Trash is .Trash in
+// the user's home. The super-user may write everywhere; here he is told that he may not where nobody's write
+// permission is set, as the user of a Mac, who is never the super-user, would be.
 class LinuxFileManager final : public PosixFileManager {
  public:
   bool isWritable(const std::string& path) const override;

@@ -3,8 +3,12 @@
 #include <fcntl.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
+#include <array>
 #include <cerrno>
+#include <cstring>
+#include <string>
 #include <system_error>
 
 #include "platform/posix/retry.h"
@@ -20,6 +24,34 @@ constexpr std::size_t kPieceBytesMax = std::size_t{1} << 24U;
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
 std::error_code copyItem(const fs::path& from, const fs::path& to, int depth);
+
+// Names one after the other, each ended by a zero byte; empty where there are none.
+std::string namesOfAttributes(const fs::path& path) {
+  const ssize_t size = ::llistxattr(path.c_str(), nullptr, 0);
+  std::string names(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
+  const ssize_t count = names.empty() ? 0 : ::llistxattr(path.c_str(), names.data(), names.size());
+  names.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+  return names;
+}
+
+// Some belong to the system or have no place on the other disk: no reason to refuse the copy.
+void copyAttributes(const fs::path& from, const fs::path& to) {
+  const std::string names = namesOfAttributes(from);
+  for (std::size_t at = 0; at < names.size(); at += std::strlen(&names[at]) + 1) {
+    const char* const name = &names[at];
+    const ssize_t size = ::lgetxattr(from.c_str(), name, nullptr, 0);
+    if (size < 0) continue;
+    std::string value(static_cast<std::size_t>(size), '\0');
+    const ssize_t count = ::lgetxattr(from.c_str(), name, value.data(), value.size());
+    if (count >= 0) ::lsetxattr(to.c_str(), name, value.data(), static_cast<std::size_t>(count), 0);
+  }
+}
+
+std::error_code copyTimes(const struct stat& status, const fs::path& to) {
+  const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
+  return ::utimensat(AT_FDCWD, to.c_str(), times.data(), AT_SYMLINK_NOFOLLOW) == 0 ? std::error_code()
+                                                                                   : lastError();
+}
 
 // As std::filesystem copies, which however says "Input/output error" when the disk is full (libstdc++ 12).
 std::error_code copyFile(const fs::path& from, const fs::path& to) {
@@ -57,7 +89,7 @@ std::error_code copyFolder(const fs::path& from, const fs::path& to, fs::perms p
   return error;
 }
 
-std::error_code copyItem(const fs::path& from, const fs::path& to, int depth) {
+std::error_code copyContent(const fs::path& from, const fs::path& to, int depth) {
   std::error_code error;
   const fs::file_status status = fs::symlink_status(from, error);
   if (error) return error;
@@ -74,6 +106,15 @@ std::error_code copyItem(const fs::path& from, const fs::path& to, int depth) {
     default:
       return std::make_error_code(std::errc::operation_not_supported);
   }
+}
+
+// A folder's times come last: what is made in it changes them.
+std::error_code copyItem(const fs::path& from, const fs::path& to, int depth) {
+  struct stat status = {};
+  if (::lstat(from.c_str(), &status) != 0) return lastError();
+  if (const std::error_code error = copyContent(from, to, depth)) return error;
+  copyAttributes(from, to);
+  return copyTimes(status, to);
 }
 
 }  // namespace

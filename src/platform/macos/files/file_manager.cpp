@@ -1,8 +1,11 @@
 #include "platform/macos/files/file_manager.h"
 
+#include <sys/stat.h>
+
 #include "platform/cocoa/runtime/errors.h"
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/runtime/strings.h"
+#include "platform/posix/files/whole_copy.h"
 
 namespace karno::platform {
 namespace {
@@ -26,10 +29,15 @@ std::optional<Error> errorUnlessDone(std::string_view doing, Work work) {
 }  // namespace
 
 std::optional<Error> FoundationFileManager::copyItem(const std::string& from, const std::string& to) {
-  return errorUnlessDone("copy", [&](objc::Id* error) {
-    return objc::send<bool>(defaultManager(), "copyItemAtPath:toPath:error:", objc::string(from),
-                            objc::string(to), error);
-  });
+  const auto copy = [&from](const std::string& place) {
+    return errorUnlessDone("copy", [&](objc::Id* error) {
+      return objc::send<bool>(defaultManager(), "copyItemAtPath:toPath:error:", objc::string(from),
+                              objc::string(place), error);
+    });
+  };
+  // The manager says best why it copies over nothing.
+  struct stat status = {};
+  return ::lstat(to.c_str(), &status) == 0 ? copy(to) : copyWhole(to, copy);
 }
 
 std::optional<Error> FoundationFileManager::trashItem(const std::string& path) {

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
+#include <array>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 
@@ -47,6 +50,35 @@ TEST_F(LinuxFileManagerTest, CopiesABundleWithItsLinksAndPermissions) {
   EXPECT_EQ(fs::read_symlink(folder_ / "B.app/Contents/Broken"), "/nowhere");
   EXPECT_EQ(permissionsOf("B.app/Contents/Empty"), fs::perms(0700));
   EXPECT_EQ(contentOf(folder_ / "A.app/Contents/MacOS/A"), "program");
+}
+
+TEST_F(LinuxFileManagerTest, KeepsTimesAndAttributes) {
+  folder_.write("A.app/Contents/file", "text");
+  const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(24 * 365);
+  const fs::path file = folder_ / "A.app/Contents/file";
+  const bool hasAttributes = ::setxattr(file.c_str(), "user.karno", "value", 5, 0) == 0;
+  fs::last_write_time(file, longAgo);
+  fs::last_write_time(folder_ / "A.app/Contents", longAgo);
+
+  ASSERT_EQ(manager_.copyItem(folder_ / "A.app", folder_ / "B.app"), std::nullopt);
+
+  EXPECT_EQ(fs::last_write_time(folder_ / "B.app/Contents/file"), longAgo);
+  EXPECT_EQ(fs::last_write_time(folder_ / "B.app/Contents"), longAgo);
+  std::array<char, 8> value = {};
+  const ssize_t count =
+      ::getxattr((folder_ / "B.app/Contents/file").c_str(), "user.karno", value.data(), value.size());
+  EXPECT_EQ(count, hasAttributes ? 5 : -1);
+}
+
+TEST_F(LinuxFileManagerTest, TakesAwayWhatAnEarlierCopyLeftBehind) {
+  folder_.write("A.app/file", "new");
+  folder_.write(".B.app.copying/half", "old");
+
+  EXPECT_EQ(manager_.copyItem(folder_ / "A.app", folder_ / "B.app"), std::nullopt);
+
+  EXPECT_FALSE(fs::exists(folder_ / ".B.app.copying"));
+  EXPECT_FALSE(fs::exists(folder_ / "B.app/half"));
+  EXPECT_EQ(contentOf(folder_ / "B.app/file"), "new");
 }
 
 TEST_F(LinuxFileManagerTest, DoesNotCopyWithoutEnd) {

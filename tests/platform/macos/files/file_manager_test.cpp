@@ -3,6 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include "../../support/temporary_folder.h"
 #include "../stand_in.h"
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
@@ -11,7 +16,10 @@
 namespace karno::platform::test {
 namespace {
 
+using karno::test::contentOf;
 using karno::test::ElementsAre;
+using karno::test::TemporaryFolder;
+using ::testing::Contains;
 
 objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
 
@@ -22,7 +30,10 @@ objc::Boolean answerOrFail(objc::Sel selector, const std::string& arguments, obj
   return isDone;
 }
 
+std::function<void(const std::string& place)> whenCopied;
+
 objc::Boolean copyItem(objc::Id, objc::Sel selector, objc::Id from, objc::Id to, objc::Id* error) {
+  if (whenCopied) whenCopied(shown(to));
   return answerOrFail(selector, shown(from) + " " + shown(to), error);
 }
 
@@ -57,6 +68,8 @@ class MacFileManager : public testing::Test {
  protected:
   MacFileManager() { standIns_.answer("defaultManager", instanceOf(managerClass())); }
 
+  ~MacFileManager() override { whenCopied = nullptr; }
+
   void failWithAnError() {
     standIns_.answer("error", instanceOf(errorClass()));
     standIns_.answer("domain", objc::string("NSCocoaErrorDomain"));
@@ -69,12 +82,39 @@ class MacFileManager : public testing::Test {
   FoundationFileManager manager_;
 };
 
-TEST_F(MacFileManager, Copies) {
+TEST_F(MacFileManager, CopiesToAHiddenNameAndThenToItsPlace) {
+  const TemporaryFolder folder;
   standIns_.answer("copyItemAtPath:toPath:error:", objc::string("done"));
+  whenCopied = [](const std::string& place) { std::ofstream(place) << "copy"; };
 
-  EXPECT_EQ(manager_.copyItem("/a/Karno.app", "/b/Karno.app"), std::nullopt);
+  EXPECT_EQ(manager_.copyItem("/a/Karno.app", folder / "Karno.app"), std::nullopt);
+
   EXPECT_THAT(standIns_.messages(),
-              ElementsAre("defaultManager", "copyItemAtPath:toPath:error: /a/Karno.app /b/Karno.app"));
+              ElementsAre("defaultManager",
+                          "copyItemAtPath:toPath:error: /a/Karno.app " + (folder / ".Karno.app.copying")));
+  EXPECT_EQ(contentOf(folder / "Karno.app"), "copy");
+}
+
+TEST_F(MacFileManager, LeavesNothingOfACopyThatFails) {
+  const TemporaryFolder folder;
+  failWithAnError();
+  whenCopied = [](const std::string& place) { std::ofstream(place) << "half"; };
+
+  EXPECT_NE(manager_.copyItem("/a/Karno.app", folder / "Karno.app"), std::nullopt);
+
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST_F(MacFileManager, LetsTheManagerSayWhyItCopiesOverNothing) {
+  const TemporaryFolder folder;
+  folder.write("Karno.app", "old");
+  failWithAnError();
+
+  EXPECT_NE(manager_.copyItem("/a/Karno.app", folder / "Karno.app"), std::nullopt);
+
+  EXPECT_THAT(standIns_.messages(),
+              Contains("copyItemAtPath:toPath:error: /a/Karno.app " + (folder / "Karno.app")));
+  EXPECT_EQ(contentOf(folder / "Karno.app"), "old");
 }
 
 TEST_F(MacFileManager, TellsWhyItCannotCopy) {
@@ -114,11 +154,9 @@ TEST_F(MacFileManager, FailsWithoutAReason) {
 
 // Only the answer counts: a method may leave anything in the error when it succeeds.
 TEST_F(MacFileManager, HasSucceededWhateverIsLeftInTheError) {
-  standIns_.answer("copyItemAtPath:toPath:error:", objc::string("done"));
   standIns_.answer("trashItemAtURL:resultingItemURL:error:", objc::string("done"));
   standIns_.answer("error left over", instanceOf(errorClass()));
 
-  EXPECT_EQ(manager_.copyItem("/a", "/b"), std::nullopt);
   EXPECT_EQ(manager_.trashItem("/a"), std::nullopt);
 }
 
