@@ -14,10 +14,10 @@ namespace karno::test {
 namespace {
 
 using karno::test::ElementsAre;
-using ::testing::IsEmpty;
 using platform::DistributedNotification;
 using platform::DistributedNotifications;
 using platform::Value;
+using ::testing::IsEmpty;
 
 constexpr const char* kName = "it.vantul.test.Name";
 constexpr const char* kObject = "it.vantul.test.Object";
@@ -115,7 +115,7 @@ TEST_P(NotificationsContract, ReachThoseAloneWhoObserveExactlyThisNameAndObject)
   postNumbers(3, 3);
 
   EXPECT_TRUE(waitFor(first_, 1));
-  EXPECT_THAT(first_.numbers(), ElementsAre(3L));
+  EXPECT_THAT(first_.numbers(), ElementsAre(std::int64_t{3}));
 }
 
 TEST_P(NotificationsContract, ReachEveryObserver) {
@@ -125,8 +125,8 @@ TEST_P(NotificationsContract, ReachEveryObserver) {
   postNumbers(1, 2);
 
   EXPECT_TRUE(waitFor(first_, 2) && waitFor(second_, 2));
-  EXPECT_THAT(first_.numbers(), ElementsAre(1L, 2L));
-  EXPECT_THAT(second_.numbers(), ElementsAre(1L, 2L));
+  EXPECT_THAT(first_.numbers(), ElementsAre(std::int64_t{1}, std::int64_t{2}));
+  EXPECT_THAT(second_.numbers(), ElementsAre(std::int64_t{1}, std::int64_t{2}));
 }
 
 TEST_P(NotificationsContract, AreToldTwiceToWhoWasAddedTwice) {
@@ -136,7 +136,8 @@ TEST_P(NotificationsContract, AreToldTwiceToWhoWasAddedTwice) {
   postNumbers(1, 2);
 
   EXPECT_TRUE(waitFor(first_, 4));
-  EXPECT_THAT(first_.numbers(), ElementsAre(1L, 1L, 2L, 2L));
+  EXPECT_THAT(first_.numbers(),
+              ElementsAre(std::int64_t{1}, std::int64_t{1}, std::int64_t{2}, std::int64_t{2}));
 }
 
 TEST_P(NotificationsContract, AreToldOnTheMainThreadAfterThePost) {
@@ -191,7 +192,7 @@ TEST_P(NotificationsContract, AreNotToldToWhoIsRemovedByAHandler) {
   centre_.removeObserver(&third);
 
   EXPECT_TRUE(hasHeard);
-  EXPECT_THAT(first_.numbers(), ElementsAre(1L));
+  EXPECT_THAT(first_.numbers(), ElementsAre(std::int64_t{1}));
   EXPECT_THAT(second_.numbers(), IsEmpty());
 }
 
@@ -205,7 +206,7 @@ TEST_P(NotificationsContract, ReachAnObserverThatIsAddedAfterwardsOnlyFromThenOn
   centre_.post({.name = "it.vantul.test.Late", .object = kObject, .userInfo = {{"number", 3}}});
 
   EXPECT_TRUE(here_.waitUntil([this] { return !second_.heard.empty() && second_.numbers().back() == 3; }));
-  EXPECT_THAT(second_.numbers(), ElementsAre(3L));
+  EXPECT_THAT(second_.numbers(), ElementsAre(std::int64_t{3}));
 }
 
 TEST_P(NotificationsContract, AreAlsoObservedByAHandlersOwnObserver) {
@@ -220,7 +221,7 @@ TEST_P(NotificationsContract, AreAlsoObservedByAHandlersOwnObserver) {
   postNumbers(1, 1);
 
   EXPECT_TRUE(waitFor(second_, 1));
-  EXPECT_THAT(second_.numbers(), ElementsAre(2L));
+  EXPECT_THAT(second_.numbers(), ElementsAre(std::int64_t{2}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Fake, NotificationsContract, testing::Values(makeFakeWorld));

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/linux/text/icu_text.h"
+#include "text_rules.h"
 
 namespace karno::test {
 
@@ -41,7 +41,7 @@ void FakeText::setTimeZone(std::string timeZone) {
 }
 
 void FakeText::makeRules() {
-  rules_->text = std::make_unique<platform::IcuText>(locale_, timeZone_);
+  rules_->text = textRules(locale_, timeZone_);
   ++rules_->generation;
 }
 

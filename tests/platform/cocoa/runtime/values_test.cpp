@@ -60,7 +60,8 @@ TEST(Values, KeepContainersInOneAnother) {
 TEST(Values, ANumberTooLargeForSixtyFourBitsWithSignBecomesADouble) {
   const objc::AutoreleasePool pool;
 
-  EXPECT_EQ(valueOf(test::unsignedNumber(9'223'372'036'854'775'807U)), Value(9'223'372'036'854'775'807));
+  EXPECT_EQ(valueOf(test::unsignedNumber(9'223'372'036'854'775'807U)),
+            Value(std::int64_t{9'223'372'036'854'775'807}));
   EXPECT_EQ(valueOf(test::unsignedNumber(9'223'372'036'854'775'808U)), Value(9'223'372'036'854'775'808.0));
 }
 

@@ -204,8 +204,8 @@ TEST(PosixTasks, GivesTheChildDefaultSignalsAndAnEmptyMask) {
   const TemporaryFolder folder;
   sigset_t blocked;
   sigset_t before;
-  ::sigemptyset(&blocked);
-  ::sigaddset(&blocked, SIGUSR1);
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGUSR1);
   ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
   PosixTasks tasks;
 
