@@ -9,7 +9,7 @@ from bundle_check import mach_o, text_stubs
 
 BUILD = PROJECT / "build/macos-arm64"
 KIT = PROJECT / "tests/mac_kit"
-STUBS = (PROJECT / "cmake/macos_stubs", KIT)
+STUBS = (PROJECT / "cmake/macos_stubs", BUILD / "tests/mac_kit/stubs")
 
 
 def ninja(*words):
@@ -50,6 +50,13 @@ class TestPrograms(unittest.TestCase):
 
         self.assertEqual(set(), of_objc - declared)
         self.assertIn("_method_getTypeEncoding", of_objc)
+
+    def test_load_each_library_once(self):
+        ninja("karno_mac_sample")
+
+        program, = mach_o.read_slices(BUILD / "tests/mac_kit/karno_mac_sample")
+
+        self.assertEqual(sorted(set(program.libraries())), sorted(program.libraries()))
 
     def test_are_no_part_of_the_launchers_build(self):
         inputs = ninja("-t", "inputs", "all")

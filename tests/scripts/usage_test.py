@@ -14,6 +14,7 @@ MISUSE = {
     "check-macos-bundle": ["--nonsense"],
     "cross-macos": ["--nonsense"],
     "fuzz": ["no_such_target"],
+    "mac-kit": ["--nonsense"],
     "package-macos": ["--nonsense"],
     "run": None,
     "screenshots": ["--nonsense"],
