@@ -84,7 +84,19 @@ class TheTestPrograms(ProofTest):
 
         output = (self.place.results() / "native_tests.txt").read_text()
         self.assertIn("--gtest_filter=-Fake/*:MessageTable.", output)
-        self.assertNotIn("CaptilisiedString", output)
+        for other in ("CaptilisiedString", "EscapePressesCancel", "*OnScreen.*"):
+            self.assertNotIn(other, output)
+
+    def test_are_asked_for_windows_and_keys_only_where_there_are_any(self):
+        for lacking, pattern in (({"KIT_KEYS": "false"}, ":ProgressWindowOnScreen.EscapePressesCancel:"),
+                                 ({"KIT_SESSION": "Background"}, "=-*OnScreen.*:")):
+            self.place.make_program(self.place.kit / "tests/karno_native_tests",
+                                    '#!/bin/sh\necho "$1"; echo "[  PASSED  ] 3 tests."\n')
+
+            self.place.prove("--only", "tests", **lacking)
+
+            self.assertIn(pattern, (self.place.results() / "native_tests.txt").read_text())
+            self.setUp()
 
     def test_name_the_cases_that_have_failed(self):
         self.place.make_program(self.place.kit / "tests/karno_unit_tests",

@@ -14,6 +14,11 @@
 #include <system_error>
 #include <thread>
 
+#include "ending_with_parent.h"
+
+// POSIX has no header for it.
+extern char** environ;
+
 namespace karno::test {
 namespace {
 
@@ -66,9 +71,7 @@ std::optional<int> endOf(pid_t process) {
 }  // namespace
 
 Subprocess::Subprocess(const std::vector<std::string>& command, const std::string& output) {
-  std::vector<std::string> words{"setpriv", "--pdeathsig", "TERM", "--"};
-  words.insert(words.end(), command.begin(), command.end());
-  process_ = spawn(std::move(words), output);
+  process_ = spawn(endingWithItsParent(command), output);
 }
 
 Subprocess::~Subprocess() {

@@ -109,14 +109,18 @@ void watchMessages(std::function<void(const std::string& missingRow)> handler) {
   watch().isOn = true;
 }
 
+objc::detail::Function uncheckedFunction(objc::Id receiver, objc::Sel selector, bool /*returnsInMemory*/) {
+  return reinterpret_cast<objc::detail::Function>(objc_msg_lookup(receiver, selector));
+}
+
 }  // namespace karno::platform::test
 
 // In the place of the platform's own, which the linker leaves out for it.
 namespace karno::platform::objc {
 
-detail::Function detail::messageFunction(Id receiver, Sel selector, bool /*returnsInMemory*/) {
+detail::Function detail::messageFunction(Id receiver, Sel selector, bool returnsInMemory) {
   if (test::watch().isOn) test::look(receiver, selector);
-  return reinterpret_cast<Function>(objc_msg_lookup(receiver, selector));
+  return test::uncheckedFunction(receiver, selector, returnsInMemory);
 }
 
 }  // namespace karno::platform::objc

@@ -53,7 +53,7 @@ limited() {
   "$@" &
   command=$!
   (
-    trap 'kill $! 2>/dev/null' TERM
+    trap 'kill $!; exit' TERM
     sleep "$limit" &
     wait $!
     kill "$command"

@@ -2,43 +2,17 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <fstream>
 #include <stdexcept>
-#include <string>
 #include <thread>
 
 #include "look.h"
 #include "platform/cocoa/runtime/objc.h"
 #include "platform/cocoa/runtime/threads.h"
 #include "platform/cocoa/windows/main_menu.h"
-#include "platform/linux/gnustep/method_replacement.h"
 #include "scenario.h"
 
 namespace karno::test {
 namespace {
-
-// How often this process's main thread has gone to sleep and been woken so far.
-long mainThreadSleeps() {
-  std::ifstream status(fmt::format("/proc/self/task/{}/status", ::getpid()));
-  const std::string key = "voluntary_ctxt_switches:";
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with(key)) {
-      return std::stol(line.substr(key.size()));
-    }
-  }
-  throw std::runtime_error("the kernel does not count");
-}
-
-void countSleepsWhileIdle() {
-  std::thread([] {
-    std::this_thread::sleep_for(std::chrono::seconds(1));
-    const long before = mainThreadSleeps();
-    std::this_thread::sleep_for(std::chrono::seconds(5));
-    say(fmt::format("woken {} times in 5 s", mainThreadSleeps() - before));
-    later([] { terminate(); });
-  }).detach();
-}
 
 void testThreads() {
   say(fmt::format("main thread: {}", platform::cocoa::isMainThread()));
@@ -50,27 +24,6 @@ void testThreads() {
       terminate();
     });
   }).detach();
-}
-
-void (*originalTerminate)(platform::objc::Id, platform::objc::Sel, platform::objc::Id) = nullptr;
-
-void terminateAsOnAMac(platform::objc::Id self, platform::objc::Sel message, platform::objc::Id sender) {
-  if (platform::objc::send(self, "modalWindow") == nullptr) return originalTerminate(self, message, sender);
-  say("refused to terminate");
-}
-
-// The alert is none of a main queue's, so it holds up no block that asks to quit.
-void terminateUnderAnAlert() {
-  originalTerminate = platform::cocoa::replaceMethod(platform::objc::classNamed("NSApplication"),
-                                                     "terminate:", terminateAsOnAMac);
-  later([] {
-    terminate();
-    say("asked to terminate");
-    pressWhenActive("Return");
-  });
-  platform::host().alerts.runModal(
-      {.messageText = "Somebody else's", .informativeText = "", .buttons = {{"OK", "\r"}}});
-  say("answered");
 }
 
 // Texts that say which table they are from.
@@ -104,8 +57,6 @@ void runApplicationScenario(std::string_view name) {
     terminate();
   } else if (name == "terminate-later") {
     later([] { terminate(); });
-  } else if (name == "terminate-under-alert") {
-    terminateUnderAnAlert();
   } else if (name == "signal") {
     ::kill(::getpid(), SIGTERM);
   } else if (name == "signal-to-thread") {
@@ -113,8 +64,6 @@ void runApplicationScenario(std::string_view name) {
   } else if (name == "throw") {
     later([] { terminate(); });
     throw std::runtime_error("cannot launch");
-  } else if (name == "idle") {
-    countSleepsWhileIdle();
   } else if (name == "threads") {
     testThreads();
   } else if (name == "activate") {
@@ -126,6 +75,8 @@ void runApplicationScenario(std::string_view name) {
     platform::host().workspace.selectFile("/etc/hostname", "");
     say("asked");
     terminate();
+  } else {
+    runScenarioOfThisSystem(name);
   }
 }
 

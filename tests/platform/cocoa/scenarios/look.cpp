@@ -1,9 +1,9 @@
 #include "look.h"
 
 #include <fmt/format.h>
-#include <objc/message.h>
 #include <objc/runtime.h>
 
+#include "../../support/message_check.h"
 #include "platform/cocoa/runtime/strings.h"
 #include "scenario.h"
 
@@ -21,7 +21,8 @@ constexpr double kRounding = 0.5;
 template <class R = Id, class... Args>
 R ask(Id receiver, const char* selector, Args... arguments) {
   const objc::Sel message = sel_registerName(selector);
-  const auto function = reinterpret_cast<objc::detail::Function>(objc_msg_lookup(receiver, message));
+  const auto function =
+      platform::test::uncheckedFunction(receiver, message, objc::detail::isReturnedInMemory<R>());
   const auto method = reinterpret_cast<R (*)(Id, objc::Sel, Args...)>(function);
   return method(receiver, message, arguments...);
 }

@@ -58,4 +58,7 @@ void runPromptScenario(std::string_view name);
 void runProgressScenario(std::string_view name);
 void runApplicationScenario(std::string_view name);
 
+// Those that rest on what only this system has.
+void runScenarioOfThisSystem(std::string_view name);
+
 }  // namespace karno::test

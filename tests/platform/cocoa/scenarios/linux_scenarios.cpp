@@ -1,0 +1,70 @@
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "platform/cocoa/runtime/objc.h"
+#include "platform/linux/gnustep/method_replacement.h"
+#include "scenario.h"
+
+namespace karno::test {
+namespace {
+
+// How often this process's main thread has gone to sleep and been woken so far.
+long mainThreadSleeps() {
+  std::ifstream status(fmt::format("/proc/self/task/{}/status", ::getpid()));
+  const std::string key = "voluntary_ctxt_switches:";
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with(key)) {
+      return std::stol(line.substr(key.size()));
+    }
+  }
+  throw std::runtime_error("the kernel does not count");
+}
+
+void countSleepsWhileIdle() {
+  std::thread([] {
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    const long before = mainThreadSleeps();
+    std::this_thread::sleep_for(std::chrono::seconds(5));
+    say(fmt::format("woken {} times in 5 s", mainThreadSleeps() - before));
+    later([] { terminate(); });
+  }).detach();
+}
+
+void (*originalTerminate)(platform::objc::Id, platform::objc::Sel, platform::objc::Id) = nullptr;
+
+void terminateAsOnAMac(platform::objc::Id self, platform::objc::Sel message, platform::objc::Id sender) {
+  if (platform::objc::send(self, "modalWindow") == nullptr) return originalTerminate(self, message, sender);
+  say("refused to terminate");
+}
+
+// The alert is none of a main queue's, so it holds up no block that asks to quit.
+void terminateUnderAnAlert() {
+  originalTerminate = platform::cocoa::replaceMethod(platform::objc::classNamed("NSApplication"),
+                                                     "terminate:", terminateAsOnAMac);
+  later([] {
+    terminate();
+    say("asked to terminate");
+    pressWhenActive("Return");
+  });
+  platform::host().alerts.runModal(
+      {.messageText = "Somebody else's", .informativeText = "", .buttons = {{"OK", "\r"}}});
+  say("answered");
+}
+
+}  // namespace
+
+void runScenarioOfThisSystem(std::string_view name) {
+  if (name == "terminate-under-alert") {
+    terminateUnderAnAlert();
+  } else if (name == "idle") {
+    countSleepsWhileIdle();
+  }
+}
+
+}  // namespace karno::test
