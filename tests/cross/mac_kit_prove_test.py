@@ -57,7 +57,8 @@ class AWorkingLauncher(ProofTest):
 
 class ABrokenLauncher(ProofTest):
     def failures_with(self, broken):
-        status, printed, _ = self.place.prove("--only", "launcher", "--wait", "3", "--calm", "1", KIT_BROKEN=broken, KIT_KEYS="false")
+        status, printed, _ = self.place.prove("--only", "launcher", "--wait", "3", "--calm", "1", KIT_BROKEN=broken,
+                                              KIT_KEYS="false")
         self.assertEqual(1, status)
         return lines_of("failed", printed)
 
@@ -72,7 +73,8 @@ class ABrokenLauncher(ProofTest):
         self.assertIn("a quit under an alert: it does not wait for the answer", self.failures_with("hasty"))
 
     def test_that_does_not_say_that_it_ends_fails(self):
-        self.assertIn("user-selected-quit: no line 'AppDelegate:: Terminating' in the log", self.failures_with("silent"))
+        self.assertIn("user-selected-quit: no line 'AppDelegate:: Terminating' in the log",
+                      self.failures_with("silent"))
 
 
 class TheTestPrograms(ProofTest):
@@ -100,7 +102,8 @@ class TheTestPrograms(ProofTest):
 
     def test_name_the_cases_that_have_failed(self):
         self.place.make_program(self.place.kit / "tests/karno_unit_tests",
-                                "#!/bin/sh\necho '[  FAILED  ] KarnoLog.Writes (3 ms)'\necho '[  PASSED  ] 2 tests.'\nexit 1\n")
+                                "#!/bin/sh\necho '[  FAILED  ] KarnoLog.Writes (3 ms)'\n"
+                                "echo '[  PASSED  ] 2 tests.'\nexit 1\n")
 
         status, printed, _ = self.place.prove("--only", "tests")
 

@@ -9,8 +9,8 @@ check_idle() {
   [ -n "$pid" ] || return
   # The second sample has what the first began.
   limited 60 top -l 2 -s 10 -pid "$pid" -stats pid,idlew >"$results/top.txt" 2>&1
-  wakeups=$(awk -v pid="$pid" '$1 + 0 == pid { gsub(/[^0-9]/, "", $2); if (seen++) print $2 - first; else first = $2 }' \
-    "$results/top.txt" | tail -n 1)
+  wakeups=$(awk -v pid="$pid" '$1 + 0 == pid { counts[++count] = $2 + 0 }
+    END { if (count > 1) print counts[count] - counts[1] }' "$results/top.txt")
   if [[ ! $wakeups =~ ^[0-9]+$ ]]; then
     skipped "idle wake-ups" "top does not count them"
   else

@@ -30,9 +30,12 @@ check_message() {
 
 check_messages_that_stay() {
   runs || start_afresh
-  check_message check-for-updates "Sparkle[CHECK] Checking for updates"
   check_message enable-automatic-updates "Sparkle[CONFIG] Check updates automatically=1"
   check_message disable-automatic-updates "Sparkle[CONFIG] Check updates automatically=0"
+  check_message check-for-updates "Sparkle[CHECK] Checking for updates"
+  # An updater that finds no feed says so in an alert, which would hold up a quit.
+  kill -TERM "$(launcher_pid)"
+  within "$wait_seconds" is_gone
 }
 
 check_restart_of_client() {

@@ -21,6 +21,8 @@ filter() {
   left_out $words
 }
 
+failed_cases() { sed -n 's/^\[  FAILED  \] \([^ (]*[.][^ (]*\).*/\1/p' "$1"; }
+
 run_test_program() {
   local name=$1 output="$results/$1_tests.txt" status
   # Temporary folders by a path without links, which /var is.
@@ -34,7 +36,7 @@ run_test_program() {
   if [ "$status" -eq 0 ] && grep -q '^\[  PASSED  \]' "$output"; then
     ok "the $name tests ($(sed -n 's/^\[  PASSED  \] \([0-9]*\) tests*\..*/\1/p' "$output" | tail -n 1))"
   elif grep -q '^\[  FAILED  \]' "$output"; then
-    failed "the $name tests" "$(sed -n 's/^\[  FAILED  \] \([^ (]*[.][^ (]*\).*/\1/p' "$output" | sort -u | tr '\n' ' ')"
+    failed "the $name tests" "$(failed_cases "$output" | sort -u | tr '\n' ' ')"
   else
     failed "the $name tests" "ended with $status; see ${name}_tests.txt"
   fi
