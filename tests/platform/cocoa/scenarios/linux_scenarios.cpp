@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <objc/runtime.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -8,6 +9,7 @@
 #include <thread>
 
 #include "platform/cocoa/runtime/objc.h"
+#include "platform/cocoa/runtime/strings.h"
 #include "platform/linux/gnustep/method_replacement.h"
 #include "scenario.h"
 
@@ -57,6 +59,36 @@ void terminateUnderAnAlert() {
   say("answered");
 }
 
+using platform::objc::Boolean;
+using platform::objc::Id;
+using platform::objc::Sel;
+using platform::objc::UInteger;
+
+void setCollectionBehavior(Id, Sel, UInteger behaviour) { say(fmt::format("on Space: {}", behaviour)); }
+void setRestorable(Id, Sel, Boolean isRestorable) { say(fmt::format("restorable: {}", isRestorable)); }
+void setAccessibilityLabel(Id view, Sel, Id text) {
+  say(fmt::format("{}: {}", object_getClassName(view), platform::objc::text(text)));
+}
+
+template <class... Arguments>
+void add(const char* className, const char* message, void (*method)(Id, Sel, Arguments...)) {
+  const auto function = reinterpret_cast<void (*)()>(method);
+  class_replaceMethod(objc_getClass(className), sel_registerName(message), reinterpret_cast<IMP>(function),
+                      "v@:@");
+}
+
+// With the methods that only a Mac's windows have.
+void showWindowsOfAMac() {
+  add("NSWindow", "setCollectionBehavior:", setCollectionBehavior);
+  add("NSWindow", "setRestorable:", setRestorable);
+  add("NSView", "setAccessibilityLabel:", setAccessibilityLabel);
+  const auto progress = platform::host().windows.makeProgressWindow();
+  progress->textField().setStringValue("Downloading");
+  progress->show();
+  platform::host().windows.promptWindow().makeKeyAndOrderFront();
+  terminate();
+}
+
 }  // namespace
 
 void runScenarioOfThisSystem(std::string_view name) {
@@ -64,6 +96,8 @@ void runScenarioOfThisSystem(std::string_view name) {
     terminateUnderAnAlert();
   } else if (name == "idle") {
     countSleepsWhileIdle();
+  } else if (name == "mac-windows") {
+    showWindowsOfAMac();
   }
 }
 

@@ -1,10 +1,8 @@
 #include <fmt/format.h>
-#include <objc/runtime.h>
 
 #include <atomic>
 
 #include "platform/cocoa/runtime/objc.h"
-#include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/windows/window.h"
 #include "platform/never_destroyed.h"
 #include "scenario.h"
@@ -91,36 +89,6 @@ void deactivate() {
   });
 }
 
-using platform::objc::Boolean;
-using platform::objc::Id;
-using platform::objc::Sel;
-using platform::objc::UInteger;
-
-void setCollectionBehavior(Id, Sel, UInteger behaviour) { say(fmt::format("on Space: {}", behaviour)); }
-void setRestorable(Id, Sel, Boolean isRestorable) { say(fmt::format("restorable: {}", isRestorable)); }
-void setAccessibilityLabel(Id view, Sel, Id text) {
-  say(fmt::format("{}: {}", object_getClassName(view), platform::objc::text(text)));
-}
-
-template <class... Arguments>
-void add(const char* className, const char* message, void (*method)(Id, Sel, Arguments...)) {
-  const auto function = reinterpret_cast<void (*)()>(method);
-  class_replaceMethod(objc_getClass(className), sel_registerName(message), reinterpret_cast<IMP>(function),
-                      "v@:@");
-}
-
-// With the methods that only a Mac's windows have.
-void showWindowsOfAMac() {
-  add("NSWindow", "setCollectionBehavior:", setCollectionBehavior);
-  add("NSWindow", "setRestorable:", setRestorable);
-  add("NSView", "setAccessibilityLabel:", setAccessibilityLabel);
-  const auto progress = platform::host().windows.makeProgressWindow();
-  progress->textField().setStringValue("Downloading");
-  progress->show();
-  platform::host().windows.promptWindow().makeKeyAndOrderFront();
-  terminate();
-}
-
 void destroy() {
   {
     Window shortLived("short", 100, 100);
@@ -143,8 +111,6 @@ void runWindowScenario(std::string_view name) {
     closeAndReopen();
   } else if (name == "deactivated") {
     deactivate();
-  } else if (name == "mac") {
-    showWindowsOfAMac();
   } else if (name == "destroyed") {
     destroy();
   }

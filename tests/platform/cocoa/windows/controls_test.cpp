@@ -40,7 +40,7 @@ TEST(CocoaControlsOnScreen, AWindowThatHasTheFocusTakesKeysThoughItsApplicationW
 }
 
 TEST(CocoaControlsOnScreen, WindowsOfAMacComeToTheUsersSpaceAreNotRestoredAndSayWhatTheyShow) {
-  EXPECT_EQ(onScreen("window/mac").output,
+  EXPECT_EQ(onScreen("application/mac-windows").output,
             "did finish launching\n"
             "on Space: 2\n"
             "restorable: 0\n"
