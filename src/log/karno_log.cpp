@@ -7,6 +7,7 @@
 #include "log/date_texts.h"
 #include "log/log_files.h"
 #include "platform/platform.h"
+#include "platform/text/utf8.h"
 #include "settings/karno_settings.h"
 
 namespace karno {
@@ -61,7 +62,13 @@ void KarnoLog::logMessage(std::string_view message, std::string_view level) {
   std::string line;
   line.reserve(kUsualPrefixBytesMax + message.size());
   appendLogDate(line, platform::host().clock.now());
-  line.append(processText_).append(level).append("] ").append(message);
+  line.append(processText_).append(level).append("] ");
+  // Names of files and what other programs say may be any bytes; the log is text.
+  if (platform::isValidUTF8(message)) {
+    line.append(message);
+  } else {
+    line.append(platform::validUTF8(message));
+  }
   platform::host().consoleLog.log(line);
   addEntry(line);
 }

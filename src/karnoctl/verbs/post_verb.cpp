@@ -8,6 +8,7 @@
 #include "command_line/closest_word.h"
 #include "ipc/wrapper_notification.h"
 #include "karnoctl/verbs/verbs.h"
+#include "platform/text/utf8.h"
 
 namespace karno::karnoctl {
 namespace {
@@ -53,9 +54,15 @@ std::string messageIn(const command_line::Arguments& arguments) {
                                  command_line::suggestion(*message, kWrapperMessages));
 }
 
+// The notification service takes nothing but UTF-8, and a shell passes whatever it was given.
+std::optional<std::string> reasonIn(const command_line::Arguments& arguments) {
+  const std::optional<std::string> reason = arguments.value("--reason");
+  return reason ? std::optional(platform::validUTF8(*reason)) : std::nullopt;
+}
+
 int post(const command_line::Arguments& arguments, const Context& context) {
   const std::string message = messageIn(arguments);
-  const auto notification = wrapperNotification(message, arguments.value("--reason"));
+  const auto notification = wrapperNotification(message, reasonIn(arguments));
   if (context.platform().distributedNotifications.post(notification)) return command_line::kExitOk;
   context.err << "karnoctl: cannot post '" << message
               << "': the session's notification service cannot be reached\n";

@@ -1,6 +1,8 @@
 #include "platform/text/utf8.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <optional>
 
 namespace karno::platform {
@@ -38,6 +40,17 @@ std::optional<char32_t> takeValid(std::string_view& text) {
   return character;
 }
 
+// Nearly every text is ASCII, which is passed eight bytes at a time.
+void skipASCII(std::string_view& text) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  std::uint64_t eight = 0;
+  while (text.size() >= sizeof eight) {
+    std::memcpy(&eight, text.data(), sizeof eight);
+    if ((eight & kHighBits) != 0) return;
+    text.remove_prefix(sizeof eight);
+  }
+}
+
 bool isLead(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool isTrail(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
@@ -71,10 +84,17 @@ void appendUTF8(std::string& text, char32_t character) {
 }
 
 bool isValidUTF8(std::string_view text) {
-  while (!text.empty()) {
+  for (skipASCII(text); !text.empty(); skipASCII(text)) {
     if (!takeValid(text)) return false;
   }
   return true;
+}
+
+std::string validUTF8(std::string_view text) {
+  if (isValidUTF8(text)) return std::string(text);
+  std::string valid;
+  while (!text.empty()) appendUTF8(valid, takeCharacter(text));
+  return valid;
 }
 
 std::u16string utf16OfUTF8(std::string_view text) {

@@ -19,6 +19,9 @@ void appendUTF8(std::string& text, char32_t character);
 
 bool isValidUTF8(std::string_view text);
 
+// The text with U+FFFD in place of each byte that is wrong.
+std::string validUTF8(std::string_view text);
+
 std::u16string utf16OfUTF8(std::string_view text);
 
 // A surrogate without its other half becomes U+FFFD.

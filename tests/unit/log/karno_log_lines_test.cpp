@@ -43,6 +43,18 @@ TEST(KarnoLogLine, GoesToTheConsoleInTheSameForm) {
               ElementsAre("2024-03-05 14:07:09:042+0100 (4242) [*** ERROR ***] Startup[RESTART] Failed"));
 }
 
+// A folder's name may be any bytes.
+TEST(KarnoLogLine, HasAReplacementForEachByteThatIsNotUTF8) {
+  FakePlatform machine;
+
+  KarnoLog::manager().logInfo("/B\xFCro/Gr\u00FC\u00DFe");
+  machine.runFor(1);
+
+  EXPECT_THAT(machine.log(), ElementsAre(Line("INFO", "/B\uFFFDro/Gr\u00FC\u00DFe")));
+  EXPECT_THAT(machine.console(),
+              ElementsAre("2024-03-05 14:07:09:042+0100 (4242) [INFO] /B\uFFFDro/Gr\u00FC\u00DFe"));
+}
+
 TEST(KarnoLogLine, GoesToTheConsoleBeforeItIsQueued) {
   FakePlatform machine;
   std::vector<Line> inFileThen = {Line("", "not asked")};

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <optional>
+
+#include "ipc/wrapper_protocol.h"
 #include "terminal.h"
 
 namespace karno::karnoctl {
@@ -32,6 +35,24 @@ TEST(KarnoctlPost, SuggestsTheMessageThatWasMeant) {
 
 TEST(KarnoctlPost, RefusesAReasonWithoutAText) {
   EXPECT_EQ(complaintAbout({"restart-wrapper", "--reason"}), complaint("--reason needs a value"));
+}
+
+// A shell passes whatever it was given; the session's notification service does not.
+TEST(KarnoctlPost, HasAReplacementInTheReasonForEachByteThatIsNotUTF8) {
+  test::FakePlatform machine;
+  test::Terminal terminal;
+  std::optional<std::string> reason;
+  machine.notifications.addObserver(
+      &reason, std::string(kWrapperNotificationName), std::string(kWrapperNotificationObject),
+      [&reason](const platform::DistributedNotification& posted) {
+        reason = *posted.userInfo.at(std::string(kWrapperReasonKey)).get<std::string>();
+      });
+
+  const int status = terminal.run({"post", "app-is-terminating-abnormally", "--reason", "a\xFFz"});
+  machine.runFor(1);
+
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(reason, "a\uFFFDz");
 }
 
 }  // namespace

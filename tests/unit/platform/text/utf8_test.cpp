@@ -30,6 +30,12 @@ TEST(UTF8, IsReadAndWrittenCharacterByCharacter) {
   EXPECT_TRUE(isValidUTF8(kEdges));
 }
 
+TEST(UTF8, IsLeftAloneWhereItIsValid) {
+  EXPECT_EQ(validUTF8(kEdges), kEdges);
+  EXPECT_EQ(validUTF8(""), "");
+  EXPECT_EQ(validUTF8(std::string_view("a\0b", 3)), std::string("a\0b", 3));
+}
+
 TEST(UTF8, KeepsZeroBytes) {
   EXPECT_EQ(charactersOf(std::string_view("a\0b", 3)), std::u32string(U"a\0b", 3));
   EXPECT_EQ(utf8Of(std::u32string(1, U'\0')), std::string(1, '\0'));
@@ -51,7 +57,9 @@ TEST_P(WrongUTF8, ReadsAsOneReplacementForEachByte) {
   const std::string& bytes = GetParam().bytes;
 
   EXPECT_FALSE(isValidUTF8(bytes));
+  EXPECT_FALSE(isValidUTF8("eight of ASCII " + bytes));
   EXPECT_EQ(charactersOf(bytes + "a"), std::u32string(bytes.size(), kReplacementCharacter) + U"a");
+  EXPECT_EQ(validUTF8(bytes + "a"), utf8Of(std::u32string(bytes.size(), kReplacementCharacter) + U"a"));
 }
 
 const std::vector<WrongBytes> kWrongBytes = {
