@@ -26,8 +26,9 @@ class Processes {
   // The kernel's short name of a process; empty when there is no such process or it may not be asked.
   virtual std::string name(std::int32_t processIdentifier) const = 0;
 
-  // Sends the termination signal. 0, or the errno value of the failure: ESRCH when there is no such process
-  // or the identifier is not positive, EPERM when it may not be signalled.
+  // Sends the termination signal. 0, or the errno value of the failure: ESRCH when there is no such process,
+  // it was a child of Tasks that has been reaped (somebody else may have its identifier by now) or the
+  // identifier is not positive, EPERM when it may not be signalled.
   virtual int terminate(std::int32_t processIdentifier) = 0;
 
   // waitpid() without options: blocks until the child has ended and reaps it. A child of Tasks that ends

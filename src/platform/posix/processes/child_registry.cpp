@@ -1,5 +1,6 @@
 #include "platform/posix/processes/child_registry.h"
 
+#include <signal.h>
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -21,7 +22,7 @@ bool isEnd(const siginfo_t& change) {
 }
 
 // On macOS waitid() also returns, each time anew, for a child that is merely stopped. Fails with ECHILD when
-// a pending waitpid() was quicker to see the same end.
+// somebody was quicker to reap the child, or when it is no child of this process.
 void waitForEndOf(std::int32_t processIdentifier) {
   for (auto pause = kShortestPause;; pause = std::min(2 * pause, kLongestPause)) {
     siginfo_t change = {};
@@ -44,6 +45,7 @@ void ChildRegistry::beginWatching(std::int32_t processIdentifier) {
   Child& child = children_[processIdentifier];
   child.isWatched = true;
   child.status.reset();
+  std::erase(reaped_, processIdentifier);
 }
 
 std::optional<int> ChildRegistry::watchToEnd(std::int32_t processIdentifier) {
@@ -58,6 +60,7 @@ std::optional<int> ChildRegistry::watchToEnd(std::int32_t processIdentifier) {
   if (!end && ::waitpid(processIdentifier, &status, WNOHANG) == processIdentifier) end = status;
   child.isWatched = false;
   forgetIfUnused(processIdentifier);
+  noteReaped(processIdentifier);
   return end;
 }
 
@@ -67,18 +70,33 @@ WaitResult ChildRegistry::waitForChild(std::int32_t processIdentifier) {
     ++children_[processIdentifier].pendingWaiters;
   }
 
+  waitForEndOf(processIdentifier);
+
+  // Under the lock, so that nobody signals the process identifier between the reaping and the note of it.
+  const std::scoped_lock lock(mutex_);
   int status = 0;
   WaitResult wait;
-  wait.result = retryOnInterrupt([&] { return ::waitpid(processIdentifier, &status, 0); });
+  wait.result = ::waitpid(processIdentifier, &status, WNOHANG);
   if (wait.result == -1) wait.error = errno;
-
-  const std::scoped_lock lock(mutex_);
+  if (wait.result == processIdentifier) noteReaped(processIdentifier);
   --children_[processIdentifier].pendingWaiters;
   const auto reaped = children_.find(wait.result);
   if (reaped != children_.end() && reaped->second.isWatched) reaped->second.status = status;
   forgetIfUnused(processIdentifier);
   changed_.notify_all();
   return wait;
+}
+
+int ChildRegistry::terminate(std::int32_t processIdentifier) {
+  const std::scoped_lock lock(mutex_);
+  if (std::ranges::find(reaped_, processIdentifier) != reaped_.end()) return ESRCH;
+  return ::kill(processIdentifier, SIGTERM) == 0 ? 0 : errno;
+}
+
+void ChildRegistry::noteReaped(std::int32_t processIdentifier) {
+  std::erase(reaped_, processIdentifier);
+  reaped_.push_back(processIdentifier);
+  if (reaped_.size() > kReapedChildrenMax) reaped_.pop_front();
 }
 
 void ChildRegistry::forgetIfUnused(std::int32_t processIdentifier) {

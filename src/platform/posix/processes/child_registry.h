@@ -1,6 +1,7 @@
 #pragma once
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -9,9 +10,13 @@
 
 namespace karno::platform {
 
+// How many children are remembered after they have gone; of more the oldest are forgotten.
+inline constexpr std::size_t kReapedChildrenMax = 1024;
+
 // Shares the end of each child between its watcher and those who wait for it with waitpid(). A child's status
 // can be collected only once: the watcher leaves it to a pending waitpid() and hears of the status from
-// there. Safe from any thread; lives for ever.
+// there. Once it is collected, the system may give the process identifier to a stranger. Safe from any
+// thread; lives for ever.
 class ChildRegistry {
  public:
   static ChildRegistry& instance();
@@ -27,6 +32,10 @@ class ChildRegistry {
   // waitpid(processIdentifier, nullptr, 0), announced to the watcher. Interruptions are not reported.
   WaitResult waitForChild(std::int32_t processIdentifier);
 
+  // kill(processIdentifier, SIGTERM): 0 or its errno. ESRCH for a child that was reaped, whoever has its
+  // process identifier now.
+  int terminate(std::int32_t processIdentifier);
+
  private:
   struct Child {
     bool isWatched = false;
@@ -35,10 +44,12 @@ class ChildRegistry {
   };
 
   void forgetIfUnused(std::int32_t processIdentifier);
+  void noteReaped(std::int32_t processIdentifier);
 
   std::mutex mutex_;
   std::condition_variable changed_;
   std::map<std::int32_t, Child> children_;
+  std::deque<std::int32_t> reaped_;  // the oldest first
 };
 
 WaitResult waitpidRegistered(std::int32_t processIdentifier);

@@ -1,6 +1,5 @@
 #include "platform/posix/processes/processes.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -23,7 +22,7 @@ std::string PosixProcesses::name(std::int32_t processIdentifier) const {
 int PosixProcesses::terminate(std::int32_t processIdentifier) {
   // To kill() these are process groups, or every process of the user.
   if (processIdentifier < 1) return ESRCH;
-  return ::kill(processIdentifier, SIGTERM) == 0 ? 0 : errno;
+  return ChildRegistry::instance().terminate(processIdentifier);
 }
 
 WaitResult PosixProcesses::waitForChild(std::int32_t processIdentifier) {
