@@ -41,7 +41,7 @@ std::string IcuDateFormatter::stringFromDate(Date date) const {
 void IcuDateFormatter::followHost(std::int64_t second) const {
   if (checkedSecond_ == second) return;
   checkedSecond_ = second;
-  std::shared_ptr<const icu::TimeZone> zone = HostTimeZone::instance().current();
+  std::shared_ptr<const icu::TimeZone> zone = HostTimeZone::instance().at(second);
   if (zone == zone_ || zone == nullptr) return;
   format_->setTimeZone(*zone);
   zone_ = std::move(zone);
