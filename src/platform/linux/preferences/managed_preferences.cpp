@@ -7,6 +7,19 @@
 #include "platform/system_path.h"
 
 namespace karno::platform {
+namespace {
+
+// The user of the machine, in whose home this process runs; the account's where that is no home of the
+// machine's.
+std::string machineUserName() {
+  const std::string users = systemPath("/Users/");
+  const std::string home = homeFolder();
+  if (!home.starts_with(users)) return userName();
+  const std::string name = home.substr(users.size());
+  return name.empty() || name.find('/') != std::string::npos ? userName() : name;
+}
+
+}  // namespace
 
 std::optional<Value> LinuxManagedPreferences::copyAppValue(const std::string& key,
                                                            const std::string& applicationID) {
@@ -26,7 +39,7 @@ std::optional<LinuxManagedPreferences::Found> LinuxManagedPreferences::find(
 
   const std::string file = "/" + applicationID + ".plist";
   const std::pair<std::string, bool> places[] = {
-      {systemPath("/Library/Managed Preferences/" + userName() + file), true},
+      {systemPath("/Library/Managed Preferences/" + machineUserName() + file), true},
       {systemPath("/Library/Managed Preferences" + file), true},
       {homeFolder() + "/Library/Preferences" + file, false},
       {systemPath("/Library/Preferences" + file), false},

@@ -52,6 +52,15 @@ TEST_F(LinuxManagedPreferencesTest, ForceWhatIsSetForOneUserAlone) {
   EXPECT_TRUE(preferences.isAppValueForced("KEY", kDomain));
 }
 
+// The account that plays the machine's user has a name of its own.
+TEST_F(LinuxManagedPreferencesTest, AreThoseOfTheMachinesUserInAHomeOfTheMachine) {
+  const ScopedEnvironment homeOfTheMachine("HOME", folder / "root/Users/anna");
+  set("root/Library/Managed Preferences/" + userName(), stringEntry("KEY", "forced for the account"));
+  set("root/Library/Managed Preferences/anna", stringEntry("KEY", "forced for Anna"));
+
+  EXPECT_EQ(value("KEY"), Value("forced for Anna"));
+}
+
 TEST_F(LinuxManagedPreferencesTest, OfNoApplicationAreNone) {
   folder.write("root/Library/Preferences/.plist", propertyList(stringEntry("KEY", "nobody's")));
 
