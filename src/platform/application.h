@@ -50,7 +50,9 @@ class Application {
 using MainInterface = std::function<std::shared_ptr<ApplicationDelegate>()>;
 
 // The application main routine: installs this system's Platform, makes the application object, loads the main
-// interface and runs until terminate(). Keeps the delegate alive for the life of the process.
+// interface and runs until terminate(). Keeps the delegate alive for the life of the process. A signal that
+// tells the process to end (TERM, INT, HUP) ends it in the same order within two seconds, modal window or
+// not; before the delegate was told of the launch, it is told of the end alone. A second one ends it at once.
 // Returns only if the application object could not be made; the result is then the exit status.
 int applicationMain(int argc, char** argv, const MainInterface& loadMainInterface);
 

@@ -1,10 +1,13 @@
 #include "platform/cocoa/application.h"
 
+#include <cstdlib>
+
 #include "platform/cocoa/application_setup.h"
 #include "platform/cocoa/runtime/class_builder.h"
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
+#include "platform/posix/processes/ending_signals.h"
 
 namespace karno::platform::cocoa {
 namespace {
@@ -22,8 +25,6 @@ std::shared_ptr<ApplicationDelegate>& theDelegate() {
   return delegate.get();
 }
 
-void applicationDidFinishLaunching(Id, Id) { theDelegate()->applicationDidFinishLaunching(); }
-
 objc::Boolean shouldHandleReopen(Id, Id, objc::Boolean hasVisibleWindows) {
   return static_cast<objc::Boolean>(theDelegate()->applicationShouldHandleReopen(hasVisibleWindows != 0));
 }
@@ -36,6 +37,26 @@ objc::Boolean supportsSecureRestorableState(Id, Id) { return true; }
 void applicationWillTerminate(Id, Id) {
   theDelegate()->applicationWillTerminate();
   host().dispatch.sleep(kLastWordsSeconds);
+}
+
+Id sharedApplication() { return send(objc::classNamed("NSApplication"), "sharedApplication"); }
+
+// For a signal, which waits for nobody's answer. AppKit refuses terminate: while a window is modal, and then
+// nobody has been told yet.
+void endForSignal() {
+  objc::guardedAndLogged("end", [] {
+    if (send(sharedApplication(), "modalWindow") == nullptr) {
+      send<void>(sharedApplication(), "terminate:", nullptr);
+    }
+    applicationWillTerminate(nullptr, nullptr);
+    std::exit(EXIT_SUCCESS);
+  });
+}
+
+// Nothing is begun by a process that was told to end while it was starting.
+void applicationDidFinishLaunching(Id, Id) {
+  if (hasEndingSignalCome()) return endForSignal();
+  theDelegate()->applicationDidFinishLaunching();
 }
 
 Class delegateClass() {
@@ -51,12 +72,20 @@ Class applicationClass() {
   return objc::ClassBuilder("KarnoApplication", objc::classNamed("NSApplication")).registerClass();
 }
 
-Id sharedApplication() { return send(objc::classNamed("NSApplication"), "sharedApplication"); }
+// GNUstep's application object replaces the handler of SIGTERM with one that runs terminate: wherever the
+// signal hit, and that does nothing before the application runs.
+Id makeApplicationObject() {
+  const EndingSignalsHeld whileReplaced;
+  const Id application = send(applicationClass(), "sharedApplication");
+  catchEndingSignalsAgain();
+  return application;
+}
 
 // The application object does not own its delegate.
 void makeApplication(const MainInterface& loadMainInterface) {
+  catchEndingSignals([] { host().dispatch.mainEvents().async(endForSignal); });
   prepareForApplication();
-  const Id application = send(applicationClass(), "sharedApplication");
+  const Id application = makeApplicationObject();
   prepareApplication();
   static NeverDestroyed<objc::Object> delegate(
       objc::Object::adopting(send(send(delegateClass(), "alloc"), "init")));

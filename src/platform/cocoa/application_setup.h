@@ -7,8 +7,7 @@ namespace karno::platform::cocoa {
 // desktop services that the launcher has no use for.
 void prepareForApplication();
 
-// Right after it was made: gives it its menus where they have a place on the screen, and lets the signal that
-// asks the process to end lead to terminate: where the framework has an own way.
+// Right after it was made: gives it its menus where they have a place on the screen.
 void prepareApplication();
 
 // Runs the application object; ends with exit(), so what it returns is the status of a failed start.

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 #include "screen.h"
 
 namespace karno::test {
@@ -40,6 +42,51 @@ TEST(CocoaApplicationOnScreen, ATerminationSignalThatHitsAnotherThreadEndsItInOr
 
   EXPECT_EQ(result.output, "did finish launching\nwill terminate\n");
   EXPECT_EQ(result.status, 0);
+}
+
+// The shell that starts it has it ignore interrupts.
+TEST(CocoaApplicationOnScreen, AnInterruptOrAHangUpEndsItInOrder) {
+  const CommandResult interrupted = runCommand({KARNO_WITH_DISPLAY, "env", "--default-signal=INT",
+                                                KARNO_COCOA_SCENARIOS, "application/signal-interrupt"},
+                                               std::chrono::seconds(60));
+  const CommandResult hungUp = onScreen("application/signal-hang-up");
+
+  EXPECT_EQ(interrupted.output, "did finish launching\nwill terminate\n");
+  EXPECT_EQ(interrupted.status, 0);
+  EXPECT_EQ(hungUp.output, "did finish launching\nwill terminate\n");
+  EXPECT_EQ(hungUp.status, 0);
+}
+
+// Between the application object and its run.
+TEST(CocoaApplicationOnScreen, ATerminationSignalDuringTheStartKeepsItFromBeginningAnything) {
+  const CommandResult result = onScreen("application/signal-at-start");
+
+  EXPECT_EQ(result.output, "will terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(CocoaApplicationOnScreen, ASignalThatItWasStartedToIgnoreStaysIgnored) {
+  const CommandResult result = runCommand(
+      {KARNO_WITH_DISPLAY, "env", "--ignore-signal=INT", KARNO_COCOA_SCENARIOS, "application/signal-ignored"},
+      std::chrono::seconds(60));
+
+  EXPECT_EQ(result.output, "did finish launching\nstill here\nwill terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(CocoaApplicationOnScreen, AMainThreadThatIsStuckDoesNotOutliveTheSignal) {
+  const CommandResult result = onScreen("application/signal-while-stuck");
+
+  EXPECT_EQ(result.output, "did finish launching\n");
+  EXPECT_EQ(result.status, 128 + SIGTERM);
+}
+
+// Its status is that of the second signal, not of the first, whose time would have been up later.
+TEST(CocoaApplicationOnScreen, ASecondSignalEndsItAtOnce) {
+  const CommandResult result = onScreen("application/signal-twice");
+
+  EXPECT_EQ(result.output, "did finish launching\n");
+  EXPECT_EQ(result.status, 128 + SIGHUP);
 }
 
 TEST(CocoaApplicationOnScreen, ADelegateThatThrowsIsLoggedAndTheApplicationGoesOn) {
@@ -80,6 +127,16 @@ TEST(CocoaApplicationOnScreen, ArgumentsAreNotTakenForDocuments) {
   const CommandResult result = runCommand(
       {KARNO_WITH_DISPLAY, KARNO_COCOA_SCENARIOS, "application/terminate", "/etc/hostname", "-NSHost", "x"},
       std::chrono::seconds(60));
+
+  EXPECT_EQ(result.output, "did finish launching\nwill terminate\n");
+  EXPECT_EQ(result.status, 0);
+}
+
+// GNUstep would end the process before there is anybody to tell.
+TEST(CocoaApplicationOnScreen, AVariableAndAnArgumentNeedNotBeUTF8) {
+  const CommandResult result = runCommand({KARNO_WITH_DISPLAY, "env", "KARNO_ODD=\xFF",
+                                           "\xFF=", KARNO_COCOA_SCENARIOS, "application/terminate", "\xFF"},
+                                          std::chrono::seconds(60));
 
   EXPECT_EQ(result.output, "did finish launching\nwill terminate\n");
   EXPECT_EQ(result.status, 0);

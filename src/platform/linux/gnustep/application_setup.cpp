@@ -8,7 +8,6 @@
 #include "platform/linux/gnustep/appearance.h"
 #include "platform/linux/gnustep/desktop_services.h"
 #include "platform/linux/gnustep/keyboard_focus.h"
-#include "platform/linux/gnustep/termination_signal.h"
 #include "platform/linux/gnustep/theme.h"
 
 namespace karno::platform::cocoa {
@@ -35,8 +34,8 @@ void prepareForApplication() {
   keepKeyboardFocus();
 }
 
-// GNUstep's own handler runs terminate: inside the signal handler, on whatever thread the signal hit.
-void prepareApplication() { terminateOnSignal(); }
+// Menus have no place on the screen.
+void prepareApplication() {}
 
 // NSApplicationMain would do no more than this, after a complaint that the bundle's Info.plist, which it
 // cannot find in a Mac's layout, names no principal class.

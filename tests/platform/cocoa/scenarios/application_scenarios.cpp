@@ -2,6 +2,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <stdexcept>
 #include <thread>
 
@@ -24,6 +25,26 @@ void testThreads() {
       terminate();
     });
   }).detach();
+}
+
+// The main thread serves nothing any more.
+void signalWhileStuck() {
+  ::kill(::getpid(), SIGTERM);
+  std::this_thread::sleep_for(std::chrono::seconds(50));
+}
+
+void signalTwiceWhileStuck() {
+  ::kill(::getpid(), SIGTERM);
+  ::kill(::getpid(), SIGHUP);
+  std::this_thread::sleep_for(std::chrono::seconds(50));
+}
+
+void signalAndEnd(int number) {
+  ::kill(::getpid(), number);
+  later([] {
+    say("still here");
+    terminate();
+  });
 }
 
 // Texts that say which table they are from.
@@ -61,6 +82,16 @@ void runApplicationScenario(std::string_view name) {
     ::kill(::getpid(), SIGTERM);
   } else if (name == "signal-to-thread") {
     std::thread([] { ::raise(SIGTERM); }).detach();
+  } else if (name == "signal-interrupt") {
+    ::kill(::getpid(), SIGINT);
+  } else if (name == "signal-hang-up") {
+    ::kill(::getpid(), SIGHUP);
+  } else if (name == "signal-ignored") {
+    signalAndEnd(SIGINT);
+  } else if (name == "signal-while-stuck") {
+    signalWhileStuck();
+  } else if (name == "signal-twice") {
+    signalTwiceWhileStuck();
   } else if (name == "throw") {
     later([] { terminate(); });
     throw std::runtime_error("cannot launch");

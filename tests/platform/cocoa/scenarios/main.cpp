@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <csignal>
 #include <string>
 
 #include "../../support/message_check.h"
@@ -25,6 +26,7 @@ int main(int argc, char** argv) {
   const std::string group = argument.substr(0, argument.find('/'));
   const std::string name = argument.substr(argument.find('/') + 1);
   return karno::platform::applicationMain(argc, argv, [group, name] {
+    if (name == "signal-at-start") ::raise(SIGTERM);
     return std::make_shared<karno::test::SayingDelegate>([group, name] {
       if (group == "alert") {
         karno::test::runAlertScenario(karno::platform::host().alerts, name);
