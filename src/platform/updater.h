@@ -10,6 +10,7 @@ namespace karno::platform {
 class Updater;
 
 // An entry of the feed, as far as the launcher tells of it.
+// Its texts are lines, see text/one_line.h.
 struct AppcastItem {
   std::optional<std::string> title;  // absent where the feed gives none
   std::string displayVersionString;

@@ -54,6 +54,23 @@ TEST(Appcast, TellsEverythingOfAnItem) {
   EXPECT_FALSE(item.isInformationOnly);
 }
 
+// A log and a terminal would obey them.
+TEST(Appcast, HasEscapesForWhatIsNotToBeSeenInTitleAndVersions) {
+  const auto items = itemsOf(R"(<item><title>1.1&#10;2026-01-01 [INFO]&#27;[2J</title>
+    <sparkle:version>110&#x202E;</sparkle:version><sparkle:channel>be&#10;ta</sparkle:channel>
+    <sparkle:minimumSystemVersion>12&#27;</sparkle:minimumSystemVersion>
+    <description>Two&#10;lines</description>
+    <enclosure url="https://a/b" sparkle:shortVersionString="1.1&#27;"/></item>)");
+
+  ASSERT_THAT(items, SizeIs(1));
+  EXPECT_EQ(items[0].title, "1.1\\n2026-01-01 [INFO]\\u001b[2J");
+  EXPECT_EQ(items[0].version, "110\\u202e");
+  EXPECT_EQ(items[0].displayVersion, "1.1\\u001b");
+  EXPECT_EQ(items[0].channel, "be\\nta");
+  EXPECT_EQ(items[0].minimumSystemVersion, "12\\u001b");
+  EXPECT_EQ(items[0].notes, "Two\nlines");
+}
+
 TEST(Appcast, TakesVersionsFromTheEnclosureOfOlderFeeds) {
   const auto items = itemsOf(
       R"(<item><enclosure url="https://a/b" sparkle:version="7" sparkle:shortVersionString="0.7"/></item>)");

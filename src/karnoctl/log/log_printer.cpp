@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <ostream>
 
+#include "platform/text/one_line.h"
+#include "platform/text/utf8.h"
+
 namespace karno::karnoctl {
 namespace {
 
@@ -50,13 +53,15 @@ std::string colouredLogLine(std::string_view line) {
 std::string withoutControlCharacters(std::string_view line) {
   std::string visible;
   visible.reserve(line.size());
-  for (const char character : line) {
-    const auto byte = static_cast<unsigned char>(character);
-    if ((byte >= 0x20 && byte != 0x7F) || character == '\t') {
-      visible += character;
-    } else {
+  while (!line.empty()) {
+    const char32_t character = platform::takeCharacter(line);
+    if (character == '\t') {
+      visible += '\t';
+    } else if (character < 0x20 || character == 0x7F) {
       visible += '^';
-      visible += static_cast<char>(byte ^ 0x40U);
+      visible += static_cast<char>(character ^ 0x40U);
+    } else {
+      platform::appendVisibly(visible, character);
     }
   }
   return visible;

@@ -10,7 +10,8 @@ namespace karno::karnoctl {
 std::string colouredLogLine(std::string_view line);
 
 // The line with control characters written as "^[", so that nothing a message carries can move the cursor of
-// a terminal or change its settings. Tabs stay.
+// a terminal or change its settings. Tabs stay. What is no character of ASCII but does the like, or turns the
+// direction of the text, is written as "\u009b", and a byte that is not UTF-8 as U+FFFD.
 std::string withoutControlCharacters(std::string_view line);
 
 struct LogPrinting {

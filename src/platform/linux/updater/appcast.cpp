@@ -8,6 +8,7 @@
 #include <pugixml.hpp>
 
 #include "platform/linux/updater/update_errors.h"
+#include "platform/text/one_line.h"
 
 namespace karno::platform::updates {
 namespace {
@@ -52,11 +53,13 @@ std::string text(xml_node node) {
   return trimmed(pieces);
 }
 
-std::string childText(xml_node parent, std::string_view local) { return text(child(parent, local)); }
+std::string childText(xml_node parent, std::string_view local) {
+  return inOneLine(text(child(parent, local)));
+}
 
 std::string attribute(xml_node node, std::string_view local) {
-  return trimmed(
-      node.find_attribute([&](xml_attribute each) { return isOurs(each.name(), local, node); }).value());
+  return inOneLine(trimmed(
+      node.find_attribute([&](xml_attribute each) { return isOurs(each.name(), local, node); }).value()));
 }
 
 // Older feeds have it as an attribute of the enclosure.
@@ -87,7 +90,7 @@ FeedItem itemOf(xml_node item) {
   const xml_node enclosure = item.child("enclosure");
   const xml_node notes = item.child("description");
   FeedItem read;
-  if (const std::string title = text(item.child("title")); !title.empty()) read.title = title;
+  if (const std::string title = text(item.child("title")); !title.empty()) read.title = inOneLine(title);
   read.version = textOrAttribute(item, enclosure, "version");
   read.displayVersion = textOrAttribute(item, enclosure, "shortVersionString");
   if (read.displayVersion.empty()) read.displayVersion = read.version;

@@ -12,7 +12,8 @@ namespace karno::platform::updates {
 // How the release notes of an item are written.
 enum class NotesFormat { HTML, PlainText };
 
-// One release that a feed offers.
+// One release that a feed offers. Its texts are lines (see text/one_line.h), but for the notes; the addresses
+// are as the feed has them.
 struct FeedItem {
   std::optional<std::string> title;
   std::string version;                  // compared with CFBundleVersion

@@ -10,6 +10,7 @@
 #include "platform/linux/updater/update_address.h"
 #include "platform/linux/updater/update_errors.h"
 #include "platform/platform.h"
+#include "platform/text/one_line.h"
 
 namespace karno::platform::updates {
 namespace {
@@ -139,7 +140,7 @@ void UpdateSession::download() {
   if (!folder) return abort(folder.error());
   downloadFolder_ = folder.value();
 
-  parts_.delegate.willDownloadUpdate(parts_.updater, told_, item_.downloadURL);
+  parts_.delegate.willDownloadUpdate(parts_.updater, told_, inOneLine(item_.downloadURL));
   showProgress(textOf("DOWNLOADING"));
   inBackground(
       [self = shared_from_this(), progress = progressOnMainThread()] {

@@ -4,6 +4,7 @@
 
 #include "platform/cocoa/runtime/errors.h"
 #include "platform/cocoa/runtime/strings.h"
+#include "platform/text/one_line.h"
 
 namespace karno::platform::sparkle {
 namespace {
@@ -13,14 +14,17 @@ Error errorWithCode(std::int64_t code, std::string description) {
                {{std::string(kLocalizedDescriptionKey), std::move(description)}});
 }
 
+// A feed may have any text there.
+std::string lineOf(objc::Id text) { return inOneLine(objc::text(text)); }
+
 }  // namespace
 
 AppcastItem appcastItemOf(objc::Id item) {
   AppcastItem read;
-  if (const objc::Id title = objc::send(item, "title"); title != nullptr) read.title = objc::text(title);
-  read.displayVersionString = objc::text(objc::send(item, "displayVersionString"));
+  if (const objc::Id title = objc::send(item, "title"); title != nullptr) read.title = lineOf(title);
+  read.displayVersionString = lineOf(objc::send(item, "displayVersionString"));
   if (read.displayVersionString.empty()) {
-    read.displayVersionString = objc::text(objc::send(item, "versionString"));
+    read.displayVersionString = lineOf(objc::send(item, "versionString"));
   }
   return read;
 }

@@ -6,6 +6,7 @@
 
 #include "platform/posix/processes/child_registry.h"
 #include "platform/posix/processes/process_information.h"
+#include "platform/text/one_line.h"
 
 namespace karno::platform {
 
@@ -16,7 +17,8 @@ std::int32_t PosixProcesses::parentProcessIdentifier() const { return ::getppid(
 std::vector<std::string> PosixProcesses::arguments() const { return programArguments(); }
 
 std::string PosixProcesses::name(std::int32_t processIdentifier) const {
-  return processIdentifier < 1 ? std::string() : shortNameOfProcess(processIdentifier);
+  // The kernel takes any bytes but a zero for a name.
+  return processIdentifier < 1 ? std::string() : inOneLine(shortNameOfProcess(processIdentifier));
 }
 
 int PosixProcesses::terminate(std::int32_t processIdentifier) {

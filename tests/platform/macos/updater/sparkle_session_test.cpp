@@ -181,6 +181,16 @@ TEST_F(MacUpdateSession, AnItemWithoutATitleHasNone) {
   EXPECT_THAT(delegate_.told, ElementsAre("found (no title) (2.0)"));
 }
 
+// A log and a terminal would obey them.
+TEST_F(MacUpdateSession, AnItemsTextsHaveEscapesForWhatIsNotToBeSeen) {
+  framework_.standIns().answer("title", objc::string("Karno\n2026-01-01\033[2J"));
+  framework_.standIns().answer("displayVersionString", objc::string("2.0\u202E"));
+
+  tell("updater:didFindValidUpdate:", item_.get());
+
+  EXPECT_THAT(delegate_.told, ElementsAre("found Karno\\n2026-01-01\\u001b[2J (2.0\\u202e)"));
+}
+
 TEST_F(MacUpdateSession, AnItemWithoutAVersionToShowShowsTheOneThatIsCompared) {
   framework_.standIns().answer("displayVersionString", objc::Object());
   tell("updater:didFindValidUpdate:", item_.get());

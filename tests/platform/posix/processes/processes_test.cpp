@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <filesystem>
 #include <thread>
 
 #include "../../support/forked_process.h"
@@ -34,6 +35,21 @@ TEST(PosixProcesses, TellsTheKernelsShortNameOfAProcess) {
 
   EXPECT_EQ(processes.name(::getpid()) + "\n", test::contentOf("/proc/self/comm"));
   EXPECT_EQ(processes.name(1) + "\n", test::contentOf("/proc/1/comm"));
+}
+
+// A program can call itself what it likes.
+TEST(PosixProcesses, TellsANameAsALineOfUTF8) {
+  const TemporaryFolder folder;
+  const std::string program = folder / "a\n\033\xFC";
+  std::filesystem::copy_file("/bin/sleep", program);
+  const PosixProcesses processes;
+  PosixTasks tasks;
+  StartedTask task(tasks, program, {"60"});
+
+  const std::string name = processes.name(task.result().value());
+  ::kill(task.result().value(), SIGKILL);
+
+  EXPECT_EQ(name, "a\\n\\u001b\uFFFD");
 }
 
 TEST(PosixProcesses, TellsItsArgumentsWithTheProgramFirst) {

@@ -43,6 +43,13 @@ TEST(LogLineOnAScreen, ShowsControlCharactersInsteadOfObeyingThem) {
   EXPECT_EQ(withoutControlCharacters("a\033[2Jb\x07\x7F\tc\u00E4"), "a^[[2Jb^G^?\tc\u00E4");
 }
 
+TEST(LogLineOnAScreen, ShowsWhatActsBeyondASCIIToo) {
+  EXPECT_EQ(withoutControlCharacters("a\u009B2J\u202Eb\u05D0"), "a\\u009b2J\\u202eb\u05D0");
+  EXPECT_EQ(withoutControlCharacters("a\x9B"
+                                     "2J"),
+            "a\uFFFD2J");
+}
+
 TEST(LogPrinter, PrintsBytesAsTheyAreIntoAFile) {
   EXPECT_EQ(printed("a\033[2J\nb\n", {.toTerminal = false, .colours = false}), "a\033[2J\nb\n");
 }
