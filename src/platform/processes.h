@@ -23,8 +23,8 @@ class Processes {
   // The launcher's whole argument list, the program path at index 0 included.
   virtual std::vector<std::string> arguments() const = 0;
 
-  // The kernel's short name of a process, as a line (see text/one_line.h); empty when there is no such process
-  // or it may not be asked.
+  // The kernel's short name of a process, as a line (see text/one_line.h); empty when there is no such
+  // process or it may not be asked.
   virtual std::string name(std::int32_t processIdentifier) const = 0;
 
   // Sends the termination signal. 0, or the errno value of the failure: ESRCH when there is no such process,

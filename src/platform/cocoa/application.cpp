@@ -72,7 +72,7 @@ Class applicationClass() {
   return objc::ClassBuilder("KarnoApplication", objc::classNamed("NSApplication")).registerClass();
 }
 
-// GNUstep's application object replaces the handler of SIGTERM with one that runs terminate: wherever the
+// GNUstep's application object replaces the handlers with one that runs terminate: on whatever thread the
 // signal hit, and that does nothing before the application runs.
 Id makeApplicationObject() {
   const EndingSignalsHeld whileReplaced;
