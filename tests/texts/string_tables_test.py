@@ -86,11 +86,13 @@ class UpdaterTables(unittest.TestCase):
         self.assertEqual([], found)
 
 
-class MoveTables(unittest.TestCase):
+class EnglishKeys:
+    """Tables whose keys are the English texts: what such a table of every language has to be."""
+
     maxDiff = None
 
     def setUp(self):
-        self.tables = table_check.strings_tables(RESOURCES, "MoveApplication.strings")
+        self.tables = table_check.strings_tables(RESOURCES, self.file)
 
     def test_are_there_for_every_language(self):
         self.assertEqual(LANGUAGES, sorted(self.tables))
@@ -98,12 +100,6 @@ class MoveTables(unittest.TestCase):
     # An English reader sees the keys, with or without a table.
     def test_have_english_for_their_keys(self):
         self.assertEqual([], [text for text, english in self.tables["Base"].items() if text != english])
-
-    def test_have_exactly_the_texts_that_the_sources_ask_for(self):
-        asked = table_check.move_texts_asked_for(PROJECT / "src/move")
-
-        self.assertEqual(7, len(asked))
-        self.assertEqual(asked, set(self.tables["Base"]))
 
     def test_are_without_a_fault(self):
         base = self.tables.pop("Base")
@@ -114,18 +110,18 @@ class MoveTables(unittest.TestCase):
         self.assertEqual([], found)
 
 
-class MenuTables(unittest.TestCase):
-    maxDiff = None
+class MoveTables(EnglishKeys, unittest.TestCase):
+    file = "MoveApplication.strings"
 
-    def setUp(self):
-        self.tables = table_check.strings_tables(RESOURCES, "MainMenu.strings")
+    def test_have_exactly_the_texts_that_the_sources_ask_for(self):
+        asked = table_check.move_texts_asked_for(PROJECT / "src/move")
 
-    def test_are_there_for_every_language(self):
-        self.assertEqual(LANGUAGES, sorted(self.tables))
+        self.assertEqual(7, len(asked))
+        self.assertEqual(asked, set(self.tables["Base"]))
 
-    # An English reader sees the keys, with or without a table.
-    def test_have_english_for_their_keys(self):
-        self.assertEqual([], [text for text, english in self.tables["Base"].items() if text != english])
+
+class MenuTables(EnglishKeys, unittest.TestCase):
+    file = "MainMenu.strings"
 
     def test_have_exactly_the_titles_of_the_menus(self):
         menus = (PROJECT / "src/platform/cocoa/windows/main_menu.cpp").read_text(encoding="utf-8")
@@ -133,14 +129,6 @@ class MenuTables(unittest.TestCase):
 
         self.assertEqual(9, len(titles))
         self.assertEqual(titles, set(self.tables["Base"]))
-
-    def test_are_without_a_fault(self):
-        base = self.tables["Base"]
-        found = [f"{language}: {sentence}"
-                 for language, table in self.tables.items()
-                 for sentence in table_check.findings(language, table, base)]
-
-        self.assertEqual([], found)
 
 
 class InformationTables(unittest.TestCase):
