@@ -56,6 +56,12 @@ std::optional<Error> failWithPrivileges() {
   return fail("Could not copy to /Applications with authorization");
 }
 
+// Also a link that leads nowhere, over which nothing can be copied either.
+bool isAnythingAt(const std::string& path) {
+  const platform::Files& files = platform::host().files;
+  return files.fileExists(path) || files.destinationOfSymbolicLink(path);
+}
+
 // What is removed or trashed to make place must never be the launcher itself.
 bool isAtDestination(const Move& move) {
   return platform::host().fileManager.isSameItem(move.bundlePath, move.destination);
@@ -78,7 +84,7 @@ std::optional<Error> moveWithPrivileges(const Move& move) {
 
 std::optional<Error> moveByOneself(const Move& move) {
   const bool isThere = isAtDestination(move);
-  if (!isThere && platform::host().files.fileExists(move.destination) && !trashItem(move.destination)) {
+  if (!isThere && isAnythingAt(move.destination) && !trashItem(move.destination)) {
     return fail("Failed to trash pre-existing app");
   }
   if (isThere || !copyBundle(move.bundlePath, move.destination)) {

@@ -209,6 +209,20 @@ TEST(MoveOverAnOldCopy, PutsItIntoTheTrash) {
   EXPECT_FALSE(fs::exists(downloaded(machine)));
 }
 
+TEST(MoveOverALinkThatLeadsNowhere, PutsTheLinkIntoTheTrash) {
+  Machine machine(builtTools(), {"--into", "Downloads"});
+  fs::create_symlink("/nowhere/Karno.app", machine.bundle());
+  startWithShortClient(machine);
+
+  const auto status = moveAndWait(machine);
+
+  EXPECT_EQ(status, 0);
+  EXPECT_FALSE(fs::is_symlink(machine.bundle()));
+  EXPECT_TRUE(fs::exists(executableOf(machine.bundle())));
+  EXPECT_EQ(fs::read_symlink(trashed(machine)), "/nowhere/Karno.app");
+  EXPECT_FALSE(fs::exists(downloaded(machine)));
+}
+
 TEST(MoveOverAnOldCopy, SwitchesToOneThatRuns) {
   Machine machine(builtTools());
   machine.start();

@@ -169,6 +169,19 @@ TEST(MoveOverACopy, TrashesTheOldOne) {
   EXPECT_THAT(machine.console(), ElementsAre(kMoving));
 }
 
+TEST(MoveOverALinkThatLeadsNowhere, TrashesTheLink) {
+  MovingMachine machine;
+  machine.files.addSymbolicLink(kInstalled, "/Volumes/Gone/Karno.app");
+
+  const auto error = moveApplicationToApplicationsFolder(false);
+
+  EXPECT_EQ(error, std::nullopt);
+  EXPECT_EQ(machine.launcherAt(kInstalled), "new launcher");
+  EXPECT_EQ(machine.files.destinationOfSymbolicLink(kTrashed).value(), "/Volumes/Gone/Karno.app");
+  EXPECT_THAT(machine.commands.ran, IsEmpty());
+  EXPECT_THAT(machine.console(), ElementsAre(kMoving));
+}
+
 TEST(MoveOverACopy, ThatRunsSwitchesToIt) {
   MovingMachine machine;
   machine.withInstalledCopy();
