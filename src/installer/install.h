@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "installer/swap.h"
+#include "platform/linux/files/folder_exchange.h"
 
 namespace karno::installer {
 
@@ -32,6 +33,7 @@ struct InstallEnd {
 // folder. A kill at any instant leaves a whole bundle in the place, the old or the new one; see Swap for file
 // systems without an exchange. Where one of the bundles is missing, or both cannot be swapped, nothing is
 // touched.
-InstallEnd installUpdate(const InstallRequest& request, const Exchange& exchange = exchangeInOneStep);
+InstallEnd installUpdate(const InstallRequest& request,
+                         const Exchange& exchange = platform::exchangeInOneStep);
 
 }  // namespace karno::installer

@@ -35,10 +35,6 @@ std::string folderOf(const std::string& path) { return std::filesystem::path(pat
 
 }  // namespace
 
-int exchangeInOneStep(const std::string& one, const std::string& other) {
-  return ::renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0 ? 0 : errno;
-}
-
 Swap::Swap(std::string newBundle, std::string bundle, Exchange exchange)
     : newBundle_(std::move(newBundle)), bundle_(std::move(bundle)), exchange_(std::move(exchange)) {}
 

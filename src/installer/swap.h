@@ -7,7 +7,6 @@ namespace karno::installer {
 // Exchanges what two paths lead to in one step: at every instant each of them leads to one or the other. 0 or
 // an errno.
 using Exchange = std::function<int(const std::string& one, const std::string& other)>;
-int exchangeInOneStep(const std::string& one, const std::string& other);
 
 // Puts a new bundle where an old one is. Where the file system cannot exchange in one step the old one is
 // first moved aside, to "<bundle>.old-<six letters>"; only a kill between these two moves leaves nothing in

@@ -302,15 +302,58 @@ TEST_F(Update, OfAFeedThatIsNoneIsToldInAnAlert) {
   EXPECT_THAT(machine_.updateLines(), Contains(HasSubstr(aborted("1000 "))));
 }
 
-TEST_F(Update, WhoseDownloadIsCancelledLeavesNothingBehind) {
+TEST_F(Update, IsRefusedBeforeTheDownloadWhereNoBundleCanBeExchanged) {
   machine_.offer("1.1");
-  machine_.server().putPage("/Karno.tar", "behave as /drip");
-  machine_.start();
-  const auto offer = machine_.askForOffer();
-  ASSERT_TRUE(offer) << machine_->consoleText();
-  machine_.answer(*offer, "Return");
-  ASSERT_TRUE(waitForLine("Sparkle[UPDATE] Downloading"));
-  const auto progress = findNextWindow(*machine_, "Software Update", *offer);
+
+  installInVain({"--env", "LD_PRELOAD=" + faultyDisk().string(), "--env", "KARNO_TEST_DISK=simple"});
+
+  EXPECT_THAT(machine_.updateLines(),
+              Contains(AllOf(HasSubstr(aborted("4005 ")), HasSubstr("cannot exchange two folders"))));
+  EXPECT_THAT(machine_.updateLines(), Not(Contains(HasSubstr("Sparkle[UPDATE] Downloading"))));
+  EXPECT_THAT(machine_.remains(), IsEmpty());
+}
+
+class UpdateThatDrips : public Update {
+ protected:
+  // Leads into the middle of a download that takes its time.
+  void beginDownload() {
+    machine_.offer("1.1");
+    machine_.server().putPage("/Karno.tar", "behave as /drip");
+    machine_.start();
+    offer_ = machine_.askForOffer();
+    ASSERT_TRUE(offer_) << machine_->consoleText();
+    machine_.answer(*offer_, "Return");
+    ASSERT_TRUE(waitForLine("Sparkle[UPDATE] Downloading"));
+    ASSERT_TRUE(machine_->waitUntil([this] { return !machine_.remains().empty(); }, kLimit));
+  }
+
+  std::optional<WindowOnScreen> offer_;
+};
+
+TEST_F(UpdateThatDrips, IsTakenAwayWhenTheUserQuits) {
+  ASSERT_NO_FATAL_FAILURE(beginDownload());
+
+  quit();
+
+  EXPECT_THAT(machine_.remains(), IsEmpty());
+}
+
+TEST_F(UpdateThatDrips, IsTakenAwayByTheNextStartWhenTheLauncherWasKilled) {
+  ASSERT_NO_FATAL_FAILURE(beginDownload());
+  for (const int launcher : machine_->processesOf(machine_->bundle() / "Contents/MacOS/Karno"))
+    machine_->in({"sh", "-c", "kill -KILL " + std::to_string(launcher)});
+  machine_->waitForEnd(kLimit);
+  ASSERT_FALSE(machine_.remains().empty());
+
+  machine_->startWithScript("");
+
+  EXPECT_TRUE(machine_->waitUntil([this] { return machine_.remains().empty(); }, kLimit));
+  quit();
+}
+
+TEST_F(UpdateThatDrips, LeavesNothingBehindWhenItIsCancelled) {
+  ASSERT_NO_FATAL_FAILURE(beginDownload());
+  const auto progress = findNextWindow(*machine_, "Software Update", *offer_);
   ASSERT_TRUE(progress) << machine_->consoleText();
 
   pressKey(*machine_, *progress, "Escape");

@@ -18,9 +18,9 @@ namespace karno::test {
 namespace {
 
 namespace fs = std::filesystem;
-using installer::exchangeInOneStep;
 using installer::InstallEnd;
 using installer::installUpdate;
+using platform::exchangeInOneStep;
 
 std::string said(const InstallEnd& end) {
   return (end.isInstalled ? "installed" : "not") + (": " + end.complaint);

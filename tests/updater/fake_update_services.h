@@ -56,12 +56,16 @@ class FakeUpdateFolders final : public platform::updates::UpdateFolders {
  public:
   explicit FakeUpdateFolders(FakePlatform& machine) : machine_(machine) {}
 
+  std::optional<platform::Error> refusalOfPlace(const std::string&) override { return refusal; }
   platform::Result<std::string> makeFolderBeside(const std::string& bundle) override;
+  void handOver(const std::string& folder) override { handedOver.push_back(folder); }
   void remove(const std::string& folder) override;
   void removeLeftoversBeside(const std::string& bundle) override { cleanedBeside.push_back(bundle); }
 
   std::vector<std::string> cleanedBeside;
+  std::optional<platform::Error> refusal;
   std::optional<platform::Error> failure;
+  std::vector<std::string> handedOver;
   std::vector<std::string> removed;
 
  private:

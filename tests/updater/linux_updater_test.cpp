@@ -28,6 +28,7 @@ TEST_F(RequestedUpdate, GoesThroughAllStagesAndStaysInProgressUntilTheLauncherEn
   EXPECT_EQ(machine.application.terminations(), 0);
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
   EXPECT_THAT(folders.removed, ElementsAre("/Applications/.karno-update-1"));
+  EXPECT_THAT(folders.handedOver, ElementsAre("/Applications/.karno-update-2"));
 }
 
 TEST_F(RequestedUpdate, HandsTheFeedsWordsToTheInstaller) {
@@ -301,6 +302,8 @@ TEST_F(RequestedUpdate, WhoseInstallerCannotBeStartedIsAborted) {
 
   EXPECT_EQ(delegate.calls.back(), "aborted 2");
   EXPECT_FALSE(updater.sessionInProgress());
+  EXPECT_THAT(folders.handedOver, IsEmpty());
+  EXPECT_THAT(folders.removed, SizeIs(2));
 }
 
 TEST_F(RequestedUpdate, WhereTheBundlesFolderCannotBeWrittenIsAborted) {
@@ -311,6 +314,18 @@ TEST_F(RequestedUpdate, WhereTheBundlesFolderCannotBeWrittenIsAborted) {
 
   EXPECT_THAT(delegate.calls, ElementsAre("loaded", "found Karno 1.1 1.1", "choice 1", "aborted 4012"));
   EXPECT_THAT(downloads.requests, IsEmpty());
+}
+
+TEST_F(RequestedUpdate, WhereNoBundleCanBeExchangedIsAbortedBeforeTheDownload) {
+  folders.refusal = Error("SUSparkleErrorDomain", 4005, {{"NSLocalizedDescription", "Not on this disk."}});
+
+  check();
+  answer(kUserUpdateChoiceInstall);
+
+  EXPECT_THAT(delegate.calls, ElementsAre("loaded", "found Karno 1.1 1.1", "choice 1", "aborted 4005"));
+  EXPECT_THAT(downloads.requests, IsEmpty());
+  ASSERT_THAT(machine.alerts.shown(), SizeIs(1));
+  EXPECT_EQ(machine.alerts.shown()[0].informativeText, "Not on this disk.");
 }
 
 TEST_F(RequestedUpdate, WithoutANetworkTellsTheUserWhy) {

@@ -2,8 +2,10 @@
 // the C library's functions that the copy, the removal and the Trash are made of. The environment says what
 // is wrong:
 //   KARNO_TEST_DISK=full       there is room for the first bytes only that are written by copying or
-//   unpacking KARNO_TEST_DISK=stubborn   nothing can be removed, and nothing below a folder Downloads can be
-//   renamed KARNO_TEST_KILL_AT=N       the process is killed when it makes its Nth change of the disk
+//                              unpacking
+//   KARNO_TEST_DISK=stubborn   nothing can be removed, and nothing below a folder Downloads can be renamed
+//   KARNO_TEST_DISK=simple     two folders cannot be exchanged in one step
+//   KARNO_TEST_KILL_AT=N       the process is killed when it makes its Nth change of the disk
 //   KARNO_TEST_COUNT_FILE=F    how many changes it has made is written there when it ends
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -127,6 +129,10 @@ int renameat2(int fromFolder, const char* from, int toFolder, const char* to, un
   countChange();
   if (diskIs("stubborn") && std::strstr(from, "/Downloads/") != nullptr) {
     errno = EPERM;
+    return -1;
+  }
+  if (diskIs("simple") && (flags & RENAME_EXCHANGE) != 0) {
+    errno = EINVAL;
     return -1;
   }
   return real<int(int, const char*, int, const char*, unsigned)>("renameat2")(fromFolder, from, toFolder, to,

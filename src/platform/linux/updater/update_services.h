@@ -53,15 +53,20 @@ class UpdateInstaller {
                                                 bool relaunch) = 0;
 };
 
-// A private folder on the bundle's own volume, so that the swap is a rename.
+// Private folders on the bundle's own volume, so that the swap is a rename. Safe from any thread.
 class UpdateFolders {
  public:
   virtual ~UpdateFolders() = default;
 
+  // Why no update can be put in place there; absent when one can.
+  virtual std::optional<Error> refusalOfPlace(const std::string& bundle) = 0;
+
+  // A folder goes with this process at the latest, unless it is handed over.
   virtual Result<std::string> makeFolderBeside(const std::string& bundle) = 0;
+  virtual void handOver(const std::string& folder) = 0;
   virtual void remove(const std::string& folder) = 0;
 
-  // Removes what updates left beside the bundle that were cut off more than a day ago.
+  // Removes what updates left beside the bundle that were cut off.
   virtual void removeLeftoversBeside(const std::string& bundle) = 0;
 };
 

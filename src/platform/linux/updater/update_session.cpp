@@ -136,7 +136,9 @@ void UpdateSession::chosen(long choice) {
 
 void UpdateSession::download() {
   if (const auto refusal = refusalOfAddress(item_.downloadURL)) return abort(*refusal);
-  const Result<std::string> folder = parts_.services.folders.makeFolderBeside(bundle().bundlePath());
+  UpdateFolders& folders = parts_.services.folders;
+  if (const auto refusal = folders.refusalOfPlace(bundle().bundlePath())) return abort(*refusal);
+  const Result<std::string> folder = folders.makeFolderBeside(bundle().bundlePath());
   if (!folder) return abort(folder.error());
   downloadFolder_ = folder.value();
 
@@ -203,6 +205,7 @@ void UpdateSession::install(const std::string& newBundle) {
   if (const auto error =
           parts_.services.installer.installAfterQuit(newBundle, bundle().bundlePath(), relaunch))
     return abort(*error);
+  parts_.services.folders.handOver(unpackFolder_);
   if (relaunch) host().application.terminate();
 }
 

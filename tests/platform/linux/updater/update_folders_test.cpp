@@ -5,10 +5,14 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <string>
 
 #include "../../support/temporary_folder.h"
+#include "platform/linux/files/folder_hold.h"
 
 namespace karno::platform::updates {
 namespace {
@@ -41,6 +45,82 @@ TEST(UpdateFolders, CannotBeMadeWhereThereIsNoFolder) {
 
   ASSERT_FALSE(made);
   EXPECT_EQ(made.error().code(), 4012);
+}
+
+TEST(UpdateFolders, LieWhereTwoFoldersCanBeExchanged) {
+  const test::TemporaryFolder folder;
+
+  EXPECT_EQ(SiblingFolders().refusalOfPlace(folder / "Karno.app"), std::nullopt);
+
+  EXPECT_TRUE(fs::is_empty(folder.path()));
+}
+
+TEST(UpdateFolders, SayWhereTwoFoldersCannotBeExchanged) {
+  const test::TemporaryFolder folder;
+  const auto unknown = [](const std::string&, const std::string&) { return EINVAL; };
+
+  const auto refusal = SiblingFolders(unknown).refusalOfPlace(folder / "Karno.app");
+
+  ASSERT_TRUE(refusal);
+  EXPECT_EQ(refusal->code(), 4005);
+  EXPECT_EQ(refusal->localizedDescription(), "Updates cannot be installed in the folder “" + folder.path() +
+                                                 "”: its disk cannot exchange two folders in one step.");
+  EXPECT_TRUE(fs::is_empty(folder.path()));
+}
+
+TEST(UpdateFolders, SayWhereNothingCanBeWritten) {
+  const test::TemporaryFolder folder;
+
+  const auto refusal = SiblingFolders().refusalOfPlace(folder / "missing/Karno.app");
+
+  ASSERT_TRUE(refusal);
+  EXPECT_EQ(refusal->code(), 4012);
+}
+
+TEST(UpdateFolders, AreHeldUntilTheyAreRemoved) {
+  const test::TemporaryFolder folder;
+  SiblingFolders folders;
+
+  const std::string made = folders.makeFolderBeside(folder / "Karno.app").value();
+  EXPECT_EQ(isFolderHeld(made), true);
+  folders.removeLeftoversBeside(folder / "Karno.app");
+  EXPECT_TRUE(fs::exists(made));
+
+  folders.remove(made);
+  EXPECT_FALSE(fs::exists(made));
+}
+
+TEST(UpdateFolders, OfADownloadThatWasCutOffGoAtOnce) {
+  const test::TemporaryFolder folder;
+  folder.write(".karno-update-download/archive", "half");
+  fs::create_directory(folder / ".karno-update-empty");
+  fs::create_directories(folder / ".karno-update-unpacked/Karno.app");
+
+  SiblingFolders().removeLeftoversBeside(folder / "Karno.app");
+
+  EXPECT_FALSE(fs::exists(folder / ".karno-update-download"));
+  EXPECT_FALSE(fs::exists(folder / ".karno-update-empty"));
+  EXPECT_TRUE(fs::exists(folder / ".karno-update-unpacked/Karno.app"));
+}
+
+TEST(UpdateFoldersDeathTest, GoWithTheProcessUnlessTheyAreHandedOver) {
+  const test::TemporaryFolder folder;
+  const auto end = [&] {
+    SiblingFolders folders;
+    const std::string left = folders.makeFolderBeside(folder / "Karno.app").value();
+    const std::string handed = folders.makeFolderBeside(folder / "Karno.app").value();
+    fs::create_directory(fs::path(left) / "inside");
+    fs::create_directory(fs::path(handed) / "Karno.app");
+    folders.handOver(handed);
+    std::exit(0);
+  };
+
+  EXPECT_EXIT(end(), ::testing::ExitedWithCode(0), "");
+
+  const fs::directory_iterator remains(folder.path());
+  ASSERT_NE(remains, fs::directory_iterator());
+  EXPECT_TRUE(fs::exists(remains->path() / "Karno.app"));
+  EXPECT_EQ(std::distance(remains, {}), 1);
 }
 
 TEST(UpdateFolders, OfMoreThanADayAgoAreClearedAwayAndNothingElse) {
