@@ -74,6 +74,14 @@ add_custom_command(OUTPUT ${bundle_texts}/${icon} COMMAND ${draw}
   DEPENDS ${vectors} ${style} ${drawing} ${drawing_sources} COMMENT "Drawing ${icon}" VERBATIM)
 karno_stage(${bundle_texts}/${icon} "" Contents/Resources/${icon})
 set(other_resources ${icon})
+if(NOT APPLE)
+  # What AppKit puts on the icon of a critical alert by itself.
+  add_custom_command(OUTPUT ${bundle_texts}/caution.png
+    COMMAND ${KARNO_RSVG_CONVERT} --width 60 --height 60 --output ${bundle_texts}/caution.png ${resources}/icon/caution.svg
+    DEPENDS ${resources}/icon/caution.svg COMMENT "Drawing caution.png" VERBATIM)
+  karno_stage(${bundle_texts}/caution.png "" Contents/Resources/caution.png)
+  list(APPEND other_resources caution.png)
+endif()
 
 # What a shell takes from the bundle: karnoctl's manual page, and its completions under the names that shells look for.
 karno_stage(${PROJECT_SOURCE_DIR}/docs/man/karnoctl.1 "" Contents/Resources/man/man1/karnoctl.1)

@@ -16,5 +16,5 @@ else()
   # Classes are looked up by name at run time, so nothing refers to the libraries when the program is linked.
   target_link_libraries(karno_platform PUBLIC
     -Wl,--no-as-needed gnustep-gui gnustep-base ${KARNO_OBJC_LIBRARY} -Wl,--as-needed
-    SDBusCpp::sdbus-c++ pugixml::pugixml nlohmann_json::nlohmann_json Threads::Threads ${CMAKE_DL_LIBS})
+    SDBusCpp::sdbus-c++ PkgConfig::fontconfig pugixml::pugixml nlohmann_json::nlohmann_json Threads::Threads ${CMAKE_DL_LIBS})
 endif()

@@ -52,6 +52,21 @@ TEST(ClientWindow, PostsEveryMessageThatLeavesItRunning) {
   EXPECT_TRUE(machine.waitForMessage("INFO Notify[LISTEN] Received 'disable-automatic-updates'"));
 }
 
+TEST(FailureAlert, HasTheLaunchersIconInItsFrame) {
+  Machine machine(builtTools());
+  std::filesystem::remove(machine.helper() / "Contents/MacOS/Karno");
+  machine.start();
+  const auto alert = findWindow(machine, "Karno");
+  ASSERT_TRUE(alert) << machine.consoleText();
+
+  const std::string icon =
+      machine.in({"xprop", "-id", alert->identifier, "-notype", "32c", "_NET_WM_ICON"}).output;
+  pressKey(machine, *alert, "Return");
+
+  EXPECT_EQ(icon.substr(0, icon.find(", 0")), "_NET_WM_ICON = 128, 128");
+  EXPECT_EQ(machine.waitForEnd(), 0);
+}
+
 TEST(FailureAlert, EndsTheLauncherWhenTheClientHasNoExecutable) {
   Machine machine(builtTools());
   std::filesystem::remove(machine.helper() / "Contents/MacOS/Karno");

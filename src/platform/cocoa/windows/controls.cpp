@@ -53,6 +53,26 @@ std::string ScrollingText::text() const {
   return objc::text(send(textView_, "string"));
 }
 
+double ScrollingText::heightOfWholeLines(double heightMax) const {
+  const objc::AutoreleasePool pool;
+  const double borders =
+      send<objc::Rect>(view(), "frame").size.height - send<objc::Size>(view(), "contentSize").height;
+  const objc::Id lines = send(textView_, "layoutManager");
+  const objc::Id container = send(textView_, "textContainer");
+  const double all = send<objc::Rect>(lines, "usedRectForTextContainer:", container).size.height +
+                     2 * kScrollingTextMargin + borders;
+  if (all <= heightMax) return std::ceil(all);
+
+  // The first line that does not fit begins where the frame ends.
+  const double around = kScrollingTextMargin + borders;
+  const objc::Point end{0, heightMax - around};
+  const auto cut = send<objc::UInteger>(lines, "glyphIndexForPoint:inTextContainer:", end, container);
+  objc::Range* const wholeLine = nullptr;
+  const auto line =
+      send<objc::Rect>(lines, "lineFragmentRectForGlyphAtIndex:effectiveRange:", cut, wholeLine);
+  return std::floor(line.origin.y + around);
+}
+
 double Label::heightForWidth(double width) const {
   const objc::AutoreleasePool pool;
   const objc::Size room{std::max(width - 2 * kTextInset, 1.0), kTallestText};

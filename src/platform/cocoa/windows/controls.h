@@ -60,6 +60,9 @@ class ScrollingText : public Control {
   void setText(std::string_view text);
   std::string text() const;
 
+  // How high a frame of the width of now must be to show as many whole lines as that height has room for.
+  double heightOfWholeLines(double heightMax) const;
+
  private:
   friend class Window;
   ScrollingText(objc::Object scrollView, objc::Object textView)
@@ -106,6 +109,9 @@ class ProgressBar : public Control {
   friend class Window;
   using Control::Control;
 };
+
+// Between a scrolling text and its border, in points.
+inline constexpr double kScrollingTextMargin = 6;
 
 // The picture of the application.
 class Icon : public Control {

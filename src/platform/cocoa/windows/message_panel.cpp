@@ -10,6 +10,7 @@ namespace {
 
 constexpr double kPanelMargin = 20;
 constexpr double kIconSize = 64;
+constexpr double kBadgeSize = 30;
 constexpr double kIconGap = 18;
 constexpr double kTextGap = 8;
 constexpr double kPanelButtonsGap = 18;
@@ -66,6 +67,9 @@ void MessagePanel::layOut() {
   const double messageHeight = heightOf(message_, textWidth);
   const double explanationHeight = heightOf(explanation_, textWidth);
   icon_.setFrame({kPanelMargin, top - kIconSize, kIconSize, kIconSize});
+  if (badge_) {
+    badge_->setFrame({kPanelMargin + kIconSize - kBadgeSize, top - kIconSize, kBadgeSize, kBadgeSize});
+  }
   message_.setFrame({kTextLeft, top - messageHeight, textWidth, messageHeight});
   const double explanationTop = messageHeight > 0 ? top - messageHeight - kTextGap : top;
   explanation_.setFrame({kTextLeft, std::max(explanationTop - explanationHeight, bodyBottom), textWidth,

@@ -1,5 +1,6 @@
 #pragma once
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,10 @@ class MessagePanel {
 
   void setMessage(std::string_view text) { message_.setText(text); }
   void setExplanation(std::string_view text) { explanation_.setText(text); }
+
+  // A picture at the lower right of the icon, from a file. Once at most.
+  void setBadge(const std::string& path) { badge_ = window_.addPicture({}, path); }
+
   void setButtonTitle(std::size_t index, std::string_view title) { buttons_[index].setTitle(title); }
 
   // Puts everything in its place for the texts of now. An empty text takes no room.
@@ -38,6 +43,7 @@ class MessagePanel {
 
   Window window_;
   Icon icon_;
+  std::optional<Icon> badge_;
   Label message_;
   Label explanation_;
   std::vector<Button> buttons_;

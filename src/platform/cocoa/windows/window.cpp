@@ -52,6 +52,13 @@ Id fontOf(TextStyle style) {
   return send(fonts, "systemFontOfSize:", kSystemFontSize);
 }
 
+objc::Object makePictureView(const Frame& frame, Id image) {
+  objc::Object view = allocated("NSImageView", frame);
+  send<void>(view, "setImageScaling:", kScaleProportionallyUpOrDown);
+  send<void>(view, "setImage:", image);
+  return view;
+}
+
 objc::Object makeWindow(double width, double height, Window::Options options) {
   const objc::Rect content{{0, 0}, {width, height}};
   const objc::UInteger style = kTitled | kClosable | (options.miniaturizable ? kMiniaturizable : 0) |
@@ -209,6 +216,7 @@ ScrollingText Window::addScrollingText(const Frame& frame, std::string_view text
   objc::Object view = allocated("NSTextView", {0, 0, frame.width, frame.height});
   send<void>(view, "setEditable:", false);
   send<void>(view, "setFont:", fontOf(TextStyle::Small));
+  send<void>(view, "setTextContainerInset:", objc::Size{kScrollingTextMargin, kScrollingTextMargin});
   send<void>(view, "setHorizontallyResizable:", false);
   send<void>(view, "setVerticallyResizable:", true);
   send<void>(view, "setMaxSize:", objc::Size{kLongestText, kLongestText});
@@ -237,9 +245,17 @@ ProgressBar Window::addProgressBar(const Frame& frame) {
 
 Icon Window::addApplicationIcon(const Frame& frame) {
   const objc::AutoreleasePool pool;
-  objc::Object view = allocated("NSImageView", frame);
-  send<void>(view, "setImageScaling:", kScaleProportionallyUpOrDown);
-  send<void>(view, "setImage:", applicationIcon());
+  objc::Object view = makePictureView(frame, applicationIcon());
+  state_->add(view);
+  return Icon(std::move(view));
+}
+
+Icon Window::addPicture(const Frame& frame, const std::string& path) {
+  const objc::AutoreleasePool pool;
+  const Id allocatedImage = send(objc::classNamed("NSImage"), "alloc");
+  const objc::Object image =
+      objc::Object::adopting(send(allocatedImage, "initWithContentsOfFile:", objc::string(path)));
+  objc::Object view = makePictureView(frame, image.get());
   state_->add(view);
   return Icon(std::move(view));
 }

@@ -57,6 +57,7 @@ class Window {
   ScrollingText addScrollingText(const Frame& frame, std::string_view text);
   TextField addTextField(const Frame& frame, std::string_view text);
   ProgressBar addProgressBar(const Frame& frame);
+  Icon addPicture(const Frame& frame, const std::string& path);
   Icon addApplicationIcon(const Frame& frame);
 
   // `keyEquivalent`: "\r" for Return, "\033" for Escape, empty for none. The callback may close the window

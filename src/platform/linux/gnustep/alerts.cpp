@@ -3,6 +3,8 @@
 #include "platform/cocoa/runtime/guarded.h"
 #include "platform/cocoa/windows/alerts.h"
 #include "platform/cocoa/windows/message_panel.h"
+#include "platform/linux/updater/update_texts.h"
+#include "platform/platform.h"
 #include "platform/posix/console_line.h"
 
 namespace karno::platform {
@@ -11,14 +13,17 @@ namespace {
 using cocoa::MessagePanel;
 using cocoa::Window;
 
-// The framework's own alert has this one where none was added.
-const AlertButton kOnlyButton = {.title = "OK", .keyEquivalent = "\r"};
+// The framework's own alert has this one where none was added, in English.
+AlertButton onlyButton() {
+  const updates::UpdateTexts texts(host().bundles.mainBundle(), host().files);
+  return {.title = texts.text("OK"), .keyEquivalent = "\r"};
+}
 
 long answerOf(std::size_t index) { return kAlertFirstButtonReturn + static_cast<long>(index); }
 
 Alert completed(const Alert& alert) {
   Alert complete = cocoa::withUsualKeys(alert);
-  if (complete.buttons.empty()) complete.buttons.push_back(kOnlyButton);
+  if (complete.buttons.empty()) complete.buttons.push_back(onlyButton());
   if (complete.buttons.front().keyEquivalent.empty()) complete.buttons.front().keyEquivalent = "\r";
   return complete;
 }
@@ -46,6 +51,10 @@ long show(const Alert& alert) {
   MessagePanel panel({.miniaturizable = false}, buttonsOf(alert));
   panel.setMessage(alert.messageText);
   panel.setExplanation(alert.informativeText);
+  if (alert.style == AlertStyle::Critical) {
+    const auto caution = host().bundles.mainBundle().pathForResource("caution", "png", "");
+    if (caution) panel.setBadge(*caution);
+  }
   panel.layOut();
   panel.window().setCloseRequest([answer = answerOfClosing(alert)] { Window::stopModal(answer); });
   panel.window().center();

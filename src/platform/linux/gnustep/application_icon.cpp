@@ -1,31 +1,40 @@
 #include "platform/cocoa/windows/application_icon.h"
 
 #include "platform/cocoa/runtime/strings.h"
+#include "platform/linux/gnustep/launcher_icon.h"
+#include "platform/linux/gnustep/method_replacement.h"
 #include "platform/platform.h"
 
 namespace karno::platform::cocoa {
 namespace {
 
-// The framework does not find the icon in a bundle of a Mac's layout. Without one its own picture stands.
+using objc::Id;
+
 objc::Object loadIcon() {
   const objc::AutoreleasePool pool;
   const auto path = host().bundles.mainBundle().pathForResource("karno", "png", "");
   if (!path) return {};
-  const objc::Id allocated = objc::send(objc::classNamed("NSImage"), "alloc");
+  const Id allocated = objc::send(objc::classNamed("NSImage"), "alloc");
   return objc::Object::adopting(objc::send(allocated, "initWithContentsOfFile:", objc::string(*path)));
+}
+
+Id (*originalIcon)(Id, objc::Sel) = nullptr;
+
+Id launcherIcon(Id application, objc::Sel selector) {
+  static const objc::Object icon = loadIcon();
+  return icon ? icon.get() : originalIcon(application, selector);
 }
 
 }  // namespace
 
-objc::Id applicationIcon() {
-  const objc::Id application = objc::send(objc::classNamed("NSApplication"), "sharedApplication");
-  static const bool isSet = [application] {
-    const objc::Object icon = loadIcon();
-    if (icon) objc::send<void>(application, "setApplicationIconImage:", icon);
-    return true;
-  }();
-  static_cast<void>(isSet);
-  return objc::send(application, "applicationIconImage");
+void useLauncherIcon() {
+  if (originalIcon != nullptr) return;
+  originalIcon = replaceMethod(objc::classNamed("NSApplication"), "applicationIconImage", launcherIcon);
+}
+
+Id applicationIcon() {
+  return objc::send(objc::send(objc::classNamed("NSApplication"), "sharedApplication"),
+                    "applicationIconImage");
 }
 
 }  // namespace karno::platform::cocoa

@@ -7,7 +7,9 @@
 #include "platform/cocoa/runtime/threads.h"
 #include "platform/linux/gnustep/appearance.h"
 #include "platform/linux/gnustep/desktop_services.h"
+#include "platform/linux/gnustep/font_substitution.h"
 #include "platform/linux/gnustep/keyboard_focus.h"
+#include "platform/linux/gnustep/launcher_icon.h"
 #include "platform/linux/gnustep/theme.h"
 
 namespace karno::platform::cocoa {
@@ -30,6 +32,8 @@ void prepareForApplication() {
   becomeMultiThreaded();
   registerAppearance();
   installTheme();
+  substituteFonts();
+  useLauncherIcon();
   keepDesktopServicesAway();
   keepKeyboardFocus();
 }

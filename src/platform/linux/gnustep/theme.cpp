@@ -29,11 +29,16 @@ constexpr Colour kEdge = {0.72, 0.72, 0.72};
 constexpr Colour kTrack = {0.87, 0.87, 0.87};
 
 constexpr double kButtonRadius = 6;
+constexpr double kKnobMargin = 3;
 
 // GSThemeControlState
 constexpr unsigned kDisabledState = 2;
 constexpr unsigned kHighlightedFirstResponderState = 3;
 constexpr unsigned kHighlightedState = 4;
+
+// NSScrollerPart, NSScrollArrowPosition
+constexpr objc::UInteger kKnob = 2;
+constexpr objc::UInteger kNoArrows = 2;
 
 void use(const Colour& colour) {
   constexpr double kOpaque = 1;
@@ -101,6 +106,21 @@ void drawBar(Id, Sel, Rect bounds) {
   fill(bounds, std::min(bounds.size.height, bounds.size.width) / 2, kBlue);
 }
 
+Id (*originalScroller)(Id, Sel, Rect) = nullptr;
+
+Id makeScroller(Id scroller, Sel selector, Rect frame) {
+  const Id made = originalScroller(scroller, selector, frame);
+  send<void>(made, "setArrowsPosition:", kNoArrows);
+  return made;
+}
+
+void drawScroller(Id, Sel, Rect, Id scroller, objc::UInteger, objc::Boolean) {
+  const objc::AutoreleasePool pool;
+  fill(send<Rect>(scroller, "bounds"), 0, kWhite);
+  const Rect knob = insetBy(send<Rect>(scroller, "rectForPart:", kKnob), kKnobMargin);
+  fill(knob, std::min(knob.size.width, knob.size.height) / 2, kEdge);
+}
+
 }  // namespace
 
 void installTheme() {
@@ -111,6 +131,8 @@ void installTheme() {
     replaceMethod(theme, "drawFocusFrame:view:", drawFocus);
     replaceMethod(theme, "drawProgressIndicatorBezel:withClip:", drawTrack);
     replaceMethod(theme, "drawProgressIndicatorBarDeterminate:", drawBar);
+    replaceMethod(theme, "drawScrollerRect:inView:hitPart:isHorizontal:", drawScroller);
+    originalScroller = replaceMethod(objc::classNamed("NSScroller"), "initWithFrame:", makeScroller);
     return true;
   }();
   static_cast<void>(isInstalled);

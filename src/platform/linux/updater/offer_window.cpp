@@ -1,6 +1,7 @@
 #include "platform/linux/updater/offer_window.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -26,13 +27,13 @@ constexpr double kButtonsGap = 18;
 constexpr double kSkipGap = 24;
 constexpr double kTextLeft = kMargin + kIconSize + kIconGap;
 constexpr double kTextWidth = 460;
-constexpr double kNotesHeight = 180;
+constexpr double kNotesHeightMax = 190;
 
 class CocoaOfferWindow final : public OfferWindow {
  public:
   CocoaOfferWindow(const OfferTexts& texts, std::function<void(long)> answer)
       : answer_(std::move(answer)),
-        window_(texts.title, kTextLeft + kTextWidth + kMargin, kNotesHeight, {.miniaturizable = false}),
+        window_(texts.title, kTextLeft + kTextWidth + kMargin, kNotesHeightMax, {.miniaturizable = false}),
         icon_(window_.addApplicationIcon({})),
         message_(window_.addLabel({}, texts.message, true, TextStyle::Headline)),
         explanation_(window_.addLabel({}, texts.explanation, true, TextStyle::Small)) {
@@ -67,7 +68,13 @@ class CocoaOfferWindow final : public OfferWindow {
     const double textWidth = std::max(kTextWidth, rowWidth - kIconSize - kIconGap);
     const double messageHeight = message_.heightForWidth(textWidth);
     const double explanationHeight = explanation_.heightForWidth(textWidth);
-    const double notesHeight = notes.empty() ? 0 : kNotesGap + kNotesHeight;
+    std::optional<cocoa::ScrollingText> box;
+    double boxHeight = 0;
+    if (!notes.empty()) {
+      box = window_.addScrollingText({0, 0, textWidth, kNotesHeightMax}, notes);
+      boxHeight = box->heightOfWholeLines(kNotesHeightMax);
+    }
+    const double notesHeight = box ? kNotesGap + boxHeight : 0;
     const double body = std::max(kIconSize, messageHeight + kTextGap + explanationHeight + notesHeight);
     const double width = kTextLeft + textWidth + kMargin;
     const double height = kMargin + cocoa::kButtonHeight + kButtonsGap + body + kMargin;
@@ -79,8 +86,7 @@ class CocoaOfferWindow final : public OfferWindow {
     top -= messageHeight + kTextGap;
     explanation_.setFrame({kTextLeft, top - explanationHeight, textWidth, explanationHeight});
     top -= explanationHeight + kNotesGap;
-    if (!notes.empty())
-      window_.addScrollingText({kTextLeft, top - kNotesHeight, textWidth, kNotesHeight}, notes);
+    if (box) box->setFrame({kTextLeft, top - boxHeight, textWidth, boxHeight});
     cocoa::layOutButtonRow(main_, width - kMargin, kMargin);
     cocoa::layOutButtonRow(skip_, kMargin + cocoa::buttonRowWidth(skip_), kMargin);
   }

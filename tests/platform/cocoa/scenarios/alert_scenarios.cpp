@@ -39,6 +39,14 @@ void showAndEnd(platform::Alerts& alerts, const platform::Alert& alert) {
   terminate();
 }
 
+void showPicturesAndEnd(platform::Alerts& alerts, const platform::Alert& alert) {
+  later([] {
+    say(fmt::format("{} pictures, {}", picturesOnScreen(), complaints()));
+    answerWhenActive("Return");
+  });
+  showAndEnd(alerts, alert);
+}
+
 void showLookAndEnd(platform::Alerts& alerts, const platform::Alert& alert) {
   later([] {
     say(visibleWindows().front().title);
@@ -120,6 +128,15 @@ void runAlertScenario(platform::Alerts& alerts, std::string_view name) {
     showAndEnd(alerts, {.messageText = "Karno", .informativeText = "", .buttons = {{"OK", ""}}});
   } else if (name == "look") {
     showLookAndEnd(alerts, question());
+  } else if (name == "look-without-button") {
+    showLookAndEnd(alerts, {.messageText = "Karno", .informativeText = "", .buttons = {}});
+  } else if (name == "critical") {
+    showPicturesAndEnd(alerts, question());
+  } else if (name == "informational") {
+    showPicturesAndEnd(alerts, {.style = platform::AlertStyle::Informational,
+                                .messageText = "Karno",
+                                .informativeText = "",
+                                .buttons = {{"OK", ""}}});
   } else if (name == "painted") {
     later(sayColourAndEnd);
     showAndEnd(alerts, question());

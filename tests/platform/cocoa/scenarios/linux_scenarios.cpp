@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "look.h"
 #include "platform/cocoa/runtime/objc.h"
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/linux/gnustep/method_replacement.h"
@@ -64,6 +65,16 @@ using platform::objc::Id;
 using platform::objc::Sel;
 using platform::objc::UInteger;
 
+void sayFontsOfLanguages() {
+  for (const char* sentence :
+       {"Karno has quit unexpectedly.", "Karno s’est arrêté. Aşağı, ёлка", "出错了！Karno 意外退出。",
+        "發生錯誤！Karno 未預期地結束。", "問題が起きました。もう一度起動しますか？",
+        "문제가 발생했습니다. Karno를 다시 실행", "錯 Karno 错 エラー 오류 ё"}) {
+    say(fmt::format("{} | {} | {}", sentence, fontsOf(sentence, false), fontsOf(sentence, true)));
+  }
+  terminate();
+}
+
 void setCollectionBehavior(Id, Sel, UInteger behaviour) { say(fmt::format("on Space: {}", behaviour)); }
 void setRestorable(Id, Sel, Boolean isRestorable) { say(fmt::format("restorable: {}", isRestorable)); }
 void setAccessibilityLabel(Id view, Sel, Id text) {
@@ -96,6 +107,8 @@ void runScenarioOfThisSystem(std::string_view name) {
     terminateUnderAnAlert();
   } else if (name == "idle") {
     countSleepsWhileIdle();
+  } else if (name == "fonts") {
+    sayFontsOfLanguages();
   } else if (name == "mac-windows") {
     showWindowsOfAMac();
   }

@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 #include <objc/runtime.h>
 
+#include <algorithm>
+#include <set>
+
 #include "../../support/message_check.h"
 #include "platform/cocoa/runtime/strings.h"
 #include "scenario.h"
@@ -43,6 +46,8 @@ std::string textOf(Id view, const std::string& className) {
   if (className == "NSTextField") return objc::text(ask(view, "stringValue"));
   return "";
 }
+
+bool isPicture(const SeenView& view) { return view.className == "NSImageView"; }
 
 SeenView seen(Id view) {
   const std::string className = object_getClassName(view);
@@ -150,6 +155,37 @@ std::string barOnScreen() {
   return "no bar";
 }
 
+std::size_t picturesOnScreen() {
+  const objc::AutoreleasePool pool;
+  return static_cast<std::size_t>(std::ranges::count_if(theWindow().views, isPicture));
+}
+
+std::string fontsOf(const std::string& text, bool isBold) {
+  const objc::AutoreleasePool pool;
+  const objc::Object sentence = objc::string(text);
+  const objc::Object key = objc::string("NSFont");
+  const Id allocated = ask(reinterpret_cast<Id>(objc_getClass("NSMutableAttributedString")), "alloc");
+  const objc::Object drawn = objc::Object::adopting(ask(allocated, "initWithString:", sentence.get()));
+  const objc::Range all{0, ask<objc::UInteger>(sentence.get(), "length")};
+  const Id fonts = reinterpret_cast<Id>(objc_getClass("NSFont"));
+  const Id font = ask(fonts, isBold ? "boldSystemFontOfSize:" : "systemFontOfSize:", 13.0);
+  ask<void>(drawn.get(), "addAttribute:value:range:", key.get(), font, all);
+  ask<void>(drawn.get(), "fixFontAttributeInRange:", all);
+
+  int missing = 0;
+  std::set<objc::UInteger> weights;
+  const Id manager = ask(reinterpret_cast<Id>(objc_getClass("NSFontManager")), "sharedFontManager");
+  for (objc::UInteger at = 0; at < all.length; ++at) {
+    objc::Range run;
+    const Id used = ask(drawn.get(), "attribute:atIndex:effectiveRange:", key.get(), at, &run);
+    const auto unit = ask<char16_t>(sentence.get(), "characterAtIndex:", at);
+    if (!ask<objc::Boolean>(ask(used, "coveredCharacterSet"), "characterIsMember:", unit)) ++missing;
+    weights.insert(ask<objc::UInteger>(manager, "traitsOfFont:", used) & 2U);
+  }
+  return missing == 0 ? fmt::format("all letters, {} weight", weights.size())
+                      : fmt::format("{} missing, {} weight", missing, weights.size());
+}
+
 std::string textsOfMenu(const objc::Object& bar) {
   const objc::AutoreleasePool pool;
   std::string texts;
@@ -171,7 +207,9 @@ std::string complaints() {
   for (std::size_t i = 0; i < window.views.size(); ++i) {
     found += complaintsAbout(window.views[i], window.contentSize);
     for (std::size_t j = 0; j < i; ++j) {
-      if (overlap(window.views[i].frame, window.views[j].frame)) {
+      const bool areBothPictures =
+          isPicture(window.views[i]) && isPicture(window.views[j]);  // a sign on an icon
+      if (!areBothPictures && overlap(window.views[i].frame, window.views[j].frame)) {
         found += fmt::format("on top of another: {} / {}\n", window.views[i].text, window.views[j].text);
       }
     }

@@ -33,11 +33,18 @@ std::size_t windowCount();
 // line.
 std::string textsOnScreen();
 
+// How many pictures the one visible window shows.
+std::size_t picturesOnScreen();
+
 // "0 to 100, at 42", of the one visible progress bar.
 std::string barOnScreen();
 
 // The titles of a menu bar's menus and, below each, its items: title, message, key.
 std::string textsOfMenu(const platform::objc::Object& bar);
+
+// How a text is drawn once the framework has looked over its fonts: "all letters, 1 weight", or how many are
+// missing and in how many weights the rest stands.
+std::string fontsOf(const std::string& text, bool isBold);
 
 // What a person would complain about in the one visible window: text that is cut, a title that does not fit
 // its button, a control that lies outside or on top of another, a button too small to hit. "nothing" if all

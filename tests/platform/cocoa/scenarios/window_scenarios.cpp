@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <atomic>
+#include <cmath>
 
 #include "platform/cocoa/runtime/objc.h"
 #include "platform/cocoa/windows/window.h"
@@ -100,6 +101,25 @@ void destroy() {
   terminate();
 }
 
+double wholeLinesHeight(int lines, double heightMax) {
+  std::string text = "1";
+  for (int line = 2; line <= lines; ++line) text += fmt::format("\n{}", line);
+  return window().addScrollingText({.width = 300, .height = heightMax}, text).heightOfWholeLines(heightMax);
+}
+
+// What is above the first line, and below the last where all fit, is the same at every height.
+void countWholeLines() {
+  const double line = (wholeLinesHeight(9, 500) - wholeLinesHeight(3, 500)) / 6;
+  const double above = wholeLinesHeight(3, 500) - 3 * line - platform::cocoa::kScrollingTextMargin;
+  for (const double heightMax : {100.0, 107.0, 114.0}) {
+    const double height = wholeLinesHeight(60, heightMax);
+    const double lines = (height - above) / line;
+    say(fmt::format("{} {} {}", height <= heightMax, height >= heightMax - line - 1,
+                    std::abs(lines - std::round(lines)) * line < 1));
+  }
+  terminate();
+}
+
 }  // namespace
 
 void runWindowScenario(std::string_view name) {
@@ -111,6 +131,8 @@ void runWindowScenario(std::string_view name) {
     closeAndReopen();
   } else if (name == "deactivated") {
     deactivate();
+  } else if (name == "whole-lines") {
+    countWholeLines();
   } else if (name == "destroyed") {
     destroy();
   }

@@ -55,5 +55,10 @@ TEST(CocoaControlsOnScreen, ADestroyedWindowSaysNothing) {
   EXPECT_EQ(onScreen("window/destroyed").output, "did finish launching\ngone\nwill terminate\n");
 }
 
+TEST(ScrollingTextsOnScreen, BeginWithWholeLines) {
+  EXPECT_EQ(onScreen("window/whole-lines").output,
+            "did finish launching\ntrue true true\ntrue true true\ntrue true true\nwill terminate\n");
+}
+
 }  // namespace
 }  // namespace karno::test

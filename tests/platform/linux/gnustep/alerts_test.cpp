@@ -2,10 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "../../cocoa/screen.h"
+#include "../../support/temporary_folder.h"
 
 namespace karno::test {
 namespace {
+
+namespace fs = std::filesystem;
 
 std::string launchedAndEnded(const std::string& between) {
   return "did finish launching\n" + between + "will terminate\n";
@@ -83,6 +88,42 @@ TEST(LinuxAlertsOnScreen, ShowTheirTextsUnderTheApplicationsName) {
                                                             "\n"
                                                             "nothing\n"
                                                             "answer 1000\n"));
+}
+
+// A bundle with the scenario program, a word and two pictures.
+class LinuxAlertsOfABundle : public ::testing::Test {
+ protected:
+  LinuxAlertsOfABundle() {
+    folder_.write("A.app/Contents/Info.plist", "<plist><dict/></plist>");
+    folder_.write("A.app/Contents/Resources/ko.lproj/Updater.json", "{\"OK\": \"확인\"}");
+    for (const char* name : {"karno.png", "caution.png"})
+      fs::copy_file(KARNO_SOURCES "/docs/screenshots/running.png",
+                    folder_ / ("A.app/Contents/Resources/" + std::string(name)));
+    fs::create_directory(folder_ / "A.app/Contents/MacOS");
+    fs::copy_file(KARNO_COCOA_SCENARIOS, program_);
+  }
+
+  std::string shown(const std::string& scenario) {
+    return onScreen(program_, "ko_KR.UTF-8", scenario).output;
+  }
+
+ private:
+  const TemporaryFolder folder_;
+  const std::string program_ = folder_ / "A.app/Contents/MacOS/A";
+};
+
+TEST_F(LinuxAlertsOfABundle, HaveTheirOnlyButtonInTheUsersLanguage) {
+  EXPECT_EQ(shown("alert/look-without-button"), launchedAndEnded("Karno\n"
+                                                                 "Karno\n"
+                                                                 "확인\n"
+                                                                 "\n"
+                                                                 "nothing\n"
+                                                                 "answer 1000\n"));
+}
+
+TEST_F(LinuxAlertsOfABundle, ShowASignOfCautionWhenTheyAreCritical) {
+  EXPECT_EQ(shown("alert/critical"), launchedAndEnded("2 pictures, nothing\nanswer 1000\n"));
+  EXPECT_EQ(shown("alert/informational"), launchedAndEnded("1 pictures, nothing\nanswer 1000\n"));
 }
 
 TEST(LinuxAlertsOnScreen, ArePainted) {
