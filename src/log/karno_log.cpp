@@ -43,8 +43,15 @@ void KarnoLog::setProcessIdentifier(std::int32_t processIdentifier) {
 }
 
 void KarnoLog::start() {
+  takeNotices();
   logStartupMessages();
   cleanupOldLumberjackLogs();
+}
+
+void KarnoLog::takeNotices() {
+  platform::host().notices.setTaker([this](platform::Notices::Level level, std::string_view line) {
+    level == platform::Notices::Level::Warning ? logWarn(line) : logInfo(line);
+  });
 }
 
 void KarnoLog::logVerbose(std::string_view message) { logIfVerbose(message, "VERBOSE"); }

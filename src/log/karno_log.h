@@ -25,7 +25,8 @@ class KarnoLog {
   // The shared log, made on the first call: creates the log folder and, if that succeeds, starts the writer.
   static KarnoLog& manager();
 
-  // Writes the banner and removes old log files. Logging works before it.
+  // Writes the banner and removes old log files; has what the platform itself tells from now on. Logging
+  // works before it.
   void start();
 
   // Dropped unless the user setting "verboseLogging" is true at this moment.
@@ -46,7 +47,7 @@ class KarnoLog {
   // for: the completion then runs on a global queue without a wait.
   void flushWithCompletion(std::function<void()> completion);
 
-  // The two steps of start().
+  // The two steps of start() that write.
   void logStartupMessages();
   void cleanupOldLumberjackLogs();
 
@@ -84,6 +85,7 @@ class KarnoLog {
 
   KarnoLog();
   void logIfVerbose(std::string_view message, std::string_view level);
+  void takeNotices();
   bool takeEntry(std::string& line);
   void write(std::string_view line);
   std::size_t queuedCount() const { return queuedCount_.load(std::memory_order_relaxed); }

@@ -15,6 +15,7 @@
 #include "platform/identifiers.h"
 #include "platform/managed_preferences.h"
 #include "platform/mounts.h"
+#include "platform/notices.h"
 #include "platform/process_list.h"
 #include "platform/processes.h"
 #include "platform/shell.h"
@@ -60,6 +61,7 @@ struct Platform {
   Commands& commands;
   AppleScripts& appleScripts;
   Authorisations& authorisations;
+  Notices& notices;
 };
 
 // The one Platform of this process. Valid from install() on.

@@ -42,7 +42,8 @@ inline platform::Platform withReplaced(const platform::Platform& native, const R
           .mounts = native.mounts,
           .commands = own.commands ? *own.commands : native.commands,
           .appleScripts = native.appleScripts,
-          .authorisations = native.authorisations};
+          .authorisations = native.authorisations,
+          .notices = native.notices};
 }
 
 }  // namespace karno::test

@@ -71,7 +71,8 @@ platform::Platform readOnly(const platform::Platform& real, platform::ConsoleLog
           .mounts = real.mounts,
           .commands = real.commands,
           .appleScripts = real.appleScripts,
-          .authorisations = real.authorisations};
+          .authorisations = real.authorisations,
+          .notices = real.notices};
 }
 
 }  // namespace

@@ -30,6 +30,7 @@
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
+#include "platform/posix/console_line.h"
 #include "platform/posix/files/file_reading.h"
 #include "platform/posix/files/files.h"
 #include "platform/posix/processes/commands.h"
@@ -42,6 +43,7 @@ namespace {
 
 // The services of this system, in the order in which they need one another.
 struct NativeServices {
+  Notices notices{[](Notices::Level, std::string_view line) { writeConsoleLine(line); }};
   cocoa::CocoaApplication application;
   LinuxAlerts alerts;
   cocoa::CocoaWindows windows;
@@ -107,7 +109,8 @@ struct NativeServices {
                     .mounts = mounts,
                     .commands = commands,
                     .appleScripts = appleScripts,
-                    .authorisations = authorisations};
+                    .authorisations = authorisations,
+                    .notices = notices};
 };
 
 void startProcess(int argc, char** argv) {

@@ -24,6 +24,7 @@
 #include "platform/never_destroyed.h"
 #include "platform/platform.h"
 #include "platform/posix/clock.h"
+#include "platform/posix/console_line.h"
 #include "platform/posix/files/file_reading.h"
 #include "platform/posix/processes/commands.h"
 #include "platform/posix/processes/popen_shell.h"
@@ -36,6 +37,7 @@ namespace {
 
 // The services of this system, and the platform that refers to them.
 struct NativeServices {
+  Notices notices{[](Notices::Level, std::string_view line) { writeConsoleLine(line); }};
   cocoa::CocoaApplication application;
   cocoa::CocoaAlerts alerts;
   cocoa::CocoaWindows windows;
@@ -92,7 +94,8 @@ struct NativeServices {
                     .mounts = mounts,
                     .commands = commands,
                     .appleScripts = appleScripts,
-                    .authorisations = authorisations};
+                    .authorisations = authorisations,
+                    .notices = notices};
 };
 
 void startProcess(int argc, char** argv) {

@@ -48,7 +48,8 @@ FakePlatform::FakePlatform(std::optional<std::uint64_t> ofSeed)
                 .mounts = mounts,
                 .commands = commands,
                 .appleScripts = appleScripts,
-                .authorisations = authorisations} {
+                .authorisations = authorisations,
+                .notices = notices} {
   scheduler.setExceptionHandler([this](std::string_view what) {
     consoleLog.log("A block threw: " + std::string(what));
     ADD_FAILURE() << "a block on the thread " << scheduler.currentThreadName() << " threw: " << what;

@@ -153,6 +153,8 @@ class FakePlatform {
   FakeCommands commands{processTable};
   FakeAppleScripts appleScripts{scheduler};
   FakeAuthorisations authorisations{scheduler};
+  platform::Notices notices{
+      [this](platform::Notices::Level, std::string_view line) { consoleLog.log(line); }};
 
  private:
   platform::Platform platform_;
