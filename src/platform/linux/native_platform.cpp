@@ -56,7 +56,7 @@ struct NativeServices {
   LinuxBundles bundles;
   LinuxUserDefaultsStore userDefaults{bundles};
   LinuxManagedPreferences managedPreferences;
-  BusNotifications distributedNotifications{dispatch.mainEvents()};
+  BusNotifications distributedNotifications{dispatch.mainEvents(), notices};
   IcuText text;
   StandardErrorLog consoleLog;
   LinuxSystemVersion systemVersion;

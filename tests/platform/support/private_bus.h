@@ -9,13 +9,14 @@
 
 #include "platform/posix/scoped_descriptor.h"
 #include "scoped_environment.h"
+#include "temporary_folder.h"
 
 namespace karno::test {
 
-// A session bus of its own for this process and its children.
+// A session bus of its own for this process and its children, always at the same address.
 class PrivateBus {
  public:
-  PrivateBus() : address_("DBUS_SESSION_BUS_ADDRESS", start()) {}
+  PrivateBus() : address_("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder_ / "bus") { start(); }
   PrivateBus(const PrivateBus&) = delete;
   PrivateBus& operator=(const PrivateBus&) = delete;
   ~PrivateBus() { stop(); }
@@ -25,6 +26,28 @@ class PrivateBus {
   void waitUntilHalted() const { ::waitpid(pid_, nullptr, WUNTRACED); }
   void goOn() const { ::kill(pid_, SIGCONT); }
 
+  // Once it returns, the bus takes connections.
+  void start() {
+    std::array<int, 2> ends = {};
+    if (::pipe(ends.data()) != 0) return;
+    platform::ScopedDescriptor reader(ends[0]);
+    platform::ScopedDescriptor writer(ends[1]);
+    const std::string address = "--address=unix:path=" + folder_ / "bus";
+    pid_ = ::fork();
+    if (pid_ == 0) {
+      ::dup2(writer.get(), STDOUT_FILENO);
+      ::dup2(::open("/dev/null", O_WRONLY),
+             STDERR_FILENO);  // it complains about limits that are no concern here
+      ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
+               address.c_str(), nullptr);
+      ::_exit(127);
+    }
+    writer.reset();
+
+    for (char byte = 0; ::read(reader.get(), &byte, 1) == 1 && byte != '\n';) continue;
+  }
+
+  // At once, as when it is killed.
   void stop() {
     if (pid_ <= 0) return;
     ::kill(pid_, SIGKILL);
@@ -33,29 +56,9 @@ class PrivateBus {
   }
 
  private:
-  std::string start() {
-    std::array<int, 2> ends = {};
-    if (::pipe(ends.data()) != 0) return {};
-    platform::ScopedDescriptor reader(ends[0]);
-    platform::ScopedDescriptor writer(ends[1]);
-    pid_ = ::fork();
-    if (pid_ == 0) {
-      ::dup2(writer.get(), STDOUT_FILENO);
-      ::dup2(::open("/dev/null", O_WRONLY),
-             STDERR_FILENO);  // it complains about limits that are no concern here
-      ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
-               nullptr);
-      ::_exit(127);
-    }
-    writer.reset();
-
-    std::string address;
-    for (char byte = 0; ::read(reader.get(), &byte, 1) == 1 && byte != '\n';) address += byte;
-    return address;
-  }
-
+  const TemporaryFolder folder_;
+  const ScopedEnvironment address_;
   pid_t pid_ = -1;
-  ScopedEnvironment address_;
 };
 
 }  // namespace karno::test

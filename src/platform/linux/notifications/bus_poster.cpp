@@ -13,7 +13,6 @@
 #include "platform/linux/notifications/bus_connection.h"
 #include "platform/linux/notifications/bus_values.h"
 #include "platform/linux/notifications/notification_signal.h"
-#include "platform/posix/console_line.h"
 
 namespace karno::platform {
 namespace {
@@ -31,26 +30,33 @@ bool BusPoster::post(const DistributedNotification& notification) {
   if (!userInfo || !isBusText(notification.name) || !isBusText(notification.object.value_or("")))
     return false;
 
+  const Attempt attempt = attemptToPost(notification, *userInfo);
+  if (attempt.isNews) {
+    notices_.warn("Notifications: failed to post on the session bus. Reason: " + *attempt.failure);
+  }
+  return !attempt.failure;
+}
+
+// A connection from before may have lost its bus: then the second try makes a new one.
+BusPoster::Attempt BusPoster::attemptToPost(const DistributedNotification& notification,
+                                            const BusDictionary& userInfo) {
   const std::scoped_lock lock(mutex_);
-  std::string reason;
-  // A connection from before may have lost its bus: then the second attempt makes a new one.
-  for (int attempts = connection_ == nullptr ? 1 : 2; attempts > 0; --attempts) {
+  Attempt attempt;
+  for (int tries = connection_ == nullptr ? 1 : 2; tries > 0; --tries) {
     try {
-      send(notification, *userInfo);
+      send(notification, userInfo);
       hasReportedFailure_ = false;
-      return true;
+      return {};
     } catch (const BusStandsStill& failure) {
-      reason = failure.what();
-      attempts = 0;
+      attempt.failure = failure.what();
+      tries = 0;
     } catch (const std::exception& failure) {
-      reason = failure.what();
+      attempt.failure = failure.what();
     }
     abandon(connection_);
   }
-  if (!std::exchange(hasReportedFailure_, true)) {
-    writeConsoleLine("Notifications: failed to post on the session bus. Reason: " + reason);
-  }
-  return false;
+  attempt.isNews = !std::exchange(hasReportedFailure_, true);
+  return attempt;
 }
 
 void BusPoster::send(const DistributedNotification& notification, const BusDictionary& userInfo) {

@@ -4,14 +4,16 @@
 
 namespace karno::platform {
 
-BusNotifications::BusNotifications(Queue& mainQueue)
+BusNotifications::BusNotifications(Queue& mainQueue, Notices& notices, const BusListener::Waits& waits)
     : delivery_(std::make_shared<NotificationDelivery>(mainQueue)),
       listener_({.receive =
                      [delivery = delivery_](BusListener::Identifier identifier,
                                             DistributedNotification notification) {
                        delivery->receive(identifier, std::move(notification));
                      },
-                 .hasRoom = [delivery = delivery_] { return delivery->hasRoom(); }}) {
+                 .hasRoom = [delivery = delivery_] { return delivery->hasRoom(); }},
+                notices, waits),
+      poster_(notices) {
   delivery_->setRoomHandler([this] { listener_.lookAgain(); });
 }
 

@@ -10,12 +10,12 @@
 namespace karno::platform {
 
 // Distributed notifications over the D-Bus session bus. Nothing connects before the first use; observing and
-// posting have a connection each. A burst is read off the bus at once and waits here, bounded, and then in
-// the bus daemon, whose own limit for one receiver is the only place where a notification can be lost.
-// Destroyed, if ever, on the main thread.
+// posting have a connection each, and a new one when the bus has ended and is there again. A burst is read
+// off the bus at once and waits here, bounded, and then in the bus daemon, whose own limit for one receiver
+// is the only place where a notification can be lost. Destroyed, if ever, on the main thread.
 class BusNotifications final : public DistributedNotifications {
  public:
-  explicit BusNotifications(Queue& mainQueue);
+  BusNotifications(Queue& mainQueue, Notices& notices, const BusListener::Waits& waits = {});
   ~BusNotifications() override;
   BusNotifications(const BusNotifications&) = delete;
   BusNotifications& operator=(const BusNotifications&) = delete;
