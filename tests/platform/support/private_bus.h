@@ -16,10 +16,12 @@ namespace karno::test {
 // A session bus of its own for this process and its children, always at the same address.
 class PrivateBus {
  public:
-  PrivateBus() : address_("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder_ / "bus") { start(); }
+  PrivateBus() : environment_("DBUS_SESSION_BUS_ADDRESS", address()) { start(); }
   PrivateBus(const PrivateBus&) = delete;
   PrivateBus& operator=(const PrivateBus&) = delete;
   ~PrivateBus() { stop(); }
+
+  std::string address() const { return "unix:path=" + folder_ / "bus"; }
 
   // Makes the bus stand still as long as somebody does not let it go on. Any process.
   void halt() const { ::kill(pid_, SIGSTOP); }
@@ -32,14 +34,14 @@ class PrivateBus {
     if (::pipe(ends.data()) != 0) return;
     platform::ScopedDescriptor reader(ends[0]);
     platform::ScopedDescriptor writer(ends[1]);
-    const std::string address = "--address=unix:path=" + folder_ / "bus";
+    const std::string listening = "--address=" + address();
     pid_ = ::fork();
     if (pid_ == 0) {
       ::dup2(writer.get(), STDOUT_FILENO);
       ::dup2(::open("/dev/null", O_WRONLY),
              STDERR_FILENO);  // it complains about limits that are no concern here
       ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1",
-               address.c_str(), nullptr);
+               listening.c_str(), nullptr);
       ::_exit(127);
     }
     writer.reset();
@@ -57,7 +59,7 @@ class PrivateBus {
 
  private:
   const TemporaryFolder folder_;
-  const ScopedEnvironment address_;
+  const ScopedEnvironment environment_;
   pid_t pid_ = -1;
 };
 
