@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 
@@ -13,8 +14,11 @@
 namespace karno::test {
 namespace {
 
+namespace fs = std::filesystem;
+
 using ::testing::SizeIs;
 
+constexpr int kRestarts = 200;
 constexpr int kSenders = 4;
 constexpr int kEach = 25'000;
 constexpr int kResidentMebibytesMax = 128;
@@ -88,6 +92,19 @@ TEST(Burst, OfManySendersIsHandledInTheOrderOfEachWithoutGrowing) {
   EXPECT_EQ(tally.withoutConsequence, 0U);
   std::cout << "resident at most: " << peak << " MiB\n";
   EXPECT_LT(peak, kResidentMebibytesMax);
+}
+
+// Each of them waits for the child on a thread of its own, and starts one when it is gone.
+TEST(Burst, OfRestartsEndsInOrderAndLeavesNobodyBehind) {
+  Machine machine(builtTools());
+  fs::copy_file(briefClient(), machine.helper() / "Contents/MacOS/Karno",
+                fs::copy_options::overwrite_existing);
+
+  const CommandResult burst =
+      runCommand({withDisplay(), restartBurst(), machine.root(), std::to_string(kRestarts)}, kLimit);
+
+  EXPECT_EQ(burst.status, 0) << burst.output;
+  std::cout << burst.output;
 }
 
 }  // namespace

@@ -18,6 +18,10 @@ std::filesystem::path childStorm() { return ownFolder() / "karno_child_storm"; }
 
 std::filesystem::path stormClient() { return ownFolder() / "karno_storm_client"; }
 
+std::filesystem::path restartBurst() { return ownFolder() / "karno_restart_burst"; }
+
+std::filesystem::path briefClient() { return ownFolder() / "karno_brief_client"; }
+
 std::filesystem::path webServerProgram() {
   return std::filesystem::canonical(ownFolder() / KARNO_WEB_SERVER);
 }

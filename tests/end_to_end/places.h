@@ -15,6 +15,10 @@ std::filesystem::path postNotification();
 std::filesystem::path childStorm();
 std::filesystem::path stormClient();
 
+// The program that asks for many restarts at once, and the one that is restarted.
+std::filesystem::path restartBurst();
+std::filesystem::path briefClient();
+
 // A web server for one test, and what makes releases and feeds for it.
 std::filesystem::path webServerProgram();
 std::filesystem::path makeReleaseProgram();

@@ -5,7 +5,6 @@
 // started STARTS times. Closes with the figures; every broken rule is a line, and the exit status 1.
 #include <fmt/format.h>
 #include <signal.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <array>
@@ -20,6 +19,7 @@
 #include "client_processes.h"
 #include "ipc/wrapper_notification.h"
 #include "launcher_run.h"
+#include "machine_environment.h"
 #include "platform/platform.h"
 #include "told_ends.h"
 
@@ -162,20 +162,13 @@ class Storm {
   Figures figures_;
 };
 
-void prepareEnvironment(const fs::path& machine) {
-  const rlimit none{.rlim_cur = 0, .rlim_max = 0};
-  ::setrlimit(RLIMIT_CORE, &none);
-  ::setenv("HOME", (machine / "Users/user").c_str(), 1);
-  ::setenv("KARNO_MACHINE_ROOT", machine.c_str(), 1);
-}
-
 int run(int argc, char** argv) {
   if (argc != 4) {
     std::cerr << "usage: karno_child_storm MACHINE SEED STARTS\n";
     return 64;
   }
   const fs::path machine = fs::canonical(argv[1]);
-  prepareEnvironment(machine);
+  enterMachine(machine);
   std::cout << "seed " << argv[2] << '\n';
   Storm storm(machine, static_cast<unsigned>(std::stoul(argv[2])),
               platform::nativePlatform(argc, argv).distributedNotifications);

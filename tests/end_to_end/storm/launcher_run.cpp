@@ -85,6 +85,23 @@ std::optional<pid_t> LauncherRun::waitForNewChild(pid_t previous) {
   return std::nullopt;
 }
 
+bool LauncherRun::waitForLines(std::size_t count, const std::string& text) {
+  const Clock::time_point giveUpAt = Clock::now() + kChildMax;
+  while (Clock::now() < giveUpAt && !hasEnded()) {
+    const std::vector<std::string> all = lines();
+    const auto found = std::count_if(all.begin(), all.end(), [&](const std::string& line) {
+      return line.find(text) != std::string::npos;
+    });
+    if (static_cast<std::size_t>(found) >= count) return true;
+    watchFor(kLookInterval);
+  }
+  return false;
+}
+
+void LauncherRun::terminate() const {
+  if (!hasEnded()) ::kill(launcher_, SIGTERM);
+}
+
 void LauncherRun::watchFor(std::chrono::milliseconds time) {
   const Clock::time_point end = Clock::now() + time;
   while (Clock::now() < end && !hasEnded()) {

@@ -27,6 +27,13 @@ class LauncherRun {
   // Waits until a child other than `previous` runs. Absent when the launcher has ended or none came.
   std::optional<pid_t> waitForNewChild(pid_t previous);
 
+  // Watches until the console has so many lines with that text in them. False when the launcher has ended or
+  // is too slow.
+  bool waitForLines(std::size_t count, const std::string& text);
+
+  // Asks the launcher to end, as the system does.
+  void terminate() const;
+
   // Watches for that long, or until the launcher has ended.
   void watchFor(std::chrono::milliseconds time);
 
