@@ -5,9 +5,11 @@
 #include <cstdlib>
 #include <ctime>
 
-int main() {
+#include "launcher_argument.h"
+
+int main(int argc, char** argv) {
   const char* const leave = std::getenv("KARNO_CLIENT_LEAVE");
-  const pid_t launcher = getppid();
+  const pid_t launcher = karno::test::launcherOf(argc, argv);
   constexpr timespec kLookInterval{.tv_sec = 0, .tv_nsec = 20'000'000};
   while (getppid() == launcher && (leave == nullptr || access(leave, F_OK) != 0)) {
     nanosleep(&kLookInterval, nullptr);

@@ -6,11 +6,13 @@
 
 #include <ctime>
 
-int main() {
+#include "launcher_argument.h"
+
+int main(int argc, char** argv) {
   sigset_t wanted;
   sigemptyset(&wanted);
   sigaddset(&wanted, SIGUSR1);
-  const pid_t launcher = getppid();
+  const pid_t launcher = karno::test::launcherOf(argc, argv);
   sigprocmask(SIG_BLOCK, &wanted, nullptr);
 
   constexpr timespec kLookInterval{.tv_sec = 0, .tv_nsec = 20'000'000};
