@@ -72,6 +72,7 @@ TEST_F(SessionBus, ThatComesBackIsHeardAgain) {
     bus.start();
     ASSERT_TRUE(machine.waitForMessages(end, kConnected, kLimit)) << machine.consoleText();
     ASSERT_EQ(post("enable-automatic-updates").status, 0);
+    ASSERT_TRUE(machine.waitForMessages(end, kEnabled, kLimit)) << machine.consoleText();
     expected.insert(expected.end(), {kGone, kConnected, kEnabled});
   }
   const CommandResult quit = post("user-selected-quit");
