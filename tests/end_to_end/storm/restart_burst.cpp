@@ -1,8 +1,8 @@
 // Tells launchers to restart their child many times at once, and looks at what they do:
 //   karno_restart_burst MACHINE COUNT
 // The machine's client is a karno_brief_client. One launcher has children that end at once, one after
-// another, so that it ends as well; the other has children that stay, and is told to end among them. Closes
-// with the figures; every broken rule is a line, and the exit status 1.
+// another, so that it ends as well; the other has children that stay, and is told to end when they run.
+// Closes with the figures; every broken rule is a line, and the exit status 1.
 #include <fmt/format.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -16,6 +16,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "ipc/wrapper_notification.h"
@@ -35,6 +36,7 @@ using std::chrono::seconds;
 constexpr std::string_view kReceived = "Notify[LISTEN] Received 'app-needs-restart'";
 constexpr std::string_view kWaiting = "ProcessUtils: Waiting for 'it.vantul.Karno' to terminate";
 constexpr std::string_view kTerminating = "AppDelegate:: Terminating";
+constexpr std::chrono::milliseconds kLaunchMax{700};
 constexpr seconds kEndMax{40};
 constexpr seconds kLeaveMax{20};
 
@@ -61,6 +63,7 @@ class Burst {
     const std::optional<pid_t> first = postAll(run);
     if (first) ::kill(*first, SIGKILL);
     run.waitForNewChild(first.value_or(0));
+    waitUntilNoneIsLaunched(run);
     run.terminate();
     judge("children that stay", run);
   }
@@ -86,6 +89,16 @@ class Burst {
     }
     run.waitForLines(count_, std::string(kWaiting));
     return child;
+  }
+
+  // A launcher that is told to end has two seconds for it, which may be too short while a hundred of its
+  // threads start a child each.
+  static void waitUntilNoneIsLaunched(LauncherRun& run) {
+    std::size_t before = 0;
+    for (std::size_t now = launchesIn(run.lines()); now != before && !run.hasEnded();) {
+      run.watchFor(kLaunchMax);
+      before = std::exchange(now, launchesIn(run.lines()));
+    }
   }
 
   void judge(std::string_view what, LauncherRun& run) {
