@@ -1,18 +1,20 @@
 #include "platform/linux/preferences/defaults_file.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
-#include "platform/linux/files/property_list_file.h"
+#include "platform/linux/dispatch/threads.h"
 #include "platform/linux/preferences/file_lock.h"
+#include "platform/linux/preferences/last_stores.h"
+#include "platform/linux/preferences/merge_into_file.h"
 #include "platform/posix/console_line.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"
@@ -21,11 +23,11 @@
 namespace karno::platform {
 namespace {
 
+using std::chrono::milliseconds;
+
 // Time stamps of files advance in steps of up to 10 ms (the kernel's tick), so a file that changed shortly
 // before it was read may change again without its time stamps telling.
-constexpr std::chrono::milliseconds kTrustAfter(50);
-constexpr std::chrono::seconds kLockWaitMax(10);
-constexpr int kDamagedFilesMax = 1000;
+constexpr milliseconds kTrustAfter(50);
 
 bool isSameMoment(const timespec& a, const timespec& b) {
   return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
@@ -42,33 +44,34 @@ bool hasSettled(const struct stat& status, std::chrono::system_clock::time_point
   return readAt.time_since_epoch() - changed > kTrustAfter;
 }
 
-// What is wrong with the file itself, as against a passing trouble of the machine.
-bool isDamage(const Error& error) {
-  if (error.domain() != kPOSIXErrorDomain) return true;
-  const auto codes = {EACCES, EISDIR, EINVAL, EFBIG, ELOOP};
-  return std::find(codes.begin(), codes.end(), error.code()) != codes.end();
+bool saysLocked(const Error& error) {
+  return error.domain() == kPOSIXErrorDomain && error.code() == ETIMEDOUT;
 }
 
-// Gives the file a name of its own; 0 or an errno.
-int setAside(const std::string& path) {
-  for (int number = 1; number <= kDamagedFilesMax; ++number) {
-    const std::string aside = path + ".damaged-" + std::to_string(number);
-    if (::renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE) == 0) {
-      writeConsoleLine("UserDefaults: " + path + " is damaged; kept as " + aside);
-      return 0;
-    }
-    if (errno != EEXIST) return errno;
-  }
-  return EEXIST;
+void tellFailure(std::string_view key, const std::string& path, const Error& error) {
+  writeConsoleLine(fmt::format("UserDefaults: failed to store {} in {}. Reason: {}", key, path,
+                               error.localizedDescription()));
 }
 
 }  // namespace
 
-DefaultsFile::DefaultsFile(std::string path) : path_(std::move(path)) {}
+DefaultsFile::DefaultsFile(std::string path, DefaultsFileWaits waits)
+    : path_(std::move(path)), waits_(waits) {}
+
+DefaultsFile::~DefaultsFile() {
+  LastStores::instance().remove(*this);
+  {
+    const std::scoped_lock lock(mutex_);
+    isEnding_ = true;
+  }
+  retriesChanged_.notify_all();
+  if (retries_.joinable()) retries_.join();
+  storeForTheLastTime();
+}
 
 std::optional<Value> DefaultsFile::valueForKey(std::string_view key) {
   const std::scoped_lock lock(mutex_);
-  if (const auto entry = unstored_.find(key); entry != unstored_.end()) return entry->second;
+  if (const std::optional<Value>* const unstored = unstored_.find(key)) return *unstored;
   if (!isCacheCurrent()) readAfresh();
   const auto entry = cache_.find(key);
   if (entry == cache_.end()) return std::nullopt;
@@ -93,56 +96,111 @@ void DefaultsFile::readAfresh() {
 }
 
 void DefaultsFile::setValue(const std::optional<Value>& value, std::string_view key) {
-  const std::scoped_lock lock(mutex_);
-  if (!path_.empty()) unstored_.insert_or_assign(std::string(key), value);
-  if (const std::optional<Error> error = store(unstored_)) {
-    writeConsoleLine("UserDefaults: failed to store " + std::string(key) + " in " + path_ +
-                     ". Reason: " + error->localizedDescription());
-    return;
-  }
-  unstored_.clear();
+  if (path_.empty()) return tellFailure(key, path_, Error::posix(EINVAL));
+  std::call_once(noted_, [this] { LastStores::instance().add(*this); });
+  const milliseconds lockWaitMax = noteChange(value, key);
+  if (const std::optional<Error> error = store(lockWaitMax)) beginLateness(*error, key);
 }
 
-std::optional<Error> DefaultsFile::store(const Changes& changes) {
-  if (path_.empty()) return Error::posix(EINVAL);
-  std::error_code code;
-  std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), code);
-  if (code) return Error::posix(code.value());
+// How long the lock may be waited for.
+milliseconds DefaultsFile::noteChange(const std::optional<Value>& value, std::string_view key) {
+  const std::scoped_lock lock(mutex_);
+  unstored_.set(value, key);
+  return isLate_ ? milliseconds(0) : waits_.lockMax;
+}
 
-  FileLock fileLock(path_ + ".lock");
-  if (const int error = fileLock.lock(kLockWaitMax)) return Error::posix(error);
-
-  Result<Value::Dictionary> values = contentForWriting();
-  if (!values) return values.error();
-  Value::Dictionary changed = values.value();
-  for (const auto& [key, value] : changes) {
-    if (value) {
-      changed.insert_or_assign(key, *value);
-    } else {
-      changed.erase(key);
-    }
-  }
-  if (changed == values.value()) return std::nullopt;
-
-  const Result<std::string> bytes = propertyListXML(Value(std::move(changed)));
-  if (!bytes) return bytes.error();
-  if (const int error = replaceFile(path_, bytes.value())) return Error::posix(error);
+std::optional<Error> DefaultsFile::store(milliseconds lockWaitMax) {
+  if (const std::optional<Error> error = storeUnderLock(lockWaitMax)) return error;
+  if (endLateness()) writeConsoleLine(fmt::format("UserDefaults: all that was set is now in {}", path_));
   return std::nullopt;
 }
 
-Result<Value::Dictionary> DefaultsFile::contentForWriting() {
-  Result<Value::Dictionary> values = readDictionary(path_);
-  if (values) return values;
-  if (saysMissing(values.error())) return Value::Dictionary();
-  if (!isDamage(values.error())) return values;
-  if (const int error = setAside(path_)) return Error::posix(error);
-  return Value::Dictionary();
+std::optional<Error> DefaultsFile::storeUnderLock(milliseconds lockWaitMax) {
+  std::error_code code;
+  std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), code);
+  if (code) return Error::posix(code.value());
+  FileLock fileLock(path_ + ".lock");
+  if (const int error = fileLock.lock(lockWaitMax)) return Error::posix(error);
+
+  UnstoredChanges::Snapshot snapshot;
+  {
+    const std::scoped_lock lock(mutex_);
+    snapshot = unstored_.snapshot();
+  }
+  if (const std::optional<Error> error = mergeIntoFile(path_, snapshot.changes)) return error;
+  const std::scoped_lock lock(mutex_);
+  unstored_.wereStored(snapshot);
+  return std::nullopt;
+}
+
+bool DefaultsFile::hasUnstored() {
+  const std::scoped_lock lock(mutex_);
+  return !unstored_.empty();
+}
+
+// Whether it was late and is so no more.
+bool DefaultsFile::endLateness() {
+  const std::scoped_lock lock(mutex_);
+  return unstored_.empty() && std::exchange(isLate_, false);
+}
+
+void DefaultsFile::beginLateness(const Error& error, std::string_view key) {
+  {
+    const std::scoped_lock lock(mutex_);
+    // Another thread may have stored this one's value with its own.
+    if (unstored_.empty() || std::exchange(isLate_, true)) return;
+    startRetries();
+  }
+  retriesChanged_.notify_all();
+  if (!saysLocked(error)) return tellFailure(key, path_, error);
+  writeConsoleLine(
+      fmt::format("UserDefaults: {} is locked by another process; what is set here is stored later", path_));
+}
+
+// Without a thread, the next value and the end of the process are left.
+void DefaultsFile::startRetries() {
+  if (retries_.joinable()) return;
+  try {
+    retries_ = std::thread([this] { retryUntilTheEnd(); });
+  } catch (const std::system_error&) {
+  }
+}
+
+void DefaultsFile::retryUntilTheEnd() {
+  nameThisThread("UserDefaults");
+  std::unique_lock lock(mutex_);
+  milliseconds pause = waits_.firstRetry;
+  while (!isEnding_) {
+    if (!isLate_) {
+      retriesChanged_.wait(lock, [this] { return isLate_ || isEnding_; });
+      pause = waits_.firstRetry;
+    }
+    if (retriesChanged_.wait_for(lock, pause, [this] { return isEnding_; })) return;
+    lock.unlock();
+    store(waits_.retryLockMax);
+    lock.lock();
+    pause = std::min(pause * 2, waits_.longestRetry);
+  }
 }
 
 void DefaultsFile::synchronize() {
+  if (hasUnstored()) store(waits_.lockMax);
   const std::string folder = std::filesystem::path(path_).parent_path().string();
   const ScopedDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (descriptor.isOpen()) ::fsync(descriptor.get());
+}
+
+void DefaultsFile::storeForTheLastTime() {
+  if (!hasUnstored()) return;
+  const std::optional<Error> error = store(waits_.retryLockMax);
+  if (!error || !saysLocked(*error)) return;  // any other reason has been told
+  std::vector<std::string> keys;
+  {
+    const std::scoped_lock lock(mutex_);
+    keys = unstored_.keys();
+  }
+  writeConsoleLine(
+      fmt::format("UserDefaults: {} is locked to the end; not stored: {}", path_, fmt::join(keys, ", ")));
 }
 
 }  // namespace karno::platform
