@@ -4,7 +4,7 @@
 
 namespace karno::platform {
 
-// Standard error, one write() per line. When it is closed, or its reader is gone, lines are dropped.
+// Standard error, see ConsoleOutput. When it is closed, or its reader is gone or asleep, lines are dropped.
 class StandardErrorLog final : public ConsoleLog {
  public:
   void log(std::string_view line) override { writeConsoleLine(line); }
