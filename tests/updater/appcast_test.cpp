@@ -164,6 +164,53 @@ TEST(Appcast, WithALengthThatIsNoNumberHasNone) {
   EXPECT_EQ(items[0].length, std::nullopt);
 }
 
+// Of the feed, so many elements: rss, channel, title and item are four of them.
+std::string itemsWithElements(std::size_t elements) {
+  std::string items = "<item>";
+  for (std::size_t count = 4; count < elements; ++count) items += "<a/>";
+  return items + "</item>";
+}
+
+// Of the feed, so many attributes: the version of RSS and the namespace are two of them.
+std::string itemsWithAttributes(std::size_t attributes) {
+  std::string items = "<item><enclosure";
+  for (std::size_t count = 2; count < attributes; ++count) items += fmt::format(" a{}=''", count);
+  return items + "/></item>";
+}
+
+TEST(Appcast, IsReadUpToALimitOfElements) {
+  EXPECT_TRUE(parseAppcast(feedOf(itemsWithElements(kFeedElementsMax))));
+
+  const auto tooLarge = parseAppcast(feedOf(itemsWithElements(kFeedElementsMax + 1)));
+
+  ASSERT_FALSE(tooLarge);
+  EXPECT_EQ(tooLarge.error().code(), 1000);
+  EXPECT_EQ(tooLarge.error().localizedDescription(),
+            "The feed could not be read: it has too many elements or attributes.");
+}
+
+TEST(Appcast, IsReadUpToALimitOfAttributes) {
+  EXPECT_TRUE(parseAppcast(feedOf(itemsWithAttributes(kFeedAttributesMax))));
+
+  const auto tooLarge = parseAppcast(feedOf(itemsWithAttributes(kFeedAttributesMax + 1)));
+
+  ASSERT_FALSE(tooLarge);
+  EXPECT_EQ(tooLarge.error().code(), 1000);
+}
+
+TEST(Appcast, GoesByTheInnermostNamespaceOfAPrefix) {
+  const auto items = itemsOf(R"(<item xmlns:sparkle="https://elsewhere/"><sparkle:version>99</sparkle:version>
+    <sparkle:version xmlns:sparkle="http://www.andymatuschak.org/xml-namespaces/sparkle">7</sparkle:version>
+    <enclosure url="https://a/b" sparkle:os="bad"/></item>
+    <item><sparkle:version>8</sparkle:version><enclosure url="https://a/b"
+      sparkle:os="windows" xmlns:sparkle="https://elsewhere/"/></item>)");
+
+  ASSERT_THAT(items, SizeIs(2));
+  EXPECT_EQ(items[0].version, "7");
+  EXPECT_EQ(items[0].operatingSystem, "");
+  EXPECT_EQ(items[1].operatingSystem, "");
+}
+
 TEST(Appcast, StopsAfterAThousandItems) {
   std::string many;
   for (int count = 0; count < 1200; ++count)

@@ -100,6 +100,12 @@ struct LinuxUpdaterTest : ::testing::Test {
   Value standard(const std::string& key) { return machine.userDefaults.standard().values.at(key); }
   bool hasStandard(const std::string& key) { return machine.userDefaults.standard().values.contains(key); }
 
+  Result<std::vector<FeedItem>> readFeed(std::string_view bytes) {
+    readers.push_back(machine.scheduler.currentThreadName());
+    machine.dispatch.sleep(secondsOfReading);
+    return parseAppcast(bytes);
+  }
+
   FakePlatform machine;
   Recorder delegate{machine};
   test::FakeDownloads downloads{machine};
@@ -107,12 +113,15 @@ struct LinuxUpdaterTest : ::testing::Test {
   test::FakeUpdateFolders folders{machine};
   test::FakeUpdateSettings settings{machine};
   test::FakeOfferWindows offers{machine};
+  std::vector<std::string> readers;  // the threads that read a feed
+  double secondsOfReading = 0;
   LinuxUpdater updater{delegate,
                        {.downloads = downloads,
                         .installer = installer,
                         .folders = folders,
                         .settings = settings,
-                        .offerWindows = offers}};
+                        .offerWindows = offers,
+                        .readFeed = [this](std::string_view bytes) { return readFeed(bytes); }}};
 };
 
 }  // namespace karno::platform::updates

@@ -221,6 +221,52 @@ TEST_F(RequestedUpdate, CancelledWhileTheFeedIsFetchedEndsAtOnceAndHearsOfTheFee
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
 }
 
+// However long the feed is, the windows go on meanwhile.
+TEST_F(RequestedUpdate, IsReadFromTheFeedOutsideTheMainThread) {
+  check();
+
+  EXPECT_THAT(readers, ElementsAre("global(0)"));
+  EXPECT_THAT(delegate.calls, ElementsAre("loaded", "found Karno 1.1 1.1"));
+}
+
+TEST_F(RequestedUpdate, CancelledWhileTheFeedIsReadEndsAtOnceAndHearsOfTheFeedNoMore) {
+  secondsOfReading = 30;
+  check();
+  ASSERT_THAT(readers, SizeIs(1));
+
+  machine.windows.progress.at(0)->cancelButton.press();
+
+  EXPECT_THAT(delegate.calls, ElementsAre("aborted 4007"));
+  EXPECT_FALSE(updater.sessionInProgress());
+  machine.runFor(60);
+  EXPECT_THAT(delegate.calls, SizeIs(1));
+  EXPECT_THAT(offers.shown, IsEmpty());
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+}
+
+TEST_F(RequestedUpdate, CanBeAskedForAgainWhileTheFeedOfACancelledOneIsRead) {
+  secondsOfReading = 30;
+  check();
+  machine.windows.progress.at(0)->cancelButton.press();
+  secondsOfReading = 0;
+
+  check();
+  machine.runFor(60);
+
+  EXPECT_THAT(delegate.calls, ElementsAre("aborted 4007", "loaded", "found Karno 1.1 1.1"));
+  EXPECT_THAT(offers.shown, SizeIs(1));
+}
+
+// The machine goes while the reader is at work, as the launcher's does when it ends.
+TEST_F(RequestedUpdate, ThatIsReadWhenTheLauncherEndsDoesNotHoldItUp) {
+  secondsOfReading = 30;
+
+  check();
+
+  EXPECT_THAT(readers, SizeIs(1));
+  EXPECT_TRUE(updater.sessionInProgress());
+}
+
 TEST_F(RequestedUpdate, CancelledWhileItDownloadsLeavesNothingBehindAndSaysNoMore) {
   check();
   answer(kUserUpdateChoiceInstall, 3.5);
@@ -344,6 +390,18 @@ TEST_F(RequestedUpdate, OfAFeedThatIsNoXMLIsAborted) {
   check();
 
   EXPECT_THAT(delegate.calls, ElementsAre("aborted 1000"));
+}
+
+TEST_F(RequestedUpdate, OfAFeedThatIsTooLargeIsAborted) {
+  std::string tooMuch;
+  for (std::size_t count = 0; count < kFeedElementsMax; ++count) tooMuch += "<a/>";
+  machine.network.bodies[kFeed] = feedOf(item("1.1") + tooMuch);
+
+  check();
+
+  EXPECT_THAT(delegate.calls, ElementsAre("aborted 1000"));
+  EXPECT_THAT(machine.alerts.shown().at(0).informativeText,
+              HasSubstr("it has too many elements or attributes"));
 }
 
 struct Address {

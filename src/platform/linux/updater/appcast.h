@@ -35,9 +35,14 @@ struct FeedItem {
 
 inline constexpr std::size_t kFeedItemsMax = 1000;
 
-// Reads an RSS 2.0 appcast. Names with a prefix count by the namespace that the prefix stands for. Items
-// without a version, or with neither a download nor a page of the web, are left out, and those after the
-// first thousand. An error when it is no XML or no feed.
+// A thousand items come to some 15,000 and 10,000.
+inline constexpr std::size_t kFeedElementsMax = 100'000;
+inline constexpr std::size_t kFeedAttributesMax = 100'000;
+
+// Reads an RSS 2.0 appcast, in a time that grows as the feed does. Names with a prefix count by the namespace
+// that the prefix stands for. Items without a version, or with neither a download nor a page of the web, are
+// left out, and those after the first thousand. An error when it is no XML or no feed, or has more elements
+// or attributes than anybody needs. Any thread.
 Result<std::vector<FeedItem>> parseAppcast(std::string_view bytes);
 
 }  // namespace karno::platform::updates

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/error.h"
+#include "platform/linux/updater/appcast.h"
 #include "platform/value.h"
 
 // What the updater needs of the machine beside the launcher's own services.
@@ -105,12 +106,16 @@ class OfferWindows {
                                             std::function<void(long choice)> answer) = 0;
 };
 
+// Makes items of what a feed's server has sent; see parseAppcast(). Safe from any thread.
+using ReadFeed = std::function<Result<std::vector<FeedItem>>(std::string_view bytes)>;
+
 struct UpdateServices {
   FileDownloads& downloads;
   UpdateInstaller& installer;
   UpdateFolders& folders;
   UpdateSettings& settings;
   OfferWindows& offerWindows;
+  ReadFeed readFeed = parseAppcast;
 };
 
 }  // namespace karno::platform::updates

@@ -57,8 +57,24 @@ void UpdateSession::begin() {
   parts_.services.settings.setObject(Value(host().clock.now()), kLastCheckKey);
   if (const auto refusal = refusalOfAddress(feed)) return abort(*refusal);
   if (parts_.isUserAsking) showProgress(textOf("CHECKING"));
-  inBackground([feed] { return host().urlLoading.contentsOfURL(feed); },
-               [self = shared_from_this()](const Result<std::string>& answer) { self->feedCame(answer); });
+  inBackground(
+      [self = shared_from_this(), feed] { return self->fetchAndRead(feed); },
+      [self = shared_from_this()](const Result<std::vector<FeedItem>>& items) { self->feedCame(items); });
+}
+
+// On a global queue: anybody's server decides how much there is to read.
+Result<std::vector<FeedItem>> UpdateSession::fetchAndRead(const std::string& feed) const {
+  const Result<std::string> bytes = host().urlLoading.contentsOfURL(feed);
+  if (!bytes) {
+    return updateError(UpdateErrorCode::Feed, fmt::format("The list of updates could not be fetched: {}",
+                                                          bytes.error().localizedDescription()));
+  }
+  Result<std::vector<FeedItem>> items = parts_.services.readFeed(bytes.value());
+  if (!items) return items;
+  for (FeedItem& item : items.value()) {
+    if (item.notesFormat == NotesFormat::HTML) item.notes = plainTextOfHTML(item.notes);
+  }
+  return items;
 }
 
 void UpdateSession::bringToFront() {
@@ -67,16 +83,10 @@ void UpdateSession::bringToFront() {
   if (progressWindow_) progressWindow_->show();
 }
 
-void UpdateSession::feedCame(const Result<std::string>& feed) {
+void UpdateSession::feedCame(const Result<std::vector<FeedItem>>& items) {
   if (hasEnded_) return;
   hideProgress();
   hasFeed_ = true;
-  if (!feed) {
-    return abort(updateError(
-        UpdateErrorCode::Feed,
-        fmt::format("The list of updates could not be fetched: {}", feed.error().localizedDescription())));
-  }
-  const Result<std::vector<FeedItem>> items = parseAppcast(feed.value());
   if (!items) return abort(items.error());
   parts_.delegate.didFinishLoadingAppcast(parts_.updater);
   judge(items.value());
@@ -106,14 +116,13 @@ void UpdateSession::nothingToOffer(NothingToOffer reason) {
 void UpdateSession::offer() {
   parts_.delegate.didFindValidUpdate(parts_.updater, told_);
   const bool isOnlyToRead = item_.isInformationOnly;
-  const OfferTexts texts{
-      .title = textOf("OFFER_TITLE"),
-      .message = textOf("OFFER_MESSAGE"),
-      .explanation = textOf(isOnlyToRead ? "OFFER_INFORMATION" : "OFFER_EXPLANATION"),
-      .notes = item_.notesFormat == NotesFormat::HTML ? plainTextOfHTML(item_.notes) : item_.notes,
-      .install = textOf(isOnlyToRead ? "LEARN_MORE" : "INSTALL"),
-      .later = textOf("LATER"),
-      .skip = item_.isCritical ? "" : textOf("SKIP")};
+  const OfferTexts texts{.title = textOf("OFFER_TITLE"),
+                         .message = textOf("OFFER_MESSAGE"),
+                         .explanation = textOf(isOnlyToRead ? "OFFER_INFORMATION" : "OFFER_EXPLANATION"),
+                         .notes = item_.notes,
+                         .install = textOf(isOnlyToRead ? "LEARN_MORE" : "INSTALL"),
+                         .later = textOf("LATER"),
+                         .skip = item_.isCritical ? "" : textOf("SKIP")};
   offerWindow_ = parts_.services.offerWindows.show(texts, [weak = weak_from_this()](long choice) {
     if (const auto self = weak.lock()) self->chosen(choice);
   });
@@ -217,7 +226,8 @@ void UpdateSession::abort(const Error& error) {
   if (isTold) tell(textOf(hasUserAgreed_ ? "FAILED" : "CHECK_FAILED"), error.localizedDescription());
 }
 
-// A fetch of the feed cannot be stopped, so nobody waits for it; a download and the installer hear of it.
+// Neither a fetch of the feed nor the reading of it can be stopped, so nobody waits for them; a download and
+// the installer hear of it.
 void UpdateSession::cancel() {
   const auto self = shared_from_this();
   isCancelled_ = true;

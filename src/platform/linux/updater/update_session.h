@@ -5,6 +5,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "platform/linux/updater/appcast.h"
 #include "platform/linux/updater/item_choice.h"
@@ -36,7 +38,8 @@ class UpdateSession : public std::enable_shared_from_this<UpdateSession> {
   void bringToFront();
 
  private:
-  void feedCame(const Result<std::string>& feed);
+  Result<std::vector<FeedItem>> fetchAndRead(const std::string& feed) const;
+  void feedCame(const Result<std::vector<FeedItem>>& items);
   void judge(const std::vector<FeedItem>& items);
   void nothingToOffer(NothingToOffer reason);
   void offer();
