@@ -198,6 +198,17 @@ TEST(Appcast, IsReadUpToALimitOfAttributes) {
   EXPECT_EQ(tooLarge.error().code(), 1000);
 }
 
+TEST(Appcast, LeavesOutItemsWithATextThatNobodyCouldRead) {
+  const std::string longest(kFeedTextBytesMax, '7');
+  const std::string item =
+      R"(<item><title>{}</title><sparkle:version>{}</sparkle:version><enclosure url="{}"/></item>)";
+
+  EXPECT_THAT(itemsOf(fmt::format(fmt::runtime(item), longest, longest, longest)), SizeIs(1));
+  EXPECT_THAT(itemsOf(fmt::format(fmt::runtime(item), longest + "7", "7", "https://a/b")), IsEmpty());
+  EXPECT_THAT(itemsOf(fmt::format(fmt::runtime(item), "7", longest + "7", "https://a/b")), IsEmpty());
+  EXPECT_THAT(itemsOf(fmt::format(fmt::runtime(item), "7", "7", longest + "7")), IsEmpty());
+}
+
 TEST(Appcast, GoesByTheInnermostNamespaceOfAPrefix) {
   const auto items = itemsOf(R"(<item xmlns:sparkle="https://elsewhere/"><sparkle:version>99</sparkle:version>
     <sparkle:version xmlns:sparkle="http://www.andymatuschak.org/xml-namespaces/sparkle">7</sparkle:version>

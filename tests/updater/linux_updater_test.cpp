@@ -121,6 +121,20 @@ TEST_F(RequestedUpdate, OffersPlainNotesAsTheyAre) {
   EXPECT_EQ(offers.shown[0].notes, "1 <2 &amp; 3> 2");
 }
 
+// A window with all of them would hold up the main thread for seconds.
+TEST_F(RequestedUpdate, OffersTheBeginningOfNotesWithoutEnd) {
+  const std::string endless(1'000'000, 'x');
+  machine.network.bodies[kFeed] = feedOf(
+      "<item><sparkle:version>1.1</sparkle:version><enclosure url=\"https://files.example.org/a.zip\"/>"
+      "<description>" +
+      endless + "</description></item>");
+
+  check();
+
+  ASSERT_THAT(offers.shown, SizeIs(1));
+  EXPECT_THAT(offers.shown[0].notes, SizeIs(100'000 + std::string("\n…").size()));
+}
+
 TEST_F(RequestedUpdate, ThatIsCriticalCannotBeSkipped) {
   machine.network.bodies[kFeed] = feedOf(item("1.1", "<sparkle:criticalUpdate/>"));
 

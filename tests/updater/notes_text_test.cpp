@@ -32,5 +32,24 @@ TEST(ReleaseNotes, GiveSomeTextForAnything) {
   EXPECT_EQ(plainTextOfHTML("&"), "&");
 }
 
+TEST(ReleaseNotes, AreShownInFullUpToALimit) {
+  const std::string longest(kShownNotesBytesMax, 'x');
+
+  EXPECT_EQ(shownNotes("short"), "short");
+  EXPECT_EQ(shownNotes(longest), longest);
+  EXPECT_EQ(shownNotes(longest + "x"), longest + "\n…");
+}
+
+TEST(ReleaseNotes, AreNotCutWithinACharacter) {
+  const std::string before(kShownNotesBytesMax - 2, 'x');
+
+  EXPECT_EQ(shownNotes(before + "€ and more"), before + "\n…");
+  EXPECT_EQ(shownNotes(before + "é and more"), before + "é\n…");
+}
+
+TEST(ReleaseNotes, ThatAreNoUTF8AreCutAllTheSame) {
+  EXPECT_EQ(shownNotes(std::string(kShownNotesBytesMax + 1, '\x80')), "\n…");
+}
+
 }  // namespace
 }  // namespace karno::platform::updates

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <charconv>
 #include <iterator>
@@ -67,6 +68,26 @@ FeedItem itemOf(const FeedElement& item) {
   return read;
 }
 
+bool isOffer(const FeedItem& item) {
+  return !item.version.empty() && !(item.downloadURL.empty() && item.informationURL.empty());
+}
+
+bool isWithinLimits(const FeedItem& item) {
+  const std::array<std::string_view, 11> texts = {item.title ? *item.title : std::string_view(),
+                                                  item.version,
+                                                  item.displayVersion,
+                                                  item.downloadURL,
+                                                  item.informationURL,
+                                                  item.edSignature,
+                                                  item.minimumSystemVersion,
+                                                  item.maximumSystemVersion,
+                                                  item.minimumUpdateVersion,
+                                                  item.operatingSystem,
+                                                  item.channel};
+  return std::all_of(texts.begin(), texts.end(),
+                     [](std::string_view text) { return text.size() <= kFeedTextBytesMax; });
+}
+
 // Ends the walk through a document when it has seen too much.
 class LimitedWalk final : public pugi::xml_tree_walker {
  public:
@@ -105,7 +126,7 @@ Result<std::vector<FeedItem>> parseAppcast(std::string_view bytes) {
   std::vector<FeedItem> items;
   for (const xml_node node : channel.node().children("item")) {
     FeedItem item = itemOf(FeedElement(node, &channel));
-    if (item.version.empty() || (item.downloadURL.empty() && item.informationURL.empty())) continue;
+    if (!isOffer(item) || !isWithinLimits(item)) continue;
     items.push_back(std::move(item));
     if (items.size() == kFeedItemsMax) break;
   }

@@ -39,10 +39,13 @@ inline constexpr std::size_t kFeedItemsMax = 1000;
 inline constexpr std::size_t kFeedElementsMax = 100'000;
 inline constexpr std::size_t kFeedAttributesMax = 100'000;
 
+// Of each text but the notes. Longer ones would fill a screen, and a line of the log.
+inline constexpr std::size_t kFeedTextBytesMax = 4'000;
+
 // Reads an RSS 2.0 appcast, in a time that grows as the feed does. Names with a prefix count by the namespace
-// that the prefix stands for. Items without a version, or with neither a download nor a page of the web, are
-// left out, and those after the first thousand. An error when it is no XML or no feed, or has more elements
-// or attributes than anybody needs. Any thread.
+// that the prefix stands for. Items without a version, with neither a download nor a page of the web, or with
+// a text beyond the limit are left out, and those after the first thousand. An error when it is no XML or no
+// feed, or has more elements or attributes than anybody needs. Any thread.
 Result<std::vector<FeedItem>> parseAppcast(std::string_view bytes);
 
 }  // namespace karno::platform::updates

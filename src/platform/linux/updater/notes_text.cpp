@@ -138,4 +138,15 @@ class Reader {
 
 std::string plainTextOfHTML(std::string_view html) { return Reader(html).text(); }
 
+std::string shownNotes(std::string notes) {
+  if (notes.size() <= kShownNotesBytesMax) return notes;
+  const auto isInsideCharacter = [&](std::size_t place) {
+    return (static_cast<unsigned char>(notes[place]) & 0xC0U) == 0x80U;
+  };
+  std::size_t end = kShownNotesBytesMax;
+  while (end > 0 && isInsideCharacter(end)) --end;
+  notes.resize(end);
+  return notes + "\n…";
+}
+
 }  // namespace karno::platform::updates

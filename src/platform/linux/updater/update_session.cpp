@@ -73,6 +73,7 @@ Result<std::vector<FeedItem>> UpdateSession::fetchAndRead(const std::string& fee
   if (!items) return items;
   for (FeedItem& item : items.value()) {
     if (item.notesFormat == NotesFormat::HTML) item.notes = plainTextOfHTML(item.notes);
+    item.notes = shownNotes(std::move(item.notes));
   }
   return items;
 }
