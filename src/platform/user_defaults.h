@@ -22,7 +22,7 @@ class UserDefaults {
 
   virtual void setBool(bool value, std::string_view key) = 0;
 
-  // Returns when everything set before is on disk.
+  // Returns when everything set before is on disk, as far as it can be stored for now.
   virtual void synchronize() = 0;
 };
 
