@@ -40,11 +40,12 @@ class SessionBus : public ::testing::Test {
     ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
   }
 
-  bool waitForLoss(std::ptrdiff_t count) const {
+  // In the log file: a line may stand on the console already while another thread's overtakes it there.
+  bool waitForLine(std::ptrdiff_t count, const std::string& line) const {
     return machine.waitUntil(
         [&] {
-          const Messages lines = withoutReasons(machine.console());
-          return std::count(lines.begin(), lines.end(), kGone) == count;
+          const Messages lines = withoutReasons(machine.log());
+          return std::count(lines.begin(), lines.end(), line) >= count;
         },
         kLimit);
   }
@@ -68,11 +69,11 @@ TEST_F(SessionBus, ThatComesBackIsHeardAgain) {
 
   for (int end = 1; end <= 3; ++end) {
     bus.stop();
-    ASSERT_TRUE(waitForLoss(end)) << machine.consoleText();
+    ASSERT_TRUE(waitForLine(end, kGone)) << machine.consoleText();
     bus.start();
-    ASSERT_TRUE(machine.waitForMessages(end, kConnected, kLimit)) << machine.consoleText();
+    ASSERT_TRUE(waitForLine(end, kConnected)) << machine.consoleText();
     ASSERT_EQ(post("enable-automatic-updates").status, 0);
-    ASSERT_TRUE(machine.waitForMessages(end, kEnabled, kLimit)) << machine.consoleText();
+    ASSERT_TRUE(waitForLine(end, kEnabled)) << machine.consoleText();
     expected.insert(expected.end(), {kGone, kConnected, kEnabled});
   }
   const CommandResult quit = post("user-selected-quit");
@@ -88,7 +89,7 @@ TEST_F(SessionBus, ThatComesAfterTheLauncherIsHeard) {
   startLauncher();
 
   bus.start();
-  ASSERT_TRUE(machine.waitForMessage(kConnected, kLimit)) << machine.consoleText();
+  ASSERT_TRUE(waitForLine(1, kConnected)) << machine.consoleText();
   const CommandResult quit = post("user-selected-quit");
 
   EXPECT_EQ(quit.status, 0) << quit.output;
@@ -99,7 +100,7 @@ TEST_F(SessionBus, ThatComesAfterTheLauncherIsHeard) {
 TEST_F(SessionBus, ThatIsGoneMakesAPostFail) {
   startLauncher();
   bus.stop();
-  ASSERT_TRUE(waitForLoss(1)) << machine.consoleText();
+  ASSERT_TRUE(waitForLine(1, kGone)) << machine.consoleText();
 
   const CommandResult posted = post("user-selected-quit");
   machine.signalStart(SIGTERM);
@@ -114,7 +115,7 @@ TEST_F(SessionBus, ThatIsGoneMakesAPostFail) {
 TEST_F(SessionBus, ThatIsGoneHoldsUpNoEnd) {
   startLauncher();
   bus.stop();
-  ASSERT_TRUE(waitForLoss(1)) << machine.consoleText();
+  ASSERT_TRUE(waitForLine(1, kGone)) << machine.consoleText();
   const auto launchers = machine.processesOf(machine.bundle() / "Contents/MacOS/Karno");
   ASSERT_THAT(launchers, SizeIs(1));
 
