@@ -81,6 +81,24 @@ TEST(Damage, OfTheLogFolderLeavesTheConsoleAndAnOrderlyEnd) {
   EXPECT_TRUE(fs::is_empty(machine.home() / "Library/Logs"));
 }
 
+// What a full disk does to the log.
+TEST(Damage, OfTheLogsRoomIsToldOnTheConsoleOnce) {
+  Machine machine(builtTools());
+  const fs::path log = machine.home() / "Library/Logs/Karno for macOS/karno-wrapper.log";
+  fs::create_directories(log.parent_path());
+  fs::create_symlink("/dev/full", log);
+
+  machine.startWithScript("1:user-selected-quit");
+
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  const std::string console = machine.consoleText();
+  const std::string told = "“" + log.string() + "” cannot be written: No space left on device";
+  const std::size_t place = console.find(told);
+  ASSERT_NE(place, std::string::npos) << console;
+  EXPECT_EQ(console.find(told, place + 1), std::string::npos);
+  EXPECT_THAT(machine.console(), Contains(kTerminating));
+}
+
 TEST(Damage, OfTheWholeLibraryStillStartsTheBuildOfTheAdministrator) {
   Machine machine(builtTools(), {"--admin", "USE_FILE_PROVIDER=YES"});
   fs::remove_all(machine.home() / "Library");

@@ -365,6 +365,29 @@ TEST(MoveOfABundleThatCannotBeDeleted, IsDoneWithAWarning) {
   EXPECT_TRUE(fs::exists(executableOf(downloaded(machine))));
 }
 
+// A Trash on another disk takes a copy; what it was copied from has to be removed.
+TEST(MoveOverAnOldCopyThatCannotBeDeleted, TellsThatAPartOfItStays) {
+  Machine machine(builtTools(), {"--into", "Downloads"});
+  installOldCopy(machine);
+  const fs::path disk = fs::path("/dev/shm") / ("karno-test-trash-" + std::to_string(::getpid()));
+  fs::create_directory(disk);
+  fs::remove_all(machine.home() / ".Trash");
+  fs::create_directory_symlink(disk, machine.home() / ".Trash");
+  machine.start({"--env", "LD_PRELOAD=" + faultyDisk().string(), "--env", "KARNO_TEST_DISK=stubborn"});
+
+  const auto status = moveInVain(machine);
+  const bool isInTrash = fs::exists(trashed(machine) / kMarkOfOldCopy);
+  fs::remove_all(disk);
+
+  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(isInTrash);
+  EXPECT_THAT(machine.consoleText(),
+              ::testing::HasSubstr("“" + machine.bundle().string() +
+                                   "” is in the Trash, but a part of it could not be removed where it was: "
+                                   "Operation not permitted"));
+  EXPECT_TRUE(fs::exists(executableOf(downloaded(machine))));
+}
+
 // Blanks, both quotation marks, a dollar sign, a newline and letters beyond ASCII.
 TEST(MoveOfABundleWithAnOddName, WorksAsAnyOther) {
   const std::string name = "Anna's \"Kärno\" $HOME\n日本 2.app";

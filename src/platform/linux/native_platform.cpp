@@ -54,7 +54,7 @@ struct NativeServices {
   PosixProcesses processes;
   PosixFiles files;
   LinuxBundles bundles;
-  LinuxUserDefaultsStore userDefaults{bundles};
+  LinuxUserDefaultsStore userDefaults{bundles, notices};
   LinuxManagedPreferences managedPreferences;
   BusNotifications distributedNotifications{dispatch.mainEvents(), notices};
   IcuText text;
@@ -75,7 +75,7 @@ struct NativeServices {
   RandomIdentifiers identifiers;
   LinuxProcessList processList;
   PosixFileReading fileReading;
-  LinuxFileManager fileManager;
+  LinuxFileManager fileManager{notices};
   LinuxStandardFolders standardFolders;
   LinuxMounts mounts;
   PosixCommands commands{tasks, launchForMachine};

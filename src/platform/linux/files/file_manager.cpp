@@ -1,5 +1,6 @@
 #include "platform/linux/files/file_manager.h"
 
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,20 +37,7 @@ bool isBelow(const fs::path& path, const fs::path& folder) {
   return fs::weakly_canonical(path, ignored).string().starts_with(above);
 }
 
-// To another file system.
-int moveAcross(const fs::path& from, const fs::path& to) {
-  if (const auto failure =
-          copyWhole(to, [&from](const std::string& hidden) { return copyTree(from, hidden); }))
-    return static_cast<int>(failure->code());
-  std::error_code error;
-  fs::remove_all(from, error);
-  return error.value();
-}
-
-int moveTo(const fs::path& place, const fs::path& from) {
-  const int failure = renameReplacingNothing(from, place);
-  return failure == EXDEV ? moveAcross(from, place) : failure;
-}
+std::string wordsOf(int error) { return std::generic_category().message(error); }
 
 }  // namespace
 
@@ -66,19 +54,37 @@ std::optional<Error> LinuxFileManager::copyItem(const std::string& from, const s
   return copyWhole(to, [&from](const std::string& hidden) { return copyTree(from, hidden); });
 }
 
+// Whoever asks hears that it failed; the notices hear why.
 std::optional<Error> LinuxFileManager::trashItem(const std::string& path) {
   const fs::path trash = fs::path(homeFolder()) / ".Trash";
   std::error_code error;
   fs::create_directories(trash, error);
-  if (error) return Error::posix(error.value());
-
-  int failure = EEXIST;
+  int failure = error ? error.value() : EEXIST;
   for (int number = 1; failure == EEXIST && number <= kTrashNamesMax; ++number) {
     const fs::path place = placeIn(trash, fs::path(path).filename(), number);
-    if (!isThere(place)) failure = moveTo(place, path);
+    if (isThere(place)) continue;
+    failure = renameReplacingNothing(path, place);
+    if (failure == EXDEV) return trashAcross(path, place);
   }
-  if (failure != 0) return Error::posix(failure);
-  return std::nullopt;
+  if (failure == 0) return std::nullopt;
+  return untrashed(path, failure);
+}
+
+// To another file system.
+std::optional<Error> LinuxFileManager::trashAcross(const std::string& path, const std::string& place) {
+  const auto copy = [&path](const std::string& hidden) { return copyTree(path, hidden); };
+  if (const auto failure = copyWhole(place, copy)) return untrashed(path, static_cast<int>(failure->code()));
+  std::error_code error;
+  fs::remove_all(path, error);
+  if (!error) return std::nullopt;
+  notices_.warn(fmt::format("“{}” is in the Trash, but a part of it could not be removed where it was: {}",
+                            path, wordsOf(error.value())));
+  return Error::posix(error.value());
+}
+
+Error LinuxFileManager::untrashed(const std::string& path, int failure) {
+  notices_.warn(fmt::format("“{}” could not be put into the Trash: {}", path, wordsOf(failure)));
+  return Error::posix(failure);
 }
 
 }  // namespace karno::platform

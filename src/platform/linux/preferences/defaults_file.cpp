@@ -15,7 +15,6 @@
 #include "platform/linux/preferences/file_lock.h"
 #include "platform/linux/preferences/last_stores.h"
 #include "platform/linux/preferences/merge_into_file.h"
-#include "platform/posix/console_line.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"
 #include "platform/property_lists/property_lists.h"
@@ -48,15 +47,10 @@ bool saysLocked(const Error& error) {
   return error.domain() == kPOSIXErrorDomain && error.code() == ETIMEDOUT;
 }
 
-void tellFailure(std::string_view key, const std::string& path, const Error& error) {
-  writeConsoleLine(fmt::format("UserDefaults: failed to store {} in {}. Reason: {}", key, path,
-                               error.localizedDescription()));
-}
-
 }  // namespace
 
-DefaultsFile::DefaultsFile(std::string path, DefaultsFileWaits waits)
-    : path_(std::move(path)), waits_(waits) {}
+DefaultsFile::DefaultsFile(std::string path, Notices& notices, DefaultsFileWaits waits)
+    : path_(std::move(path)), notices_(notices), waits_(waits) {}
 
 DefaultsFile::~DefaultsFile() {
   LastStores::instance().remove(*this);
@@ -96,7 +90,7 @@ void DefaultsFile::readAfresh() {
 }
 
 void DefaultsFile::setValue(const std::optional<Value>& value, std::string_view key) {
-  if (path_.empty()) return tellFailure(key, path_, Error::posix(EINVAL));
+  if (path_.empty()) return tellFailure(key, Error::posix(EINVAL));
   std::call_once(noted_, [this] { LastStores::instance().add(*this); });
   const milliseconds lockWaitMax = noteChange(value, key);
   if (const std::optional<Error> error = store(lockWaitMax)) beginLateness(*error, key);
@@ -111,7 +105,7 @@ milliseconds DefaultsFile::noteChange(const std::optional<Value>& value, std::st
 
 std::optional<Error> DefaultsFile::store(milliseconds lockWaitMax) {
   if (const std::optional<Error> error = storeUnderLock(lockWaitMax)) return error;
-  if (endLateness()) writeConsoleLine(fmt::format("UserDefaults: all that was set is now in {}", path_));
+  if (endLateness()) notices_.inform(fmt::format("UserDefaults: all that was set is now in {}", path_));
   return std::nullopt;
 }
 
@@ -144,6 +138,11 @@ bool DefaultsFile::endLateness() {
   return unstored_.empty() && std::exchange(isLate_, false);
 }
 
+void DefaultsFile::tellFailure(std::string_view key, const Error& error) {
+  notices_.warn(fmt::format("UserDefaults: failed to store {} in {}. Reason: {}", key, path_,
+                            error.localizedDescription()));
+}
+
 void DefaultsFile::beginLateness(const Error& error, std::string_view key) {
   {
     const std::scoped_lock lock(mutex_);
@@ -152,8 +151,8 @@ void DefaultsFile::beginLateness(const Error& error, std::string_view key) {
     startRetries();
   }
   retriesChanged_.notify_all();
-  if (!saysLocked(error)) return tellFailure(key, path_, error);
-  writeConsoleLine(
+  if (!saysLocked(error)) return tellFailure(key, error);
+  notices_.warn(
       fmt::format("UserDefaults: {} is locked by another process; what is set here is stored later", path_));
 }
 
@@ -199,7 +198,7 @@ void DefaultsFile::storeForTheLastTime() {
     const std::scoped_lock lock(mutex_);
     keys = unstored_.keys();
   }
-  writeConsoleLine(
+  notices_.warn(
       fmt::format("UserDefaults: {} is locked to the end; not stored: {}", path_, fmt::join(keys, ", ")));
 }
 

@@ -11,6 +11,7 @@
 
 #include "platform/error.h"
 #include "platform/linux/preferences/unstored_changes.h"
+#include "platform/notices.h"
 #include "platform/value.h"
 
 namespace karno::platform {
@@ -32,7 +33,7 @@ struct DefaultsFileWaits {
 class DefaultsFile {
  public:
   // An empty path holds nothing and takes nothing.
-  explicit DefaultsFile(std::string path, DefaultsFileWaits waits = {});
+  DefaultsFile(std::string path, Notices& notices, DefaultsFileWaits waits = {});
 
   // Tries once more to store what is not stored.
   ~DefaultsFile();
@@ -46,10 +47,10 @@ class DefaultsFile {
   // Stores one value, or removes the key without one, and keeps all others, also those that another process
   // stores at the same time. A damaged file is set aside first.
   //
-  // What cannot be stored, since another process keeps the lock or for any other reason, becomes a console
-  // line and is tried again in the background and with each further value, none of which waits for the lock
-  // again, until all is stored, which is another line. The last try is made when the process ends in an
-  // orderly way; what the lock keeps out even then is a line as well.
+  // What cannot be stored, since another process keeps the lock or for any other reason, is told in the
+  // notices and tried again in the background and with each further value, none of which waits for the lock
+  // again, until all is stored, which is told as well. The last try is made when the process ends in an
+  // orderly way; what the lock keeps out even then is told.
   void setValue(const std::optional<Value>& value, std::string_view key);
 
   // Makes sure that what was set is in the file, if the lock can be had in the time that setting a value may
@@ -68,11 +69,13 @@ class DefaultsFile {
   std::optional<Error> storeUnderLock(std::chrono::milliseconds lockWaitMax);
   bool hasUnstored();
   bool endLateness();
+  void tellFailure(std::string_view key, const Error& error);
   void beginLateness(const Error& error, std::string_view key);
   void startRetries();
   void retryUntilTheEnd();
 
   const std::string path_;
+  Notices& notices_;
   const DefaultsFileWaits waits_;
   std::once_flag noted_;  // with the files that get a last try
 

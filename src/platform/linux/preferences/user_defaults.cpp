@@ -15,7 +15,8 @@ std::string pathOfSuite(const std::string& suiteName) {
 
 }  // namespace
 
-LinuxUserDefaults::LinuxUserDefaults(const std::string& suiteName) : file_(pathOfSuite(suiteName)) {}
+LinuxUserDefaults::LinuxUserDefaults(const std::string& suiteName, Notices& notices)
+    : file_(pathOfSuite(suiteName), notices) {}
 
 std::optional<Value> LinuxUserDefaults::objectForKey(std::string_view key) const {
   return file_.valueForKey(key);
@@ -34,14 +35,14 @@ void LinuxUserDefaults::synchronize() { file_.synchronize(); }
 LinuxUserDefaults& LinuxUserDefaultsStore::standardUserDefaults() {
   std::call_once(standardMade_, [this] {
     const std::string programName = std::filesystem::path(programPath()).filename().string();
-    standard_ =
-        std::make_unique<LinuxUserDefaults>(bundles_.mainBundle().bundleIdentifier().value_or(programName));
+    standard_ = std::make_unique<LinuxUserDefaults>(
+        bundles_.mainBundle().bundleIdentifier().value_or(programName), notices_);
   });
   return *standard_;
 }
 
 std::unique_ptr<UserDefaults> LinuxUserDefaultsStore::makeSuite(const std::string& suiteName) {
-  return std::make_unique<LinuxUserDefaults>(suiteName);
+  return std::make_unique<LinuxUserDefaults>(suiteName, notices_);
 }
 
 }  // namespace karno::platform

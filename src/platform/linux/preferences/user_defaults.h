@@ -13,7 +13,7 @@ namespace karno::platform {
 class LinuxUserDefaults final : public UserDefaults {
  public:
   // A name that is empty or holds a "/" is no suite: it reads as empty and stores nothing.
-  explicit LinuxUserDefaults(const std::string& suiteName);
+  LinuxUserDefaults(const std::string& suiteName, Notices& notices);
 
   std::optional<Value> objectForKey(std::string_view key) const override;
   bool boolForKey(std::string_view key) const override;
@@ -30,13 +30,14 @@ class LinuxUserDefaults final : public UserDefaults {
 // The standard defaults are named after the main bundle's identifier; without one, after the program.
 class LinuxUserDefaultsStore final : public UserDefaultsStore {
  public:
-  explicit LinuxUserDefaultsStore(const Bundles& bundles) : bundles_(bundles) {}
+  LinuxUserDefaultsStore(const Bundles& bundles, Notices& notices) : bundles_(bundles), notices_(notices) {}
 
   LinuxUserDefaults& standardUserDefaults() override;
   std::unique_ptr<UserDefaults> makeSuite(const std::string& suiteName) override;
 
  private:
   const Bundles& bundles_;
+  Notices& notices_;
   std::once_flag standardMade_;
   std::unique_ptr<LinuxUserDefaults> standard_;
 };

@@ -2,18 +2,20 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/files.h"
 
 namespace karno::platform {
 
-// An AppendStream on a C stream, whose buffer it has until flush() or its end.
+// An AppendStream on a C stream, whose buffer it has until flush() or its end. A line on the console says
+// when it begins to fail, and why; a line that could not be written whole does not join the one after it.
 class FileAppendStream final : public AppendStream {
  public:
   // Null when the file cannot be opened.
   static std::unique_ptr<FileAppendStream> open(const std::string& path);
 
-  explicit FileAppendStream(std::FILE* stream) : stream_(stream) {}
+  FileAppendStream(std::FILE* stream, std::string path) : stream_(stream), path_(std::move(path)) {}
 
   void writeLine(std::string_view line) override;
   void flush() override;
@@ -23,7 +25,9 @@ class FileAppendStream final : public AppendStream {
     void operator()(std::FILE* stream) const { std::fclose(stream); }
   };
 
-  std::unique_ptr<std::FILE, Close> stream_;
+  const std::unique_ptr<std::FILE, Close> stream_;
+  const std::string path_;
+  bool isFailing_ = false;
 };
 
 }  // namespace karno::platform

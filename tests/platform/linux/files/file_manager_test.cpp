@@ -1,5 +1,6 @@
 #include "platform/linux/files/file_manager.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -12,6 +13,7 @@
 
 #include "../../support/scoped_environment.h"
 #include "../../support/temporary_folder.h"
+#include "../../support/told_notices.h"
 
 namespace karno::platform {
 namespace {
@@ -21,6 +23,7 @@ namespace fs = std::filesystem;
 using test::contentOf;
 using test::ScopedEnvironment;
 using test::TemporaryFolder;
+using ::testing::ElementsAre;
 
 class LinuxFileManagerTest : public testing::Test {
  protected:
@@ -30,7 +33,8 @@ class LinuxFileManagerTest : public testing::Test {
 
   const TemporaryFolder folder_;
   const ScopedEnvironment home_{"HOME", folder_ / "home"};
-  LinuxFileManager manager_;
+  test::ToldNotices told_;
+  LinuxFileManager manager_{told_.notices()};
 };
 
 TEST_F(LinuxFileManagerTest, CopiesABundleWithItsLinksAndPermissions) {
@@ -120,6 +124,8 @@ TEST_F(LinuxFileManagerAcrossDisks, LeavesWhatItCannotCopyWhereItIs) {
   const auto error = manager_.trashItem(item_);
 
   EXPECT_EQ(error, Error::posix(ENOTSUP));
+  EXPECT_THAT(told_.lines(), ElementsAre("WARN “" + item_.string() +
+                                         "” could not be put into the Trash: Operation not supported"));
   EXPECT_EQ(contentOf(item_ / "Contents/file"), "text");
   EXPECT_TRUE(fs::exists(item_ / "Contents/pipe"));
   EXPECT_TRUE(fs::is_empty(folder_ / "home/.Trash"));

@@ -16,6 +16,7 @@
 #include "platform/linux/files/property_list_file.h"
 #include "platform/linux/preferences/defaults_file.h"
 #include "platform/linux/preferences/file_lock.h"
+#include "platform/posix/console_line.h"
 
 namespace karno::platform {
 namespace {
@@ -69,11 +70,12 @@ class LockedDefaultsFile : public testing::Test {
 
   TemporaryFolder folder;
   std::unique_ptr<FileLock> otherProcess;
+  Notices notices{[](Notices::Level, std::string_view line) { writeConsoleLine(line); }};
 };
 
 TEST_F(LockedDefaultsFile, IsReadAllTheSame) {
   write("<key>key</key><true/>");
-  DefaultsFile file(path(), kPatient);
+  DefaultsFile file(path(), notices, kPatient);
   lock();
 
   EXPECT_EQ(file.valueForKey("key"), Value(true));
@@ -85,7 +87,7 @@ TEST_F(LockedDefaultsFile, IsReadAllTheSame) {
 TEST_F(LockedDefaultsFile, IsReadWhileAnotherThreadWaitsForTheLock) {
   const StandardErrorCapture console;
   write("<key>kept</key><true/>");
-  DefaultsFile file(path(), {.lockMax = hours(1)});
+  DefaultsFile file(path(), notices, {.lockMax = hours(1)});
   lock();
   std::jthread writer([&] { file.setValue(Value(true), "new"); });
 
@@ -107,7 +109,7 @@ TEST_F(LockedDefaultsFile, HoldsUpWhoSetsAValueForASecondAtMost) {
 TEST_F(LockedDefaultsFile, ReadsBackInThisProcessWhatItDoesNotTake) {
   const StandardErrorCapture console;
   write("<key>changed</key><true/><key>removed</key><true/>");
-  DefaultsFile file(path(), kPatient);
+  DefaultsFile file(path(), notices, kPatient);
   lock();
 
   file.setValue(Value(false), "changed");
@@ -120,7 +122,7 @@ TEST_F(LockedDefaultsFile, ReadsBackInThisProcessWhatItDoesNotTake) {
 
 TEST_F(LockedDefaultsFile, HasWhatWasSetOnceTheLockIsFree) {
   const StandardErrorCapture console;
-  DefaultsFile file(path(), kPersistent);
+  DefaultsFile file(path(), notices, kPersistent);
   lock();
   file.setValue(Value(1), "key");
   file.setValue(Value(2), "key");
@@ -133,7 +135,7 @@ TEST_F(LockedDefaultsFile, HasWhatWasSetOnceTheLockIsFree) {
 TEST_F(LockedDefaultsFile, KeepsWhatTheHolderOfTheLockStoredMeanwhile) {
   const StandardErrorCapture console;
   write("<key>removed</key><true/>");
-  DefaultsFile file(path(), kPersistent);
+  DefaultsFile file(path(), notices, kPersistent);
   lock();
   file.setValue(Value("ours"), "key");
   file.setValue(std::nullopt, "removed");
@@ -150,7 +152,7 @@ TEST_F(LockedDefaultsFile, KeepsWhatTheHolderOfTheLockStoredMeanwhile) {
 
 TEST_F(LockedDefaultsFile, IsFollowedAgainOnceAllIsStored) {
   const StandardErrorCapture console;
-  DefaultsFile file(path(), kPersistent);
+  DefaultsFile file(path(), notices, kPersistent);
   lock();
   file.setValue(Value(1), "key");
   unlock();
@@ -163,7 +165,7 @@ TEST_F(LockedDefaultsFile, IsFollowedAgainOnceAllIsStored) {
 
 TEST_F(LockedDefaultsFile, IsToldOncePerStretch) {
   const StandardErrorCapture console;
-  DefaultsFile file(path(), kPersistent);
+  DefaultsFile file(path(), notices, kPersistent);
   lock();
   file.setValue(Value(1), "first");
   file.setValue(Value(2), "second");
@@ -183,7 +185,7 @@ TEST_F(LockedDefaultsFile, IsToldOncePerStretch) {
 
 TEST_F(LockedDefaultsFile, TakesWithTheNextValueWhatWasSetBefore) {
   const StandardErrorCapture console;
-  DefaultsFile file(path(), kPatient);
+  DefaultsFile file(path(), notices, kPatient);
   lock();
   file.setValue(Value(1), "early");
   unlock();
@@ -198,7 +200,7 @@ TEST_F(LockedDefaultsFile, TakesWithTheNextValueWhatWasSetBefore) {
 TEST_F(LockedDefaultsFile, IsNotWaitedForBesideTheTriesInTheBackground) {
   const StandardErrorCapture console;
   std::filesystem::create_directory(path() + ".lock");
-  DefaultsFile file(path(), {.lockMax = hours(1), .retryLockMax = kAtOnce, .firstRetry = hours(1)});
+  DefaultsFile file(path(), notices, {.lockMax = hours(1), .retryLockMax = kAtOnce, .firstRetry = hours(1)});
   file.setValue(Value(1), "early");
   std::filesystem::remove(path() + ".lock");
   lock();
@@ -211,7 +213,7 @@ TEST_F(LockedDefaultsFile, IsNotWaitedForBesideTheTriesInTheBackground) {
 
 TEST_F(LockedDefaultsFile, HasWhatWasSetAfterSynchronizeWhenTheLockIsFree) {
   const StandardErrorCapture console;
-  DefaultsFile file(path(), kPatient);
+  DefaultsFile file(path(), notices, kPatient);
   lock();
   file.setValue(Value(1), "key");
   unlock();
@@ -223,7 +225,7 @@ TEST_F(LockedDefaultsFile, HasWhatWasSetAfterSynchronizeWhenTheLockIsFree) {
 
 TEST_F(LockedDefaultsFile, HasWhatWasSetWhenTheLockIsFreeAtTheEndOfItsOwner) {
   const StandardErrorCapture console;
-  auto file = std::make_unique<DefaultsFile>(path(), kPatient);
+  auto file = std::make_unique<DefaultsFile>(path(), notices, kPatient);
   lock();
   file->setValue(Value(1), "key");
   unlock();
@@ -238,7 +240,7 @@ TEST_F(LockedDefaultsFile, HasWhatWasSetWhenTheLockIsFreeAtTheEndOfTheProcess) {
 
   ForkedProcess process([this]() -> int {
     // Nobody destroys it, as nobody destroys the launcher's.
-    const auto file = std::make_shared<DefaultsFile>(path(), kPatient);
+    const auto file = std::make_shared<DefaultsFile>(path(), notices, kPatient);
     lock();
     file->setValue(Value(1), "key");
     unlock();
@@ -252,7 +254,7 @@ TEST_F(LockedDefaultsFile, HasWhatWasSetWhenTheLockIsFreeAtTheEndOfTheProcess) {
 
 TEST_F(LockedDefaultsFile, TellsAtTheEndWhatWasNotStored) {
   const StandardErrorCapture console;
-  auto file = std::make_unique<DefaultsFile>(path(), kPatient);
+  auto file = std::make_unique<DefaultsFile>(path(), notices, kPatient);
   lock();
   file->setValue(Value(1), "first");
   file->setValue(Value(2), "second");
@@ -266,7 +268,7 @@ TEST_F(LockedDefaultsFile, TellsAtTheEndWhatWasNotStored) {
 
 TEST_F(LockedDefaultsFile, LosesNoValueOfThreadsWhileTheLockComesAndGoes) {
   const StandardErrorCapture console;
-  auto file = std::make_unique<DefaultsFile>(path(), kPersistent);
+  auto file = std::make_unique<DefaultsFile>(path(), notices, kPersistent);
   {
     std::vector<std::jthread> writers;
     for (int thread = 0; thread < 4; ++thread) {
@@ -291,7 +293,7 @@ TEST_F(LockedDefaultsFile, LosesNoValueOfThreadsWhileTheLockComesAndGoes) {
 TEST_F(LockedDefaultsFile, IsStoredOnceAnotherObstacleIsGone) {
   const StandardErrorCapture console;
   const std::string obstacle = folder.write("folder", "a file where a folder should be");
-  DefaultsFile file(obstacle + "/" + kFile, kPersistent);
+  DefaultsFile file(obstacle + "/" + kFile, notices, kPersistent);
   file.setValue(Value(1), "key");
 
   std::filesystem::remove(obstacle);

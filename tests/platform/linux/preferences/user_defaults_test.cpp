@@ -1,4 +1,5 @@
 #include "platform/linux/preferences/user_defaults.h"
+#include "platform/posix/console_line.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -60,7 +61,8 @@ class LinuxUserDefaultsTest : public testing::Test {
   TemporaryFolder home;
   ScopedEnvironment homeVariable{"HOME", home.path()};
   LinuxBundles bundles;
-  LinuxUserDefaultsStore store{bundles};
+  Notices notices{[](Notices::Level, std::string_view line) { writeConsoleLine(line); }};
+  LinuxUserDefaultsStore store{bundles, notices};
 };
 
 TEST_F(LinuxUserDefaultsTest, KeepValuesOfEveryTypeThatOthersStored) {

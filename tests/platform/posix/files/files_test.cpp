@@ -3,17 +3,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "../../support/scoped_environment.h"
+#include "../../support/standard_error_capture.h"
 #include "../../support/temporary_folder.h"
 #include "elements_are.h"
 #include "platform/posix/files/folder_walk.h"
@@ -23,7 +26,9 @@ namespace karno::platform {
 namespace {
 
 using karno::test::ElementsAre;
+using test::contentOf;
 using test::ScopedEnvironment;
+using test::StandardErrorCapture;
 using test::TemporaryFolder;
 
 constexpr const char* kNameThatIsNoUTF8 = "caf\xE9 \xFF.txt";
@@ -187,15 +192,61 @@ TEST(PosixFiles, DoesNotTakeALaterChangeOfAFileForItsCreation) {
   EXPECT_EQ(created[0], created[1]);
 }
 
-TEST(PosixFiles, FailsQuietlyWhenTheDiskIsFull) {
-  PosixFiles files;
+// As long as the file may grow no further, which a disk that is full comes to.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : before_(::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &usual_);
+    const rlimit limit{bytes, usual_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &usual_);
+    ::signal(SIGXFSZ, before_);
+  }
 
-  const auto stream = files.openForAppending("/dev/full");
+ private:
+  void (*const before_)(int);
+  rlimit usual_ = {};
+};
+
+TEST(PosixFiles, SaysOnceWhyAStreamCannotBeWritten) {
+  const TemporaryFolder folder;
+  folder.write("log", std::string(1000, 'x'));
+  const FileSizeLimit limit(1000);
+  const StandardErrorCapture console;
+  const auto stream = PosixFiles().openForAppending(folder / "log");
   ASSERT_NE(stream, nullptr);
-  stream->writeLine("lost");
-  stream->flush();
 
-  EXPECT_TRUE(files.fileExists("/dev/full"));
+  for (const char* line : {"lost", "lost as well"}) {
+    stream->writeLine(line);
+    stream->flush();
+  }
+
+  EXPECT_EQ(console.text(), "“" + (folder / "log") + "” cannot be written: File too large\n");
+}
+
+TEST(PosixFiles, GoesOnWithAWholeLineOnceThereIsRoomAgain) {
+  const TemporaryFolder folder;
+  PosixFiles files;
+  const auto stream = files.openForAppending(folder / "log");
+  const auto write = [&stream](const char* line) {
+    stream->writeLine(line);
+    stream->flush();
+  };
+
+  write("first");
+  {
+    const FileSizeLimit limit(8);
+    write("second");
+    write("third");
+  }
+  write("fourth");
+  write("fifth");
+
+  EXPECT_EQ(contentOf(folder / "log"), "first\nse\nfourth\nfifth\n");
 }
 
 TEST(ReplaceFile, LeavesNothingBehindWhenItFails) {
