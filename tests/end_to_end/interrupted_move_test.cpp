@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <array>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -17,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kKills = 220;
+constexpr std::size_t kKills = 220;
 constexpr int kFolders = 5;
 constexpr int kFilesInFolder = 4;
 constexpr unsigned kDefaultSeed = 20240305;
@@ -38,7 +39,7 @@ std::map<std::string, std::string> everythingIn(const fs::path& folder) {
   std::map<std::string, std::string> found;
   std::error_code ignored;
   for (const auto& entry : fs::recursive_directory_iterator(folder, ignored)) {
-    const std::string path = fs::relative(entry.path(), folder).string();
+    const std::string path = entry.path().lexically_relative(folder).string();
     if (entry.is_symlink()) {
       found[path] = "-> " + fs::read_symlink(entry.path()).string();
     } else {
@@ -47,6 +48,9 @@ std::map<std::string, std::string> everythingIn(const fs::path& folder) {
   }
   return found;
 }
+
+enum class OldCopy { None, Trashed, TrashedOnAnotherDisk };
+constexpr std::array kOldCopies = {OldCopy::None, OldCopy::Trashed, OldCopy::TrashedOnAnotherDisk};
 
 // What two hundred killed moves came to.
 struct Tally {
@@ -69,13 +73,21 @@ class InterruptedMove : public ::testing::Test {
     std::ofstream(root_ / "System/Library/CoreServices/SystemVersion.plist")
         << "<plist version=\"1.0\"><dict><key>ProductVersion</key><string>14.5</string></dict></plist>\n";
   }
-  ~InterruptedMove() override { fs::remove_all(root_); }
+  ~InterruptedMove() override {
+    fs::remove_all(root_);
+    fs::remove_all(otherDisk());
+  }
 
-  void layOut(bool withInstalledCopy) {
+  void layOut(OldCopy oldCopy) {
     for (const char* folder : {"Applications", "Users"}) fs::remove_all(root_ / folder);
+    fs::remove_all(otherDisk());
     fs::create_directories(installed().parent_path());
     writeBundle(source(), "new");
-    if (withInstalledCopy) writeBundle(installed(), "old");
+    if (oldCopy != OldCopy::None) writeBundle(installed(), "old");
+    if (oldCopy == OldCopy::TrashedOnAnotherDisk) {
+      fs::create_directory(otherDisk());
+      fs::create_directory_symlink(otherDisk(), trashed().parent_path());
+    }
     whole_ = everythingIn(source());
     old_ = everythingIn(installed());
   }
@@ -88,19 +100,22 @@ class InterruptedMove : public ::testing::Test {
                       std::chrono::seconds(20));
   }
 
-  long changesOfAWholeMove() {
+  long changesOfAWholeMove(OldCopy oldCopy) {
+    layOut(oldCopy);
     const CommandResult moved = move(0);
     EXPECT_EQ(moved.status, 0) << moved.output;
     return std::strtol(contentsOf(countFile()).c_str(), nullptr, 10);
   }
 
-  Tally killAnywhere(long changes) {
+  Tally killAnywhere() {
+    std::map<OldCopy, long> changes;
+    for (const OldCopy oldCopy : kOldCopies) changes[oldCopy] = changesOfAWholeMove(oldCopy);
     std::mt19937 random(seed());
-    std::uniform_int_distribution<long> anyChange(1, changes);
     Tally tally;
-    for (int run = 0; run < kKills; ++run) {
-      layOut(run % 2 == 0);
-      const long killAt = anyChange(random);
+    for (std::size_t run = 0; run < kKills; ++run) {
+      const OldCopy oldCopy = kOldCopies[run % kOldCopies.size()];
+      layOut(oldCopy);
+      const long killAt = std::uniform_int_distribution<long>(1, changes[oldCopy])(random);
       tally.killed += move(killAt).status == 128 + SIGKILL;
       const bool isSourceWhole = isWhole(source());
       const bool isCopyWhole = isWhole(installed());
@@ -123,6 +138,7 @@ class InterruptedMove : public ::testing::Test {
   fs::path installed() const { return root_ / "Applications/Karno.app"; }
 
  private:
+  fs::path otherDisk() const { return fs::path("/dev/shm") / root_.filename(); }
   fs::path countFile() const { return root_ / "changes"; }
 
   static void writeBundle(const fs::path& bundle, const std::string& content) {
@@ -142,11 +158,9 @@ class InterruptedMove : public ::testing::Test {
 };
 
 TEST_F(InterruptedMove, LeavesOneWholeBundleWhereverItIsKilled) {
-  layOut(true);
-  const long changes = changesOfAWholeMove();
-  ASSERT_GE(changes, 80);
+  ASSERT_GE(changesOfAWholeMove(OldCopy::Trashed), 80);
 
-  const Tally tally = killAnywhere(changes);
+  const Tally tally = killAnywhere();
 
   EXPECT_EQ(tally.lost, "") << "with the seed " << seed();
   EXPECT_EQ(tally.half, "") << "with the seed " << seed();
@@ -157,9 +171,8 @@ TEST_F(InterruptedMove, LeavesOneWholeBundleWhereverItIsKilled) {
 }
 
 TEST_F(InterruptedMove, LeavesNothingBehindOnceItHasBeenMadeAgain) {
-  layOut(false);
-  const long changes = changesOfAWholeMove();
-  layOut(false);
+  const long changes = changesOfAWholeMove(OldCopy::None);
+  layOut(OldCopy::None);
   ASSERT_EQ(move(changes / 3).status, 128 + SIGKILL);
   ASSERT_TRUE(fs::exists(installed().parent_path() / ".Karno.app.copying"));
 

@@ -366,16 +366,17 @@ TEST(MoveOfABundleThatCannotBeDeleted, IsDoneWithAWarning) {
 }
 
 // A Trash on another disk takes a copy; what it was copied from has to be removed.
-TEST(MoveOverAnOldCopyThatCannotBeDeleted, TellsThatAPartOfItStays) {
+TEST(MoveOverAnOldCopyThatCannotBeDeleted, TellsWhatStaysOfItAndIsDone) {
   Machine machine(builtTools(), {"--into", "Downloads"});
   installOldCopy(machine);
   const fs::path disk = fs::path("/dev/shm") / ("karno-test-trash-" + std::to_string(::getpid()));
   fs::create_directory(disk);
   fs::remove_all(machine.home() / ".Trash");
   fs::create_directory_symlink(disk, machine.home() / ".Trash");
-  machine.start({"--env", "LD_PRELOAD=" + faultyDisk().string(), "--env", "KARNO_TEST_DISK=stubborn"});
+  startWithShortClient(machine,
+                       {"--env", "LD_PRELOAD=" + faultyDisk().string(), "--env", "KARNO_TEST_DISK=stubborn"});
 
-  const auto status = moveInVain(machine);
+  const auto status = moveAndWait(machine);
   const bool isInTrash = fs::exists(trashed(machine) / kMarkOfOldCopy);
   fs::remove_all(disk);
 
@@ -383,9 +384,11 @@ TEST(MoveOverAnOldCopyThatCannotBeDeleted, TellsThatAPartOfItStays) {
   EXPECT_TRUE(isInTrash);
   EXPECT_THAT(machine.consoleText(),
               ::testing::HasSubstr("“" + machine.bundle().string() +
-                                   "” is in the Trash, but a part of it could not be removed where it was: "
-                                   "Operation not permitted"));
-  EXPECT_TRUE(fs::exists(executableOf(downloaded(machine))));
+                                   "” is in the Trash, but a part of it stays in “" +
+                                   (machine.root() / "Applications/.Karno.app.trashed").string() +
+                                   "”: Operation not permitted"));
+  EXPECT_FALSE(fs::exists(machine.bundle() / kMarkOfOldCopy));
+  EXPECT_TRUE(fs::exists(executableOf(machine.bundle())));
 }
 
 // Blanks, both quotation marks, a dollar sign, a newline and letters beyond ASCII.

@@ -70,16 +70,23 @@ std::optional<Error> LinuxFileManager::trashItem(const std::string& path) {
   return untrashed(path, failure);
 }
 
-// To another file system.
+// To another file system. Nothing half removed ever has the item's name: it takes a hidden one first, under
+// which the next one removes what this one could not.
 std::optional<Error> LinuxFileManager::trashAcross(const std::string& path, const std::string& place) {
   const auto copy = [&path](const std::string& hidden) { return copyTree(path, hidden); };
   if (const auto failure = copyWhole(place, copy)) return untrashed(path, static_cast<int>(failure->code()));
+  const fs::path hidden =
+      fs::path(path).parent_path() / ("." + fs::path(path).filename().string() + ".trashed");
   std::error_code error;
-  fs::remove_all(path, error);
-  if (!error) return std::nullopt;
-  notices_.warn(fmt::format("“{}” is in the Trash, but a part of it could not be removed where it was: {}",
-                            path, wordsOf(error.value())));
-  return Error::posix(error.value());
+  fs::remove_all(hidden, error);
+  fs::rename(path, hidden, error);
+  if (error) return untrashed(path, error.value());
+  fs::remove_all(hidden, error);
+  if (error) {
+    notices_.warn(fmt::format("“{}” is in the Trash, but a part of it stays in “{}”: {}", path,
+                              hidden.string(), wordsOf(error.value())));
+  }
+  return std::nullopt;
 }
 
 Error LinuxFileManager::untrashed(const std::string& path, int failure) {
