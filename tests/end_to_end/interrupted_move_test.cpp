@@ -19,6 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kKills = 220;
+constexpr std::size_t kPrivilegedKills = 40;
 constexpr int kFolders = 5;
 constexpr int kFilesInFolder = 4;
 constexpr unsigned kDefaultSeed = 20240305;
@@ -130,6 +131,16 @@ class InterruptedMove : public ::testing::Test {
     return tally;
   }
 
+  // Nobody may write to Applications but an administrator, who always says yes.
+  void shutApplications() {
+    const fs::path pkexec = root_ / "usr/bin/pkexec";
+    fs::create_directories(pkexec.parent_path());
+    std::ofstream(pkexec) << "#!/bin/sh\nchmod u+w '" << installed().parent_path().string()
+                          << "'\nexec \"$@\"\n";
+    fs::permissions(pkexec, fs::perms(0755));
+    fs::permissions(installed().parent_path(), fs::perms(0555));
+  }
+
   bool isWhole(const fs::path& bundle) const { return everythingIn(bundle) == whole_; }
 
   fs::path home() const { return root_ / "Users/user"; }
@@ -168,6 +179,29 @@ TEST_F(InterruptedMove, LeavesOneWholeBundleWhereverItIsKilled) {
   EXPECT_GE(tally.killed, 200);
   EXPECT_GT(tally.sourceStillWhole, 0);
   EXPECT_GT(tally.copyAlreadyWhole, 0);
+}
+
+// The launcher, rm or cp: whoever comes to that change is killed.
+TEST_F(InterruptedMove, WithAPasswordKeepsTheBundleUntilItsCopyIsWhole) {
+  std::mt19937 random(seed());
+  int sourcesStillWhole = 0;
+  int copiesAlreadyWhole = 0;
+  std::string lost;
+
+  for (std::size_t run = 0; run < kPrivilegedKills; ++run) {
+    layOut(run % 2 == 0 ? OldCopy::None : OldCopy::Trashed);
+    shutApplications();
+    const long killAt = std::uniform_int_distribution<long>(1, 80)(random);
+    move(killAt);
+    fs::permissions(installed().parent_path(), fs::perms(0755));
+    sourcesStillWhole += isWhole(source());
+    copiesAlreadyWhole += isWhole(installed());
+    if (!isWhole(source()) && !isWhole(installed())) lost += " " + std::to_string(killAt);
+  }
+
+  EXPECT_EQ(lost, "") << "with the seed " << seed();
+  EXPECT_GT(sourcesStillWhole, 0);
+  EXPECT_GT(copiesAlreadyWhole, 0);
 }
 
 TEST_F(InterruptedMove, LeavesNothingBehindOnceItHasBeenMadeAgain) {
