@@ -14,6 +14,7 @@
 #include "../../support/hand_queue.h"
 #include "../../support/private_bus.h"
 #include "../../support/told_notices.h"
+#include "../../support/wait_until.h"
 #include "elements_are.h"
 #include "notification_listener.h"
 #include "platform/linux/notifications/bus_poster.h"
@@ -33,6 +34,7 @@ using test::notification;
 using test::PrivateBus;
 using test::sleepsOfThread;
 using test::ToldNotices;
+using test::waitUntil;
 using testing::MatchesRegex;
 using testing::SizeIs;
 
@@ -53,15 +55,6 @@ class BusThatComesBack : public testing::Test {
  protected:
   std::unique_ptr<BusNotifications> makeCentre(const BusListener::Waits& waits = kShort) {
     return std::make_unique<BusNotifications>(main, told.notices(), waits);
-  }
-
-  static bool waitUntil(const std::function<bool()>& condition) {
-    const auto giveUpAt = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!condition()) {
-      if (std::chrono::steady_clock::now() > giveUpAt) return false;
-      std::this_thread::sleep_for(milliseconds(5));
-    }
-    return true;
   }
 
   bool waitForNotices(std::size_t count) const {

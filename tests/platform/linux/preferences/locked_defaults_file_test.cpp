@@ -13,6 +13,7 @@
 #include "../../support/property_list_texts.h"
 #include "../../support/standard_error_capture.h"
 #include "../../support/temporary_folder.h"
+#include "../../support/wait_until.h"
 #include "platform/linux/files/property_list_file.h"
 #include "platform/linux/preferences/defaults_file.h"
 #include "platform/linux/preferences/file_lock.h"
@@ -27,6 +28,7 @@ using test::ForkedProcess;
 using test::propertyList;
 using test::StandardErrorCapture;
 using test::TemporaryFolder;
+using test::waitUntil;
 
 constexpr const char* kFile = "suite.plist";
 constexpr milliseconds kAtOnce(0);
@@ -38,15 +40,6 @@ constexpr DefaultsFileWaits kPersistent{.lockMax = kAtOnce,
                                         .longestRetry = milliseconds(2)};
 constexpr DefaultsFileWaits kPatient{
     .lockMax = kAtOnce, .retryLockMax = kAtOnce, .firstRetry = hours(1), .longestRetry = hours(1)};
-
-bool waitUntil(const std::function<bool()>& condition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > limit) return false;
-    std::this_thread::sleep_for(milliseconds(1));
-  }
-  return true;
-}
 
 class LockedDefaultsFile : public testing::Test {
  protected:
