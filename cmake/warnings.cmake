@@ -1,4 +1,5 @@
-# One interface target that every target of ours links: warnings are errors, sanitizers where asked for.
+# One interface target that every target of ours links: warnings are errors, sanitizers where asked for, and small
+# programs in a release.
 add_library(karno_flags INTERFACE)
 target_compile_options(karno_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
@@ -22,4 +23,9 @@ elseif(KARNO_SANITIZE STREQUAL "fuzzer")
 elseif(KARNO_SANITIZE STREQUAL "thread")
   target_compile_options(karno_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
   target_link_options(karno_flags INTERFACE -fsanitize=thread)
+endif()
+if(NOT APPLE AND CMAKE_BUILD_TYPE STREQUAL "Release")
+  # What nothing calls is left out of the programs, as the linker for macOS is told, too.
+  target_compile_options(karno_flags INTERFACE -ffunction-sections -fdata-sections)
+  target_link_options(karno_flags INTERFACE LINKER:--gc-sections)
 endif()
