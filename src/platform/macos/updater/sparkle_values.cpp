@@ -33,7 +33,13 @@ std::string urlOf(objc::Id request) {
   return objc::text(objc::send(objc::send(request, "URL"), "absoluteString"));
 }
 
-Error errorOf(objc::Id error) { return cocoa::errorOf(error, errorWithCode(0, "unknown error")); }
+Error errorOf(objc::Id error) {
+  const Error told = cocoa::errorOf(error, errorWithCode(0, "unknown error"));
+  if (!told.userInfo()) return told;
+  Error::UserInfo lines;
+  for (const auto& [key, text] : *told.userInfo()) lines.emplace(key, inOneLine(text));
+  return Error(told.domain(), told.code(), std::move(lines));
+}
 
 Error updaterError(std::string description) { return errorWithCode(kUpdaterError, std::move(description)); }
 

@@ -18,7 +18,8 @@ AppcastItem appcastItemOf(objc::Id item);
 // The text of an NSURLRequest's URL.
 std::string urlOf(objc::Id request);
 
-// An error that the framework does not explain has kErrorDomain and code 0.
+// An error that the framework does not explain has kErrorDomain and code 0. Its texts, which may quote the
+// feed, are one line each.
 Error errorOf(objc::Id error);
 
 // An error of ours in the framework's domain.

@@ -191,6 +191,16 @@ TEST_F(MacUpdateSession, AnItemsTextsHaveEscapesForWhatIsNotToBeSeen) {
   EXPECT_THAT(delegate_.told, ElementsAre("found Karno\\n2026-01-01\\u001b[2J (2.0\\u202e)"));
 }
 
+TEST_F(MacUpdateSession, AnErrorsTextHasEscapesForWhatIsNotToBeSeen) {
+  const objc::Id failure =
+      explainedError("SUSparkleErrorDomain", 1000, "Bad feed\n2026-01-01 [INFO] All is well");
+
+  tell("updater:didAbortWithError:", failure);
+
+  EXPECT_THAT(delegate_.told,
+              ElementsAre("aborted SUSparkleErrorDomain 1000: Bad feed\\n2026-01-01 [INFO] All is well"));
+}
+
 TEST_F(MacUpdateSession, AnItemWithoutAVersionToShowShowsTheOneThatIsCompared) {
   framework_.standIns().answer("displayVersionString", objc::Object());
   tell("updater:didFindValidUpdate:", item_.get());
