@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "property_list_texts.h"
 #include "temporary_folder.h"
@@ -26,9 +27,14 @@ inline std::string makeSleepingBundle(const TemporaryFolder& folder, const std::
 // A process that runs the executable; killed, and reaped unless that was done, by the destructor.
 class SleepingProcess {
  public:
-  explicit SleepingProcess(const std::string& executable) : pid_(::fork()) {
+  explicit SleepingProcess(const std::string& executable, std::vector<std::string> arguments = {"60"})
+      : pid_(::fork()) {
     if (pid_ == 0) {
-      ::execl(executable.c_str(), executable.c_str(), "60", nullptr);
+      arguments.insert(arguments.begin(), executable);
+      std::vector<char*> words;
+      for (std::string& argument : arguments) words.push_back(argument.data());
+      words.push_back(nullptr);
+      ::execv(executable.c_str(), words.data());
       ::_exit(127);
     }
     // The link still names this test's program until the other one has been loaded.

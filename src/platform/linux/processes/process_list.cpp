@@ -11,6 +11,7 @@
 #include <sstream>
 #include <string_view>
 #include <system_error>
+#include <thread>
 
 #include "platform/linux/machine/machine_root.h"
 #include "platform/posix/files/whole_file.h"
@@ -41,20 +42,6 @@ std::string contentOf(const fs::path& file) {
   return content ? content.value().bytes : std::string();
 }
 
-// The entries of an environment end with a zero byte each.
-std::string machineRootOf(const fs::path& process) {
-  const std::string environment = contentOf(process / "environ");
-  for (std::size_t begin = 0; begin < environment.size();) {
-    const std::size_t end = std::min(environment.find('\0', begin), environment.size());
-    const std::string_view entry = std::string_view(environment).substr(begin, end - begin);
-    if (entry.starts_with(kRootVariable)) {
-      return machineRootNamed(entry.substr(kRootVariable.size()));
-    }
-    begin = end + 1;
-  }
-  return machineRootNamed({});
-}
-
 // Absent for kernel threads, zombies and a process that has gone meanwhile. An executable that was replaced,
 // as an update does, keeps its place.
 std::optional<std::string> executableOf(const fs::path& process) {
@@ -70,9 +57,12 @@ std::optional<std::string> executableOf(const fs::path& process) {
 struct Status {
   std::int32_t parent = 0;
   std::int64_t ticksFromBootToStart = 0;
+  // An address, another one at each loading; 0 until the kernel has loaded the program.
+  std::uint64_t codeBegin = 0;
 };
 
-// The name in brackets may hold blanks and brackets itself. The parent is the 4th field, the start the 22nd.
+// The name in brackets may hold blanks and brackets itself. The parent is the 4th field, the start the 22nd,
+// the code's begin the 26th.
 std::optional<Status> statusOf(const fs::path& process) {
   const std::string text = contentOf(process / "stat");
   const std::size_t nameEnd = text.rfind(')');
@@ -83,8 +73,39 @@ std::optional<Status> statusOf(const fs::path& process) {
   std::string skipped;
   fields >> skipped >> status.parent;
   for (int field = 5; field < 22; ++field) fields >> skipped;
-  if (!(fields >> status.ticksFromBootToStart)) return std::nullopt;
+  fields >> status.ticksFromBootToStart;
+  for (int field = 23; field < 26; ++field) fields >> skipped;
+  if (!(fields >> status.codeBegin)) return std::nullopt;
   return status;
+}
+
+// The kernel names a program that it loads before it lays out the environment: an empty one counts once the
+// program is known to have been loaded all the time. At most some 100 ms.
+std::string environmentOf(const fs::path& process) {
+  std::optional<Status> before;
+  for (int look = 0; look < 100; ++look) {
+    std::string environment = contentOf(process / "environ");
+    if (!environment.empty()) return environment;
+    const std::optional<Status> after = statusOf(process);
+    if (!after || (before && before->codeBegin != 0 && before->codeBegin == after->codeBegin)) break;
+    before = after;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return {};
+}
+
+// The entries of an environment end with a zero byte each.
+std::string machineRootOf(const fs::path& process) {
+  const std::string environment = environmentOf(process);
+  for (std::size_t begin = 0; begin < environment.size();) {
+    const std::size_t end = std::min(environment.find('\0', begin), environment.size());
+    const std::string_view entry = std::string_view(environment).substr(begin, end - begin);
+    if (entry.starts_with(kRootVariable)) {
+      return machineRootNamed(entry.substr(kRootVariable.size()));
+    }
+    begin = end + 1;
+  }
+  return machineRootNamed({});
 }
 
 Date timeOf(clockid_t clock) {

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
 #include "../../support/bundle_program.h"
 #include "../../support/scoped_environment.h"
@@ -84,6 +85,17 @@ TEST(LinuxProcessList, LeavesOutTheProcessesOfOtherMachineRoots) {
   EXPECT_TRUE(entryOf(sleeper.identifier()));
 }
 
+// A shell that does nothing but become itself again: it is nearly always just being loaded.
+TEST(LinuxProcessList, KnowsTheMachineRootOfAProgramThatIsBeingLoaded) {
+  const TemporaryFolder folder;
+  const ScopedEnvironment here("KARNO_MACHINE_ROOT", folder / "here");
+  fs::copy_file("/bin/sh", folder / "sh");
+  const std::string again = R"(exec "$0" -c "$1" "$0" "$1")";
+  const SleepingProcess shell(folder / "sh", {"-c", again, folder / "sh", again});
+
+  for (int look = 0; look < 100; ++look) EXPECT_TRUE(entryOf(shell.identifier()));
+}
+
 TEST(LinuxProcessList, CountsAProcessWithoutARootToTheOneByDefault) {
   const TemporaryFolder folder;
   const ScopedEnvironment data("XDG_DATA_HOME", folder / "data");
@@ -92,6 +104,17 @@ TEST(LinuxProcessList, CountsAProcessWithoutARootToTheOneByDefault) {
 
   EXPECT_TRUE(entryOf(sleeper.identifier()));
   const ScopedEnvironment byName("KARNO_MACHINE_ROOT", folder / "data/karno/machine");
+  EXPECT_TRUE(entryOf(sleeper.identifier()));
+}
+
+TEST(LinuxProcessList, CountsAProcessWithoutAnyEnvironmentToTheRootByDefault) {
+  const TemporaryFolder folder;
+  const ScopedEnvironment none("KARNO_MACHINE_ROOT", std::nullopt);
+  char* nothing[] = {nullptr};
+  char** const all = std::exchange(environ, nothing);
+  const SleepingProcess sleeper(makeSleeper(folder, "sleeper"));
+  environ = all;
+
   EXPECT_TRUE(entryOf(sleeper.identifier()));
 }
 
