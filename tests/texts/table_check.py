@@ -106,8 +106,11 @@ def placeholder_findings(token, text, base_text):
         yield f"{token} has other placeholders than the base."
 
 
+# A product that speaks of itself in the base is called by its name where a language does without a subject.
 def product_findings(token, text, base_text):
     for product in PRODUCTS:
+        if product == "Karno" and "myself" in base_text:
+            continue
         if (product in text) != (product in base_text):
             yield f"{token} and the base do not both name {product}."
 

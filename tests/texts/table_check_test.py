@@ -36,6 +36,9 @@ class TableCheck(unittest.TestCase):
     def test_misses_a_product_name(self):
         self.assert_finding("TOKEN and the base do not both name Karno.", "de", "Das Programm wurde beendet.")
 
+    def test_lets_a_product_that_speaks_of_itself_be_named(self):
+        self.assertEqual([], findings("ja", "Karnoを移動します。", "I can move myself."))
+
     def test_refuses_white_space_around_a_text(self):
         self.assert_finding("TOKEN is empty, or begins or ends with white space.", "de", " Ja", "Yes")
         self.assert_finding("TOKEN is empty, or begins or ends with white space.", "de", "", "Yes")
