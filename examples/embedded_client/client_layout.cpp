@@ -13,17 +13,22 @@ constexpr double kButtonWidth = 270;
 constexpr double kButtonHeight = 28;
 constexpr double kQuitWidth = 100;
 constexpr double kReasonLabelWidth = 60;
+constexpr double kIcon = 64;
 constexpr std::size_t kColumns = 2;
 constexpr std::size_t kRows = (kWrapperMessages.size() + kColumns - 1) / kColumns;
 
 constexpr double kInnerWidth = kColumns * kButtonWidth + kGap;
-// From the bottom: a row with status and Quit, the message buttons, the reason, the settings, the headline.
+// From the bottom: a row with status and Quit, the message buttons, the reason, the settings, and the icon with the
+// headline and the origin beside it.
 constexpr double kButtonsBottom = kMargin + kButtonHeight + 2 * kGap;
 constexpr double kReasonBottom = kButtonsBottom + kRows * (kButtonHeight + kGap) + kGap;
 constexpr double kSettingsBottom = kReasonBottom + kFieldHeight + 2 * kGap;
 constexpr double kSettingsHeight = 5 * kLine;
-constexpr double kHeadlineBottom = kSettingsBottom + kSettingsHeight + kGap;
-constexpr double kHeadlineHeight = 2 * kLine;
+constexpr double kIconBottom = kSettingsBottom + kSettingsHeight + 2 * kGap;
+constexpr double kOriginBottom = kIconBottom + kIcon / 2 - kLine - kGap / 4;
+constexpr double kHeadlineBottom = kOriginBottom + kLine + kGap / 2;
+constexpr double kTextLeft = kMargin + kIcon + 2 * kGap;
+constexpr double kTextWidth = kInnerWidth + kMargin - kTextLeft;
 
 }  // namespace
 
@@ -31,8 +36,10 @@ ClientLayout clientLayout() {
   const double labelDrop = (kButtonHeight - kLine) / 2;
   return {
       .width = kInnerWidth + 2 * kMargin,
-      .height = kHeadlineBottom + kHeadlineHeight + kMargin,
-      .headline = {kMargin, kHeadlineBottom, kInnerWidth, kHeadlineHeight},
+      .height = kIconBottom + kIcon + kMargin,
+      .icon = {kMargin, kIconBottom, kIcon, kIcon},
+      .headline = {kTextLeft, kHeadlineBottom, kTextWidth, kLine},
+      .origin = {kTextLeft, kOriginBottom, kTextWidth, kLine},
       .settings = {kMargin, kSettingsBottom, kInnerWidth, kSettingsHeight},
       .reasonLabel = {kMargin, kReasonBottom + (kFieldHeight - kLine) / 2, kReasonLabelWidth, kLine},
       .reasonField = {kMargin + kReasonLabelWidth, kReasonBottom, kInnerWidth - kReasonLabelWidth,

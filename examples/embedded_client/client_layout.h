@@ -14,7 +14,9 @@ struct Rectangle {
 struct ClientLayout {
   double width = 0;
   double height = 0;
+  Rectangle icon;
   Rectangle headline;
+  Rectangle origin;  // who started it
   Rectangle settings;
   Rectangle reasonLabel;
   Rectangle reasonField;

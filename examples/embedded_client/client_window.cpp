@@ -12,9 +12,8 @@ namespace {
 
 platform::cocoa::Frame frame(const Rectangle& place) { return {place.x, place.y, place.width, place.height}; }
 
-std::string headline(const Build& build, std::int32_t parent) {
-  return fmt::format("{}, the {}\nStarted by process {}", build.name, build.description, parent);
-}
+std::string headline(const Build& build) { return fmt::format("{}, the {}", build.name, build.description); }
+std::string origin(std::int32_t parent) { return fmt::format("Started by process {}", parent); }
 
 }  // namespace
 
@@ -25,7 +24,9 @@ ClientWindow::ClientWindow(const Build& build, std::int32_t parent, Actions acti
       status_(window_.addLabel(frame(clientLayout().status), "")),
       reason_(window_.addTextField(frame(clientLayout().reasonField), "")) {
   const ClientLayout layout = clientLayout();
-  window_.addLabel(frame(layout.headline), headline(build, parent));
+  window_.addApplicationIcon(frame(layout.icon));
+  window_.addLabel(frame(layout.headline), headline(build), false, platform::cocoa::TextStyle::Headline);
+  window_.addLabel(frame(layout.origin), origin(parent));
   window_.addLabel(frame(layout.reasonLabel), "Reason:");
   reason_.setAccessibilityLabel("Reason");
   for (std::size_t i = 0; i < kWrapperMessages.size(); ++i) {

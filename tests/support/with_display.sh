@@ -6,12 +6,22 @@ set -u
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/karno-display-XXXXXX")
 started=()
 
+# Asked again until it ends: Xvfb forgets a signal that comes while it falls asleep.
+end() {
+  local attempt
+  for ((attempt = 0; attempt < 50; attempt++)); do
+    kill "$1" 2>/dev/null || break
+    sleep 0.01
+    kill -0 "$1" 2>/dev/null || break
+    sleep 0.1
+  done
+  kill -KILL "$1" 2>/dev/null
+  wait "$1" 2>/dev/null
+}
+
 clean_up() {
   local index
-  for ((index = ${#started[@]} - 1; index >= 0; index--)); do
-    kill "${started[index]}" 2>/dev/null
-    wait "${started[index]}" 2>/dev/null
-  done
+  for ((index = ${#started[@]} - 1; index >= 0; index--)); do end "${started[index]}"; done
   rm -rf "$scratch"
 }
 trap clean_up EXIT

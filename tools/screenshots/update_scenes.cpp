@@ -4,6 +4,7 @@
 
 #include "platform/linux/updater/notes_text.h"
 #include "platform/linux/updater/offer_window.h"
+#include "platform/linux/updater/update_errors.h"
 #include "platform/linux/updater/update_texts.h"
 #include "platform/platform.h"
 
@@ -49,11 +50,23 @@ void showProgress() {
   window->show();
 }
 
-void showAlert(std::string_view message, std::string_view explanation) {
+void tell(std::string_view message, const std::string& explanation) {
   platform::host().alerts.runModal({.style = platform::AlertStyle::Informational,
                                     .messageText = text(message),
-                                    .informativeText = text(explanation),
+                                    .informativeText = explanation,
                                     .buttons = {{.title = text("OK"), .keyEquivalent = "\r"}}});
+}
+
+// What an error says of itself is English in every language.
+void tellFailure(std::string_view message, UpdateErrorCode code, std::string reason) {
+  tell(message, updateError(code, std::move(reason)).localizedDescription());
+}
+
+void askForPermission() {
+  platform::host().alerts.runModal({.messageText = text("PERMISSION"),
+                                    .informativeText = text("PERMISSION_EXPLANATION"),
+                                    .buttons = {{.title = text("PERMISSION_YES"), .keyEquivalent = "\r"},
+                                                {.title = text("PERMISSION_NO"), .keyEquivalent = "\033"}}});
 }
 
 }  // namespace
@@ -61,7 +74,19 @@ void showAlert(std::string_view message, std::string_view explanation) {
 std::vector<Scene> updateScenes() {
   return {{"update-offer", showOffer},
           {"update-progress", showProgress},
-          {"update-none", [] { showAlert("UP_TO_DATE", "UP_TO_DATE_EXPLANATION"); }}};
+          {"update-permission", askForPermission},
+          {"update-none", [] { tell("UP_TO_DATE", text("UP_TO_DATE_EXPLANATION")); }},
+          {"update-system-too-old", [] { tell("UP_TO_DATE", text("SYSTEM_TOO_OLD")); }},
+          {"update-system-too-new", [] { tell("UP_TO_DATE", text("SYSTEM_TOO_NEW")); }},
+          {"update-check-failed",
+           [] {
+             tellFailure("CHECK_FAILED", UpdateErrorCode::Feed,
+                         "The list of updates could not be fetched: Could not resolve host: updates.example");
+           }},
+          {"update-failed", [] {
+             tellFailure("FAILED", UpdateErrorCode::Signature,
+                         "The signature does not belong to the archive.");
+           }}};
 }
 
 }  // namespace karno::screenshots

@@ -127,7 +127,7 @@ TEST(BenchScript, ExplainsItself) {
   const test::CommandResult result = scriptsBench({"--help"});
 
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(result.output, testing::StartsWith("usage: scripts/bench [FILTER]\n"));
+  EXPECT_THAT(result.output, testing::StartsWith("usage: scripts/bench [--markdown] [FILTER]\n"));
   EXPECT_EQ(scriptsBench({"-h"}).output, result.output);
 }
 
@@ -146,6 +146,8 @@ using Arguments = std::vector<std::string>;
 INSTANTIATE_TEST_SUITE_P(
     Commands, WrongUseOfBench,
     testing::Values(std::pair(Arguments{"log_burst", "idle"}, "scripts/bench: one FILTER at most\n"),
+                    std::pair(Arguments{"--markdown", "idle"},
+                              "scripts/bench: --markdown measures everything and takes no FILTER\n"),
                     std::pair(Arguments{"--fast"}, "scripts/bench: there is no option --fast\n"),
                     std::pair(Arguments{""}, "scripts/bench: the FILTER is empty\n"),
                     std::pair(Arguments{"log_("}, "scripts/bench: log_( is no regular expression\n")));

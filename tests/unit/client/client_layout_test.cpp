@@ -26,9 +26,11 @@ TEST(ClientLayout, StacksEverythingElseWithRoomBetween) {
   EXPECT_EQ(numbers(layout.quitButton), (Numbers{468, 20, 100, 28}));
   EXPECT_EQ(numbers(layout.reasonField), (Numbers{80, 252, 488, 24}));
   EXPECT_EQ(numbers(layout.settings), (Numbers{20, 292, 548, 90}));
-  EXPECT_EQ(numbers(layout.headline), (Numbers{20, 390, 548, 36}));
+  EXPECT_EQ(numbers(layout.icon), (Numbers{20, 398, 64, 64}));
+  EXPECT_EQ(numbers(layout.origin), (Numbers{100, 410, 468, 18}));
+  EXPECT_EQ(numbers(layout.headline), (Numbers{100, 432, 468, 18}));
   EXPECT_EQ(layout.width, 588);
-  EXPECT_EQ(layout.height, 446);
+  EXPECT_EQ(layout.height, 482);
 }
 
 }  // namespace

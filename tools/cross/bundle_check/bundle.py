@@ -12,6 +12,7 @@ EXAMPLES = tuple(f"Contents/Helpers/{name}.app/Contents/MacOS/{name}" for name i
 LANGUAGES = ("de", "es", "fr", "it", "ja", "ko", "nl", "pt-BR", "zh-Hans", "zh-Hant")
 OTHER_FILES = (
     "Contents/PkgInfo",
+    "Contents/Resources/Notices.txt",
     "Contents/Resources/man/man1/karnoctl.1",
     "Contents/Resources/completions/bash/karnoctl",
     "Contents/Resources/completions/zsh/_karnoctl",
@@ -65,7 +66,8 @@ def plists(is_package):
     """Info.plist path to the keys and values it must have."""
     yield "Contents/Info.plist", LAUNCHER_KEYS
     for name, identifier in {} if is_package else embedded.HELPERS.items():
-        helper = {"CFBundleExecutable": name, "CFBundleIdentifier": identifier, "CFBundleName": name}
+        helper = {"CFBundleExecutable": name, "CFBundleIconFile": "Karno", "CFBundleIdentifier": identifier,
+                  "CFBundleName": name}
         yield f"Contents/Helpers/{name}.app/Contents/Info.plist", COMMON_KEYS | helper
 
 

@@ -97,7 +97,7 @@ class LinuxAlertsOfABundle : public ::testing::Test {
     folder_.write("A.app/Contents/Info.plist", "<plist><dict/></plist>");
     folder_.write("A.app/Contents/Resources/ko.lproj/Updater.json", "{\"OK\": \"확인\"}");
     for (const char* name : {"karno.png", "caution.png"})
-      fs::copy_file(KARNO_SOURCES "/docs/screenshots/running.png",
+      fs::copy_file(KARNO_SOURCES "/docs/screenshots/session.png",
                     folder_ / ("A.app/Contents/Resources/" + std::string(name)));
     fs::create_directory(folder_ / "A.app/Contents/MacOS");
     fs::copy_file(KARNO_COCOA_SCENARIOS, program_);
