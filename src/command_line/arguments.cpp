@@ -14,7 +14,7 @@ bool contains(const std::vector<std::string_view>& names, std::string_view name)
 }
 
 UsageError unknownOption(const Verb& verb, const std::string& name) {
-  std::vector<std::string_view> known{"--help"};
+  std::vector<std::string_view> known{"--help", "--version"};
   for (const auto& names : {verb.options, verb.texts, verb.flags})
     known.insert(known.end(), names.begin(), names.end());
   return UsageError("unknown option '" + name + "'" + suggestion(name, known));
@@ -25,7 +25,7 @@ UsageError unknownOption(const Verb& verb, const std::string& name) {
 Arguments::Arguments(const Verb& verb, std::span<const std::string> arguments)
     : verb_(verb.name), wordName_(verb.word) {
   bool optionsEnded = false;
-  while (!arguments.empty() && !wantsHelp()) {
+  while (!arguments.empty() && !wantsHelp() && !wantsVersion()) {
     const std::string& first = arguments.front();
     std::size_t taken = 1;
     if (!optionsEnded && first == "--") {
@@ -41,9 +41,11 @@ Arguments::Arguments(const Verb& verb, std::span<const std::string> arguments)
 
 std::size_t Arguments::takeOption(const Verb& verb, std::span<const std::string> rest) {
   const std::string& first = rest.front();
-  const std::string name = first == "-h" ? "--help" : first.substr(0, first.find('='));
+  const std::string name = first == "-h"   ? "--help"
+                           : first == "-V" ? "--version"
+                                           : first.substr(0, first.find('='));
   const bool hasValue = name.size() < first.size();
-  const bool isFlag = name == "--help" || contains(verb.flags, name);
+  const bool isFlag = name == "--help" || name == "--version" || contains(verb.flags, name);
   const bool mayBeEmpty = contains(verb.texts, name);
   if (isFlag ? hasValue : !mayBeEmpty && !contains(verb.options, name)) throw unknownOption(verb, first);
   if (isFlag) return options_[name], 1;

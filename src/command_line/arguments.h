@@ -15,10 +15,12 @@ namespace karno::command_line {
 // like. "--" ends the options.
 class Arguments {
  public:
-  // Throws UsageError when the verb does not take them. What follows a wish for help is not read.
+  // Throws UsageError when the verb does not take them. What follows a wish for help, or for the version, is
+  // not read.
   Arguments(const Verb& verb, std::span<const std::string> arguments);
 
   bool wantsHelp() const { return has("--help"); }
+  bool wantsVersion() const { return has("--version"); }
   bool has(std::string_view option) const { return options_.contains(option); }
   std::optional<std::string> value(std::string_view option) const;
   const std::optional<std::string>& word() const { return word_; }

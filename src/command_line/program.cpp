@@ -12,6 +12,15 @@
 namespace karno::command_line {
 namespace {
 
+// Done by the table's reader itself.
+Verb helpVerb() {
+  return {.name = "help",
+          .synopsis = "[VERB]",
+          .summary = "say how a verb is used",
+          .help = "Says how VERB is used, or lists the verbs.\n",
+          .run = {}};
+}
+
 // One run of a program.
 class Run {
  public:
@@ -23,9 +32,10 @@ class Run {
     const std::string& first = arguments.front();
     const auto rest = arguments.subspan(1);
     const bool isHelp = first == "--help" || first == "-h";
-    if ((isHelp || first == "--version") && !rest.empty()) throw UsageError(first + " stands alone");
+    const bool isVersion = first == "--version" || first == "-V";
+    if ((isHelp || isVersion) && !rest.empty()) throw UsageError(first + " stands alone");
     if (isHelp || first == "help") return help(rest);
-    if (first == "--version") return out_ << program_.name << ' ' << program_.version << '\n', kExitOk;
+    if (isVersion) return printVersion();
     if (first.starts_with('-')) {
       constexpr std::array<std::string_view, 2> kKnown{"--help", "--version"};
       throw UsageError("unknown option '" + first + "'" + suggestion(first, kKnown));
@@ -41,7 +51,16 @@ class Run {
  private:
   int help(std::span<const std::string> arguments) {
     if (arguments.size() > 1) throw UsageError("help takes one verb at most");
-    return arguments.empty() ? printHelp() : printHelp(verbNamed(arguments[0]));
+    if (arguments.empty()) return printHelp();
+    const std::string& name = arguments[0];
+    if (name == "help" || name == "--help" || name == "-h") return printHelp(helpVerb());
+    if (name == "--version" || name == "-V") return printVersion();
+    return printHelp(verbNamed(name));
+  }
+
+  int printVersion() {
+    out_ << program_.name << ' ' << program_.version << '\n';
+    return kExitOk;
   }
 
   int printHelp() {
@@ -55,7 +74,7 @@ class Run {
         "Verbs:\n",
         program_.name, program_.purpose);
     for (const Verb& verb : program_.verbs) printLine(verb.name, verb.summary);
-    printLine("help", "say how a verb is used");
+    printLine(helpVerb().name, helpVerb().summary);
     out_ << "\nExit status: " << program_.exitStatuses << ", 64 wrong usage.\n";
     return kExitOk;
   }
@@ -83,7 +102,8 @@ class Run {
   int runVerb(const Verb& verb, std::span<const std::string> rest) {
     try {
       const Arguments arguments(verb, rest);
-      return arguments.wantsHelp() ? printHelp(verb) : verb.run(arguments);
+      if (arguments.wantsHelp()) return printHelp(verb);
+      return arguments.wantsVersion() ? printVersion() : verb.run(arguments);
     } catch (const UsageError& error) {
       return reportUsageError(error.what(), fmt::format("help {}", verb.name));
     }

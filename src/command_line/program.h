@@ -9,7 +9,8 @@
 
 namespace karno::command_line {
 
-// A program that is told by a verb what to do. "help", "--help", "-h" and "--version" are the same in all.
+// A program that is told by a verb what to do. "help", "--help", "-h", "--version" and "-V" are the
+// same in all.
 struct Program {
   std::string_view name;
   std::string_view version;

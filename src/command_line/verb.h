@@ -26,7 +26,7 @@ struct Verb {
   std::string_view summary;        // half a line
   std::string help;                // what "PROGRAM help NAME" prints below the usage line
 
-  // "--help" and "-h" need not be named.
+  // "--help", "-h", "--version" and "-V" need not be named, and mean the same in all verbs.
   std::vector<std::string_view> options = {};  // each once at most, with a value that is not empty
   std::vector<std::string_view> texts = {};    // likewise, but the value may be empty
   std::vector<std::string_view> flags = {};    // without one

@@ -41,6 +41,30 @@ TEST_F(TypedCommand, EndsAsItsVerbEnds) {
   EXPECT_EQ(err_.str(), "");
 }
 
+TEST_F(TypedCommand, TellsItsVersionInEveryWayAndPlace) {
+  const std::vector<std::vector<std::string>> lines{{"--version"},  {"-V"},         {"sing", "--version"},
+                                                    {"fail", "-V"}, {"help", "-V"}, {"help", "--version"}};
+
+  for (const auto& words : lines) EXPECT_EQ(type(words), 0) << words.front();
+
+  EXPECT_EQ(out_.str(), "robot 2.1\nrobot 2.1\nrobot 2.1\nrobot 2.1\nrobot 2.1\nrobot 2.1\n");
+}
+
+TEST_F(TypedCommand, ExplainsHelpAsItDoesAnyVerb) {
+  EXPECT_EQ(type({"help", "help"}), 0);
+  EXPECT_EQ(type({"help", "--help"}), 0);
+  EXPECT_EQ(type({"help", "-h"}), 0);
+
+  const std::string once = "Usage: robot help [VERB]\n\nSays how VERB is used, or lists the verbs.\n";
+  EXPECT_EQ(out_.str(), once + once + once);
+}
+
+TEST_F(TypedCommand, RefusesAValueForTheVersion) {
+  EXPECT_EQ(type({"sing", "--version=2"}), 64);
+
+  EXPECT_EQ(err_.str(), "robot: unknown option '--version=2'; did you mean '--version'?\nTry \"robot help sing\".\n");
+}
+
 TEST_F(TypedCommand, SaysWhyItFailed) {
   EXPECT_EQ(type({"fail"}), 1);
 
