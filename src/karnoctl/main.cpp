@@ -30,6 +30,7 @@ int main(int argc, char** argv) {
       .platform = [argc, argv]() -> Platform& { return installedPlatform(argc, argv); },
       .runtimeCheck = karno::platform::nativeRuntimeCheck,
       .outputIsTerminal = karno::platform::standardOutputIsTerminal(),
-      .outputWantsColours = karno::platform::standardOutputWantsColours()};
+      .outputWantsColours = karno::platform::standardOutputWantsColours(),
+      .outputIsUTF8 = karno::platform::localeIsUTF8()};
   return karno::karnoctl::run(arguments, KARNO_VERSION, context);
 }

@@ -11,6 +11,9 @@ bool standardOutputIsTerminal();
 // in the environment.
 bool standardOutputWantsColours();
 
+// Whether the user's locale takes more than ASCII.
+bool localeIsUTF8();
+
 // Lets this process end by SIGPIPE when whoever reads its output has gone, as other tools do. The platform
 // ignores that signal for the launcher's sake, so this is called after nativePlatform().
 void endWithTheReaderOfTheOutput();

@@ -23,10 +23,12 @@ using ::testing::StartsWith;
 
 constexpr std::chrono::seconds kToolLimit{30};
 
+constexpr const char* kLocale = "LC_ALL=C.UTF-8";
+
 // karnoctl's command line on a machine whether or not its launcher runs.
 std::vector<std::string> karnoctlCommand(const Machine& machine, const std::vector<std::string>& arguments) {
   std::vector<std::string> command{"/usr/bin/env", "HOME=" + machine.home().string(),
-                                   "KARNO_MACHINE_ROOT=" + machine.root().string(),
+                                   "KARNO_MACHINE_ROOT=" + machine.root().string(), kLocale,
                                    machine.bundle() / "Contents/MacOS/karnoctl"};
   command.insert(command.end(), arguments.begin(), arguments.end());
   return command;
@@ -48,8 +50,9 @@ void append(const fs::path& file, const std::string& text) {
 }
 
 // The launcher may have been up for a second or two by now.
-std::string withoutSeconds(const std::string& text) {
-  return std::regex_replace(text, std::regex(R"(up \d+ s\n)"), "up N s\n");
+std::string withoutTimes(const std::string& text) {
+  const std::string timeless = std::regex_replace(text, std::regex(R"(up \d+ s\n)"), "up N s\n");
+  return std::regex_replace(timeless, std::regex(R"(since [-0-9]+ [:0-9]+)"), "since TIME");
 }
 
 TEST(KarnoctlStatus, ShowsTheRealLauncherAndItsClient) {
@@ -64,12 +67,47 @@ TEST(KarnoctlStatus, ShowsTheRealLauncherAndItsClient) {
   const CommandResult result = machine.in({"karnoctl", "status"});
 
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(withoutSeconds(result.output),
-            fmt::format("Karno " KARNO_VERSION " runs, process {}, up N s\n"
-                        "  bundle  {}\n"
-                        "  client  the File Provider build, process {}, up N s\n"
-                        "          {}\n",
-                        launchers[0], machine.bundle().string(), clients[0], machine.helper().string()));
+  EXPECT_THAT(withoutTimes(result.output),
+              StartsWith(fmt::format("Karno " KARNO_VERSION " runs, process {}, up N s\n"
+                                     "  state   runs, since TIME\n"
+                                     "  bundle  {}\n"
+                                     "  client  the File Provider build, process {}, up N s\n"
+                                     "          {}\n"
+                                     "  build   the File Provider build: it was the first start\n"
+                                     "  log     ",
+                                     launchers[0], machine.bundle().string(), clients[0],
+                                     machine.helper().string())));
+}
+
+TEST(KarnoctlStatus, FindsAClientThatIsAScript) {
+  Machine machine(builtTools());
+  const fs::path program = machine.helper() / "Contents/MacOS/Karno";
+  fs::remove(program);
+  std::ofstream(program) << "#!/bin/bash\nread -r never <> <(:)\n";
+  fs::permissions(program, fs::perms::owner_all);
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+
+  const CommandResult result = machine.in({"karnoctl", "status"});
+
+  EXPECT_THAT(withoutTimes(result.output), HasSubstr("  client  the File Provider build, process "));
+  EXPECT_THAT(result.output, HasSubstr("          " + machine.helper().string() + "\n          run by "));
+}
+
+TEST(KarnoctlStatus, TellsThatTheUserIsAskedToInstallMacFUSE) {
+  Machine machine(builtTools(), {"--macos", "14.5", "--cpu", "arm64", "--fuse", "4.0.4", "--admin",
+                                 "USE_FILE_PROVIDER=NO"});
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage("INFO Main: Need to install Fuse")) << machine.consoleText();
+
+  const auto isAsked = [&] {
+    return machine.in({"karnoctl", "status"}).output.find("  state   asks the user to install macFUSE") !=
+           std::string::npos;
+  };
+
+  EXPECT_TRUE(machine.waitUntil(isAsked, kToolLimit)) << machine.in({"karnoctl", "status"}).output;
+  EXPECT_THAT(machine.in({"karnoctl", "status"}).output,
+              HasSubstr("          macFUSE 4.0.4 is there; 4.4.1 or later would do\n"));
 }
 
 TEST(KarnoctlStatus, FindsNoLauncherOnAMachineThatIsOff) {
@@ -205,7 +243,7 @@ TEST(KarnoctlExplain, KnowsItsBundleWhenItIsStartedByALink) {
 
   const CommandResult result =
       runCommand({"/usr/bin/env", "HOME=" + machine.home().string(),
-                  "KARNO_MACHINE_ROOT=" + machine.root().string(), link.string(), "explain"},
+                  "KARNO_MACHINE_ROOT=" + machine.root().string(), kLocale, link.string(), "explain"},
                  kToolLimit);
 
   EXPECT_EQ(result.status, 0);

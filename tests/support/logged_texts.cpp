@@ -99,4 +99,13 @@ bool isLogged(std::string_view line, const std::vector<LoggedText>& texts) {
   });
 }
 
+bool isBegunBySome(std::string_view beginning, const std::vector<LoggedText>& texts) {
+  constexpr std::size_t kEnoughLetters = 12;
+  return std::any_of(texts.begin(), texts.end(), [&](const LoggedText& text) {
+    const std::string_view written = std::string_view(text.pattern).substr(0, text.pattern.find('{'));
+    return written.starts_with(beginning) ||
+           (written.size() >= kEnoughLetters && beginning.starts_with(written) && written != text.pattern);
+  });
+}
+
 }  // namespace karno::test

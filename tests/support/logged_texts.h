@@ -20,4 +20,7 @@ std::vector<std::string> quotedLogLines(const std::string& document);
 // Whether some call in the sources can log "[LEVEL] text"; what stands before the level does not matter.
 bool isLogged(std::string_view line, const std::vector<LoggedText>& texts);
 
+// Whether some call can log a text that begins so. A text of which too little is written out does not count.
+bool isBegunBySome(std::string_view beginning, const std::vector<LoggedText>& texts);
+
 }  // namespace karno::test

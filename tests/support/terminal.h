@@ -22,6 +22,9 @@ class Terminal {
     context_.outputWantsColours = withColours;
   }
 
+  // From now on it takes ASCII alone.
+  void becomePlain() { context_.outputIsUTF8 = false; }
+
   // From now on nothing can be printed any more.
   void close() { out_.setstate(std::ios::badbit); }
 

@@ -46,7 +46,6 @@ _karnoctl() {
     log:--lines) _karnoctl_offer 'all' "$word" ;;
     post:--reason) COMPREPLY=() ;;
     log:*) _karnoctl_offer '--follow --lines --color --help' "$word" ;;
-    explain:*) _karnoctl_offer '--json --help' "$word" ;;
     post:*)
       case $word in
         -*) _karnoctl_offer '--reason --help' "$word" ;;
@@ -59,7 +58,7 @@ _karnoctl() {
         *) _karnoctl_offer_folders "$word" ;;
       esac
       ;;
-    status:*) _karnoctl_offer '--help' "$word" ;;
+    status:* | explain:*) _karnoctl_offer '--json --help' "$word" ;;
     help:help) _karnoctl_offer "${verbs% help}" "$word" ;;
     *) COMPREPLY=() ;;
   esac

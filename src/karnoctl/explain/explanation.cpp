@@ -1,9 +1,13 @@
 #include "karnoctl/explain/explanation.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "app/karno_embedded_app.h"
+#include "karnoctl/error_text.h"
 #include "karnoctl/explain/read_only_platform.h"
+#include "platform/property_lists/property_lists.h"
+#include "platform/system_path.h"
 #include "settings/karno_admin_settings.h"
 #include "settings/karno_settings.h"
 #include "system/fuse_manager.h"
@@ -29,7 +33,26 @@ UserSetting userSetting(const std::string& key, bool readAs) {
   return {.key = key, .value = KarnoSettings::instance().userDefaults().objectForKey(key), .readAs = readAs};
 }
 
+// Where both systems look, the most important first.
+std::vector<DamagedFile> damagedFiles() {
+  const platform::Files& files = platform::host().files;
+  const std::string home = files.homeDirectory();
+  const std::string name = "/" + std::string(KarnoAdminSettings::applicationID()) + ".plist";
+  std::vector<DamagedFile> damaged;
+  for (const std::string& folder :
+       {platform::systemPath("/Library/Managed Preferences/" + lastPathComponent(home)),
+        platform::systemPath("/Library/Managed Preferences"), home + "/Library/Preferences",
+        platform::systemPath("/Library/Preferences")}) {
+    const auto bytes = files.read(folder + name);
+    if (!bytes && bytes.error() == platform::Error::posix(ENOENT)) continue;
+    const auto list = bytes ? platform::parseDictionary(bytes.value()) : bytes.error();
+    if (!list) damaged.push_back({.path = folder + name, .why = reasonOf(list.error())});
+  }
+  return damaged;
+}
+
 void gatherSettings(Explanation& explanation) {
+  explanation.damagedFiles = damagedFiles();
   const KarnoSettings& settings = KarnoSettings::instance();
   explanation.useFileProvider = administratorSetting("USE_FILE_PROVIDER");
   explanation.updatesEnabled = administratorSetting("UPDATES_ENABLED");
@@ -76,6 +99,7 @@ void gatherSystem(Explanation& explanation) {
         {.requirement = row, .objection = objectionTo(row, explanation.system)});
   }
   explanation.check = systemCheck(explanation);
+  explanation.advice = fuseAdvice(explanation.system);
 }
 
 void gatherFeed(Explanation& explanation) {

@@ -19,6 +19,12 @@ struct AdministratorSetting {
   KarnoTristate readAs = KarnoTristate::NotSet;
 };
 
+// A file that may hold the administrator's values and cannot be read.
+struct DamagedFile {
+  std::string path;
+  std::string why;
+};
+
 struct UserSetting {
   std::string key;
   std::optional<platform::Value> value = std::nullopt;  // as it is stored
@@ -55,11 +61,13 @@ struct Explanation {
   std::string fuseInformationFile;
   std::vector<RequirementRow> requirements;
   SystemCheck check = SystemCheck::FileProvider;
+  FuseAdvice advice;
 
   std::string feedURL;
   std::string feedMarker;
   FeedSource feedSource = FeedSource::Deployment;
 
+  std::vector<DamagedFile> damagedFiles;
   AdministratorSetting useFileProvider;
   AdministratorSetting updatesEnabled;
   std::vector<UserSetting> userSettings;

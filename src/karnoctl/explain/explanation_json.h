@@ -2,10 +2,15 @@
 #include <string>
 
 #include "karnoctl/explain/explanation.h"
+#include "karnoctl/json_text.h"
 
 namespace karno::karnoctl {
 
-// The explanation for scripts: one JSON object with a newline behind it. What cannot be learnt is null.
+// The explanation for scripts.
 std::string explanationJson(const Explanation& explanation);
+
+// Parts of it that others tell as well.
+const char* nameOf(ChoiceRule rule);
+Json settingsJson(const Explanation& explanation);
 
 }  // namespace karno::karnoctl

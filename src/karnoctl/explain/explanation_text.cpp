@@ -19,22 +19,10 @@ std::string orUnknown(const std::optional<std::string>& text) {
 }
 
 std::string outcomeText(const Explanation& explanation) {
-  const auto because = [&] {
-    switch (explanation.choice.rule) {
-      case ChoiceRule::Administrator:
-        return "the administrator has chosen it";
-      case ChoiceRule::SettledBefore:
-        return "the choice was settled by an earlier start";
-      case ChoiceRule::FirstStartup:
-        return "this is the first start";
-      case ChoiceRule::AlreadyUsingFuse:
-        break;
-    }
-    return "the client has run before and no choice was settled";
-  };
   return fmt::format(
       "The next start runs the {} build, {}: {}.\n{}",
-      explanation.choice.useFileProvider ? "File Provider" : "FUSE", explanation.bundleName, because(),
+      explanation.choice.useFileProvider ? "File Provider" : "FUSE", explanation.bundleName,
+      choiceReason(explanation.choice.rule),
       explanation.isBundleThere
           ? ""
           : fmt::format("It will fail: there is no {} in the launcher's bundle.\n", explanation.bundleName));
@@ -48,8 +36,8 @@ std::string_view moveOutcomeText(const MoveExplanation& move) {
              : "";
 }
 
-std::string_view checkText(SystemCheck check) {
-  switch (check) {
+std::string checkText(const Explanation& explanation) {
+  switch (explanation.check) {
     case SystemCheck::FileProvider:
       return "The system check passes: macOS has File Provider from version 12.3 on.\n";
     case SystemCheck::Fuse:
@@ -58,33 +46,25 @@ std::string_view checkText(SystemCheck check) {
       return "The system check passes, by macFUSE: macOS is older than 12.3, so File Provider cannot be "
              "used.\n";
     case SystemCheck::FuseToBeUpgraded:
-      return "The system check stops the start: the user is asked to install a newer macFUSE.\n";
+      return "The system check stops the start: the user is asked to install a newer macFUSE: " +
+             fuseText(explanation) + ".\n";
     case SystemCheck::FuseToBeInstalled:
       break;
   }
-  return "The system check stops the start: the user is asked to install macFUSE.\n";
+  return "The system check stops the start: the user is asked to install macFUSE: " + fuseText(explanation) +
+         ".\n";
 }
 
-std::string_view placeText(LauncherPlace place) {
-  switch (place) {
-    case LauncherPlace::Downloads:
-      return "but in Downloads";
-    case LauncherPlace::DiskImage:
-      return "but on a disk image, where it stays";
-    case LauncherPlace::Translocated:
-      return "but where macOS puts what is in quarantine";
-    case LauncherPlace::InsideApplication:
-      return "but inside another application, where it stays";
-    case LauncherPlace::Other:
-      break;
-  }
-  return "nor below one";
-}
+// In the order of LauncherPlace.
+constexpr std::string_view kPlaceTexts[] = {
+    "but in Downloads", "but on a disk image, where it stays", "but where macOS puts what is in quarantine",
+    "but inside another application, where it stays", "nor below one"};
 
-std::string questionText(const MoveExplanation& explanation) {
+std::string moveQuestionText(const MoveExplanation& explanation) {
   switch (explanation.rule) {
     case MoveRule::Elsewhere:
-      return fmt::format("asked: it is in no Applications folder, {}", placeText(explanation.place));
+      return fmt::format("asked: it is in no Applications folder, {}",
+                         kPlaceTexts[static_cast<std::size_t>(explanation.place)]);
     case MoveRule::Suppressed:
       return "not asked: moveToApplicationsFolderAlertSuppress is set (it.vantul.KarnoWrapper)";
     case MoveRule::InNoBundle:
@@ -97,8 +77,8 @@ std::string questionText(const MoveExplanation& explanation) {
 
 std::string moveText(const MoveExplanation& explanation) {
   const Move& move = explanation.move;
-  std::string text =
-      fmt::format("\nMove\n  launcher   {}\n  question   {}\n", move.bundlePath, questionText(explanation));
+  std::string text = fmt::format("\nMove\n  launcher   {}\n  question   {}\n", move.bundlePath,
+                                 moveQuestionText(explanation));
   if (!explanation.asks()) return text;
   text += fmt::format("  goes to    {}{}\n", move.destination,
                       move.needsAuthorisation ? ", by an administrator's password" : "");
@@ -138,14 +118,15 @@ std::string systemText(const Explanation& explanation) {
                      explanation.fuseInformationFile);
 }
 
-std::string requirementsText(const Explanation& explanation) {
+std::string requirementsText(const Explanation& explanation, bool isUTF8) {
   std::string text = "\nmacFUSE for the FUSE build (one row is enough)\n";
   for (const RequirementRow& row : explanation.requirements) {
     const FuseRequirement& requirement = row.requirement;
     const std::string needs = fmt::format("{:<6}  {:<8}  {}", requirement.requiredCPU(),
                                           requirement.fuseVersion() + "+", macOSRange(requirement));
-    text += row.objection.empty() ? fmt::format("  ✓ {}\n", needs)
-                                  : fmt::format("  ✗ {:<39}  {}\n", needs, row.objection);
+    text += row.objection.empty()
+                ? fmt::format("  {} {}\n", isUTF8 ? "✓" : "+", needs)
+                : fmt::format("  {} {:<39}  {}\n", isUTF8 ? "✗" : "-", needs, row.objection);
   }
   return text;
 }
@@ -162,19 +143,10 @@ std::string updatesText(const Explanation& explanation) {
     }
     return "the usual one, since there is no " + explanation.feedMarker;
   };
-  const auto automatic = [&] {
-    switch (explanation.updatesEnabled.readAs) {
-      case KarnoTristate::On:
-        return "switched on by the administrator";
-      case KarnoTristate::Off:
-        return "switched off by the administrator";
-      case KarnoTristate::NotSet:
-        break;
-    }
-    return "left to the user";
-  };
+  constexpr const char* kAutomatic[] = {"switched on by the administrator",
+                                        "switched off by the administrator", "left to the user"};
   return fmt::format("\nUpdates\n  feed       {}\n             {}\n  automatic  {}\n", explanation.feedURL,
-                     why(), automatic());
+                     why(), kAutomatic[static_cast<std::size_t>(explanation.updatesEnabled.readAs)]);
 }
 
 std::string settingLine(std::string_view key, std::string_view value, std::string_view origin) {
@@ -192,8 +164,10 @@ std::string administratorLine(const AdministratorSetting& setting) {
 }
 
 std::string settingsText(const Explanation& explanation) {
-  std::string text = "\nSettings\n" + administratorLine(explanation.useFileProvider) +
-                     administratorLine(explanation.updatesEnabled);
+  std::string text = "\nSettings\n";
+  for (const auto& [path, why] : explanation.damagedFiles)
+    text += fmt::format("  {} is damaged ({}): nothing in it counts\n", path, why);
+  text += administratorLine(explanation.useFileProvider) + administratorLine(explanation.updatesEnabled);
   for (const UserSetting& setting : explanation.userSettings) {
     text += settingLine(setting.key, yesOrNo(setting.readAs),
                         setting.value ? "user defaults (it.vantul.karno)" : "default");
@@ -201,20 +175,47 @@ std::string settingsText(const Explanation& explanation) {
   return text;
 }
 
+// As a property list spells it.
+std::string spelled(const platform::Value& value) {
+  constexpr std::string_view kKinds[] = {"", "integer", "real", "string", "date", "data", "array", "dict"};
+  if (const bool* const truth = value.get<bool>()) return *truth ? "<true/>" : "<false/>";
+  const std::string_view kind = kKinds[value.storage().index()];
+  return value.isNumber() ? fmt::format("<{0}>{1}</{0}>", kind, value.description())
+                          : fmt::format("<{}>", kind);
+}
+
 }  // namespace
+
+std::string choiceReason(ChoiceRule rule) {
+  constexpr const char* kReasons[] = {"the administrator has chosen it",
+                                      "the choice was settled by an earlier start", "this is the first start",
+                                      "the client has run before and no choice was settled"};
+  return kReasons[static_cast<std::size_t>(rule)];
+}
+
+std::string fuseText(const Explanation& explanation) {
+  const auto& [fuse, macOS] = explanation.advice;
+  const std::optional<std::string>& installed = explanation.system.fuse;
+  const std::string there =
+      !installed
+          ? "no macFUSE is there"
+          : (installed->empty() ? "a macFUSE without a version" : "macFUSE " + *installed) + " is there";
+  if (fuse) return there + "; " + *fuse + " or later would do";
+  if (macOS) return there + ", and none would do: one would on " + *macOS;
+  return there + "; which would do is not known";
+}
 
 std::string readingText(const AdministratorSetting& setting) {
   if (!setting.value) return std::string(kNotSet);
   const std::string* const text = setting.value->get<std::string>();
-  if (text == nullptr) return setting.value->description() + ", no text: does not count";
+  if (text == nullptr) return spelled(*setting.value) + " is not a text and does not count";
   return fmt::format("\"{}\": {}", *text, setting.readAs == KarnoTristate::On ? "on" : "off");
 }
 
-std::string explanationText(const Explanation& explanation) {
-  return outcomeText(explanation) + std::string(checkText(explanation.check)) +
-         std::string(moveOutcomeText(explanation.move)) + choiceText(explanation) + systemText(explanation) +
-         requirementsText(explanation) + moveText(explanation.move) + updatesText(explanation) +
-         settingsText(explanation);
+std::string explanationText(const Explanation& explanation, bool isUTF8) {
+  return outcomeText(explanation) + checkText(explanation) + std::string(moveOutcomeText(explanation.move)) +
+         choiceText(explanation) + systemText(explanation) + requirementsText(explanation, isUTF8) +
+         moveText(explanation.move) + updatesText(explanation) + settingsText(explanation);
 }
 
 }  // namespace karno::karnoctl

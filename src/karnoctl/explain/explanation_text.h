@@ -5,8 +5,14 @@
 
 namespace karno::karnoctl {
 
-// The explanation for people: the outcome first, then what it rests on.
-std::string explanationText(const Explanation& explanation);
+// The explanation for people: the outcome first, then what it rests on. Without UTF-8 its marks are ASCII.
+std::string explanationText(const Explanation& explanation, bool isUTF8 = true);
+
+// Why a build is chosen.
+std::string choiceReason(ChoiceRule rule);
+
+// Which macFUSE is there, and which would do: "macFUSE 4.0.4 is there; 4.4.1 or later would do".
+std::string fuseText(const Explanation& explanation);
 
 // How an administrator's value was read: "YES" is on, "" is off, anything that is no text does not count.
 std::string readingText(const AdministratorSetting& setting);

@@ -18,7 +18,31 @@ std::string withoutOpenEnd(std::string version) {
   return version;
 }
 
+bool isForSystem(const FuseRequirement& row, const SystemFacts& system) {
+  return *system.cpu == row.requiredCPU() && !isBefore(*system.macOS, row.macMinVersion()) &&
+         !isBefore(row.macMaxVersion(), *system.macOS);
+}
+
+// The first release of macOS 13 calls itself 13.0.
+std::string sortingOf(const FuseRequirement& row, const std::string& macOS) {
+  if (macOS + ".0" != row.macMinVersion()) return {};
+  return ", and " + macOS + " counts as older than " + row.macMinVersion();
+}
+
 }  // namespace
+
+FuseAdvice fuseAdvice(const SystemFacts& system) {
+  if (!system.cpu || system.cpu->empty() || !system.macOS || system.macOS->empty()) return {};
+  std::string systems;
+  std::string sorting;
+  for (const FuseRequirement& row : FuseRequirement::allOptions()) {
+    if (isForSystem(row, system)) return {.fuse = row.fuseVersion()};
+    if (row.requiredCPU() != *system.cpu) continue;
+    systems += (systems.empty() ? "" : ", or on ") + macOSRange(row);
+    sorting += sortingOf(row, *system.macOS);
+  }
+  return {.macOS = systems.empty() ? "no macOS with " + *system.cpu : systems + sorting};
+}
 
 std::string objectionTo(const FuseRequirement& row, const SystemFacts& system) {
   if (!system.cpu || system.cpu->empty()) return "the processor is not known";
@@ -33,14 +57,21 @@ std::string objectionTo(const FuseRequirement& row, const SystemFacts& system) {
   return {};
 }
 
-std::string macOSRange(const FuseRequirement& row) {
-  const bool hasLowest = row.macMinVersion() != "1.0.0";
+std::optional<std::string> lowestMacOS(const FuseRequirement& row) {
+  return row.macMinVersion() == "1.0.0" ? std::nullopt : std::optional(row.macMinVersion());
+}
+
+std::optional<std::string> highestMacOS(const FuseRequirement& row) {
   const std::string highest = withoutOpenEnd(row.macMaxVersion());
-  const bool hasHighest = highest != "9999";
-  if (hasLowest && hasHighest) return "macOS " + row.macMinVersion() + " to " + highest;
-  if (hasLowest) return "macOS " + row.macMinVersion() + " or later";
-  if (hasHighest) return "macOS " + highest + " or earlier";
-  return "any macOS";
+  return highest == "9999" ? std::nullopt : std::optional(highest);
+}
+
+std::string macOSRange(const FuseRequirement& row) {
+  const auto lowest = lowestMacOS(row);
+  const auto highest = highestMacOS(row);
+  if (lowest && highest) return "macOS " + *lowest + " to " + *highest;
+  if (lowest) return "macOS " + *lowest + " or later";
+  return highest ? "macOS " + *highest + " or earlier" : "any macOS";
 }
 
 }  // namespace karno::karnoctl

@@ -2,8 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
-
+#include "karnoctl/json_text.h"
 #include "karnoctl/self_check/self_check_helpers.h"
 #include "karnoctl/self_check/self_check_information.h"
 #include "karnoctl/self_check/self_check_programs.h"
@@ -45,17 +44,15 @@ std::string closingSentence(const CheckedBundle& bundle) {
 
 std::string findingsJson(const CheckedBundle& bundle) {
   const SelfCheckFindings& found = bundle.findings();
-  const nlohmann::ordered_json json = {{"bundle", bundle.path()},
-                                       {"fine", found.wrong.empty()},
-                                       {"wrong", found.wrong},
-                                       {"notes", found.notes},
-                                       {"checked",
-                                        {{"programs", found.programs},
-                                         {"propertyLists", found.propertyLists},
-                                         {"tables", found.tables},
-                                         {"messages", found.messages}}}};
-  // Files may hold anything; what is no UTF-8 is replaced.
-  return json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
+  return jsonText({{"bundle", bundle.path()},
+                   {"fine", found.wrong.empty()},
+                   {"wrong", found.wrong},
+                   {"notes", found.notes},
+                   {"checked",
+                    {{"programs", found.programs},
+                     {"propertyLists", found.propertyLists},
+                     {"tables", found.tables},
+                     {"messages", found.messages}}}});
 }
 
 }  // namespace karno::karnoctl

@@ -28,16 +28,6 @@ std::string sentenceFor(const std::string& name, const platform::Error& error, s
 
 }  // namespace
 
-std::string reasonOf(const platform::Error& error) {
-  constexpr std::string_view kOpening = "The operation couldn’t be completed. ";
-  std::string text = error.localizedDescription();
-  if (text.starts_with(kOpening)) text.erase(0, kOpening.size());
-  // What has no sentence of its own stands in brackets already.
-  if (text.starts_with('(') && text.ends_with(')')) text = text.substr(1, text.size() - 2);
-  while (text.ends_with('.')) text.pop_back();
-  return text;
-}
-
 CheckedBundle::CheckedBundle(const platform::Platform& platform, const platform::RuntimeCheck& runtime,
                              const ProgramImage& ownProgram, std::string path, SelfCheckFindings& findings)
     : platform_(platform),

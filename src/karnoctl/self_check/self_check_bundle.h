@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "karnoctl/error_text.h"
 #include "karnoctl/programs/program_image.h"
 #include "platform/platform.h"
 #include "platform/runtime_check.h"
@@ -62,8 +63,5 @@ class CheckedBundle {
   const std::string path_;
   SelfCheckFindings& findings_;
 };
-
-// The error in a few words, to stand in brackets.
-std::string reasonOf(const platform::Error& error);
 
 }  // namespace karno::karnoctl

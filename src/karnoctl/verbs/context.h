@@ -18,6 +18,7 @@ struct Context {
   std::function<platform::RuntimeCheck&()> runtimeCheck;
   bool outputIsTerminal = false;
   bool outputWantsColours = false;
+  bool outputIsUTF8 = true;
 };
 
 }  // namespace karno::karnoctl

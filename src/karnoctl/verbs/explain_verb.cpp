@@ -10,7 +10,8 @@ namespace {
 
 int explain(const command_line::Arguments& arguments, const Context& context) {
   const Explanation explanation = gatherExplanation(context.platform());
-  context.out << (arguments.has("--json") ? explanationJson(explanation) : explanationText(explanation));
+  context.out << (arguments.has("--json") ? explanationJson(explanation)
+                                          : explanationText(explanation, context.outputIsUTF8));
   return command_line::kExitOk;
 }
 

@@ -25,24 +25,23 @@ std::optional<std::string> textUnder(std::string_view key, const platform::Bundl
   return text == nullptr ? std::nullopt : std::optional(*text);
 }
 
-std::vector<RunningClient> clientsOf(const RunningProcess& launcher, const std::string& launcherBundle,
-                                     const std::vector<RunningProcess>& processes) {
-  std::vector<RunningClient> clients;
-  for (const RunningProcess& process : processes) {
-    if (process.parentProcessIdentifier != launcher.processIdentifier) continue;
-    const std::optional<std::string> bundle = bundlePathOf(process.executablePath);
-    if (!bundle || !bundle->starts_with(launcherBundle + "/Contents/Helpers/")) continue;
-    clients.push_back({.processIdentifier = process.processIdentifier,
-                       .bundlePath = *bundle,
-                       .startDate = process.startDate});
+// By its program, or by the log.
+std::optional<RunningClient> clientIn(const RunningProcess& child, const ObservedLauncher& observed) {
+  const std::string helpers = observed.launcher.bundlePath + "/Contents/Helpers/";
+  const LauncherStory& story = observed.logged.story;
+  std::optional<std::string> bundle = bundlePathOf(child.executablePath);
+  if (!bundle || !bundle->starts_with(helpers)) {
+    if (story.client != child.processIdentifier) return std::nullopt;
+    bundle = helpers + story.build.value_or("");
   }
-  return clients;
+  return RunningClient{.processIdentifier = child.processIdentifier,
+                       .bundlePath = *bundle,
+                       .executablePath = child.executablePath,
+                       .startDate = child.startDate};
 }
 
-}  // namespace
-
-std::vector<RunningLauncher> runningLaunchers(const platform::Platform& platform) {
-  const std::vector<RunningProcess> processes = platform.processList.runningProcesses();
+std::vector<RunningLauncher> launchersAmong(const std::vector<RunningProcess>& processes,
+                                            const platform::Platform& platform) {
   std::vector<RunningLauncher> launchers;
   for (const RunningProcess& process : processes) {
     const std::optional<std::string> path = bundlePathOf(process.executablePath);
@@ -53,10 +52,38 @@ std::vector<RunningLauncher> runningLaunchers(const platform::Platform& platform
     launchers.push_back({.processIdentifier = process.processIdentifier,
                          .bundlePath = *path,
                          .version = textUnder("CFBundleShortVersionString", *bundle),
-                         .startDate = process.startDate,
-                         .clients = clientsOf(process, *path, processes)});
+                         .startDate = process.startDate});
   }
   return launchers;
+}
+
+}  // namespace
+
+bool ObservedLauncher::hasNoClient() const {
+  return clients.empty() && (otherChildren.empty() || !logged.story.isEmpty());
+}
+
+std::vector<RunningLauncher> runningLaunchers(const platform::Platform& platform) {
+  return launchersAmong(platform.processList.runningProcesses(), platform);
+}
+
+std::vector<ObservedLauncher> observedLaunchers(const platform::Platform& platform) {
+  const std::vector<RunningProcess> processes = platform.processList.runningProcesses();
+  std::vector<ObservedLauncher> observed;
+  for (const RunningLauncher& launcher : launchersAmong(processes, platform)) {
+    ObservedLauncher& one = observed.emplace_back();
+    one.launcher = launcher;
+    one.logged = loggedProcess(platform.fileReading, launcher.processIdentifier, launcher.startDate);
+    for (const RunningProcess& process : processes) {
+      if (process.parentProcessIdentifier != launcher.processIdentifier) continue;
+      if (const auto client = clientIn(process, one)) {
+        one.clients.push_back(*client);
+      } else {
+        one.otherChildren.push_back(process);
+      }
+    }
+  }
+  return observed;
 }
 
 }  // namespace karno::karnoctl

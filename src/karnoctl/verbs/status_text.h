@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "karnoctl/explain/explanation.h"
 #include "karnoctl/verbs/running_launchers.h"
 
 namespace karno::karnoctl {
@@ -10,7 +11,18 @@ namespace karno::karnoctl {
 // "12 d 4 h". Nothing is shorter than "0 s".
 std::string durationText(double seconds);
 
-// What "status" says about the launchers at that moment.
-std::string statusText(const std::vector<RunningLauncher>& launchers, platform::Date now);
+// "starts: checks the system", without the date.
+std::string stateText(const LauncherStory& story);
+
+// What "status" says about the launchers at that moment; `next` is what their next start would do.
+std::string statusText(const std::vector<ObservedLauncher>& launchers, const Explanation& next,
+                       platform::Date now);
+
+// The same for scripts.
+std::string statusJson(const std::vector<ObservedLauncher>& launchers, const Explanation& next,
+                       platform::Date now);
+
+// When no launcher runs, nothing of the next start is asked.
+inline constexpr const char* kNoLauncherRuns = "No Karno launcher runs.\n";
 
 }  // namespace karno::karnoctl

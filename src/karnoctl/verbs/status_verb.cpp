@@ -1,15 +1,22 @@
 #include <ostream>
 
+#include "command_line/arguments.h"
 #include "karnoctl/verbs/status_text.h"
 #include "karnoctl/verbs/verbs.h"
 
 namespace karno::karnoctl {
 namespace {
 
-int showStatus(const Context& context) {
-  const platform::Platform& platform = context.platform();
-  const auto launchers = runningLaunchers(platform);
-  context.out << statusText(launchers, platform.clock.now());
+int showStatus(bool asJson, const Context& context) {
+  platform::Platform& platform = context.platform();
+  const auto launchers = observedLaunchers(platform);
+  const Explanation next = launchers.empty() ? Explanation() : gatherExplanation(platform);
+  const platform::Date now = platform.clock.now();
+  if (asJson) {
+    context.out << statusJson(launchers, next, now);
+  } else {
+    context.out << (launchers.empty() ? kNoLauncherRuns : statusText(launchers, next, now));
+  }
   return launchers.empty() ? kExitNotRunning : command_line::kExitOk;
 }
 
@@ -18,13 +25,21 @@ int showStatus(const Context& context) {
 command_line::Verb statusVerb(Context& context) {
   return {
       .name = "status",
-      .summary = "say whether the launcher and its client run",
+      .synopsis = "[--json]",
+      .summary = "say whether the launcher and its client run, and what they are at",
       .help =
-          "Shows the launchers that run in your account, with the client that each has started: process,\n"
-          "build, bundle and for how long they have been up.\n"
+          "Shows the launchers that run in your account: what each is at (it starts, waits for macFUSE, "
+          "asks\n"
+          "the user, runs, updates or quits), process, version, bundle and for how long it has been up; the\n"
+          "client that it has started, which build and why; and the end of its log. All of it is read from\n"
+          "the processes, the log and the settings; what they do not tell is said to be not known.\n"
           "\n"
-          "Exit status: 0 a launcher runs, 3 none does.\n",
-      .run = [&context](const auto&) { return showStatus(context); }};
+          "Options:\n"
+          "  --json   the same for scripts\n"
+          "\n"
+          "Exit status: 0 a launcher runs, whatever it is at, 3 none does.\n",
+      .flags = {"--json"},
+      .run = [&context](const auto& arguments) { return showStatus(arguments.has("--json"), context); }};
 }
 
 }  // namespace karno::karnoctl

@@ -120,7 +120,7 @@ TEST(Karnoctl, ListsWhatItCanDo) {
             "Talks to the Karno launcher that runs in your session.\n"
             "\n"
             "Verbs:\n"
-            "  status     say whether the launcher and its client run\n"
+            "  status     say whether the launcher and its client run, and what they are at\n"
             "  log        show what the launcher has logged\n"
             "  explain    say what the next start of the launcher does, and why\n"
             "  self-check say what is wrong with the launcher's bundle\n"

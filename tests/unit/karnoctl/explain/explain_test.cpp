@@ -214,8 +214,78 @@ TEST(AdministratorsValue, CountsOnlyAsText) {
   EXPECT_EQ(readingText({.key = "KEY", .value = "", .isForced = true, .readAs = KarnoTristate::Off}),
             "\"\": off");
   EXPECT_EQ(readingText({.key = "KEY", .value = true, .isForced = true, .readAs = KarnoTristate::NotSet}),
-            "1, no text: does not count");
+            "<true/> is not a text and does not count");
   EXPECT_EQ(readingText({.key = "KEY"}), "not set");
+}
+
+TEST(AdministratorsValue, IsSpelledAsInAPropertyListWhereItDoesNotCount) {
+  const auto text = [](platform::Value value) {
+    return readingText({.key = "KEY", .value = std::move(value)});
+  };
+
+  EXPECT_EQ(text(false), "<false/> is not a text and does not count");
+  EXPECT_EQ(text(1), "<integer>1</integer> is not a text and does not count");
+  EXPECT_EQ(text(1.5), "<real>1.5</real> is not a text and does not count");
+  EXPECT_EQ(text(platform::Value::Array{"YES"}), "<array> is not a text and does not count");
+  EXPECT_EQ(text(platform::Value::Dictionary{}), "<dict> is not a text and does not count");
+  EXPECT_EQ(text(platform::Value::Data{}), "<data> is not a text and does not count");
+  EXPECT_EQ(text(test::kStartOfTest), "<date> is not a text and does not count");
+}
+
+TEST(KarnoctlExplain, TellsWhichMacFUSEWouldDo) {
+  FakePlatform machine;
+  Terminal terminal;
+  machine.withSystem("14.5", "arm64").withFuse("4.4.0").withFirstStartup(false);
+
+  terminal.run({"explain"});
+
+  EXPECT_NE(
+      terminal.out().find("The system check stops the start: the user is asked to install a newer macFUSE: "
+                          "macFUSE 4.4.0 is there; 4.4.1 or later would do.\n"),
+      std::string::npos)
+      << terminal.out();
+}
+
+TEST(KarnoctlExplain, SaysWhenNoMacFUSEWillDoAndWhichMacOSWould) {
+  FakePlatform machine;
+  Terminal terminal;
+  machine.withSystem("13.0", "arm64").withFuse("4.4.1").withFirstStartup(false);
+
+  terminal.run({"explain"});
+
+  EXPECT_NE(
+      terminal.out().find("macFUSE 4.4.1 is there, and none would do: one would on macOS 13.0.0 or later, or "
+                          "on macOS 12 or earlier, and 13.0 counts as older than 13.0.0.\n"),
+      std::string::npos)
+      << terminal.out();
+}
+
+TEST(KarnoctlExplain, NamesAManagedFileThatIsDamaged) {
+  FakePlatform machine;
+  Terminal terminal;
+  machine.files.addFile("/Library/Managed Preferences/it.vantul.KarnoAdmin.plist", "<plist><dict>");
+  machine.files.addFile("/Library/Managed Preferences/tester/it.vantul.KarnoAdmin.plist",
+                        "<plist><dict/></plist>");
+
+  terminal.run({"explain"});
+
+  EXPECT_NE(terminal.out().find(
+                "\nSettings\n  /Library/Managed Preferences/it.vantul.KarnoAdmin.plist is damaged ("),
+            std::string::npos)
+      << terminal.out();
+  EXPECT_EQ(terminal.out().find("tester/it.vantul"), std::string::npos);
+}
+
+TEST(KarnoctlExplain, HasPlainMarksWhereTheLocaleHasNoOthers) {
+  FakePlatform machine;
+  Terminal terminal;
+  machine.withSystem("14.5", "x86_64").withFuse("3.11.2");
+  terminal.becomePlain();
+
+  terminal.run({"explain"});
+
+  EXPECT_NE(terminal.out().find("  - arm64   4.4.1+ "), std::string::npos) << terminal.out();
+  EXPECT_NE(terminal.out().find("  + x86_64  3.11.2+ "), std::string::npos) << terminal.out();
 }
 
 TEST(KarnoctlExplain, SpeaksJsonToScripts) {
@@ -228,6 +298,7 @@ TEST(KarnoctlExplain, SpeaksJsonToScripts) {
 
   EXPECT_EQ(status, 0);
   EXPECT_EQ(nlohmann::json::parse(terminal.out()), nlohmann::json::parse(R"({
+    "version": 1,
     "build": "fuse",
     "because": "already-using-fuse",
     "bundle": "Karno(Fuse).app",
@@ -242,13 +313,15 @@ TEST(KarnoctlExplain, SpeaksJsonToScripts) {
       "macFUSE": "3.11.2",
       "macFUSEFile": "/Library/Frameworks/macFUSE.framework/Resources/Info.plist"
     },
+    "macFUSENeeded": "3.11.2",
+    "macOSNeeded": null,
     "requirements": [
-      {"processor": "arm64", "macFUSE": "4.4.1", "macOSFrom": "13.0.0", "macOSTo": "9999.9999.9999",
+      {"processor": "arm64", "macFUSE": "4.4.1", "macOSFrom": "13.0.0", "macOSTo": null,
        "met": false, "objection": "this Mac has x86_64"},
-      {"processor": "arm64", "macFUSE": "4.0.4", "macOSFrom": "1.0.0", "macOSTo": "12.9999.9999",
+      {"processor": "arm64", "macFUSE": "4.0.4", "macOSFrom": null, "macOSTo": "12",
        "met": false, "objection": "this Mac has x86_64"},
-      {"processor": "x86_64", "macFUSE": "3.11.2", "macOSFrom": "1.0.0", "macOSTo": "9999.9999.9999",
-       "met": true, "objection": ""}
+      {"processor": "x86_64", "macFUSE": "3.11.2", "macOSFrom": null, "macOSTo": null,
+       "met": true, "objection": null}
     ],
     "feed": {"url": "https://updates.vantul.it/updates/macos/appcast.eddsa.xml", "source": "deployment"},
     "settings": {
@@ -258,7 +331,8 @@ TEST(KarnoctlExplain, SpeaksJsonToScripts) {
       "useFileProvider": {"stored": null, "readAs": false},
       "isFirstStartup": {"stored": false, "readAs": false},
       "verboseLogging": {"stored": null, "readAs": false}
-    }
+    },
+    "damagedFiles": []
   })"));
 }
 

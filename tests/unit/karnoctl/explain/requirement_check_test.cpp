@@ -54,6 +54,38 @@ TEST(MacOSRange, LeavesOutEndsThatAreOpen) {
   EXPECT_EQ(macOSRange({"arm64", "4.0", "11.0", "12.9999.9999"}), "macOS 11.0 to 12");
 }
 
+TEST(FuseAdvice, NamesTheLowestMacFUSEForTheSystem) {
+  const FakePlatform machine;
+
+  EXPECT_EQ(fuseAdvice({.cpu = "arm64", .macOS = "14.5"}).fuse, "4.4.1");
+  EXPECT_EQ(fuseAdvice({.cpu = "arm64", .macOS = "12.6"}).fuse, "4.0.4");
+  EXPECT_EQ(fuseAdvice({.cpu = "x86_64", .macOS = "10.14.6"}).fuse, "3.11.2");
+  EXPECT_EQ(fuseAdvice({.cpu = "x86_64", .macOS = "10.14.6"}).macOS, std::nullopt);
+}
+
+TEST(FuseAdvice, NamesTheSystemsThatWouldDoWhereNoMacFUSEDoes) {
+  const FakePlatform machine;
+
+  EXPECT_EQ(fuseAdvice({.cpu = "arm64", .macOS = "13.0"}).fuse, std::nullopt);
+  EXPECT_EQ(fuseAdvice({.cpu = "arm64", .macOS = "13.0"}).macOS,
+            "macOS 13.0.0 or later, or on macOS 12 or earlier, and 13.0 counts as older than 13.0.0");
+  EXPECT_EQ(fuseAdvice({.cpu = "i386", .macOS = "14.5"}).macOS, "no macOS with i386");
+}
+
+TEST(FuseAdvice, IsNoneForASystemThatIsNotKnown) {
+  const FakePlatform machine;
+
+  EXPECT_EQ(fuseAdvice({.cpu = "arm64"}).fuse, std::nullopt);
+  EXPECT_EQ(fuseAdvice({.cpu = "", .macOS = "14.5"}).macOS, std::nullopt);
+}
+
+TEST(MacOSEnds, AreAbsentWhereTheyAreOpen) {
+  EXPECT_EQ(lowestMacOS(row(0)), "13.0.0");
+  EXPECT_EQ(highestMacOS(row(0)), std::nullopt);
+  EXPECT_EQ(lowestMacOS(row(1)), std::nullopt);
+  EXPECT_EQ(highestMacOS(row(1)), "12");
+}
+
 using Facts = std::tuple<const char*, const char*, const char*>;
 
 // Whether a row is met is decided by the launcher; the objection only says why not.

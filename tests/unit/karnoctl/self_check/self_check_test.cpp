@@ -62,6 +62,7 @@ TEST_F(KarnoctlSelfCheck, SpeaksJsonToScripts) {
   EXPECT_EQ(terminal_.run({"self-check", "--json"}), 1);
 
   EXPECT_EQ(nlohmann::json::parse(terminal_.out()), nlohmann::json::parse(R"({
+    "version": 1,
     "bundle": "/Applications/Karno.app",
     "fine": false,
     "wrong": ["Contents/Helpers/Karno.app is missing: the File Provider build cannot start.",

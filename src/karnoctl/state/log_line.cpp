@@ -1,0 +1,26 @@
+#include "karnoctl/state/log_line.h"
+
+#include <charconv>
+#include <cstddef>
+#include <system_error>
+
+namespace karno::karnoctl {
+
+std::optional<LogLine> logLineIn(std::string_view line) {
+  constexpr std::size_t kDateBytesMax = 64;
+  const std::size_t dateEnd = line.substr(0, kDateBytesMax).find(" (");
+  if (dateEnd == std::string_view::npos) return std::nullopt;
+  LogLine found{.date = line.substr(0, dateEnd), .level = {}, .message = {}};
+
+  const char* const end = line.data() + line.size();
+  const auto number = std::from_chars(line.data() + dateEnd + 2, end, found.processIdentifier);
+  const std::string_view rest(number.ptr, static_cast<std::size_t>(end - number.ptr));
+  const std::size_t levelEnd = rest.find("] ");
+  if (number.ec != std::errc() || !rest.starts_with(") [") || levelEnd == std::string_view::npos)
+    return std::nullopt;
+  found.level = rest.substr(3, levelEnd - 3);
+  found.message = rest.substr(levelEnd + 2);
+  return found;
+}
+
+}  // namespace karno::karnoctl
