@@ -21,7 +21,7 @@ _karnoctl_offer_folders() {
 }
 
 _karnoctl() {
-  local verbs='status log explain self-check post help'
+  local verbs='status log explain self-check post quit help'
   local messages='check-for-updates enable-automatic-updates disable-automatic-updates user-selected-quit
     app-is-terminating app-is-terminating-abnormally app-needs-restart restart-wrapper-with-fuse
     restart-wrapper-with-file-provider restart-wrapper'
@@ -44,7 +44,7 @@ _karnoctl() {
   case $verb:$before in
     log:--color) _karnoctl_offer 'auto always never' "$word" ;;
     log:--lines) _karnoctl_offer 'all' "$word" ;;
-    post:--reason) COMPREPLY=() ;;
+    post:--reason | quit:--wait) COMPREPLY=() ;;
     log:*) _karnoctl_offer '--follow --lines --color --help' "$word" ;;
     post:*)
       case $word in
@@ -59,6 +59,7 @@ _karnoctl() {
       esac
       ;;
     status:* | explain:*) _karnoctl_offer '--json --help' "$word" ;;
+    quit:*) _karnoctl_offer '--wait --help' "$word" ;;
     help:help) _karnoctl_offer "${verbs% help}" "$word" ;;
     *) COMPREPLY=() ;;
   esac

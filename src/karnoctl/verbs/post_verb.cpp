@@ -7,6 +7,8 @@
 #include "command_line/arguments.h"
 #include "command_line/closest_word.h"
 #include "ipc/wrapper_notification.h"
+#include "karnoctl/verbs/posting.h"
+#include "karnoctl/verbs/running_launchers.h"
 #include "karnoctl/verbs/verbs.h"
 #include "platform/text/utf8.h"
 
@@ -42,7 +44,9 @@ std::string postHelp() {
       "Options:\n"
       "  --reason TEXT   why; the launcher logs it with app-is-terminating-abnormally\n"
       "\n"
-      "Nobody answers: a message that was posted while no launcher ran is lost.\n";
+      "Nobody answers, and a message that no launcher hears is lost.\n"
+      "\n"
+      "Exit status: 0 posted, 1 not posted, 3 posted while no launcher ran.\n";
   return text;
 }
 
@@ -62,14 +66,21 @@ std::optional<std::string> reasonIn(const command_line::Arguments& arguments) {
 
 int post(const command_line::Arguments& arguments, const Context& context) {
   const std::string message = messageIn(arguments);
-  const auto notification = wrapperNotification(message, reasonIn(arguments));
-  if (context.platform().distributedNotifications.post(notification)) return command_line::kExitOk;
-  context.err << "karnoctl: cannot post '" << message
-              << "': the session's notification service cannot be reached\n";
-  return command_line::kExitFailed;
+  if (!postToLauncher(message, reasonIn(arguments), context)) return command_line::kExitFailed;
+  if (!runningLaunchers(context.platform()).empty()) return command_line::kExitOk;
+  context.err << "karnoctl: no launcher runs, so nobody hears '" << message << "'\n";
+  return kExitNotRunning;
 }
 
 }  // namespace
+
+bool postToLauncher(const std::string& message, const std::optional<std::string>& reason,
+                    const Context& context) {
+  if (context.platform().distributedNotifications.post(wrapperNotification(message, reason))) return true;
+  context.err << "karnoctl: cannot post '" << message
+              << "': the session's notification service cannot be reached\n";
+  return false;
+}
 
 command_line::Verb postVerb(Context& context) {
   return {.name = "post",

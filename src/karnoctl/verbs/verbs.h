@@ -10,5 +10,6 @@ command_line::Verb logVerb(Context& context);
 command_line::Verb explainVerb(Context& context);
 command_line::Verb selfCheckVerb(Context& context);
 command_line::Verb postVerb(Context& context);
+command_line::Verb quitVerb(Context& context);
 
 }  // namespace karno::karnoctl

@@ -125,9 +125,10 @@ TEST(Karnoctl, ListsWhatItCanDo) {
             "  explain    say what the next start of the launcher does, and why\n"
             "  self-check say what is wrong with the launcher's bundle\n"
             "  post       tell the launcher what its client would tell it\n"
+            "  quit       have the launcher and its client quit, and wait for that\n"
             "  help       say how a verb is used\n"
             "\n"
-            "Exit status: 0 done, 1 failed, 3 no launcher runs (status), 64 wrong usage.\n");
+            "Exit status: 0 done, 1 failed, 3 no launcher runs, 4 it does not quit, 64 wrong usage.\n");
 }
 
 TEST(Karnoctl, SuggestsTheVerbThatWasMeant) {

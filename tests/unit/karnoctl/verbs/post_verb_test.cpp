@@ -55,5 +55,23 @@ TEST(KarnoctlPost, HasAReplacementInTheReasonForEachByteThatIsNotUTF8) {
   EXPECT_EQ(reason, "a\uFFFDz");
 }
 
+// It is posted all the same: a launcher whose bundle was taken away is not found, and hears it.
+TEST(KarnoctlPost, SaysThatNoLauncherRuns) {
+  test::FakePlatform machine;
+  test::Terminal terminal;
+  int heard = 0;
+  machine.processTable.remove(test::FakeProcessTable::kLauncher);
+  machine.notifications.addObserver(&heard, std::string(kWrapperNotificationName),
+                                    std::string(kWrapperNotificationObject), [&](const auto&) { ++heard; });
+
+  const int status = terminal.run({"post", "check-for-updates"});
+  machine.runFor(1);
+
+  EXPECT_EQ(status, 3);
+  EXPECT_EQ(heard, 1);
+  EXPECT_EQ(terminal.out(), "");
+  EXPECT_EQ(terminal.err(), "karnoctl: no launcher runs, so nobody hears 'check-for-updates'\n");
+}
+
 }  // namespace
 }  // namespace karno::karnoctl
