@@ -1,4 +1,5 @@
 #include <iostream>
+#include <streambuf>
 #include <string>
 #include <vector>
 
@@ -20,12 +21,17 @@ Platform& installedPlatform(int argc, char** argv) {
   return platform;
 }
 
+// Takes nothing: what is written for a standard output that is closed is lost, and that is an error.
+class ClosedOutput final : public std::streambuf {};
+
 }  // namespace
 
 int main(int argc, char** argv) {
   const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+  ClosedOutput closedOutput;
+  std::ostream closed(&closedOutput);
   karno::karnoctl::Context context{
-      .out = std::cout,
+      .out = karno::platform::standardOutputIsOpen() ? std::cout : closed,
       .err = std::cerr,
       .platform = [argc, argv]() -> Platform& { return installedPlatform(argc, argv); },
       .runtimeCheck = karno::platform::nativeRuntimeCheck,

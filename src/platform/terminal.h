@@ -4,6 +4,10 @@ namespace karno::platform {
 
 // For command-line tools. Safe from any thread.
 
+// Whether this process was started with a standard output. To be asked before nativePlatform(), which puts
+// something that takes everything into the place of a missing one.
+bool standardOutputIsOpen();
+
 // Whether the standard output is a terminal.
 bool standardOutputIsTerminal();
 

@@ -1,5 +1,7 @@
 #include "karnoctl/programs/program_image.h"
 
+#include <sstream>
+
 #include "karnoctl/programs/elf_image.h"
 #include "karnoctl/programs/header_bytes.h"
 #include "karnoctl/programs/mach_o_image.h"
@@ -7,9 +9,22 @@
 namespace karno::karnoctl {
 namespace {
 
+// What the kernel starts in its place; it reads no more of the line either.
+ProgramImage scriptImage(const ProgramBytes& file) {
+  constexpr std::size_t kLineBytesMax = 255;
+  const auto begin = file.read(0, kLineBytesMax);
+  if (!begin) throw NoProgram(begin.error().localizedDescription());
+  std::istringstream words(begin.value().substr(2, begin.value().find('\n') - 2));
+  ProgramImage image;
+  if (!(words >> image.interpreter)) throw NoProgram("it is a script that names no interpreter");
+  return image;
+}
+
 ProgramImage imageOrThrow(const ProgramBytes& file) {
+  constexpr std::uint32_t kScript = 0x2321;  // "#!"
   if (file.sizeInBytes == 0) throw NoProgram("it is empty");
   const std::uint32_t firstBytes = HeaderBytes(file, 0, 4, ByteOrder::Big).u32(0);
+  if (firstBytes >> 16U == kScript) return scriptImage(file);
   if (beginsMachO(firstBytes)) return machOImage(file);
   if (beginsELF(firstBytes)) return elfImage(file);
   throw NoProgram(kNoProgram);

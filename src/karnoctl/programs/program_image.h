@@ -20,7 +20,8 @@ struct ProgramSlice {
 
 struct ProgramImage {
   ProgramSystem system = ProgramSystem::MacOS;
-  std::vector<ProgramSlice> slices;  // one or more
+  std::vector<ProgramSlice> slices = {};  // one or more, of all but a script
+  std::string interpreter = {};           // of a script, which is for every system and processor; else empty
   bool operator==(const ProgramImage&) const = default;
 };
 

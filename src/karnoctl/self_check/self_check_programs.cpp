@@ -49,6 +49,9 @@ void checkImage(const CheckedBundle& bundle, const std::string& file, std::strin
   const auto image = bundle.program(file);
   if (!image) {
     bundle.wrong(fmt::format("{} is no program ({}): {}.", file, reasonOf(image.error()), cost));
+  } else if (const std::string& interpreter = image.value().interpreter; !interpreter.empty()) {
+    if (bundle.runtime().isExecutable(interpreter)) return;
+    bundle.wrong(fmt::format("{} is a script for {}, which is not here: {}.", file, interpreter, cost));
   } else if (image.value().system != bundle.ownProgram().system) {
     bundle.wrong(
         fmt::format("{} is a program for {}: {} here.", file, bundle.isForMacOS() ? "Linux" : "macOS", cost));

@@ -1,5 +1,6 @@
 #include "platform/terminal.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +11,8 @@
 #include "platform/posix/environment.h"
 
 namespace karno::platform {
+
+bool standardOutputIsOpen() { return ::fcntl(STDOUT_FILENO, F_GETFD) != -1; }
 
 bool standardOutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 

@@ -82,9 +82,17 @@ TEST(ProgramImage, IsNotSignedWithAnEmptySignature) {
 
 TEST(ProgramImage, IsNotInOtherFiles) {
   EXPECT_EQ(objectionTo(""), "it is empty");
-  EXPECT_EQ(objectionTo("#!/bin/sh\nexit 0\n"), "its first bytes are those of no program");
+  EXPECT_EQ(objectionTo("# a text"), "its first bytes are those of no program");
   EXPECT_EQ(objectionTo("\xbe\xba\xfe\xca" + std::string(100, '\0')),
             "its first bytes are those of no program");
+}
+
+TEST(ProgramImage, IsAScriptWithTheInterpreterThatItNames) {
+  EXPECT_EQ(imageOf("#!/bin/sh\nexit 0\n").value().interpreter, "/bin/sh");
+  EXPECT_EQ(imageOf("#! /usr/bin/env python3\n").value().interpreter, "/usr/bin/env");
+  EXPECT_EQ(imageOf("#!/bin/sh").value().interpreter, "/bin/sh");
+  EXPECT_TRUE(imageOf("#!/bin/sh\n").value().slices.empty());
+  EXPECT_EQ(objectionTo("#!\n/bin/sh\n"), "it is a script that names no interpreter");
 }
 
 // The number of Java's format stands where a universal program has the count of its slices.

@@ -302,11 +302,26 @@ TEST_F(KarnoctlSelfCheck, NamesAProgramThatMayNotBeExecuted) {
 }
 
 TEST_F(KarnoctlSelfCheck, NamesAProgramThatIsNone) {
-  bundle_.write("Contents/Helpers/Karno.app/Contents/MacOS/Karno", "#!/bin/sh\n");
+  bundle_.write("Contents/Helpers/Karno.app/Contents/MacOS/Karno", "echo Karno\n");
 
   EXPECT_EQ(said(),
             "Contents/Helpers/Karno.app/Contents/MacOS/Karno is no program (its first bytes are those of no "
             "program): the File Provider build cannot start.\n");
+}
+
+TEST_F(KarnoctlSelfCheck, TakesAScriptForAProgram) {
+  bundle_.write("Contents/Helpers/Karno.app/Contents/MacOS/Karno", "#!/bin/sh\n");
+
+  EXPECT_TRUE(said().starts_with("Nothing is wrong")) << said();
+}
+
+TEST_F(KarnoctlSelfCheck, MissesTheInterpreterOfAScript) {
+  bundle_.write("Contents/Helpers/Karno.app/Contents/MacOS/Karno", "#!/opt/bin/python3 -u\n");
+  terminal_.runtime().notExecutable = {"/opt/bin/python3"};
+
+  EXPECT_EQ(said(),
+            "Contents/Helpers/Karno.app/Contents/MacOS/Karno is a script for /opt/bin/python3, which is not "
+            "here: the File Provider build cannot start.\n");
 }
 
 TEST_F(KarnoctlSelfCheck, NamesAProgramForAnotherProcessor) {
