@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "karnoctl/command_line.h"
+#include "platform/private_file.h"
 #include "platform/runtime_check.h"
 #include "platform/terminal.h"
 
@@ -35,6 +36,7 @@ int main(int argc, char** argv) {
       .err = std::cerr,
       .platform = [argc, argv]() -> Platform& { return installedPlatform(argc, argv); },
       .runtimeCheck = karno::platform::nativeRuntimeCheck,
+      .writePrivateFile = karno::platform::writePrivateFile,
       .outputIsTerminal = karno::platform::standardOutputIsTerminal(),
       .outputWantsColours = karno::platform::standardOutputWantsColours(),
       .outputIsUTF8 = karno::platform::localeIsUTF8()};

@@ -179,6 +179,94 @@ TEST(KarnoctlLog, EndsQuietlyWithTheReaderOfItsOutput) {
   EXPECT_EQ(result.output, "\n141\n");
 }
 
+TEST(KarnoctlQuit, WaitsForTheLaunchersEnd) {
+  Machine machine(builtTools());
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+
+  const CommandResult result = machine.in({"karnoctl", "quit"});
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "The Karno launcher has quit.\n");
+  EXPECT_EQ(machine.waitForEnd(), 0);
+  EXPECT_EQ(karnoctl(machine, {"quit"}).status, 3);
+}
+
+TEST(KarnoctlQuit, SaysWhatHoldsTheLauncherUp) {
+  Machine machine(builtTools());
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+  machine.in({"karnoctl", "post", "app-is-terminating-abnormally", "--reason", "a test"});
+  ASSERT_TRUE(machine.waitForMessage(
+      "*** ERROR *** Abnormal[TERMINATION] Karno.app terminated abnormally. (reason=a test)"));
+
+  const CommandResult result = machine.in({"karnoctl", "quit", "--wait", "2"});
+
+  EXPECT_EQ(result.status, 4);
+  EXPECT_THAT(
+      result.output,
+      HasSubstr("still runs after 2 s; state: quits: User selected quit, once the user has answered: it asks "
+                "whether to start the client again after it has failed\n"));
+}
+
+// What a shell's line prints in a machine's home folder, with its exit status.
+CommandResult shell(const Machine& machine, const std::string& line) {
+  return runCommand(
+      {"/usr/bin/env", "HOME=" + machine.home().string(), "KARNO_MACHINE_ROOT=" + machine.root().string(),
+       kLocale, "TOOL=" + (machine.bundle() / "Contents/MacOS/karnoctl").string(), "/bin/bash", "-c",
+       "cd && " + line},
+      kToolLimit);
+}
+
+TEST(KarnoctlReport, IsAnArchiveThatOnlyTheUserMayRead) {
+  const Machine machine(builtTools());
+  append(machine.logFile(), "a line about " + machine.home().string() + "/x\n");
+  append(machine.home() / "Library/Logs/DiagnosticReports/Karno-1.ips", "it crashed\n");
+
+  const CommandResult result = shell(machine, "\"$TOOL\" report --output report.tar.gz");
+
+  EXPECT_EQ(result.status, 0) << result.output;
+  EXPECT_EQ(fs::status(machine.home() / "report.tar.gz").permissions(), fs::perms(0600));
+  EXPECT_EQ(shell(machine, "tar -xzf report.tar.gz && cat karno-report/karno-wrapper.log").output,
+            "a line about ~/x\n");
+  EXPECT_EQ(shell(machine, "cat karno-report/crashes/Karno-1.ips").output, "it crashed\n");
+  EXPECT_THAT(shell(machine, "cat karno-report/version.txt").output,
+              StartsWith("karnoctl " KARNO_VERSION "\n"));
+  EXPECT_THAT(shell(machine, "cat karno-report/status.txt").output, StartsWith("No Karno launcher runs.\n"));
+  EXPECT_THAT(shell(machine, "cat karno-report/explain.txt").output, StartsWith("The next start runs "));
+  EXPECT_THAT(shell(machine, "cat karno-report/self-check.txt").output, HasSubstr("(exit status "));
+  EXPECT_EQ(shell(machine, "grep -r \"$HOME\" karno-report").output, "");
+  EXPECT_EQ(shell(machine, "ls -A | grep partial").output, "");
+}
+
+TEST(KarnoctlReport, LeavesNothingWhereTheArchiveDoesNotFit) {
+  const Machine machine(builtTools());
+  append(machine.logFile(), std::string(100'000, 'x'));
+
+  const CommandResult result = shell(machine, "ulimit -f 20; \"$TOOL\" report --output report.tar.gz 2>&1");
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output,
+            "karnoctl: cannot write '" + machine.home().string() + "/report.tar.gz': File too large\n");
+  EXPECT_EQ(shell(machine, "ls -A | grep report").output, "");
+}
+
+TEST(KarnoctlOutput, FailsInOneLineWhereItCannotBeWritten) {
+  const Machine machine(builtTools());
+  append(machine.logFile(), "one\n");
+
+  for (const char* const verb :
+       {"status", "log", "explain", "self-check", "help", "--version", "quit --help"}) {
+    const std::string command = "\"$TOOL\" " + std::string(verb);
+    EXPECT_EQ(shell(machine, command + " 2>&1 >/dev/full; echo $?").output,
+              "karnoctl: cannot write the output\n1\n")
+        << verb;
+    EXPECT_EQ(shell(machine, "{ " + command + " 2>&3 >&-; } 3>&1; echo $?").output,
+              "karnoctl: cannot write the output\n1\n")
+        << verb;
+  }
+}
+
 TEST(KarnoctlExplain, ForetellsTheNextStartAndLeavesNoTrace) {
   Machine machine(builtTools(), {"--macos", "14.5", "--cpu", "arm64", "--admin", "USE_FILE_PROVIDER=YES"});
 

@@ -28,6 +28,14 @@ class Terminal {
   // From now on nothing can be printed any more.
   void close() { out_.setstate(std::ios::badbit); }
 
+  // From now on the files that are for this user alone lie there, or cannot be written for that reason.
+  void keepPrivateFiles(FakeFiles& files, const std::optional<platform::Error>& hindrance = std::nullopt) {
+    context_.writePrivateFile = [&files, hindrance](const std::string& path, std::string_view bytes) {
+      if (!hindrance) files.addFile(path, std::string(bytes));
+      return hindrance;
+    };
+  }
+
   // What karnoctl finds when it checks the system.
   FakeRuntimeCheck& runtime() { return runtime_; }
 

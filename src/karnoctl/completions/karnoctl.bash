@@ -21,7 +21,7 @@ _karnoctl_offer_folders() {
 }
 
 _karnoctl() {
-  local verbs='status log explain self-check post quit help'
+  local verbs='status log explain self-check post quit report help'
   local messages='check-for-updates enable-automatic-updates disable-automatic-updates user-selected-quit
     app-is-terminating app-is-terminating-abnormally app-needs-restart restart-wrapper-with-fuse
     restart-wrapper-with-file-provider restart-wrapper'
@@ -60,6 +60,8 @@ _karnoctl() {
       ;;
     status:* | explain:*) _karnoctl_offer '--json --help' "$word" ;;
     quit:*) _karnoctl_offer '--wait --help' "$word" ;;
+    report:--output) COMPREPLY=($(compgen -f -- "$word")) ;;
+    report:*) _karnoctl_offer '--output --help' "$word" ;;
     help:help) _karnoctl_offer "${verbs% help}" "$word" ;;
     *) COMPREPLY=() ;;
   esac

@@ -16,6 +16,7 @@ struct Context {
   std::ostream& err;
   std::function<platform::Platform&()> platform;
   std::function<platform::RuntimeCheck&()> runtimeCheck;
+  std::function<std::optional<platform::Error>(const std::string&, std::string_view)> writePrivateFile = {};
   bool outputIsTerminal = false;
   bool outputWantsColours = false;
   bool outputIsUTF8 = true;

@@ -11,5 +11,6 @@ command_line::Verb explainVerb(Context& context);
 command_line::Verb selfCheckVerb(Context& context);
 command_line::Verb postVerb(Context& context);
 command_line::Verb quitVerb(Context& context);
+command_line::Verb reportVerb(Context& context);
 
 }  // namespace karno::karnoctl

@@ -1,5 +1,6 @@
 #pragma once
 #include <cerrno>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -27,6 +28,7 @@ class FakeCommands final : public platform::Commands {
   platform::Result<platform::CommandEnd> run(const platform::TaskLaunch& command) override {
     const std::string line = commandLine(command);
     ran.push_back(line);
+    if (whenRun) whenRun(line);
     const auto found = answers.find(line);
     if (found != answers.end()) return found->second;
     if (!processes_.hasProgram(command.executablePath)) return platform::Error::posix(ENOENT);
@@ -41,6 +43,7 @@ class FakeCommands final : public platform::Commands {
   }
 
   std::map<std::string, platform::Result<platform::CommandEnd>> answers;
+  std::function<void(const std::string& line)> whenRun;  // what a command does to the machine
   std::optional<platform::Error> startFailure;
   std::vector<std::string> ran;      // waited for
   std::vector<std::string> started;  // and left to itself

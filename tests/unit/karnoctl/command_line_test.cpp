@@ -126,6 +126,7 @@ TEST(Karnoctl, ListsWhatItCanDo) {
             "  self-check say what is wrong with the launcher's bundle\n"
             "  post       tell the launcher what its client would tell it\n"
             "  quit       have the launcher and its client quit, and wait for that\n"
+            "  report     put what support wants to see into one file\n"
             "  help       say how a verb is used\n"
             "\n"
             "Exit status: 0 done, 1 failed, 3 no launcher runs, 4 it does not quit, 64 wrong usage.\n");
