@@ -8,6 +8,7 @@
 
 #include "command_line/arguments.h"
 #include "command_line/closest_word.h"
+#include "platform/text/one_line.h"
 
 namespace karno::command_line {
 namespace {
@@ -19,6 +20,13 @@ Verb helpVerb() {
           .summary = "say how a verb is used",
           .help = "Says how VERB is used, or lists the verbs.\n",
           .run = {}};
+}
+
+// What was typed may be anything: it is shown in one line that a terminal bears.
+std::string line(std::string_view text) {
+  constexpr std::size_t kBytesMax = 300;
+  const std::string visible = platform::inOneLine(text.substr(0, kBytesMax));
+  return text.size() > kBytesMax ? visible + "..." : visible;
 }
 
 // One run of a program.
@@ -44,7 +52,7 @@ class Run {
   }
 
   int reportUsageError(std::string_view text, std::string_view advice) {
-    err_ << program_.name << ": " << text << "\nTry \"" << program_.name << ' ' << advice << "\".\n";
+    err_ << program_.name << ": " << line(text) << "\nTry \"" << program_.name << ' ' << advice << "\".\n";
     return kExitUsage;
   }
 

@@ -62,7 +62,17 @@ TEST_F(TypedCommand, ExplainsHelpAsItDoesAnyVerb) {
 TEST_F(TypedCommand, RefusesAValueForTheVersion) {
   EXPECT_EQ(type({"sing", "--version=2"}), 64);
 
-  EXPECT_EQ(err_.str(), "robot: unknown option '--version=2'; did you mean '--version'?\nTry \"robot help sing\".\n");
+  EXPECT_EQ(err_.str(),
+            "robot: unknown option '--version=2'; did you mean '--version'?\nTry \"robot help sing\".\n");
+}
+
+TEST_F(TypedCommand, ShowsWhatWasTypedInOneLineThatATerminalBears) {
+  EXPECT_EQ(type({"a\nb\033[31m\xFF"}), 64);
+  EXPECT_EQ(type({std::string(100'000, 'x')}), 64);
+
+  EXPECT_EQ(err_.str(),
+            "robot: unknown verb 'a\\nb\\u001b[31m\uFFFD'\nTry \"robot --help\".\nrobot: unknown verb '" +
+                std::string(286, 'x') + "...\nTry \"robot --help\".\n");
 }
 
 TEST_F(TypedCommand, SaysWhyItFailed) {
