@@ -66,8 +66,10 @@ std::optional<std::string> reasonIn(const command_line::Arguments& arguments) {
 
 int post(const command_line::Arguments& arguments, const Context& context) {
   const std::string message = messageIn(arguments);
+  // Before the launcher can quit by the message.
+  const bool isThere = !runningLaunchers(context.platform()).empty();
   if (!postToLauncher(message, reasonIn(arguments), context)) return command_line::kExitFailed;
-  if (!runningLaunchers(context.platform()).empty()) return command_line::kExitOk;
+  if (isThere) return command_line::kExitOk;
   context.err << "karnoctl: no launcher runs, so nobody hears '" << message << "'\n";
   return kExitNotRunning;
 }
