@@ -1,20 +1,19 @@
 #include "karnoctl/explain/read_only_platform.h"
 
-#include <cerrno>
 #include <utility>
 
 namespace karno::karnoctl {
 namespace {
 
-using platform::Error;
 using platform::UserDefaults;
 using platform::Value;
 
-platform::Error refusal() { return Error::posix(EROFS); }
-
+// Reads those that it is given, which it may own.
 class ReadOnlyUserDefaults final : public UserDefaults {
  public:
   explicit ReadOnlyUserDefaults(const UserDefaults& defaults) : defaults_(defaults) {}
+  explicit ReadOnlyUserDefaults(std::unique_ptr<UserDefaults> suite)
+      : suite_(std::move(suite)), defaults_(*suite_) {}
 
   std::optional<Value> objectForKey(std::string_view key) const override {
     return defaults_.objectForKey(key);
@@ -24,22 +23,8 @@ class ReadOnlyUserDefaults final : public UserDefaults {
   void synchronize() override {}
 
  private:
-  const UserDefaults& defaults_;
-};
-
-// Owns what it reads.
-class ReadOnlySuite final : public UserDefaults {
- public:
-  explicit ReadOnlySuite(std::unique_ptr<UserDefaults> suite) : suite_(std::move(suite)), reader_(*suite_) {}
-
-  std::optional<Value> objectForKey(std::string_view key) const override { return reader_.objectForKey(key); }
-  bool boolForKey(std::string_view key) const override { return reader_.boolForKey(key); }
-  void setBool(bool, std::string_view) override {}
-  void synchronize() override {}
-
- private:
   const std::unique_ptr<UserDefaults> suite_;
-  const ReadOnlyUserDefaults reader_;
+  const UserDefaults& defaults_;
 };
 
 platform::Platform readOnly(const platform::Platform& real, platform::ConsoleLog& console,
@@ -77,48 +62,12 @@ platform::Platform readOnly(const platform::Platform& real, platform::ConsoleLog
 
 }  // namespace
 
-std::vector<std::string> ReadOnlyFiles::searchPath(platform::UserFolder folder) const {
-  return files_.searchPath(folder);
-}
-
-std::string ReadOnlyFiles::homeDirectory() const { return files_.homeDirectory(); }
-
-std::vector<std::string> ReadOnlyFiles::localLibraryFolders() const { return files_.localLibraryFolders(); }
-
-bool ReadOnlyFiles::fileExists(const std::string& path) const { return files_.fileExists(path); }
-
-std::optional<std::uint64_t> ReadOnlyFiles::sizeInBytes(const std::string& path) const {
-  return files_.sizeInBytes(path);
-}
-
-platform::Result<std::string> ReadOnlyFiles::read(const std::string& path) const { return files_.read(path); }
-
-platform::Result<std::string> ReadOnlyFiles::destinationOfSymbolicLink(const std::string& path) const {
-  return files_.destinationOfSymbolicLink(path);
-}
-
-void ReadOnlyFiles::enumerate(const std::string& folder, const Visitor& visit) const {
-  files_.enumerate(folder, visit);
-}
-
-std::optional<Error> ReadOnlyFiles::createFile(const std::string&) { return refusal(); }
-
-std::optional<Error> ReadOnlyFiles::createDirectory(const std::string&) { return refusal(); }
-
-std::optional<Error> ReadOnlyFiles::remove(const std::string&) { return refusal(); }
-
-std::optional<Error> ReadOnlyFiles::move(const std::string&, const std::string&) { return refusal(); }
-
-std::unique_ptr<platform::AppendStream> ReadOnlyFiles::openForAppending(const std::string&) {
-  return nullptr;
-}
-
 ReadOnlyUserDefaultsStore::ReadOnlyUserDefaultsStore(platform::UserDefaultsStore& store)
     : store_(store),
       standardUserDefaults_(std::make_unique<ReadOnlyUserDefaults>(store.standardUserDefaults())) {}
 
 std::unique_ptr<UserDefaults> ReadOnlyUserDefaultsStore::makeSuite(const std::string& suiteName) {
-  return std::make_unique<ReadOnlySuite>(store_.makeSuite(suiteName));
+  return std::make_unique<ReadOnlyUserDefaults>(store_.makeSuite(suiteName));
 }
 
 ReadOnlyPlatform::ReadOnlyPlatform(platform::Platform& real)

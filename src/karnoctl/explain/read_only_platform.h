@@ -1,4 +1,6 @@
 #pragma once
+#include <cerrno>
+
 #include "platform/platform.h"
 
 namespace karno::karnoctl {
@@ -13,22 +15,32 @@ class ReadOnlyFiles final : public platform::Files {
  public:
   explicit ReadOnlyFiles(platform::Files& files) : files_(files) {}
 
-  std::vector<std::string> searchPath(platform::UserFolder folder) const override;
-  std::string homeDirectory() const override;
-  std::vector<std::string> localLibraryFolders() const override;
-  bool fileExists(const std::string& path) const override;
-  std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override;
-  platform::Result<std::string> read(const std::string& path) const override;
-  platform::Result<std::string> destinationOfSymbolicLink(const std::string& path) const override;
-  void enumerate(const std::string& folder, const Visitor& visit) const override;
+  std::vector<std::string> searchPath(platform::UserFolder folder) const override {
+    return files_.searchPath(folder);
+  }
+  std::string homeDirectory() const override { return files_.homeDirectory(); }
+  std::vector<std::string> localLibraryFolders() const override { return files_.localLibraryFolders(); }
+  bool fileExists(const std::string& path) const override { return files_.fileExists(path); }
+  std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override {
+    return files_.sizeInBytes(path);
+  }
+  platform::Result<std::string> read(const std::string& path) const override { return files_.read(path); }
+  platform::Result<std::string> destinationOfSymbolicLink(const std::string& path) const override {
+    return files_.destinationOfSymbolicLink(path);
+  }
+  void enumerate(const std::string& folder, const Visitor& visit) const override {
+    files_.enumerate(folder, visit);
+  }
 
-  std::optional<platform::Error> createFile(const std::string& path) override;
-  std::optional<platform::Error> createDirectory(const std::string& path) override;
-  std::optional<platform::Error> remove(const std::string& path) override;
-  std::optional<platform::Error> move(const std::string& from, const std::string& to) override;
-  std::unique_ptr<platform::AppendStream> openForAppending(const std::string& path) override;
+  std::optional<platform::Error> createFile(const std::string&) override { return refusal(); }
+  std::optional<platform::Error> createDirectory(const std::string&) override { return refusal(); }
+  std::optional<platform::Error> remove(const std::string&) override { return refusal(); }
+  std::optional<platform::Error> move(const std::string&, const std::string&) override { return refusal(); }
+  std::unique_ptr<platform::AppendStream> openForAppending(const std::string&) override { return nullptr; }
 
  private:
+  static platform::Error refusal() { return platform::Error::posix(EROFS); }
+
   platform::Files& files_;
 };
 

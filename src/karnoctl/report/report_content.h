@@ -7,13 +7,14 @@
 
 namespace karno::karnoctl {
 
+struct ReportFile {
+  std::string name;
+  std::string content;
+};
+
 // What support wants to see, with the user disguised in names and texts.
 struct ReportContent {
-  struct File {
-    std::string name;
-    std::string content;
-  };
-  std::vector<File> files;
+  std::vector<ReportFile> files;
   std::vector<std::string> leftOut;  // "karno-wrapper.old.log: No such file or directory"
 };
 

@@ -44,17 +44,17 @@ std::string outputPath(const std::optional<std::string>& said, platform::Platfor
   const std::string path =
       said.value_or("karno-report-" + timestampForDate(platform.clock.now()) + ".tar.gz");
   const std::string folder = path.find('/') == std::string::npos ? "." : deletingLastPathComponent(path);
-  return platform.fileManager.resolvingSymbolicLinks(folder) + "/" + lastPathComponent(path);
+  platform::FileManager& files = platform.fileManager;
+  return files.standardising(files.resolvingSymbolicLinks(folder) + "/" + lastPathComponent(path));
 }
 
 int report(const std::optional<std::string>& said, const Context& context) {
   platform::Platform& platform = context.platform();
   const std::string path = outputPath(said, platform);
   const ReportContent content = gatherReport(platform, context.runtimeCheck());
-  TarArchive archive("karno-report", platform.clock.now());
-  for (const auto& [name, text] : content.files) archive.add(name, text);
-  if (const std::string failure = failureToWrite(path, archive.bytes(), context); !failure.empty()) {
-    context.err << fmt::format("karnoctl: cannot write '{}': {}\n", path, failure);
+  const std::string archive = tarArchive("karno-report", content.files, platform.clock.now());
+  if (const std::string failure = failureToWrite(path, archive, context); !failure.empty()) {
+    context.err << fmt::format("karnoctl: cannot write '{}': {}\n", withoutControlCharacters(path), failure);
     return command_line::kExitFailed;
   }
   context.out << "In the report:\n";
