@@ -55,6 +55,41 @@ TEST_F(Terminal, WantsColours) {
   EXPECT_FALSE(askedWithOutputTo("/dev/null", standardOutputWantsColours));
 }
 
+TEST(StandardOutput, IsKnownToBeClosed) {
+  ForkedProcess process([] {
+    ::close(STDOUT_FILENO);
+    return standardOutputIsOpen() ? 1 : 0;
+  });
+
+  EXPECT_EQ(process.exitStatus(), 0);
+  EXPECT_TRUE(askedWithOutputTo("/dev/null", standardOutputIsOpen));
+}
+
+struct Locale {
+  std::optional<std::string> all;
+  std::optional<std::string> characters;
+  std::optional<std::string> language;
+  bool isUTF8;
+};
+
+class LocaleOfTheUser : public testing::TestWithParam<Locale> {};
+
+TEST_P(LocaleOfTheUser, IsTheFirstThatIsSet) {
+  const ScopedEnvironment all("LC_ALL", GetParam().all);
+  const ScopedEnvironment characters("LC_CTYPE", GetParam().characters);
+  const ScopedEnvironment language("LANG", GetParam().language);
+
+  EXPECT_EQ(localeIsUTF8(), GetParam().isUTF8);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, LocaleOfTheUser,
+                         testing::Values(Locale{{}, {}, {}, false}, Locale{{}, {}, "C", false},
+                                         Locale{{}, {}, "de_DE.UTF-8", true}, Locale{{}, {}, "C.utf8", true},
+                                         Locale{{}, {}, "de_DE.UTF-8@euro", true},
+                                         Locale{{}, {}, "de_DE.ISO8859-1", false},
+                                         Locale{{}, "UTF-8", "C", true}, Locale{"", "", "C.UTF-8", true},
+                                         Locale{"C", "UTF-8", "C.UTF-8", false}));
+
 TEST(ToolWithoutAReader, EndsAsOthersDo) {
   ForkedProcess process([] {
     ::signal(SIGPIPE, SIG_IGN);
