@@ -10,14 +10,14 @@ _karnoctl_offer() {
   done
 }
 
-# A folder is offered as bash offers it for any command: names with blanks in them too.
-_karnoctl_offer_folders() {
-  local folder
+# Folders (-d) or files (-f) are offered as bash offers them for any command: names with blanks in them too.
+_karnoctl_offer_paths() {
+  local path
   COMPREPLY=()
   compopt -o filenames 2>/dev/null # bash 4; before that, the slash is typed by hand
-  while IFS= read -r folder; do
-    COMPREPLY[${#COMPREPLY[@]}]=$folder
-  done < <(compgen -d -- "$1")
+  while IFS= read -r path; do
+    COMPREPLY[${#COMPREPLY[@]}]=$path
+  done < <(compgen "$1" -- "$2")
 }
 
 _karnoctl() {
@@ -55,12 +55,12 @@ _karnoctl() {
     self-check:*)
       case $word in
         -*) _karnoctl_offer '--json --help' "$word" ;;
-        *) _karnoctl_offer_folders "$word" ;;
+        *) _karnoctl_offer_paths -d "$word" ;;
       esac
       ;;
     status:* | explain:*) _karnoctl_offer '--json --help' "$word" ;;
     quit:*) _karnoctl_offer '--wait --help' "$word" ;;
-    report:--output) COMPREPLY=($(compgen -f -- "$word")) ;;
+    report:--output) _karnoctl_offer_paths -f "$word" ;;
     report:*) _karnoctl_offer '--output --help' "$word" ;;
     help:help) _karnoctl_offer "${verbs% help}" "$word" ;;
     *) COMPREPLY=() ;;

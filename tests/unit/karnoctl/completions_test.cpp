@@ -85,6 +85,15 @@ TEST(KarnoctlInBash, OffersFoldersForABundle) {
               ElementsAre(KARNO_SOURCES "/src/move"));
 }
 
+TEST(KarnoctlInBash, OffersFilesForAReport) {
+  EXPECT_THAT(offeredByBash({"karnoctl", "report", "--output", KARNO_SOURCES "/src/main"}),
+              ElementsAre(KARNO_SOURCES "/src/main.cpp"));
+}
+
+TEST(KarnoctlInBash, OffersNothingForANumberOfSeconds) {
+  EXPECT_THAT(offeredByBash({"karnoctl", "quit", "--wait", ""}), IsEmpty());
+}
+
 TEST(KarnoctlInBash, OffersTheVerbsToHelp) {
   Words verbs = offeredByBash({"karnoctl", ""});
   verbs.resize(verbs.size() - 3);  // help itself, --help, --version
