@@ -36,6 +36,12 @@ std::filesystem::path faultyDisk() { return ownFolder() / "libkarno_faulty_disk.
 
 std::filesystem::path waitsOfAMac() { return ownFolder() / "libkarno_waits_of_a_mac.so"; }
 
+std::filesystem::path oneFileClient(const std::string& language) {
+  if (language == "cpp") return std::filesystem::canonical(ownFolder() / KARNO_ONE_FILE_CLIENT);
+  const std::filesystem::path sources = std::filesystem::canonical(ownFolder() / KARNO_ONE_FILE_CLIENTS);
+  return sources / (language == "python" ? "client.py" : "client.sh");
+}
+
 std::filesystem::path withDisplay() { return std::filesystem::canonical(ownFolder() / KARNO_WITH_DISPLAY); }
 
 }  // namespace karno::test

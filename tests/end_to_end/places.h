@@ -1,5 +1,6 @@
 #pragma once
 #include <filesystem>
+#include <string>
 
 #include "machine.h"
 
@@ -29,6 +30,9 @@ std::filesystem::path faultyDisk();
 
 // The library that lets a program wait for its children as on a Mac.
 std::filesystem::path waitsOfAMac();
+
+// A client in one file, ready to run: "cpp", "python" or "shell".
+std::filesystem::path oneFileClient(const std::string& language);
 
 // The command that gives another one a display and a session bus of its own.
 std::filesystem::path withDisplay();

@@ -9,6 +9,7 @@ namespace {
 
 struct World {
   std::list<StandInString> constants;
+  std::list<StandInString> strings;
   std::list<StandInDictionary> dictionaries;
   std::vector<DistributedPost> posts;
 };
@@ -26,12 +27,18 @@ std::vector<DistributedPost>& distributedPosts() { return world().posts; }
 
 int liveDictionaries() { return static_cast<int>(world().dictionaries.size()); }
 
+int liveStrings() { return static_cast<int>(world().strings.size()); }
+
 }  // namespace karno::test
 
 using karno::test::StandInString;
 using karno::test::world;
 
 CFStringRef CFSTR(const char* text) { return &world().constants.emplace_back(StandInString{text}); }
+
+CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFStringEncoding) {
+  return &world().strings.emplace_back(StandInString{text});
+}
 
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values, CFIndex numValues,
                                    const CFDictionaryKeyCallBacks*, const CFDictionaryValueCallBacks*) {
@@ -45,7 +52,9 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void
 }
 
 void CFRelease(CFTypeRef object) {
-  world().dictionaries.remove_if([object](const auto& dictionary) { return &dictionary == object; });
+  const auto isIt = [object](const auto& made) { return &made == object; };
+  world().dictionaries.remove_if(isIt);
+  world().strings.remove_if(isIt);
 }
 
 CFNotificationCenterRef CFNotificationCenterGetDistributedCenter() { return nullptr; }

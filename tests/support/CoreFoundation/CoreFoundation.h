@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-// Stands in for a Mac's header of that name: what the C++ example of docs/protocol.md takes from it, under
-// the names and with the types that the public headers give. It keeps what is posted.
+// Stands in for a Mac's header of that name: what the C++ examples for clients take from it, under the names
+// and with the types that the public headers give. It keeps what is posted.
 namespace karno::test {
 
 struct StandInString {
@@ -29,10 +29,14 @@ std::vector<DistributedPost>& distributedPosts();
 // The dictionaries that have been made and not been released.
 int liveDictionaries();
 
+// The same of strings; the constant ones do not count.
+int liveStrings();
+
 }  // namespace karno::test
 
 using CFIndex = long;
 using CFOptionFlags = unsigned long;
+using CFStringEncoding = unsigned int;
 using CFTypeRef = const void*;
 using CFStringRef = const karno::test::StandInString*;
 using CFNotificationName = CFStringRef;
@@ -45,10 +49,12 @@ using CFDictionaryValueCallBacks = karno::test::StandInCallBacks;
 inline constexpr CFAllocatorRef kCFAllocatorDefault = nullptr;
 inline constexpr CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 inline constexpr CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
+inline constexpr CFStringEncoding kCFStringEncodingUTF8 = 0x08000100;
 inline constexpr CFOptionFlags kCFNotificationDeliverImmediately = 1UL << 0;
 inline constexpr CFOptionFlags kCFNotificationPostToAllSessions = 1UL << 1;
 
 CFStringRef CFSTR(const char* text);
+CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text, CFStringEncoding encoding);
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, const void** values,
                                    CFIndex numValues, const CFDictionaryKeyCallBacks* keyCallBacks,
                                    const CFDictionaryValueCallBacks* valueCallBacks);
