@@ -81,6 +81,7 @@ TEST(LoginAgent, OpensTheLauncherOnceInADesktopSession) {
   const Value::Dictionary agent = dictionaryIn("docs/examples/it.vantul.karno.login.plist");
 
   EXPECT_EQ(agent, (Value::Dictionary{
+                       {"AssociatedBundleIdentifiers", Value::Array{"it.vantul.KarnoWrapper"}},
                        {"Label", "it.vantul.karno.login"},
                        {"LimitLoadToSessionType", "Aqua"},
                        {"ProgramArguments", Value::Array{"/usr/bin/open", "-a", "/Applications/Karno.app"}},
