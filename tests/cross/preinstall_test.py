@@ -82,7 +82,7 @@ class Preinstall(unittest.TestCase):
     def test_keeps_the_package_out_while_the_launcher_stays(self):
         self.install_launcher()
 
-        said = self.before_installation(QUIT_STATUS="1")
+        said = self.before_installation(QUIT_STATUS="4")
 
         self.assertEqual((1, "preinstall: Karno is running and did not quit within 60 seconds; quit it and install "
                              "again\n"), said)

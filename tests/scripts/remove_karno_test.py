@@ -256,7 +256,7 @@ class RemoveKarno(unittest.TestCase):
                 mac = self.mac(f"disk-of-{user_id}")
                 before = mac.files()
 
-                refused = mac.run(USER_ID=user_id, QUIT_STATUS="1", STATUS_STATUS="0")
+                refused = mac.run(USER_ID=user_id, QUIT_STATUS="4", STATUS_STATUS="0")
 
                 self.assertEqual((1, "", STAYED), refused)
                 self.assertEqual(before, mac.files())
