@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "karnoctl/error_text.h"
 #include "karnoctl/report/disguise.h"
@@ -30,16 +32,15 @@ class Gathering {
       : platform_(platform), disguise_(std::move(disguise)) {}
 
   void add(const std::string& name, const std::string& text) {
-    content_.files.push_back({.name = disguise_.of(name), .content = disguise_.of(text)});
+    content_.files.push_back({.name = name, .content = disguise_.of(text)});
   }
 
   void leaveOut(const std::string& name, const std::string& why) {
-    content_.leftOut.push_back(disguise_.of(name + ": " + why));
+    content_.leftOut.push_back(name + ": " + disguise_.of(why));
   }
 
   // The end of it, where it is larger than anything of the launcher's.
-  void addFile(const std::string& path, const std::string& folder) {
-    const std::string name = folder + lastPathComponent(path);
+  void addFile(const std::string& path, const std::string& name) {
     const auto file = platform_.fileReading.open(path);
     if (!file) return leaveOut(name, reasonOf(file.error()));
     const std::uint64_t size = file.value()->sizeInBytes();
@@ -62,6 +63,8 @@ class Gathering {
                                       : fmt::format("{}(exit status {})\n", answer->text, answer->status));
   }
 
+  std::string disguised(const std::string& text) const { return disguise_.of(text); }
+
   ReportContent take() { return std::move(content_); }
 
  private:
@@ -81,7 +84,8 @@ void addCrashReports(Gathering& gathering, const Platform& platform, const std::
     return false;
   });
   std::ranges::sort(names);
-  for (const std::string& name : names) gathering.addFile(folder + name, "crashes/");
+  for (const std::string& name : names)
+    gathering.addFile(folder + name, "crashes/" + gathering.disguised(name));
   if (names.empty()) gathering.leaveOut("crashes/", "none of the last 30 days");
 }
 
@@ -114,8 +118,8 @@ ReportContent gatherReport(const Platform& platform, const platform::RuntimeChec
     gathering.addAnswer(std::string(verb) + ".json", tool, {verb, "--json"});
   }
   gathering.addAnswer("self-check.txt", tool, {"self-check"});
-  gathering.addFile(wrapperLogFile(), "");
-  gathering.addFile(wrapperOldLogFile(), "");
+  gathering.addFile(wrapperLogFile(), "karno-wrapper.log");
+  gathering.addFile(wrapperOldLogFile(), "karno-wrapper.old.log");
   addSettings(gathering, home);
   addCrashReports(gathering, platform, home);
   return gathering.take();

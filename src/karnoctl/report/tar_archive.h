@@ -1,6 +1,7 @@
 #pragma once
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "karnoctl/report/report_content.h"
 #include "platform/date.h"
