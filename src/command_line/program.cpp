@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cstddef>
 #include <exception>
 #include <ostream>
 

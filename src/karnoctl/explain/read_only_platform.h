@@ -1,5 +1,9 @@
 #pragma once
 #include <cerrno>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "platform/platform.h"
 

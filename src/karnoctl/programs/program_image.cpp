@@ -1,5 +1,6 @@
 #include "karnoctl/programs/program_image.h"
 
+#include <cstddef>
 #include <sstream>
 
 #include "karnoctl/programs/elf_image.h"

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "app/karno_embedded_app.h"
+
 namespace karno::karnoctl {
 namespace {
 
@@ -139,9 +141,11 @@ void LauncherStory::takeFacts(std::string_view message) {
   if (message.starts_with(kVersion)) version = after(kVersion);
   if (message.starts_with(kQuits) && !quitReason) quitReason = after(kQuits);
   if (message.starts_with(kClientEnded)) client.reset();
-  if (message.starts_with(kBuildChosen) && message.ends_with(')')) {
-    const std::size_t bracket = message.rfind('(') + 1;
-    buildReason = message.substr(bracket, message.size() - 1 - bracket);
+  if (message.starts_with(kBuildChosen)) {
+    build = after(kBuildChosen).starts_with("Yes") ? KarnoEmbeddedApp::nameForFileProviderApp()
+                                                   : KarnoEmbeddedApp::nameForFuseApp();
+    const std::size_t bracket = std::min(message.rfind('('), message.size() - 1) + 1;
+    buildReason = message.substr(bracket, message.rfind(')') - bracket);
   }
   if (!message.starts_with(kLaunched)) return;
   const std::size_t place = message.rfind(kProcess);

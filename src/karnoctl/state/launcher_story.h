@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -51,8 +52,8 @@ class LauncherStory {
   std::map<Question, std::string> questions;  // open ones, each with the date of its line
   std::optional<std::string> version;
   std::optional<std::string> buildReason;  // "admin", "verified", "first startup", "already using Fuse"
-  std::optional<std::string> build;        // the bundle's name, of the client that was launched last
-  std::optional<std::int32_t> client;      // its process, unless it was seen to end
+  std::optional<std::string> build;    // the bundle's name, of the client that was chosen or launched last
+  std::optional<std::int32_t> client;  // its process, unless it was seen to end
   std::optional<std::string> quitReason;
 
  private:

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <string_view>
 
 #include "karnoctl/log/log_tail.h"
 #include "log/date_texts.h"

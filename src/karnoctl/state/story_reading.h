@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "karnoctl/state/launcher_story.h"
+#include "platform/date.h"
 #include "platform/file_reading.h"
 
 namespace karno::karnoctl {

@@ -1,6 +1,9 @@
 #pragma once
 #include <functional>
 #include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "platform/platform.h"
 #include "platform/runtime_check.h"

@@ -1,7 +1,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <ostream>
+#include <vector>
 
 #include "command_line/arguments.h"
 #include "ipc/wrapper_protocol.h"

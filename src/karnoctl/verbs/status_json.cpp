@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "app/karno_embedded_app.h"
 #include "karnoctl/explain/explanation_json.h"
 #include "karnoctl/json_text.h"
@@ -12,14 +14,6 @@ Json buildOf(const std::optional<std::string>& bundle) {
   if (name == KarnoEmbeddedApp::nameForFileProviderApp()) return "file-provider";
   if (name == KarnoEmbeddedApp::nameForFuseApp()) return "fuse";
   return {};
-}
-
-// The names that "explain" has for what the log says in brackets.
-Json reasonOf(const std::optional<std::string>& logged) {
-  if (!logged) return {};
-  if (*logged == "admin") return nameOf(ChoiceRule::Administrator);
-  if (*logged == "verified") return nameOf(ChoiceRule::SettledBefore);
-  return nameOf(*logged == "first startup" ? ChoiceRule::FirstStartup : ChoiceRule::AlreadyUsingFuse);
 }
 
 Json secondsUp(const std::optional<platform::Date>& startDate, platform::Date now) {
@@ -42,6 +36,7 @@ Json clientsOf(const ObservedLauncher& observed, platform::Date now) {
 Json launcherOf(const ObservedLauncher& observed, platform::Date now) {
   const auto& [launcher, logged, clients, children] = observed;
   const LauncherStory& story = logged.story;
+  const auto rule = ruleOf(story);
   Json questions = Json::array();
   for (const auto& [question, date] : story.questions) questions.push_back(nameOf(question));
   return {{"state", nameOf(story.state())},
@@ -55,7 +50,7 @@ Json launcherOf(const ObservedLauncher& observed, platform::Date now) {
           {"bundle", launcher.bundlePath},
           {"bundleVersion", orNull(launcher.version)},
           {"build", buildOf(story.build)},
-          {"because", reasonOf(story.buildReason)},
+          {"because", rule ? Json(nameOf(*rule)) : Json()},
           {"clients", clientsOf(observed, now)},
           {"log", logged.lastLines}};
 }

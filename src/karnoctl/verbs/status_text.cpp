@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "app/karno_embedded_app.h"
 #include "karnoctl/explain/explanation_text.h"
@@ -61,14 +63,12 @@ std::string stateLine(const LauncherStory& story, const Explanation& next) {
 // Why it runs the build that it runs.
 std::string buildLine(const LauncherStory& story) {
   if (!story.build) return {};
-  const auto because = [&]() -> std::string {
-    if (!story.buildReason) return "the log does not tell why";
-    if (*story.buildReason == "admin") return choiceReason(ChoiceRule::Administrator);
-    if (*story.buildReason == "verified") return choiceReason(ChoiceRule::SettledBefore);
-    if (*story.buildReason == "first startup") return "it was the first start";
-    return choiceReason(ChoiceRule::AlreadyUsingFuse);
-  };
-  return line("build", buildText(*story.build) + ": " + because());
+  const auto rule = ruleOf(story);
+  const bool wasFirst = rule == ChoiceRule::FirstStartup;
+  return line("build", buildText(*story.build) + ": " +
+                           (!rule      ? "the log does not tell why"
+                            : wasFirst ? "it was the first start"
+                                       : choiceReason(*rule)));
 }
 
 std::string nextLine(const LauncherStory& story, const Explanation& next) {
@@ -105,6 +105,14 @@ std::string durationText(double seconds) {
   if (hours == 0) return fmt::format("{} min", minutes);
   if (hours < 24) return fmt::format("{} h {} min", hours, minutes % 60);
   return fmt::format("{} d {} h", hours / 24, hours % 24);
+}
+
+std::optional<ChoiceRule> ruleOf(const LauncherStory& story) {
+  if (story.buildReason == "admin") return ChoiceRule::Administrator;
+  if (story.buildReason == "verified") return ChoiceRule::SettledBefore;
+  if (story.buildReason == "first startup") return ChoiceRule::FirstStartup;
+  if (story.buildReason == "already using Fuse") return ChoiceRule::AlreadyUsingFuse;
+  return std::nullopt;
 }
 
 std::string stateText(const LauncherStory& story) {

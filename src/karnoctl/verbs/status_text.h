@@ -1,4 +1,5 @@
 #pragma once
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,9 @@ namespace karno::karnoctl {
 // How long something has lasted, in its two largest units, rounded down: "42 s", "3 min", "2 h 5 min",
 // "12 d 4 h". Nothing is shorter than "0 s".
 std::string durationText(double seconds);
+
+// What decided the build, by the log.
+std::optional<ChoiceRule> ruleOf(const LauncherStory& story);
 
 // "starts: checks the system", without the date.
 std::string stateText(const LauncherStory& story);

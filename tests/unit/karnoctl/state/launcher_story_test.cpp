@@ -131,6 +131,13 @@ TEST(LauncherStory, KeepsTheFactsOfTheLastStart) {
   EXPECT_EQ(story.beginning, "2026-11-21 09:12:12:000+0000");
 }
 
+TEST(LauncherStory, KnowsTheBuildOnceItIsChosen) {
+  const LauncherStory story = storyOf({"EmbeddedApp[CONFIGURE] Use File Provider = Yes (admin)"});
+
+  EXPECT_EQ(story.build, "Karno.app");
+  EXPECT_EQ(story.buildReason, "admin");
+}
+
 TEST(LauncherStory, HasNoClientOnceItHasEnded) {
   const LauncherStory story = storyOf({"Startup[LAUNCH] Launched Karno.app (pid: 4250)",
                                        "Startup[TERMINATED] Child terminated (status:0, reason:1)"});
@@ -140,9 +147,10 @@ TEST(LauncherStory, HasNoClientOnceItHasEnded) {
 }
 
 TEST(LauncherStory, TakesLinesThatWereTamperedWith) {
-  const LauncherStory story =
-      storyOf({"Startup[LAUNCH] Launched ", "Startup[LAUNCH] Launched  (pid: 99999999999999)",
-               "Startup[LAUNCH] Launched (pid: 1)", "EmbeddedApp[CONFIGURE] Use File Provider = )", ""});
+  const LauncherStory story = storyOf(
+      {"Startup[LAUNCH] Launched ", "Startup[LAUNCH] Launched  (pid: 99999999999999)",
+       "Startup[LAUNCH] Launched (pid: 1)", "EmbeddedApp[CONFIGURE] Use File Provider = )",
+       "EmbeddedApp[CONFIGURE] Use File Provider = )(", "EmbeddedApp[CONFIGURE] Use File Provider = ", ""});
 
   EXPECT_EQ(story.client, std::nullopt);
   EXPECT_EQ(story.state(), Runs);
