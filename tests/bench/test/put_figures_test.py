@@ -7,11 +7,10 @@ import tempfile
 import unittest
 from pathlib import Path
 
+import put_figures
+
 PROJECT = Path(__file__).resolve().parents[3]
 PAGE = PROJECT / "docs/performance.md"
-sys.path.insert(0, str(PROJECT / "tests/bench"))
-
-import put_figures  # noqa: E402
 
 OUTPUT = """Benchmark | a line of the run
 
@@ -42,7 +41,7 @@ class Figures(unittest.TestCase):
             page = Path(folder) / "page.md"
             page.write_text(FRAME, encoding="utf-8")
 
-            told = subprocess.run([sys.executable, "-B", PROJECT / "tests/bench/put_figures.py", page],
+            told = subprocess.run([sys.executable, "-B", PROJECT / "tests/bench/test/put_figures.py", page],
                                   input="nothing\n", capture_output=True, text=True, check=False)
 
             self.assertEqual((1, "put_figures: there is no table of figures\n"), (told.returncode, told.stderr))
