@@ -41,6 +41,12 @@ InstallRequest installRequest(const Arguments& arguments) {
           .after = numberOf<pid_t>(arguments, "--after", 1)};
 }
 
+Aftermath aftermath(const Arguments& arguments) {
+  const bool hasTouchfile = arguments.has("--touch-file");
+  return {.relaunch = arguments.has("--relaunch"),
+          .touchfile = hasTouchfile ? arguments.required("--touch-file") : std::string()};
+}
+
 }  // namespace
 
 command_line::Verb unpackVerb(std::function<int(const UnpackRequest&)> unpack) {
@@ -64,18 +70,19 @@ command_line::Verb unpackVerb(std::function<int(const UnpackRequest&)> unpack) {
       }};
 }
 
-command_line::Verb installVerb(std::function<int(const InstallRequest&, bool relaunch)> install) {
+command_line::Verb installVerb(std::function<int(const InstallRequest&, const Aftermath&)> install) {
   return {
       .name = "install",
-      .synopsis = "--new NEW.app --bundle BUNDLE.app --after PID [--relaunch]",
+      .synopsis = "--new NEW.app --bundle BUNDLE.app --after PID [--touch-file FILE] [--relaunch]",
       .summary = "put a new bundle where the present one is",
       .help =
           "Waits until the process PID has ended, 600 seconds at most, and puts the new bundle where the\n"
-          "present one is. At any instant one of the two is there, and whole.\n",
-      .options = {"--new", "--bundle", "--after"},
+          "present one is. At any instant one of the two is there, and whole. When it fails the touch file\n"
+          "goes, and why it failed is left beside the bundle for the launcher's next start.\n",
+      .options = {"--new", "--bundle", "--after", "--touch-file"},
       .flags = {"--relaunch"},
       .run = [install = std::move(install)](const auto& arguments) {
-        return install(installRequest(arguments), arguments.has("--relaunch"));
+        return install(installRequest(arguments), aftermath(arguments));
       }};
 }
 

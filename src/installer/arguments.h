@@ -1,5 +1,6 @@
 #pragma once
 #include <functional>
+#include <string>
 
 #include "command_line/verb.h"
 #include "installer/install.h"
@@ -9,6 +10,13 @@
 namespace karno::installer {
 
 command_line::Verb unpackVerb(std::function<int(const UnpackRequest&)> unpack);
-command_line::Verb installVerb(std::function<int(const InstallRequest&, bool relaunch)> install);
+
+// What is done beside the swap.
+struct Aftermath {
+  bool relaunch = false;
+  std::string touchfile;  // goes when nothing was installed; empty: none
+};
+
+command_line::Verb installVerb(std::function<int(const InstallRequest&, const Aftermath&)> install);
 
 }  // namespace karno::installer

@@ -11,9 +11,11 @@
 #include "command_line/program.h"
 #include "installer/archive/archive_file.h"
 #include "installer/arguments.h"
+#include "installer/bundle_facts.h"
 #include "installer/interruption.h"
 #include "installer/progress.h"
 #include "installer/tree_removal.h"
+#include "platform/linux/files/install_verdict.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/system_path.h"
 
@@ -63,15 +65,29 @@ int openAgain(const std::string& bundle) {
   return kExitFailed;
 }
 
-int install(const InstallRequest& request, bool relaunch) {
+std::string versionOf(const std::string& bundle) {
+  const auto facts = readBundleFacts(bundle);
+  return facts ? oneLine(facts.value().version) : std::string();
+}
+
+int install(const InstallRequest& request, const Aftermath& aftermath) {
   // It outlives the session that it was started in. A leader of a process group cannot leave its session, but
   // is spared the signal of its end.
   followSignals(SIG_IGN);
   ::setsid();
+  // Should this process be killed, or the machine go down, that is what is found.
+  platform::InstallVerdictFile verdict(request.bundle, versionOf(request.newBundle));
+  verdict.write("The installation was cut off.");
   const InstallEnd end = installUpdate(request);
   if (!end.complaint.empty()) complain(end.complaint);
-  if (!end.isInstalled) return kExitFailed;
-  return relaunch ? openAgain(request.bundle) : kExitOk;
+  if (end.isInstalled) {
+    verdict.remove();
+    return aftermath.relaunch ? openAgain(request.bundle) : kExitOk;
+  }
+  if (!aftermath.touchfile.empty()) ::unlink(aftermath.touchfile.c_str());
+  if (const int error = verdict.write(end.complaint))
+    complain("That cannot be left for the next start: " + std::generic_category().message(error) + ".");
+  return kExitFailed;
 }
 
 }  // namespace

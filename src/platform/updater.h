@@ -45,6 +45,10 @@ class UpdaterDelegate {
   // Whether the application is to be opened again once the update is in its place.
   virtual bool updaterShouldRelaunchApplication(Updater& updater) = 0;
 
+  // The file by which the application knows at its next start that it was updated. It is to go where the
+  // installation fails once the application has ended. Empty: none.
+  virtual std::string updatedTouchfile() { return {}; }
+
   // The session ended with an error, or without an update.
   virtual void didAbortWithError(Updater& updater, const Error& error) = 0;
 };

@@ -113,7 +113,7 @@ void KarnoSparkleManager::resetSparkle() {
   defaults.synchronize();
 }
 
-const std::string& KarnoSparkleManager::updatedTouchfile() {
+std::string KarnoSparkleManager::updatedTouchfile() {
   const std::lock_guard lock(buildLock_);
   if (updatedTouchfile_.empty()) updatedTouchfile_ = Utilities::karnoCacheDirectory() + "/.karnoUpdated";
   return updatedTouchfile_;

@@ -42,7 +42,7 @@ class KarnoSparkleManager : public platform::UpdaterDelegate {
 
   // The file that tells the next start that an update was installed. It lies in the launcher's cache folder,
   // which the launcher never creates.
-  const std::string& updatedTouchfile();
+  std::string updatedTouchfile() override;
 
   // Creates the touch file.
   void recordKarnoHasBeenUpdated();

@@ -27,6 +27,7 @@ struct Understood {
   std::optional<UnpackRequest> unpack;
   std::optional<InstallRequest> install;
   bool relaunch = false;
+  std::string touchfile;
   std::string error;  // without the hint that follows it
 };
 
@@ -36,9 +37,10 @@ Understood understood(const Words& words) {
     result.unpack = request;
     return 0;
   };
-  const auto install = [&](const InstallRequest& request, bool relaunch) {
+  const auto install = [&](const InstallRequest& request, const Aftermath& aftermath) {
     result.install = request;
-    result.relaunch = relaunch;
+    result.relaunch = aftermath.relaunch;
+    result.touchfile = aftermath.touchfile;
     return 0;
   };
   std::ostringstream out;
@@ -102,6 +104,15 @@ TEST(InstallerArguments, OfInstallMayAskForARelaunch) {
   ASSERT_TRUE(result.install) << result.error;
   EXPECT_EQ(result.install->newBundle, "n");
   EXPECT_TRUE(result.relaunch);
+  EXPECT_EQ(result.touchfile, "");
+}
+
+TEST(InstallerArguments, OfInstallMayNameATouchFile) {
+  const Understood result =
+      understood({"install", "--touch-file", "t", "--after", "1", "--bundle", "b", "--new", "n"});
+
+  ASSERT_TRUE(result.install) << result.error;
+  EXPECT_EQ(result.touchfile, "t");
 }
 
 TEST(InstallerArguments, AreRefusedWhereSomethingIsWrong) {

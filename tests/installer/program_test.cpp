@@ -11,6 +11,7 @@
 #include "forked_process.h"
 #include "installer/interruption.h"
 #include "installer/progress.h"
+#include "platform/linux/files/install_verdict.h"
 #include "support/install_place.h"
 #include "support/installer_program.h"
 #include "support/update_place.h"
@@ -24,6 +25,11 @@ std::vector<Item> manyItems() {
   for (int number = 0; number < 200; ++number)
     items.push_back(file("Karno.app/Contents/Resources/" + std::to_string(number), std::to_string(number)));
   return items;
+}
+
+void waitForContent(const std::string& path) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (contentOf(path).empty() && std::chrono::steady_clock::now() < end) ::usleep(10'000);
 }
 
 std::string resourceOf(const UpdatePlace& place) { return place.into() + "/Karno.app/Contents/Info.plist"; }
@@ -206,7 +212,56 @@ TEST(InstallProgram, ComplainsInOneLine) {
 
   EXPECT_EQ(end.errors, "karno-installer: The update has version 1, which is not newer than 1.\n");
   EXPECT_EQ(end.status, 1);
+  EXPECT_EQ(treeText(place.bundle()), treeText(InstallPlace().bundle()));
+}
+
+TEST(InstallProgram, ThatFailsLeavesAVerdictAndTakesTheTouchFileAway) {
+  const InstallPlace place(".karno-update-1", {.version = "1"});
+  const std::string touchfile = place.folder().write("updated", "");
+  std::vector<std::string> command = place.command();
+  command.insert(command.end(), {"--touch-file", touchfile});
+
+  runProgram(command);
+
+  EXPECT_FALSE(std::filesystem::exists(touchfile));
+  const auto verdict = platform::takeInstallVerdict(place.bundle());
+  ASSERT_TRUE(verdict && *verdict);
+  EXPECT_EQ(verdict->value().version, "1");
+  EXPECT_EQ(verdict->value().reason, "The update has version 1, which is not newer than 1.");
   EXPECT_EQ(place.tree(), place.oldTree());
+}
+
+TEST(InstallProgram, ThatSucceedsLeavesTheTouchFileAndNoVerdict) {
+  const InstallPlace place;
+  const TemporaryFolder elsewhere;
+  const std::string touchfile = elsewhere.write("updated", "");
+  std::vector<std::string> command = place.command();
+  command.insert(command.end(), {"--touch-file", touchfile});
+
+  runProgram(command);
+
+  EXPECT_TRUE(std::filesystem::exists(touchfile));
+  EXPECT_EQ(place.tree(), place.newTree());
+}
+
+TEST(InstallProgram, ThatIsKilledWhileItWaitsHasLeftAVerdict) {
+  const InstallPlace place;
+  const WaitingChild child;
+  std::vector<std::string> command = place.command();
+  command.back() = std::to_string(child.processIdentifier());
+  {
+    HeldProgram program(command);
+    program.waitUntilItLeadsItsSession();
+    waitForContent(platform::installVerdictPath(place.bundle()));
+    EXPECT_FALSE(platform::takeInstallVerdict(place.bundle())) << "taken from an installer at work";
+    program.signal(SIGKILL);
+    program.status();
+  }
+
+  const auto verdict = platform::takeInstallVerdict(place.bundle());
+
+  ASSERT_TRUE(verdict && *verdict);
+  EXPECT_EQ(verdict->value(), (platform::InstallVerdict{"2", "The installation was cut off."}));
 }
 
 TEST(InstallProgram, OutlivesTheReaderOfItsComplaints) {

@@ -1,5 +1,7 @@
 #include "fake_update_services.h"
 
+#include <utility>
+
 namespace karno::test {
 
 using platform::Error;
@@ -42,11 +44,15 @@ Result<std::string> FakeInstaller::unpack(const platform::updates::UnpackRequest
   return request.folder + "/Karno.app";
 }
 
-std::optional<Error> FakeInstaller::installAfterQuit(const std::string& newBundle, const std::string& bundle,
-                                                     bool relaunch) {
+std::optional<Error> FakeInstaller::installAfterQuit(const platform::updates::InstallOrder& order) {
   if (installFailure) return installFailure;
-  installations.push_back(newBundle + " for " + bundle + (relaunch ? " and relaunch" : ""));
+  installations.push_back(order.newBundle + " for " + order.bundle + (order.relaunch ? " and relaunch" : ""));
+  touchfiles.push_back(order.touchfile);
   return std::nullopt;
+}
+
+std::optional<Result<platform::InstallVerdict>> FakeInstaller::takeVerdict(const std::string&) {
+  return std::exchange(verdict, std::nullopt);
 }
 
 Result<std::string> FakeUpdateFolders::makeFolderBeside(const std::string&) {

@@ -39,14 +39,16 @@ class FakeInstaller final : public platform::updates::UpdateInstaller {
 
   platform::Result<std::string> unpack(const platform::updates::UnpackRequest& request,
                                        const platform::updates::Progress& progress) override;
-  std::optional<platform::Error> installAfterQuit(const std::string& newBundle, const std::string& bundle,
-                                                  bool relaunch) override;
+  std::optional<platform::Error> installAfterQuit(const platform::updates::InstallOrder& order) override;
+  std::optional<platform::Result<platform::InstallVerdict>> takeVerdict(const std::string& bundle) override;
 
   std::vector<platform::updates::UnpackRequest> requests;
   std::optional<platform::Error> failure;
   std::optional<platform::Error> installFailure;
-  std::vector<std::string> installations;  // "NEW for OLD", with " and relaunch"
-  std::function<void()> whenDone;          // runs when all is unpacked, before anybody is told
+  std::vector<std::string> installations;                             // "NEW for OLD", with " and relaunch"
+  std::vector<std::string> touchfiles;                                // that each of them was told
+  std::optional<platform::Result<platform::InstallVerdict>> verdict;  // taken once
+  std::function<void()> whenDone;  // runs when all is unpacked, before anybody is told
 
  private:
   FakePlatform& machine_;

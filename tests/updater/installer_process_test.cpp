@@ -127,12 +127,15 @@ TEST_F(StartedInstaller, IsLeftAloneToInstall) {
   setScript("echo \"$*\" > \"$0.new\"; mv \"$0.new\" \"$0.told\"");
   InstallerProcess installer(bundles_);
 
-  const auto error = installer.installAfterQuit("/a/new/Karno.app", "/a/Karno.app", true);
+  const auto error = installer.installAfterQuit({.newBundle = "/a/new/Karno.app",
+                                                 .bundle = "/a/Karno.app",
+                                                 .touchfile = "/a/.updated",
+                                                 .relaunch = true});
 
   EXPECT_EQ(error, std::nullopt);
   EXPECT_EQ(waitForFile(folder_ / "Karno.app/Contents/Helpers/karno-installer.told"),
             "install --new /a/new/Karno.app --bundle /a/Karno.app --after " + std::to_string(::getpid()) +
-                " --relaunch\n");
+                " --touch-file /a/.updated --relaunch\n");
 }
 
 }  // namespace

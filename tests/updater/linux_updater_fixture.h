@@ -61,12 +61,14 @@ class Recorder final : public UpdaterDelegate {
     note("relaunch?");
     return relaunches;
   }
+  std::string updatedTouchfile() override { return touchfile; }
   void didAbortWithError(Updater&, const Error& error) override {
     note(fmt::format("aborted {}", error.code()));
   }
 
   std::vector<std::string> calls;
   std::string feed = kFeed;
+  std::string touchfile;
   bool relaunches = false;
 
  private:

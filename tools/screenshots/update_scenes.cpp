@@ -25,7 +25,8 @@ constexpr const char* kNotes =
 std::string text(std::string_view token) {
   const platform::Platform& host = platform::host();
   return UpdateTexts(host.bundles.mainBundle(), host.files)
-      .text(token, {{"name", "Karno"}, {"old", "1.0"}, {"new", "1.1"}});
+      .text(token,
+            {{"name", "Karno"}, {"old", "1.0"}, {"new", "1.1"}, {"reason", "The process 4711 did not end."}});
 }
 
 void showOffer() {
@@ -83,6 +84,7 @@ std::vector<Scene> updateScenes() {
              tellFailure("CHECK_FAILED", UpdateErrorCode::Feed,
                          "The list of updates could not be fetched: Could not resolve host: updates.example");
            }},
+          {"update-failed-after-quit", [] { tell("FAILED", text("FAILED_AFTER_QUIT")); }},
           {"update-failed", [] {
              tellFailure("FAILED", UpdateErrorCode::Signature,
                          "The signature does not belong to the archive.");

@@ -219,6 +219,21 @@ TEST_F(Update, TakesTheEndOfACrashingClientForAPartOfIt) {
   EXPECT_TRUE(isReplaced()) << machine_->consoleText();
 }
 
+TEST_F(Update, ThatFailedWhenTheLauncherHadEndedIsToldAtTheNextStartOnce) {
+  const fs::path verdict =
+      machine_.applications() / (".karno-update-verdict-" + machine_->bundle().filename().string());
+  std::ofstream(verdict) << "version 1.1\nfailed The process 12 did not end.\n";
+
+  machine_.start();
+  const auto alert = findWindow(*machine_, kLauncherTitle);
+  ASSERT_TRUE(alert) << machine_->consoleText();
+  pressKey(*machine_, *alert, "Return");
+  quit();
+
+  EXPECT_THAT(machine_.updateLines(), Contains(HasSubstr(aborted("4005 \"The process 12 did not end.\""))));
+  EXPECT_THAT(machine_.remains(), IsEmpty());
+}
+
 struct BadRelease {
   const char* flaw;
   const char* told;

@@ -129,11 +129,11 @@ Result<std::string> InstallerProcess::unpack(const UnpackRequest& request, const
 }
 
 // The installer outlives this process, so nobody here waits for it.
-std::optional<Error> InstallerProcess::installAfterQuit(const std::string& newBundle,
-                                                        const std::string& bundle, bool relaunch) {
-  std::vector<std::string> arguments = {
-      "install", "--new", newBundle, "--bundle", bundle, "--after", std::to_string(::getpid())};
-  if (relaunch) arguments.emplace_back("--relaunch");
+std::optional<Error> InstallerProcess::installAfterQuit(const InstallOrder& order) {
+  std::vector<std::string> arguments = {"install",    "--new",   order.newBundle,           "--bundle",
+                                        order.bundle, "--after", std::to_string(::getpid())};
+  if (!order.touchfile.empty()) arguments.insert(arguments.end(), {"--touch-file", order.touchfile});
+  if (order.relaunch) arguments.emplace_back("--relaunch");
   const auto installer = spawn({.executablePath = program(), .arguments = arguments});
   if (!installer) return installer.error();
   return std::nullopt;

@@ -21,8 +21,10 @@ class InstallerProcess final : public UpdateInstaller {
       : bundles_(bundles), waits_(waits) {}
 
   Result<std::string> unpack(const UnpackRequest& request, const Progress& progress) override;
-  std::optional<Error> installAfterQuit(const std::string& newBundle, const std::string& bundle,
-                                        bool relaunch) override;
+  std::optional<Error> installAfterQuit(const InstallOrder& order) override;
+  std::optional<Result<InstallVerdict>> takeVerdict(const std::string& bundle) override {
+    return takeInstallVerdict(bundle);
+  }
 
  private:
   std::string program() const {

@@ -6,9 +6,11 @@
 #include <utility>
 
 #include "platform/linux/updater/setting_keys.h"
+#include "platform/linux/updater/telling.h"
 #include "platform/linux/updater/update_errors.h"
 #include "platform/platform.h"
 #include "platform/public_key.h"
+#include "platform/version_order.h"
 
 namespace karno::platform::updates {
 namespace {
@@ -109,7 +111,32 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
     services.settings.setObject(answer == kAlertFirstButtonReturn, kAutomaticChecksKey);
   }
 
+  // Nothing runs after an update, so nobody has heard yet of one that came to nothing.
+  void tellOfFailedInstallation() {
+    const Bundle& bundle = host().bundles.mainBundle();
+    const auto left = services.installer.takeVerdict(bundle.bundlePath());
+    if (!left) return;
+    if (!*left) {
+      host().notices.warn("Updates: what the last installation left behind could not be read. Reason: " +
+                          left->error().description());
+      return;
+    }
+    const InstallVerdict& verdict = left->value();
+    // Somebody has installed it by hand since.
+    if (!verdict.version.empty() && compareVersions(infoText("CFBundleVersion"), verdict.version) >= 0)
+      return;
+    delegate.didAbortWithError(updater, updateError(UpdateErrorCode::Installation, verdict.reason));
+    const UpdateTexts sentences(bundle, host().files);
+    const auto text = [&](std::string_view token) {
+      return sentences.text(token, {{"name", infoText("CFBundleName")},
+                                    {"old", infoText("CFBundleShortVersionString")},
+                                    {"reason", verdict.reason}});
+    };
+    tellUser(text("FAILED"), text("FAILED_AFTER_QUIT"), text("OK"));
+  }
+
   void beginCycle() {
+    tellOfFailedInstallation();
     askForPermissionIfDue();
     checkIfDue();
     host().dispatch.globalQueue(QueuePriority::Background).async([self = shared_from_this()] {

@@ -1,5 +1,6 @@
 #include "platform/linux/updater/update_folders.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -68,10 +69,10 @@ class HeldFolders {
   std::map<std::string, ScopedDescriptor> holds_;
 };
 
-Error notWritable(const std::string& parent, int error) {
+Error notWritable(const std::string& folder, int error) {
   return updateError(
       UpdateErrorCode::NoWritePermission,
-      fmt::format("The folder “{}” cannot be written: {}.", parent, std::generic_category().message(error)));
+      fmt::format("The folder “{}” cannot be written: {}.", folder, std::generic_category().message(error)));
 }
 
 // A download that was cut off, or nothing yet.
@@ -95,6 +96,18 @@ bool isLeftover(const fs::path& path) {
   // An installer may be waiting with a younger bundle.
   return std::time(nullptr) - status.st_mtime > kLeftoverAgeSeconds ||
          (isHeld == false && holdsFilesAlone(path));
+}
+
+// Moving a folder to another one rewrites its "..", so it must be writable itself; and in a folder with the
+// sticky bit nobody but its owner and the parent's may move it. 0 or the errno that a move would give.
+int hindranceToMoving(const std::string& bundle, const std::string& parent) {
+  struct stat status = {};
+  struct stat around = {};
+  if (::lstat(bundle.c_str(), &status) != 0 || ::stat(parent.c_str(), &around) != 0) return errno;
+  const uid_t user = ::geteuid();
+  const bool isOwner = user == 0 || user == status.st_uid || user == around.st_uid;
+  if ((around.st_mode & S_ISVTX) != 0 && !isOwner) return EPERM;
+  return ::faccessat(AT_FDCWD, bundle.c_str(), W_OK, AT_EACCESS) == 0 ? 0 : errno;
 }
 
 // A folder that is there only as long as it is looked for.
@@ -127,6 +140,7 @@ std::optional<Error> SiblingFolders::refusalOfPlace(const std::string& bundle) {
   const PassingFolder other(parent);
   if (one.error() != 0 || other.error() != 0)
     return notWritable(parent, std::max(one.error(), other.error()));
+  if (const int error = hindranceToMoving(bundle, parent)) return notWritable(bundle, error);
   if (exchange_(one.path(), other.path()) == 0) return std::nullopt;
   return updateError(
       UpdateErrorCode::Installation,

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/error.h"
+#include "platform/linux/files/install_verdict.h"
 #include "platform/linux/updater/appcast.h"
 #include "platform/value.h"
 
@@ -39,6 +40,13 @@ struct UnpackRequest {
   std::string folder;                   // where to unpack; exists and is empty
 };
 
+struct InstallOrder {
+  std::string newBundle;
+  std::string bundle;     // that is to be replaced
+  std::string touchfile;  // goes when the installation fails; empty: none
+  bool relaunch = false;
+};
+
 // Verifies, unpacks and puts in place, in a process of its own. Safe from any thread.
 class UpdateInstaller {
  public:
@@ -50,8 +58,10 @@ class UpdateInstaller {
 
   // Begins to wait for this process to end; then the new bundle takes the place of the old one in one step.
   // Returns at once.
-  virtual std::optional<Error> installAfterQuit(const std::string& newBundle, const std::string& bundle,
-                                                bool relaunch) = 0;
+  virtual std::optional<Error> installAfterQuit(const InstallOrder& order) = 0;
+
+  // What an installation that failed after its launcher's end has left to be told; see takeInstallVerdict().
+  virtual std::optional<Result<InstallVerdict>> takeVerdict(const std::string& bundle) = 0;
 };
 
 // Private folders on the bundle's own volume, so that the swap is a rename. Safe from any thread.

@@ -7,6 +7,7 @@
 
 #include "platform/linux/updater/notes_text.h"
 #include "platform/linux/updater/setting_keys.h"
+#include "platform/linux/updater/telling.h"
 #include "platform/linux/updater/update_address.h"
 #include "platform/linux/updater/update_errors.h"
 #include "platform/platform.h"
@@ -18,12 +19,6 @@ namespace {
 constexpr std::uint64_t kDownloadBytesMax = 4ULL << 30U;  // whatever length the feed tells
 
 const Bundle& bundle() { return host().bundles.mainBundle(); }
-
-std::string infoText(std::string_view key) {
-  const std::optional<Value> value = bundle().objectForInfoDictionaryKey(key);
-  const std::string* const text = value ? value->get<std::string>() : nullptr;
-  return text != nullptr ? *text : std::string();
-}
 
 // Work that blocks, and what the main thread does with its result. A modal alert does not hold up the second.
 template <class Work, class Then>
@@ -111,7 +106,7 @@ void UpdateSession::nothingToOffer(NothingToOffer reason) {
   parts_.delegate.updaterDidNotFindUpdate(parts_.updater,
                                           updateError(UpdateErrorCode::NoUpdate, explanation));
   end();
-  if (parts_.isUserAsking) tell(textOf("UP_TO_DATE"), explanation);
+  if (parts_.isUserAsking) tellUser(textOf("UP_TO_DATE"), explanation, textOf("OK"));
 }
 
 void UpdateSession::offer() {
@@ -213,7 +208,10 @@ void UpdateSession::install(const std::string& newBundle) {
   parts_.delegate.willInstallUpdate(parts_.updater, told_);
   const bool relaunch = parts_.delegate.updaterShouldRelaunchApplication(parts_.updater);
   if (const auto error =
-          parts_.services.installer.installAfterQuit(newBundle, bundle().bundlePath(), relaunch))
+          parts_.services.installer.installAfterQuit({.newBundle = newBundle,
+                                                      .bundle = bundle().bundlePath(),
+                                                      .touchfile = parts_.delegate.updatedTouchfile(),
+                                                      .relaunch = relaunch}))
     return abort(*error);
   parts_.services.folders.handOver(unpackFolder_);
   if (relaunch) host().application.terminate();
@@ -224,7 +222,8 @@ void UpdateSession::abort(const Error& error) {
   const bool isTold = (parts_.isUserAsking || hasUserAgreed_) && !isCancelled_;
   parts_.delegate.didAbortWithError(parts_.updater, error);
   end();
-  if (isTold) tell(textOf(hasUserAgreed_ ? "FAILED" : "CHECK_FAILED"), error.localizedDescription());
+  if (isTold)
+    tellUser(textOf(hasUserAgreed_ ? "FAILED" : "CHECK_FAILED"), error.localizedDescription(), textOf("OK"));
 }
 
 // Neither a fetch of the feed nor the reading of it can be stopped, so nobody waits for them; a download and
@@ -283,16 +282,6 @@ Progress UpdateSession::progressOnMainThread() {
     });
     return true;
   };
-}
-
-void UpdateSession::tell(const std::string& message, const std::string& explanation) {
-  host().dispatch.mainEvents().async([message, explanation, ok = textOf("OK")] {
-    host().application.activateIgnoringOtherApps();
-    host().alerts.runModal({.style = AlertStyle::Informational,
-                            .messageText = message,
-                            .informativeText = explanation,
-                            .buttons = {{.title = ok, .keyEquivalent = "\r"}}});
-  });
 }
 
 }  // namespace karno::platform::updates

@@ -57,7 +57,6 @@ class UpdateSession : public std::enable_shared_from_this<UpdateSession> {
   void hideProgress();
   void cancel();
   Progress progressOnMainThread();
-  void tell(const std::string& message, const std::string& explanation);
   std::string textOf(std::string_view token) const;
 
   const Parts parts_;

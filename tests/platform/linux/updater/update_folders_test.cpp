@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <iterator>
+#include <optional>
 #include <string>
 
 #include "../../support/temporary_folder.h"
@@ -49,14 +51,16 @@ TEST(UpdateFolders, CannotBeMadeWhereThereIsNoFolder) {
 
 TEST(UpdateFolders, LieWhereTwoFoldersCanBeExchanged) {
   const test::TemporaryFolder folder;
+  fs::create_directory(folder / "Karno.app");
 
   EXPECT_EQ(SiblingFolders().refusalOfPlace(folder / "Karno.app"), std::nullopt);
 
-  EXPECT_TRUE(fs::is_empty(folder.path()));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1);
 }
 
 TEST(UpdateFolders, SayWhereTwoFoldersCannotBeExchanged) {
   const test::TemporaryFolder folder;
+  fs::create_directory(folder / "Karno.app");
   const auto unknown = [](const std::string&, const std::string&) { return EINVAL; };
 
   const auto refusal = SiblingFolders(unknown).refusalOfPlace(folder / "Karno.app");
@@ -65,7 +69,29 @@ TEST(UpdateFolders, SayWhereTwoFoldersCannotBeExchanged) {
   EXPECT_EQ(refusal->code(), 4005);
   EXPECT_EQ(refusal->localizedDescription(), "Updates cannot be installed in the folder “" + folder.path() +
                                                  "”: its disk cannot exchange two folders in one step.");
-  EXPECT_TRUE(fs::is_empty(folder.path()));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1);
+}
+
+// As nobody where the test runs as the super-user, who may write everywhere.
+std::optional<Error> refusalToSomebodyElse(const std::string& bundle) {
+  if (::geteuid() == 0 && ::seteuid(65534) != 0) return Error::posix(errno);
+  auto refusal = SiblingFolders().refusalOfPlace(bundle);
+  if (::getuid() == 0 && ::seteuid(0) != 0) std::abort();
+  return refusal;
+}
+
+TEST(UpdateFolders, SayThatABundleCannotBeWrittenThoughTheFolderAroundItCan) {
+  const test::TemporaryFolder folder;
+  fs::create_directory(folder / "Karno.app");
+  fs::permissions(folder / "Karno.app", fs::perms(0555));
+  fs::permissions(folder.path(), fs::perms::all);
+
+  const auto refusal = refusalToSomebodyElse(folder / "Karno.app");
+
+  ASSERT_TRUE(refusal);
+  EXPECT_EQ(refusal->code(), 4012);
+  EXPECT_EQ(refusal->localizedDescription(),
+            "The folder “" + (folder / "Karno.app") + "” cannot be written: Permission denied.");
 }
 
 TEST(UpdateFolders, SayWhereNothingCanBeWritten) {
