@@ -20,7 +20,11 @@ namespace karno {
 namespace {
 
 constexpr std::string_view kPublicFeedHost = "updates.vantul.it";
-constexpr std::string_view kURL = R"(\A(?:[A-Za-z0-9._~:/?#\[\]@!$&'()*+,;=-]|%[0-9A-Fa-f]{2})+\z)";
+// Brackets in the place of the host hold an address of IPv6, and close.
+constexpr std::string_view kURL =
+    R"(\A(?!(?:[A-Za-z][A-Za-z0-9+.-]*:)?)"
+    R"(//(?!(?:[^/?#\[\]]*@)?(?:\[[0-9A-Fa-f:.]+\](?::[0-9]*)?|[^/?#\[\]]*)(?:[/?#]|\z))))"
+    R"((?:[A-Za-z0-9._~:/?#\[\]@!$&'()*+,;=-]|%[0-9A-Fa-f]{2})+\z)";
 
 std::string feedOnHost(std::string_view path) {
   const auto configured =
@@ -75,19 +79,25 @@ bool KarnoSparkleManager::isUpdateInProgress() {
   return updater.sessionInProgress() || !updater.canCheckForUpdates();
 }
 
-std::string KarnoSparkleManager::feedURL() const {
+KarnoSparkleManager::Feed KarnoSparkleManager::chooseFeed() const {
   const platform::Platform& host = platform::host();
   const std::string marker = feedMarkerPath();
-  if (!host.files.fileExists(marker)) return feedOnHost("/updates/macos/appcast.eddsa.xml");
+  if (!host.files.fileExists(marker)) return {.url = feedOnHost("/updates/macos/appcast.eddsa.xml")};
 
   const std::string debugFeed = feedOnHost("/updates/macos/appcast.eddsa.debug.xml");
   const Result<std::string> bytes = host.files.read(marker);
   const std::string text =
       bytes && platform::isValidUTF8(bytes.value()) ? trimmingWhitespaceAndNewlines(bytes.value()) : "";
-  if (text.empty()) return debugFeed;
-  if (host.text.containsMatch(kURL, text, false)) return text;
-  KarnoLog::manager().logWarn(fmt::format("Sparkle[FEED] Cannot parse url in {}", marker));
-  return debugFeed;
+  if (text.empty()) return {.url = debugFeed};
+  if (host.text.containsMatch(kURL, text, false)) return {.url = text};
+  return {.url = debugFeed, .badMarker = marker};
+}
+
+std::string KarnoSparkleManager::feedURL() const {
+  const Feed feed = chooseFeed();
+  if (!feed.badMarker.empty())
+    KarnoLog::manager().logWarn(fmt::format("Sparkle[FEED] Cannot parse url in {}", feed.badMarker));
+  return feed.url;
 }
 
 void KarnoSparkleManager::checkForUpdates() {
@@ -97,6 +107,7 @@ void KarnoSparkleManager::checkForUpdates() {
     return;
   }
   KarnoLog::manager().logInfo(fmt::format("Sparkle[CHECK] Checking for updates ({})", feedURL()));
+  isMarkerToldOf_ = true;
   platform::host().application.setActivationPolicy(platform::ActivationPolicy::Regular);
   updater.checkForUpdates();
 }

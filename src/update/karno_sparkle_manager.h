@@ -24,7 +24,7 @@ class KarnoSparkleManager : public platform::UpdaterDelegate {
   bool isUpdateInProgress();
 
   // The feed in use: the deployment's, or the one that the file "KARNOUPGRADE.debug" in the home folder
-  // names. Read afresh every time.
+  // names. Read afresh every time; a marker that holds no URL is warned of every time.
   std::string feedURL() const;
 
   // A check that the user asked for. Ignored while a session is under way. Main thread only.
@@ -77,9 +77,16 @@ class KarnoSparkleManager : public platform::UpdaterDelegate {
   void setFoundKarnoUpdate(bool found) { foundKarnoUpdate_ = found; }
 
  private:
+  struct Feed {
+    std::string url;
+    std::string badMarker = {};  // the path of a marker that holds no URL; empty: none
+  };
+  Feed chooseFeed() const;
+
   bool checkForUpdatesAutomatically_ = false;
   bool foundKarnoUpdate_ = false;
-  std::mutex buildLock_;  // guards the making of the two below
+  bool isMarkerToldOf_ = false;  // in the check that has begun; main thread only
+  std::mutex buildLock_;         // guards the making of the two below
   std::unique_ptr<platform::Updater> sparkleUpdater_;
   std::string updatedTouchfile_;
 };

@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "app/app_delegate.h"
 #include "app/startup_manager.h"
 #include "ipc/karno_process_utils.h"
@@ -40,10 +42,13 @@ std::string titleOf(const AppcastItem& item) { return item.title.value_or("(null
 
 }  // namespace
 
-std::string KarnoSparkleManager::feedURLStringForUpdater(Updater&) { return feedURL(); }
+// A check that the user asked for has told of a bad marker before; one by itself does so here.
+std::string KarnoSparkleManager::feedURLStringForUpdater(Updater&) {
+  return std::exchange(isMarkerToldOf_, false) ? chooseFeed().url : feedURL();
+}
 
 void KarnoSparkleManager::didFinishLoadingAppcast(Updater&) {
-  logInfo(fmt::format("Sparkle[UPDATE] Downloaded appcast ({})", feedURL()));
+  logInfo(fmt::format("Sparkle[UPDATE] Downloaded appcast ({})", chooseFeed().url));
   setFoundKarnoUpdate(false);
 }
 

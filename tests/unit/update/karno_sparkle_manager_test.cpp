@@ -73,7 +73,9 @@ INSTANTIATE_TEST_SUITE_P(
                       Marker{"https://a/\xFF", kDebugFeed},
                       Marker{"https://localhost:8443/feed.xml", "https://localhost:8443/feed.xml"},
                       Marker{" \n https://a.b/c?d=e%20f#g \r\n", "https://a.b/c?d=e%20f#g"},
-                      Marker{"feed.xml", "feed.xml"}));
+                      Marker{"https://[::1]:8443/feed.xml", "https://[::1]:8443/feed.xml"},
+                      Marker{"https://user:word@[fe80::1]", "https://user:word@[fe80::1]"},
+                      Marker{"https://a/?[b]", "https://a/?[b]"}, Marker{"feed.xml", "feed.xml"}));
 
 class BadMarker : public ::testing::TestWithParam<const char*> {};
 
@@ -88,7 +90,8 @@ TEST_P(BadMarker, IsWarnedOf) {
 
 INSTANTIATE_TEST_SUITE_P(Feed, BadMarker,
                          ::testing::Values("two words", "https://a/%zz", "https://a/<b>", "https://a/ü",
-                                           "https://a/b\nhttps://c/d"));
+                                           "https://a/b\nhttps://c/d", "http://[::1", "http://::1]/",
+                                           "http://[::1]x/", "https://[words]/", "//[::1"));
 
 TEST(UpdateFeed, OfAMarkerThatCannotBeReadIsTheDebugFeed) {
   FakePlatform machine;
@@ -107,6 +110,35 @@ TEST(RequestedCheck, NamesTheFeed) {
   EXPECT_EQ(machine.updater.checks, 1);
   EXPECT_THAT(machine.consoleMessages(),
               ElementsAre(Line("INFO", "Sparkle[CHECK] Checking for updates (https://a/b)")));
+}
+
+TEST(RequestedCheck, WarnsOfABadMarkerOnce) {
+  FakePlatform machine;
+  machine.files.addFile(kMarker, "http://[::1");
+
+  KarnoSparkleManager::instance().checkForUpdates();
+  machine.updater.delegate().feedURLStringForUpdater(machine.updater.handle());
+  machine.updater.delegate().didFinishLoadingAppcast(machine.updater.handle());
+
+  const std::string url = kDebugFeed;
+  EXPECT_THAT(machine.consoleMessages(),
+              ElementsAre(Line("WARN", std::string("Sparkle[FEED] Cannot parse url in ") + kMarker),
+                          Line("INFO", "Sparkle[CHECK] Checking for updates (" + url + ")"),
+                          Line("INFO", "Sparkle[UPDATE] Downloaded appcast (" + url + ")")));
+}
+
+TEST(ScheduledCheckOfTheUpdater, WarnsOfABadMarkerOnceAsWell) {
+  FakePlatform machine;
+  machine.files.addFile(kMarker, "http://[::1");
+  KarnoSparkleManager::instance().sparkleUpdater();
+
+  machine.updater.delegate().feedURLStringForUpdater(machine.updater.handle());
+  machine.updater.delegate().didFinishLoadingAppcast(machine.updater.handle());
+
+  EXPECT_THAT(
+      machine.consoleMessages(),
+      ElementsAre(Line("WARN", std::string("Sparkle[FEED] Cannot parse url in ") + kMarker),
+                  Line("INFO", std::string("Sparkle[UPDATE] Downloaded appcast (") + kDebugFeed + ")")));
 }
 
 TEST(RequestedCheck, AsksAlsoWhenTheUpdaterCannotCheckAtThisMoment) {
