@@ -113,6 +113,7 @@ BEHAVIOURS = {
     "/to-a-file": lambda request: request.redirect("file:///etc/passwd"),
     "/to-https-and-back": lambda request: request.redirect(url("https", "/to-http")),
     "/choices": lambda request: request.answer(300, b"this or that"),
+    "/slow-loop": lambda request: (time.sleep(0.6), request.redirect("/slow-loop")),
     "/loop": lambda request: request.redirect("/loop"),
     "/hang-up": lambda request: None,
     "/hang-up-half-way": Handler.send_half,

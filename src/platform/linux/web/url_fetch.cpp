@@ -75,12 +75,18 @@ std::optional<Error> fetchURL(const std::string& url, const std::string& userAge
                               URLSink& sink) {
   std::string current = url;
   bool isSecure = false;
+  const auto end = std::chrono::steady_clock::now() + limits.request;
   for (int redirects = 0; redirects <= limits.redirectsMax; ++redirects) {
     const Result<URLAddress> address = addressOf(current);
     if (!address) return address.error();
     if (isSecure && !address.value().isSecure()) return urlError(URLErrorCode::InsecureConnectionRefused);
     isSecure = address.value().isSecure();
-    auto target = ask(CurlLibrary::instance().value(), current, address.value(), userAgent, limits, sink);
+    URLLimits left = limits;
+    left.request = std::chrono::ceil<std::chrono::seconds>(end - std::chrono::steady_clock::now());
+    // libcurl takes 0 for no limit.
+    if (left.request <= std::chrono::seconds(0))
+      return urlError(URLErrorCode::TimedOut, address.value().host);
+    auto target = ask(CurlLibrary::instance().value(), current, address.value(), userAgent, left, sink);
     if (!target) return target.error();
     if (!target.value()) return std::nullopt;
     current = std::move(*target.value());

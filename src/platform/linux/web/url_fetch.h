@@ -13,7 +13,7 @@ namespace karno::platform {
 struct URLLimits {
   std::chrono::seconds connecting{60};
   std::chrono::seconds silence{60};
-  std::chrono::seconds request{600};  // each request of a chain of redirects, all in all
+  std::chrono::seconds request{600};  // all in all, redirects included
   std::uint64_t bodyBytesMax = 16U << 20U;
   int redirectsMax = 10;
 };

@@ -182,6 +182,10 @@ TEST_F(URLLoadingTest, GivesUpOnABodyThatDripsForEver) {
   EXPECT_EQ(errorFor(server_->https("/drip"), {.request = std::chrono::seconds(2)}), kTimedOut);
 }
 
+TEST_F(URLLoadingTest, TakesNoMoreTimeForManyRedirectsThanForOneRequest) {
+  EXPECT_EQ(errorFor(server_->https("/slow-loop"), {.request = std::chrono::seconds(1)}), kTimedOut);
+}
+
 TEST_F(URLLoadingTest, TrustsOnlyTheAuthoritiesOfTheMachine) {
   const TemporaryFolder other;
   const WebServer stranger(KARNO_WEB_SERVER, other.path());
