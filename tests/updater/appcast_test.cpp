@@ -54,6 +54,38 @@ TEST(Appcast, TellsEverythingOfAnItem) {
   EXPECT_FALSE(item.isInformationOnly);
 }
 
+TEST(Appcast, TellsWhichHostsAnItemIsCriticalAndInformationFor) {
+  const auto items = itemsOf(R"(<item><sparkle:version>2</sparkle:version><enclosure url="https://a/b"/>
+    <sparkle:criticalUpdate sparkle:version="1.5"/>
+    <sparkle:informationalUpdate><sparkle:version>1.0</sparkle:version><sparkle:version>1.1</sparkle:version>
+    <sparkle:belowVersion>0.9</sparkle:belowVersion></sparkle:informationalUpdate></item>
+    <item><sparkle:version>3</sparkle:version><enclosure url="https://a/b"/><sparkle:informationalUpdate/></item>)");
+
+  ASSERT_THAT(items, SizeIs(2));
+  EXPECT_TRUE(items[0].isCritical);
+  EXPECT_EQ(items[0].criticalBelow, "1.5");
+  EXPECT_EQ(items[0].informationVersions, (std::vector<std::string>{"1.0", "1.1"}));
+  EXPECT_EQ(items[0].informationBelow, std::vector<std::string>{"0.9"});
+  EXPECT_FALSE(items[0].isInformationOnly);
+  EXPECT_TRUE(items[1].isInformationOnly);
+}
+
+TEST(Appcast, TellsNotesByTheirLanguages) {
+  const auto items = itemsOf(R"(<item><sparkle:version>2</sparkle:version><enclosure url="https://a/b"/>
+    <description xml:lang="de" sparkle:format="plain-text">Neu</description><description>New</description></item>
+    <item><sparkle:version>3</sparkle:version><enclosure url="https://a/b"/>
+    <description xml:lang="fr">Nouveau</description></item>)");
+
+  ASSERT_THAT(items, SizeIs(2));
+  EXPECT_EQ(items[0].notes, "New");
+  EXPECT_EQ(items[0].notesFormat, NotesFormat::HTML);
+  ASSERT_THAT(items[0].translatedNotes, SizeIs(1));
+  EXPECT_EQ(items[0].translatedNotes[0].language, "de");
+  EXPECT_EQ(items[0].translatedNotes[0].notes, "Neu");
+  EXPECT_EQ(items[0].translatedNotes[0].format, NotesFormat::PlainText);
+  EXPECT_EQ(items[1].notes, "Nouveau");
+}
+
 // A log and a terminal would obey them.
 TEST(Appcast, HasEscapesForWhatIsNotToBeSeenInTitleAndVersions) {
   const auto items = itemsOf(R"(<item><title>1.1&#10;2026-01-01 [INFO]&#27;[2J</title>

@@ -53,6 +53,66 @@ TEST_F(ItemChoice, PassesOverOtherChannelsAndOtherSystems) {
   EXPECT_EQ(choose({beta, windows}), none(NothingToOffer::NoItem));
 }
 
+// One feed can serve both systems, also while one of them waits for its release.
+TEST_F(ItemChoice, IsOneForThisSystemWhereTheFeedHasAny) {
+  FeedItem mac = itemOf("3");
+  FeedItem linux = itemOf("2");
+  linux.operatingSystem = "linux";
+
+  EXPECT_EQ(choose({mac, linux}), "2");
+  EXPECT_EQ(choose({linux, mac}), "2");
+}
+
+TEST_F(ItemChoice, IsOneForAMacWhereOnlyAnotherChannelHasOneForThisSystem) {
+  FeedItem mac = itemOf("2");
+  FeedItem beta = itemOf("3");
+  beta.operatingSystem = "linux";
+  beta.channel = "beta";
+
+  EXPECT_EQ(choose({mac, beta}), "2");
+}
+
+struct Concern {
+  std::string criticalBelow;
+  std::vector<std::string> informationVersions;
+  std::vector<std::string> informationBelow;
+  bool isCritical;
+  bool isInformationOnly;
+};
+
+class ConcernOfAnItem : public ItemChoice, public ::testing::WithParamInterface<Concern> {};
+
+// The host has version 1.0.
+TEST_P(ConcernOfAnItem, IsByTheHostsVersion) {
+  FeedItem item = itemOf("2");
+  item.isCritical = true;
+  item.criticalBelow = GetParam().criticalBelow;
+  item.informationVersions = GetParam().informationVersions;
+  item.informationBelow = GetParam().informationBelow;
+
+  const auto choice = chooseItem({item}, {.version = "1.0", .system = system});
+
+  const FeedItem& chosen = std::get<FeedItem>(choice);
+  EXPECT_EQ(chosen.isCritical, GetParam().isCritical);
+  EXPECT_EQ(chosen.isInformationOnly, GetParam().isInformationOnly);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Versions, ConcernOfAnItem,
+    ::testing::Values(Concern{"", {}, {}, true, false}, Concern{"1.0", {}, {}, false, false},
+                      Concern{"1.1", {}, {}, true, false}, Concern{"", {"0.9", "1"}, {}, true, true},
+                      Concern{"", {"0.9"}, {}, true, false}, Concern{"", {}, {"1.0"}, true, false},
+                      Concern{"", {}, {"0.5", "1.1"}, true, true}));
+
+TEST_F(ItemChoice, IsNotASkippedOneThatIsCriticalForOlderHostsOnly) {
+  FeedItem item = itemOf("2");
+  item.isCritical = true;
+  item.criticalBelow = "0.9";
+  skipped = "2";
+
+  EXPECT_EQ(choose({item}), none(NothingToOffer::Skipped));
+}
+
 TEST_F(ItemChoice, IsTheNewestThatThisSystemCanRun) {
   FeedItem newer = itemOf("3");
   newer.minimumSystemVersion = "15";

@@ -117,13 +117,15 @@ struct LinuxUpdaterTest : ::testing::Test {
   test::FakeOfferWindows offers{machine};
   std::vector<std::string> readers;  // the threads that read a feed
   double secondsOfReading = 0;
+  std::vector<std::string> languages;  // the user's
   LinuxUpdater updater{delegate,
                        {.downloads = downloads,
                         .installer = installer,
                         .folders = folders,
                         .settings = settings,
                         .offerWindows = offers,
-                        .readFeed = [this](std::string_view bytes) { return readFeed(bytes); }}};
+                        .readFeed = [this](std::string_view bytes) { return readFeed(bytes); },
+                        .languages = [this] { return languages; }}};
 };
 
 }  // namespace karno::platform::updates

@@ -49,6 +49,10 @@ TEST_P(Misconfiguration, KeepsTheUpdaterFromStartingAndFromChecking) {
   EXPECT_EQ(error->code(), GetParam().code);
   EXPECT_FALSE(updater.canCheckForUpdates());
   EXPECT_THAT(machine.network.requests, IsEmpty());
+  EXPECT_THAT(delegate.calls, ElementsAre("aborted " + std::to_string(GetParam().code)));
+  ASSERT_THAT(machine.alerts.shown(), SizeIs(1));
+  EXPECT_EQ(machine.alerts.shown()[0].messageText, "CHECK_FAILED");
+  EXPECT_EQ(machine.alerts.shown()[0].informativeText, error->localizedDescription());
 }
 
 INSTANTIATE_TEST_SUITE_P(Flaws, Misconfiguration,
@@ -188,6 +192,33 @@ TEST_F(ScheduledCheck, IsNotKeptWaitingByALastOneInTheFuture) {
   EXPECT_THAT(machine.network.requests, SizeIs(1));
 }
 
+// Nobody could cancel it.
+TEST_F(ScheduledCheck, GivesAFeedUpThatIsNotReadAfterAMinute) {
+  settings.setObject(true, "SUEnableAutomaticChecks");
+  secondsOfReading = 70;
+
+  updater.startUpdater();
+  machine.runFor(59);
+  EXPECT_TRUE(updater.sessionInProgress());
+  machine.runFor(2);
+
+  EXPECT_THAT(delegate.calls, ElementsAre("aborted 1002"));
+  EXPECT_FALSE(updater.sessionInProgress());
+  machine.runFor(60);
+  EXPECT_THAT(delegate.calls, SizeIs(1));
+  EXPECT_THAT(machine.alerts.shown(), IsEmpty());
+}
+
+TEST_F(ScheduledCheck, OffersWithoutHurryOnceTheFeedIsThere) {
+  settings.setObject(true, "SUEnableAutomaticChecks");
+
+  updater.startUpdater();
+  machine.runFor(120);
+
+  EXPECT_THAT(delegate.calls, ElementsAre("loaded", "found Karno 1.1 1.1"));
+  EXPECT_TRUE(offers.isUp);
+}
+
 TEST_F(ScheduledCheck, LeavesASkippedVersionAloneAndTellsNobody) {
   settings.setObject("1.1", "SUSkippedVersion");
   settings.setObject(true, "SUEnableAutomaticChecks");
@@ -195,7 +226,7 @@ TEST_F(ScheduledCheck, LeavesASkippedVersionAloneAndTellsNobody) {
   updater.startUpdater();
   machine.runFor(10);
 
-  EXPECT_THAT(delegate.calls, ElementsAre("loaded", "nothing 1001 UP_TO_DATE_EXPLANATION"));
+  EXPECT_THAT(delegate.calls, ElementsAre("loaded", "nothing 1001 UP_TO_DATE_EXPLANATION", "aborted 1001"));
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
 }
 

@@ -25,8 +25,12 @@ constexpr const char* kNotes =
 std::string text(std::string_view token) {
   const platform::Platform& host = platform::host();
   return UpdateTexts(host.bundles.mainBundle(), host.files)
-      .text(token,
-            {{"name", "Karno"}, {"old", "1.0"}, {"new", "1.1"}, {"reason", "The process 4711 did not end."}});
+      .text(token, {{"name", "Karno"},
+                    {"old", "1.0"},
+                    {"new", "1.1"},
+                    {"total", "45"},
+                    {"left", "26"},
+                    {"reason", "The process 4711 did not end."}});
 }
 
 void showOffer() {
@@ -45,7 +49,7 @@ void showProgress() {
   static const std::unique_ptr<platform::ProgressWindow> window =
       platform::host().windows.makeProgressWindow();
   window->setTitle(text("OFFER_TITLE"));
-  window->textField().setStringValue(text("DOWNLOADING"));
+  window->textField().setStringValue(text("DOWNLOADING_AMOUNT"));
   window->progressIndicator().setDoubleValue(42);
   window->cancelButton().setTitle(text("CANCEL"));
   window->show();

@@ -42,9 +42,38 @@ std::string pageAddress(const std::string& link) {
   return beginsWith("https://") || beginsWith("http://") ? link : std::string();
 }
 
+NotesFormat formatOf(const FeedElement& notes) {
+  const std::string format = notes.attribute("format");
+  return format.empty() || format == "html" ? NotesFormat::HTML : NotesFormat::PlainText;
+}
+
+// Those without a language, else the first, are for everybody.
+void readNotes(const FeedElement& item, FeedItem& read) {
+  for (const xml_node node : item.node().children("description")) {
+    const FeedElement notes(node, &item);
+    std::string language = inOneLine(withoutBlanksAround(node.attribute("xml:lang").value()));
+    if (language.empty() || read.notes.empty()) {
+      read.notes = textOf(node);
+      read.notesFormat = formatOf(notes);
+    }
+    if (!language.empty() && language.size() <= kFeedTextBytesMax)
+      read.translatedNotes.push_back({std::move(language), textOf(node), formatOf(notes)});
+  }
+}
+
+void readWhomItConcerns(const FeedElement& item, FeedItem& read) {
+  const FeedElement critical(item.child("criticalUpdate"), &item);
+  read.isCritical = !critical.node().empty();
+  read.criticalBelow = critical.attribute("version");
+  const FeedElement information(item.child("informationalUpdate"), &item);
+  read.informationVersions = information.childTexts("version");
+  read.informationBelow = information.childTexts("belowVersion");
+  const bool isForSome = !read.informationVersions.empty() || !read.informationBelow.empty();
+  read.isInformationOnly = read.downloadURL.empty() || (!information.node().empty() && !isForSome);
+}
+
 FeedItem itemOf(const FeedElement& item) {
   const FeedElement enclosure(item.node().child("enclosure"), &item);
-  const FeedElement notes(item.node().child("description"), &item);
   FeedItem read;
   if (const std::string title = textOf(item.node().child("title")); !title.empty())
     read.title = inOneLine(title);
@@ -54,17 +83,15 @@ FeedItem itemOf(const FeedElement& item) {
   read.downloadURL = withoutBlanksAround(enclosure.node().attribute("url").value());
   read.informationURL = pageAddress(textOf(item.node().child("link")));
   read.length = number(withoutBlanksAround(enclosure.node().attribute("length").value()));
+  if (read.length == 0U) read.length.reset();
   read.edSignature = enclosure.attribute("edSignature");
   read.minimumSystemVersion = item.childText("minimumSystemVersion");
   read.maximumSystemVersion = item.childText("maximumSystemVersion");
   read.minimumUpdateVersion = item.childText("minimumUpdateVersion");
   read.operatingSystem = enclosure.attribute("os");
   read.channel = item.childText("channel");
-  read.notes = textOf(notes.node());
-  const std::string format = notes.attribute("format");
-  read.notesFormat = format.empty() || format == "html" ? NotesFormat::HTML : NotesFormat::PlainText;
-  read.isCritical = !item.child("criticalUpdate").empty();
-  read.isInformationOnly = read.downloadURL.empty() || !item.child("informationalUpdate").empty();
+  readNotes(item, read);
+  readWhomItConcerns(item, read);
   return read;
 }
 
@@ -73,7 +100,7 @@ bool isOffer(const FeedItem& item) {
 }
 
 bool isWithinLimits(const FeedItem& item) {
-  const std::array<std::string_view, 11> texts = {item.title ? *item.title : std::string_view(),
+  const std::array<std::string_view, 12> texts = {item.title ? *item.title : std::string_view(),
                                                   item.version,
                                                   item.displayVersion,
                                                   item.downloadURL,
@@ -83,9 +110,13 @@ bool isWithinLimits(const FeedItem& item) {
                                                   item.maximumSystemVersion,
                                                   item.minimumUpdateVersion,
                                                   item.operatingSystem,
-                                                  item.channel};
-  return std::all_of(texts.begin(), texts.end(),
-                     [](std::string_view text) { return text.size() <= kFeedTextBytesMax; });
+                                                  item.channel,
+                                                  item.criticalBelow};
+  const auto areShort = [](const auto& all) {
+    return std::all_of(all.begin(), all.end(),
+                       [](std::string_view text) { return text.size() <= kFeedTextBytesMax; });
+  };
+  return areShort(texts) && areShort(item.informationVersions) && areShort(item.informationBelow);
 }
 
 // Ends the walk through a document when it has seen too much.

@@ -12,6 +12,13 @@ namespace karno::platform::updates {
 // How the release notes of an item are written.
 enum class NotesFormat { HTML, PlainText };
 
+// Release notes in another language than those for everybody.
+struct TranslatedNotes {
+  std::string language;  // a tag such as "pt-BR"
+  std::string notes;
+  NotesFormat format = NotesFormat::HTML;
+};
+
 // One release that a feed offers. Its texts are lines (see text/one_line.h), but for the notes; the addresses
 // are as the feed has them.
 struct FeedItem {
@@ -20,7 +27,7 @@ struct FeedItem {
   std::string displayVersion;           // shown; the version where the feed gives no other
   std::string downloadURL;              // empty: there is nothing to download, only a page to read
   std::string informationURL;           // http or https; empty: none
-  std::optional<std::uint64_t> length;  // of the download, in bytes
+  std::optional<std::uint64_t> length;  // of the download, in bytes; a feed's 0 is no length
   std::string edSignature;              // base64
   std::string minimumSystemVersion;     // empty: any
   std::string maximumSystemVersion;
@@ -29,8 +36,12 @@ struct FeedItem {
   std::string channel;               // empty: the default channel
   std::string notes;
   NotesFormat notesFormat = NotesFormat::HTML;
+  std::vector<TranslatedNotes> translatedNotes;
   bool isCritical = false;
-  bool isInformationOnly = false;
+  std::string criticalBelow;                     // then only for hosts older than this; empty: for all
+  bool isInformationOnly = false;                // for all hosts
+  std::vector<std::string> informationVersions;  // of hosts that it is information only for
+  std::vector<std::string> informationBelow;     // and for all hosts older than one of these
 };
 
 inline constexpr std::size_t kFeedItemsMax = 1000;

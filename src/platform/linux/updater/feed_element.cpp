@@ -51,6 +51,16 @@ xml_node FeedElement::child(std::string_view local) const {
 
 std::string FeedElement::childText(std::string_view local) const { return inOneLine(textOf(child(local))); }
 
+std::vector<std::string> FeedElement::childTexts(std::string_view local) const {
+  std::vector<std::string> texts;
+  for (const xml_node each : node_.children()) {
+    const QualifiedName name = qualified(each.name());
+    if (name.local == local && FeedElement(each, this).isUpdatesPrefix(name.prefix))
+      texts.push_back(inOneLine(textOf(each)));
+  }
+  return texts;
+}
+
 std::string FeedElement::attribute(std::string_view local) const {
   const xml_attribute found = node_.find_attribute([&](xml_attribute each) {
     const QualifiedName name = qualified(each.name());

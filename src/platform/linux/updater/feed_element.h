@@ -3,6 +3,7 @@
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace karno::platform::updates {
 
@@ -23,6 +24,9 @@ class FeedElement {
   // empty without one.
   std::string childText(std::string_view local) const;
   std::string attribute(std::string_view local) const;
+
+  // The texts of all children with that name.
+  std::vector<std::string> childTexts(std::string_view local) const;
 
  private:
   bool isUpdatesPrefix(std::string_view prefix) const;

@@ -13,9 +13,35 @@ namespace {
 
 bool isOlder(const std::string& one, const std::string& other) { return compareVersions(one, other) < 0; }
 
-// Releases for other systems and other channels are nobody's business here.
-bool isForUs(const FeedItem& item) {
-  return item.channel.empty() && (item.operatingSystem.empty() || item.operatingSystem == "macos");
+// Releases for other systems and other channels are nobody's business here. A feed that knows this system
+// serves it with the items for it alone; of one that does not, a Mac's items are taken, so that what a Mac
+// lives through can be lived through here.
+std::vector<const FeedItem*> thoseForUs(const std::vector<FeedItem>& items) {
+  std::vector<const FeedItem*> linux;
+  std::vector<const FeedItem*> mac;
+  for (const FeedItem& item : items) {
+    if (!item.channel.empty()) continue;
+    if (item.operatingSystem == "linux") linux.push_back(&item);
+    if (item.operatingSystem.empty() || item.operatingSystem == "macos") mac.push_back(&item);
+  }
+  return linux.empty() ? mac : linux;
+}
+
+bool isCriticalFor(const FeedItem& item, const UpdateHost& host) {
+  return item.isCritical && (item.criticalBelow.empty() || isOlder(host.version, item.criticalBelow));
+}
+
+bool isInformationOnlyFor(const FeedItem& item, const UpdateHost& host) {
+  const auto isSame = [&](const std::string& version) { return compareVersions(host.version, version) == 0; };
+  const auto isBelow = [&](const std::string& version) { return isOlder(host.version, version); };
+  return item.isInformationOnly || std::ranges::any_of(item.informationVersions, isSame) ||
+         std::ranges::any_of(item.informationBelow, isBelow);
+}
+
+FeedItem asThisHostSeesIt(FeedItem item, const UpdateHost& host) {
+  item.isCritical = isCriticalFor(item, host);
+  item.isInformationOnly = isInformationOnlyFor(item, host);
+  return item;
 }
 
 // Major, minor and patch; what is missing or no number is 0, and no number is larger than the largest int.
@@ -44,7 +70,7 @@ bool isSystemTooNew(const FeedItem& item, const UpdateHost& host) {
 }
 
 bool isSkipped(const FeedItem& item, const UpdateHost& host) {
-  return !host.isUserAsking && !item.isCritical && !host.skippedVersion.empty() &&
+  return !host.isUserAsking && !isCriticalFor(item, host) && !host.skippedVersion.empty() &&
          !isOlder(host.skippedVersion, item.version);
 }
 
@@ -71,10 +97,7 @@ std::vector<const FeedItem*> thoseThat(const std::vector<const FeedItem*>& items
 
 std::variant<FeedItem, NothingToOffer> chooseItem(const std::vector<FeedItem>& items,
                                                   const UpdateHost& host) {
-  std::vector<const FeedItem*> ours;
-  for (const FeedItem& item : items) {
-    if (isForUs(item)) ours.push_back(&item);
-  }
+  const std::vector<const FeedItem*> ours = thoseForUs(items);
   const FeedItem* const newest = newestOf(ours);
   if (newest == nullptr) return NothingToOffer::NoItem;
 
@@ -93,7 +116,7 @@ std::variant<FeedItem, NothingToOffer> chooseItem(const std::vector<FeedItem>& i
     return isSystemTooNew(*wanted, host) ? NothingToOffer::SystemTooNew : NothingToOffer::NoItem;
   }
   if (isSkipped(*best, host)) return NothingToOffer::Skipped;
-  return *best;
+  return asThisHostSeesIt(*best, host);
 }
 
 }  // namespace karno::platform::updates

@@ -20,7 +20,8 @@ struct UpdateHost {
 // Why there is nothing to offer.
 enum class NothingToOffer { NoItem, OnNewest, NewerThanFeed, SystemTooOld, SystemTooNew, Skipped };
 
-// The newest item that this host can take, or why there is none.
+// The newest item that this host can take, critical and information only as it is for this host, or why there
+// is none.
 std::variant<FeedItem, NothingToOffer> chooseItem(const std::vector<FeedItem>& items, const UpdateHost& host);
 
 }  // namespace karno::platform::updates

@@ -135,6 +135,13 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
     tellUser(text("FAILED"), text("FAILED_AFTER_QUIT"), text("OK"));
   }
 
+  // The user asked, so the user hears why there is no check, and the delegate that there is none.
+  void tellWhyItCannotStart() {
+    const UpdateTexts sentences(host().bundles.mainBundle(), host().files);
+    delegate.didAbortWithError(updater, *startFailure);
+    tellUser(sentences.text("CHECK_FAILED"), startFailure->localizedDescription(), sentences.text("OK"));
+  }
+
   void beginCycle() {
     tellOfFailedInstallation();
     askForPermissionIfDue();
@@ -153,6 +160,7 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
   std::atomic<bool> inSession{false};
   std::atomic<bool> isStarted{false};
   std::atomic<bool> hasFailedToStart{false};
+  std::optional<Error> startFailure;  // main thread only
 };
 
 LinuxUpdater::LinuxUpdater(UpdaterDelegate& delegate, UpdateServices services)
@@ -164,6 +172,7 @@ std::optional<Error> LinuxUpdater::startUpdater() {
   if (state_->isStarted) return std::nullopt;
   const std::optional<Error> error = misconfiguration();
   state_->hasFailedToStart = error.has_value();
+  state_->startFailure = error;
   if (error) return error;
   state_->isStarted = true;
   host().dispatch.mainEvents().async([state = state_] { state->beginCycle(); });
@@ -175,7 +184,7 @@ bool LinuxUpdater::sessionInProgress() const { return state_->inSession; }
 bool LinuxUpdater::canCheckForUpdates() const { return !state_->hasFailedToStart; }
 
 void LinuxUpdater::checkForUpdates() {
-  if (state_->hasFailedToStart) return;
+  if (state_->hasFailedToStart) return state_->tellWhyItCannotStart();
   if (!state_->inSession) return state_->begin(true);
   if (const auto session = state_->session) session->bringToFront();
 }

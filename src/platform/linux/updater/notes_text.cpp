@@ -149,4 +149,8 @@ std::string shownNotes(std::string notes) {
   return notes + "\n…";
 }
 
+std::string shownNotes(std::string notes, NotesFormat format) {
+  return shownNotes(format == NotesFormat::HTML ? plainTextOfHTML(notes) : std::move(notes));
+}
+
 }  // namespace karno::platform::updates

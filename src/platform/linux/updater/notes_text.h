@@ -2,6 +2,9 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "platform/linux/updater/appcast.h"
 
 namespace karno::platform::updates {
 
@@ -14,5 +17,12 @@ inline constexpr std::size_t kShownNotesBytesMax = 100'000;
 
 // What an offer shows of plain notes: all, or so much of them, up to a whole character, and an ellipsis.
 std::string shownNotes(std::string notes);
+
+// What an offer shows of notes in that format: their text, or the beginning of it.
+std::string shownNotes(std::string notes, NotesFormat format);
+
+// Of all an item's notes those for a user who wants these languages, most wanted first. Notes without a
+// language are in English.
+std::string notesFor(const FeedItem& item, const std::vector<std::string>& languages);
 
 }  // namespace karno::platform::updates

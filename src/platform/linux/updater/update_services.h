@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/error.h"
+#include "platform/linux/bundles/preferred_languages.h"
 #include "platform/linux/files/install_verdict.h"
 #include "platform/linux/updater/appcast.h"
 #include "platform/value.h"
@@ -126,6 +127,7 @@ struct UpdateServices {
   UpdateSettings& settings;
   OfferWindows& offerWindows;
   ReadFeed readFeed = parseAppcast;
+  std::function<std::vector<std::string>()> languages = preferredLanguages;  // the user's, most wanted first
 };
 
 }  // namespace karno::platform::updates

@@ -20,6 +20,14 @@ constexpr std::uint64_t kDownloadBytesMax = 4ULL << 30U;  // whatever length the
 
 const Bundle& bundle() { return host().bundles.mainBundle(); }
 
+constexpr int kUnseenFetchSeconds = 60;  // redirects, and the reading of what came, included
+
+// In whole megabytes, since every language has its own sign before a fraction.
+std::string megabytes(std::uint64_t bytes) {
+  constexpr std::uint64_t kMegabyte = 1'000'000;
+  return std::to_string(bytes / kMegabyte + (bytes % kMegabyte == 0 ? 0 : 1));
+}
+
 // Work that blocks, and what the main thread does with its result. A modal alert does not hold up the second.
 template <class Work, class Then>
 void inBackground(Work work, Then then) {
@@ -51,10 +59,29 @@ void UpdateSession::begin() {
   const std::string feed = parts_.delegate.feedURLStringForUpdater(parts_.updater);
   parts_.services.settings.setObject(Value(host().clock.now()), kLastCheckKey);
   if (const auto refusal = refusalOfAddress(feed)) return abort(*refusal);
-  if (parts_.isUserAsking) showProgress(textOf("CHECKING"));
+  if (parts_.isUserAsking) {
+    showProgress(textOf("CHECKING"));
+  } else {
+    giveUpFetchingInTime();
+  }
   inBackground(
       [self = shared_from_this(), feed] { return self->fetchAndRead(feed); },
       [self = shared_from_this()](const Result<std::vector<FeedItem>>& items) { self->feedCame(items); });
+}
+
+// Nobody sees a check of the updater's own, and nobody can cancel it; meanwhile the end of the client counts
+// as a part of an update.
+void UpdateSession::giveUpFetchingInTime() {
+  host().dispatch.globalQueue(QueuePriority::Background).async([weak = weak_from_this()] {
+    host().dispatch.sleep(kUnseenFetchSeconds);
+    host().dispatch.mainEvents().async([weak] {
+      const auto self = weak.lock();
+      if (!self || self->hasFeed_ || self->hasEnded_) return;
+      self->abort(updateError(
+          UpdateErrorCode::Feed,
+          fmt::format("The list of updates could not be fetched within {} seconds.", kUnseenFetchSeconds)));
+    });
+  });
 }
 
 // On a global queue: anybody's server decides how much there is to read.
@@ -67,8 +94,9 @@ Result<std::vector<FeedItem>> UpdateSession::fetchAndRead(const std::string& fee
   Result<std::vector<FeedItem>> items = parts_.services.readFeed(bytes.value());
   if (!items) return items;
   for (FeedItem& item : items.value()) {
-    if (item.notesFormat == NotesFormat::HTML) item.notes = plainTextOfHTML(item.notes);
-    item.notes = shownNotes(std::move(item.notes));
+    item.notes = shownNotes(std::move(item.notes), item.notesFormat);
+    for (TranslatedNotes& each : item.translatedNotes)
+      each.notes = shownNotes(std::move(each.notes), each.format);
   }
   return items;
 }
@@ -103,8 +131,9 @@ void UpdateSession::judge(const std::vector<FeedItem>& items) {
 
 void UpdateSession::nothingToOffer(NothingToOffer reason) {
   const std::string explanation = textOf(tokenFor(reason));
-  parts_.delegate.updaterDidNotFindUpdate(parts_.updater,
-                                          updateError(UpdateErrorCode::NoUpdate, explanation));
+  const Error error = updateError(UpdateErrorCode::NoUpdate, explanation);
+  parts_.delegate.updaterDidNotFindUpdate(parts_.updater, error);
+  parts_.delegate.didAbortWithError(parts_.updater, error);
   end();
   if (parts_.isUserAsking) tellUser(textOf("UP_TO_DATE"), explanation, textOf("OK"));
 }
@@ -115,7 +144,7 @@ void UpdateSession::offer() {
   const OfferTexts texts{.title = textOf("OFFER_TITLE"),
                          .message = textOf("OFFER_MESSAGE"),
                          .explanation = textOf(isOnlyToRead ? "OFFER_INFORMATION" : "OFFER_EXPLANATION"),
-                         .notes = item_.notes,
+                         .notes = notesFor(item_, parts_.services.languages()),
                          .install = textOf(isOnlyToRead ? "LEARN_MORE" : "INSTALL"),
                          .later = textOf("LATER"),
                          .skip = item_.isCritical ? "" : textOf("SKIP")};
@@ -150,7 +179,7 @@ void UpdateSession::download() {
   parts_.delegate.willDownloadUpdate(parts_.updater, told_, inOneLine(item_.downloadURL));
   showProgress(textOf("DOWNLOADING"));
   inBackground(
-      [self = shared_from_this(), progress = progressOnMainThread()] {
+      [self = shared_from_this(), progress = progressOnMainThread(true)] {
         return self->parts_.services.downloads.download(
             self->item_.downloadURL, self->downloadFolder_ + "/archive",
             std::min(self->item_.length.value_or(kDownloadBytesMax), kDownloadBytesMax), progress);
@@ -162,7 +191,7 @@ void UpdateSession::downloaded(const std::optional<Error>& error) {
   hideProgress();
   if (isCancelled_) {
     parts_.delegate.userDidCancelDownload(parts_.updater);
-    return abort(updateError(UpdateErrorCode::Cancelled, "The user cancelled the download."));
+    return end();
   }
   if (error) {
     parts_.delegate.failedToDownloadUpdate(parts_.updater, told_, *error);
@@ -186,7 +215,7 @@ void UpdateSession::unpack() {
                         .bundle = bundle().bundlePath(),
                         .folder = unpackFolder_};
   inBackground(
-      [self = shared_from_this(), request = std::move(request), progress = progressOnMainThread()] {
+      [self = shared_from_this(), request = std::move(request), progress = progressOnMainThread(false)] {
         return self->parts_.services.installer.unpack(request, progress);
       },
       [self = shared_from_this()](const Result<std::string>& newBundle) { self->unpacked(newBundle); });
@@ -268,17 +297,25 @@ void UpdateSession::hideProgress() {
   progressWindow_.reset();
 }
 
+std::string UpdateSession::amountText(std::uint64_t done, std::uint64_t total) const {
+  return parts_.texts->text("DOWNLOADING_AMOUNT", {{"name", infoText("CFBundleName")},
+                                                   {"new", item_.displayVersion},
+                                                   {"total", megabytes(total)},
+                                                   {"left", megabytes(total - std::min(done, total))}});
+}
+
 // The main thread hears of whole percents only.
-Progress UpdateSession::progressOnMainThread() {
-  return [self = shared_from_this()](std::uint64_t done, std::uint64_t total) {
+Progress UpdateSession::progressOnMainThread(bool saysHowMuch) {
+  return [self = shared_from_this(), saysHowMuch](std::uint64_t done, std::uint64_t total) {
     if (self->isCancelled_) return false;
     if (total == 0) return true;
     const auto percent =
         static_cast<std::int64_t>(100.0 * static_cast<double>(done) / static_cast<double>(total));
     if (self->shownPercent_.exchange(percent) == percent) return true;
-    host().dispatch.mainEvents().async([self, percent] {
-      if (self->progressWindow_)
-        self->progressWindow_->progressIndicator().setDoubleValue(static_cast<double>(percent));
+    host().dispatch.mainEvents().async([self, saysHowMuch, done, total, percent] {
+      if (!self->progressWindow_) return;
+      if (saysHowMuch) self->progressWindow_->textField().setStringValue(self->amountText(done, total));
+      self->progressWindow_->progressIndicator().setDoubleValue(static_cast<double>(percent));
     });
     return true;
   };

@@ -38,6 +38,7 @@ class UpdateSession : public std::enable_shared_from_this<UpdateSession> {
   void bringToFront();
 
  private:
+  void giveUpFetchingInTime();
   Result<std::vector<FeedItem>> fetchAndRead(const std::string& feed) const;
   void feedCame(const Result<std::vector<FeedItem>>& items);
   void judge(const std::vector<FeedItem>& items);
@@ -56,7 +57,8 @@ class UpdateSession : public std::enable_shared_from_this<UpdateSession> {
   void showProgress(const std::string& message);
   void hideProgress();
   void cancel();
-  Progress progressOnMainThread();
+  std::string amountText(std::uint64_t done, std::uint64_t total) const;
+  Progress progressOnMainThread(bool saysHowMuch);
   std::string textOf(std::string_view token) const;
 
   const Parts parts_;
