@@ -90,7 +90,8 @@ TEST_P(ConcernOfAnItem, IsByTheHostsVersion) {
   item.informationVersions = GetParam().informationVersions;
   item.informationBelow = GetParam().informationBelow;
 
-  const auto choice = chooseItem({item}, {.version = "1.0", .system = system});
+  const auto choice =
+      chooseItem({item}, {.version = "1.0", .system = system, .skippedVersion = "", .isUserAsking = false});
 
   const FeedItem& chosen = std::get<FeedItem>(choice);
   EXPECT_EQ(chosen.isCritical, GetParam().isCritical);
