@@ -29,6 +29,7 @@ TEST(AppcastCommandLine, HelpListsTheVerbs) {
             "  sign       print the signature of one archive\n"
             "  verify     check an archive as a launcher does\n"
             "  feed       write or extend a feed from a folder of releases\n"
+            "  rotate     write a feed whose newest release hands over to a new key\n"
             "  help       say how a verb is used\n"
             "\n"
             "Exit status: 0 done, 1 failed, 64 wrong usage.\n");

@@ -48,7 +48,7 @@ class EarlierFeed : public testing::Test {
     manager_.addFile("appcast.eddsa.xml",
                      "<rss xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel>" +
                          items + "</channel></rss>");
-    manager_.writeFeed();
+    manager_.writeFeed({"--older", "--replace", "2"});
     return addressesIn(manager_.feed());
   }
 

@@ -23,6 +23,13 @@ class FeedRefusals : public testing::Test {
     return manager_.err();
   }
 
+  // Likewise for a command line that is wrong, without the hint where to read on.
+  std::string wrongUsage(const std::vector<std::string>& options) {
+    const int status = manager_.writeFeed(options);
+    if (status != 64 || !manager_.out().empty() || manager_.feed() != kFeed) return "";
+    return manager_.err().substr(0, manager_.err().find('\n') + 1);
+  }
+
   static constexpr const char* kFeed = "<rss version=\"2.0\"><channel /></rss>";
 
   ReleaseManager manager_;
@@ -43,28 +50,31 @@ TEST_F(FeedRefusals, AFolderThatIsNotThere) {
 }
 
 TEST_F(FeedRefusals, AnArchiveWithoutABundleAtItsTop) {
-  manager_.addArchive("a.zip", {{"Release/Karno.app/Contents/Info.plist", infoPlist("1", "1.0")},
-                                {"Karno.app/Contents/Resources/Info.plist", infoPlist("1", "1.0")}});
+  manager_.addArchive("a.zip", bundle(infoPlist("1", "1.0"), "Release/Karno"));
 
-  EXPECT_EQ(refusal(), "karno-appcast: a.zip: there is no application at the top of the archive\n");
+  EXPECT_EQ(refusal(),
+            "karno-appcast: a.zip: no launcher would install it: The archive does not hold exactly one "
+            "application bundle.\n");
 }
 
 TEST_F(FeedRefusals, AFileThatIsNoArchive) {
   manager_.addFile("a.zip", "this is no archive");
 
-  EXPECT_EQ(refusal(), "karno-appcast: a.zip: the archive cannot be read: Unrecognized archive format\n");
+  EXPECT_EQ(refusal(),
+            "karno-appcast: a.zip: no launcher would install it: The archive could not be unpacked: "
+            "Unrecognized archive format.\n");
 }
 
 class CutOffArchive : public FeedRefusals, public testing::WithParamInterface<const char*> {};
 
 // It would be signed and offered, and no launcher could unpack it.
 TEST_P(CutOffArchive, IsNotOfferedThoughItsPropertyListCanBeRead) {
-  manager_.addArchive(GetParam(), {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0")},
-                                   {"Karno.app/Contents/Resources/data", noise(300'000)}});
+  manager_.addArchive(GetParam(), joined(bundle(infoPlist("1", "1.0")),
+                                         {{"Karno.app/Contents/Resources/data", noise(300'000)}}));
   manager_.cutOff(GetParam(), 150'000);
 
-  EXPECT_THAT(refusal(),
-              StartsWith(std::string("karno-appcast: ") + GetParam() + ": the archive cannot be read: "));
+  EXPECT_THAT(refusal(), StartsWith(std::string("karno-appcast: ") + GetParam() +
+                                    ": no launcher would install it: The archive could not be unpacked: "));
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, CutOffArchive,
@@ -75,37 +85,41 @@ TEST_F(FeedRefusals, AZipWithoutTheEndOfItsListOfContents) {
   manager_.addRelease("a.zip", "1", "1.0");
   manager_.cutOff("a.zip", std::filesystem::file_size(manager_.inFolder("a.zip")) - 10);
 
-  EXPECT_THAT(refusal(), StartsWith("karno-appcast: a.zip: the archive cannot be read: "));
+  EXPECT_THAT(
+      refusal(),
+      StartsWith("karno-appcast: a.zip: no launcher would install it: The archive could not be unpacked: "));
 }
 
 TEST_F(FeedRefusals, AnArchiveThatEndsInItsPropertyList) {
-  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("1", noise(5000))}});
+  manager_.addArchive("a.tar", bundle(infoPlist("1", noise(5000))));
   manager_.cutOff("a.tar", 2000);
 
-  EXPECT_THAT(refusal(), StartsWith("karno-appcast: a.tar: the archive cannot be read: "));
+  EXPECT_THAT(
+      refusal(),
+      StartsWith("karno-appcast: a.tar: no launcher would install it: The archive could not be unpacked: "));
 }
 
 // Launchers want exactly one.
 TEST_F(FeedRefusals, TwoBundlesAtTheTop) {
-  manager_.addArchive("a.zip", {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0")},
-                                {"Other.app/Contents/Info.plist", infoPlist("1", "1.0")}});
+  manager_.addArchive("a.zip", joined(bundle(infoPlist("1", "1.0")), bundle(infoPlist("1", "1.0"), "Other")));
 
   EXPECT_EQ(refusal(),
-            "karno-appcast: a.zip: there is more than one application at the top of the archive\n");
+            "karno-appcast: a.zip: no launcher would install it: The archive does not hold exactly one "
+            "application bundle.\n");
 }
 
 TEST_F(FeedRefusals, ABundleWithoutAName) {
-  manager_.addArchive("a.zip", {{".app/Contents/Info.plist", infoPlist("1", "1.0")}});
+  manager_.addArchive("a.zip", bundle(infoPlist("1", "1.0"), ""));
 
-  EXPECT_EQ(refusal(), "karno-appcast: a.zip: there is no application at the top of the archive\n");
+  EXPECT_EQ(refusal(),
+            "karno-appcast: a.zip: no launcher would install it: The archive does not hold exactly one "
+            "application bundle.\n");
 }
 
 TEST_F(FeedRefusals, ABundleWhoseVersionIsNoString) {
-  manager_.addArchive("a.tar",
-                      {{"Karno.app/Contents/Info.plist",
-                        "<plist><dict><key>CFBundleVersion</key><integer>7</integer></dict></plist>"}});
+  manager_.addArchive("a.tar", bundle(infoPlistWith("<key>CFBundleVersion</key><integer>7</integer>")));
 
-  EXPECT_EQ(refusal(), "karno-appcast: a.tar: its Info.plist has no CFBundleVersion\n");
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar: no launcher would install it: The bundle has no version.\n");
 }
 
 TEST_F(FeedRefusals, AFolderWithMoreThanAThousandArchives) {
@@ -122,36 +136,37 @@ TEST_F(FeedRefusals, NotesOfMoreThanAMebibyte) {
 }
 
 TEST_F(FeedRefusals, AnApplicationWhoseNameNoFeedCanCarry) {
-  manager_.addArchive("a.tar",
-                      {{"K\xff.app/Contents/Info.plist",
-                        "<plist><dict><key>CFBundleVersion</key><string>7</string></dict></plist>"}});
+  manager_.addArchive("a.tar", bundle(infoPlist("7", "7"), "K\xff"));
 
-  EXPECT_EQ(refusal(), "karno-appcast: a.tar: the name of its application is no plain text\n");
+  EXPECT_EQ(refusal(),
+            "karno-appcast: a.tar: no launcher would install it: The archive holds the name "
+            "\"K?.app/Contents/Info.plist\", which is not UTF-8.\n");
 }
 
 TEST_F(FeedRefusals, ABundleWithABrokenPropertyList) {
-  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", "<plist><dict>"}});
+  manager_.addArchive("a.tar", bundle("<plist><dict>"));
 
   EXPECT_EQ(refusal(),
-            "karno-appcast: a.tar: its Info.plist is damaged (The property list cannot be read: line 1: the "
-            "text ends "
-            "too early.)\n");
+            "karno-appcast: a.tar: no launcher would install it: The bundle's Info.plist is not a property "
+            "list with a dictionary.\n");
 }
 
 TEST_F(FeedRefusals, ABundleWithAPropertyListOfAnotherKind) {
-  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", "<plist><array/></plist>"}});
+  manager_.addArchive("a.tar", bundle("<plist><array/></plist>"));
 
-  EXPECT_EQ(refusal(), "karno-appcast: a.tar: its Info.plist is no property list with a dictionary\n");
+  EXPECT_EQ(refusal(),
+            "karno-appcast: a.tar: no launcher would install it: The bundle's Info.plist is not a property "
+            "list with a dictionary.\n");
 }
 
 TEST_F(FeedRefusals, ABundleWithoutAVersion) {
-  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("", "1.0")}});
+  manager_.addArchive("a.tar", bundle(infoPlist("", "1.0")));
 
-  EXPECT_EQ(refusal(), "karno-appcast: a.tar: its Info.plist has no CFBundleVersion\n");
+  EXPECT_EQ(refusal(), "karno-appcast: a.tar: no launcher would install it: The bundle has no version.\n");
 }
 
 TEST_F(FeedRefusals, ABundleWithATextThatNoFeedCanCarry) {
-  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0 &#7;")}});
+  manager_.addArchive("a.tar", bundle(infoPlist("1", "1.0 &#7;")));
 
   EXPECT_EQ(refusal(),
             "karno-appcast: a.tar: the CFBundleShortVersionString of its Info.plist is no plain text\n");
@@ -160,27 +175,27 @@ TEST_F(FeedRefusals, ABundleWithATextThatNoFeedCanCarry) {
 TEST_F(FeedRefusals, ATitleThatNoFeedCanCarry) {
   manager_.addRelease("a.zip", "1", "1.0");
 
-  EXPECT_EQ(refusal({"--title", "\xff"}), "karno-appcast: the title is no plain UTF-8 text\n");
+  EXPECT_EQ(wrongUsage({"--title", "\xff"}), "karno-appcast: the title is no plain UTF-8 text\n");
 }
 
 TEST_F(FeedRefusals, ALowestSystemThatIsNoVersion) {
   manager_.addRelease("a.zip", "1", "1.0");
 
-  EXPECT_EQ(refusal({"--minimum-system", "11.0.0.1"}),
+  EXPECT_EQ(wrongUsage({"--minimum-system", "11.0.0.1"}),
             "karno-appcast: '11.0.0.1' is no version of a system\n");
-  EXPECT_EQ(refusal({"--minimum-system", "11."}), "karno-appcast: '11.' is no version of a system\n");
-  EXPECT_EQ(refusal({"--minimum-system", "1234567"}), "karno-appcast: '1234567' is no version of a system\n");
+  EXPECT_EQ(wrongUsage({"--minimum-system", "11."}), "karno-appcast: '11.' is no version of a system\n");
+  EXPECT_EQ(wrongUsage({"--minimum-system", "1234567"}),
+            "karno-appcast: '1234567' is no version of a system\n");
 }
 
 TEST_F(FeedRefusals, ABundleWhoseSystemIsNoVersion) {
-  manager_.addArchive("a.tar", {{"Karno.app/Contents/Info.plist", infoPlist("1", "1.0", "ten")}});
+  manager_.addArchive("a.tar", bundle(infoPlist("1", "1.0", "ten")));
 
   EXPECT_EQ(refusal(), "karno-appcast: a.tar: 'ten' is no version of a system\n");
 }
 
 TEST_F(FeedRefusals, ABundleWithAnEnormousPropertyList) {
-  manager_.addArchive("a.tar.gz",
-                      {{"Karno.app/Contents/Info.plist", std::string((std::size_t{1} << 20U) + 1, ' ')}});
+  manager_.addArchive("a.tar.gz", bundle(infoPlist("1", "1.0") + std::string(std::size_t{1} << 20U, ' ')));
 
   EXPECT_EQ(refusal(), "karno-appcast: a.tar.gz: its Info.plist is larger than 1 MiB\n");
 }
@@ -264,8 +279,10 @@ TEST(FeedPrefix, MustBeSecureUnlessSaidOtherwise) {
   std::vector<std::string> command{"feed",         manager.folder(),  "--private", manager.keyFile(),
                                    "--url-prefix", "http://localhost"};
 
-  EXPECT_EQ(manager.run(command), 1);
-  EXPECT_EQ(manager.err(), "karno-appcast: the URL prefix must begin with https:// (or say --allow-http)\n");
+  EXPECT_EQ(manager.run(command), 64);
+  EXPECT_EQ(manager.err(),
+            "karno-appcast: the URL prefix must begin with https:// (or say --allow-http)\n"
+            "Try \"karno-appcast help feed\".\n");
   command.push_back("--allow-http");
   EXPECT_EQ(manager.run(command), 0);
   EXPECT_NE(manager.feed().find("url=\"http://localhost/a.zip\""), std::string::npos);
@@ -276,7 +293,7 @@ TEST(FeedPrefix, MustBeAURLWithAHost) {
   manager.addRelease("a.zip", "1", "1.0");
   const auto errorFor = [&manager](const std::string& prefix) {
     manager.run({"feed", manager.folder(), "--private", manager.keyFile(), "--url-prefix", prefix});
-    return manager.err();
+    return manager.err().substr(0, manager.err().find('\n') + 1);
   };
 
   EXPECT_EQ(errorFor("localhost/updates"), "karno-appcast: the URL prefix must begin with https://\n");

@@ -106,8 +106,7 @@ And ]]]]><![CDATA[> is no end.
 
 TEST(Feed, CarriesHypertextNotesAndTheDateOfTheArchive) {
   ReleaseManager manager;
-  manager.addArchive("Kärno 1&2.tar.gz",
-                     {{"Kärno.app/Contents/Info.plist", infoPlist("1", "1.0 &amp; more", "11")}});
+  manager.addArchive("Kärno 1&2.tar.gz", bundle(infoPlist("1", "1.0 &amp; more", "11"), "Kärno"));
   manager.setDate("Kärno 1&2.tar.gz", 1'600'000'000);
   manager.addFile("Kärno 1&2.html", "<p>New</p>");
 
@@ -132,8 +131,10 @@ TEST(Feed, CarriesHypertextNotesAndTheDateOfTheArchive) {
 
 TEST(Feed, NamesAnApplicationAfterItsFolderWhereItsBundleDoesNot) {
   ReleaseManager manager;
-  manager.addArchive("a.zip", {{"Kärno.app/Contents/Info.plist",
-                                "<plist><dict><key>CFBundleVersion</key><string>7</string></dict></plist>"}});
+  manager.addArchive("a.zip", bundle(infoPlistWith("<key>CFBundleVersion</key><string>7</string>"
+                                                   "<key>SUPublicEDKey</key><string>" +
+                                                   std::string(kPublicKey) + "</string>"),
+                                     "Kärno"));
 
   manager.writeFeed();
 
@@ -158,7 +159,7 @@ TEST(Feed, TakesTheLowestSystemFromTheCommandLine) {
   manager.writeFeed({"--minimum-system", "10.14.6"});
   const std::string before = manager.feed();
 
-  manager.writeFeed({"--minimum-system", "12.1"});
+  manager.writeFeed({"--for", "1", "--minimum-system", "12.1"});
 
   const std::string system = "<sparkle:minimumSystemVersion>10.14.6<";
   std::string expected = before;
@@ -203,7 +204,7 @@ TEST(Feed, RenewsTheReleasesThatAreInTheFolder) {
   manager.writeFeed();
   manager.addRelease("Karno-2.0.zip", "2", "2.0 again");
 
-  manager.writeFeed();
+  manager.writeFeed({"--replace", "2"});
 
   EXPECT_EQ(manager.feed(), kBegin + item(manager, "Karno-2.0.zip", "2", "2.0 again") +
                                 item(manager, "Karno-1.0.zip", "1", "1.0") + kEnd);
@@ -250,7 +251,7 @@ TEST(Feed, LeavesWhatItDoesNotKnowInAnEarlierFeed) {
 </rss>
 )");
 
-  const int status = manager.writeFeed();
+  const int status = manager.writeFeed({"--older"});
 
   EXPECT_EQ(status, 0) << manager.err();
   EXPECT_EQ(manager.feed(), R"(<?xml version="1.0"?>

@@ -21,6 +21,7 @@ namespace {
 
 // RFC 8032, section 7.1, TEST 1.
 constexpr const char* kPrivateKey = "nWGxne/9WmC6hEr0kuwsxERJxWl7MmkZcDusAxyuf2A=\n";
+constexpr const char* kOtherPrivateKey = "TM0Imyj/ltqdtsNG7BFOD1uKMZ81q6Yk2oz27U+4pvs=\n";  // TEST 2
 
 struct Free {
   void operator()(archive* writer) const { archive_write_free(writer); }
@@ -41,10 +42,35 @@ void setKind(archive* writer, const std::string& name) {
   }
 }
 
+__LA_MODE_T typeOf(Kind kind) {
+  if (kind == Kind::Folder) return AE_IFDIR;
+  if (kind == Kind::Link) return AE_IFLNK;
+  return kind == Kind::Pipe ? AE_IFIFO : AE_IFREG;
+}
+
+void write(archive* writer, const Entry& each) {
+  const std::unique_ptr<archive_entry, Free> entry(archive_entry_new());
+  archive_entry_set_pathname(entry.get(), each.path.c_str());
+  archive_entry_set_filetype(entry.get(), typeOf(each.kind));
+  archive_entry_set_perm(entry.get(), static_cast<__LA_MODE_T>(each.permissions));
+  const std::string content = each.kind == Kind::File ? each.content : "";
+  archive_entry_set_size(entry.get(), static_cast<la_int64_t>(content.size()));
+  if (each.kind == Kind::Link) archive_entry_set_symlink(entry.get(), each.content.c_str());
+  if (each.kind == Kind::HardLink) archive_entry_set_hardlink(entry.get(), each.content.c_str());
+  // A warning: in the C locale a name is written as its bytes.
+  require(archive_write_header(writer, entry.get()) >= ARCHIVE_WARN, each.path);
+  require(
+      archive_write_data(writer, content.data(), content.size()) == static_cast<la_ssize_t>(content.size()),
+      each.path);
+}
+
 }  // namespace
 
-ReleaseManager::ReleaseManager() : keyFile_(desk_.write("private.key", kPrivateKey)) {
+ReleaseManager::ReleaseManager()
+    : keyFile_(desk_.write("private.key", kPrivateKey)),
+      otherKeyFile_(desk_.write("other.key", kOtherPrivateKey)) {
   require(::chmod(keyFile_.c_str(), 0600) == 0, keyFile_);
+  require(::chmod(otherKeyFile_.c_str(), 0600) == 0, otherKeyFile_);
   std::filesystem::create_directory(folder());
 }
 
@@ -61,27 +87,16 @@ void ReleaseManager::addArchive(const std::string& name, const Files& files) con
   const std::unique_ptr<archive, Free> writer(archive_write_new());
   setKind(writer.get(), name);
   require(archive_write_open_filename(writer.get(), inFolder(name).c_str()) == ARCHIVE_OK, name);
-  for (const auto& [path, content] : files) {
-    const std::unique_ptr<archive_entry, Free> entry(archive_entry_new());
-    archive_entry_set_pathname(entry.get(), path.c_str());
-    archive_entry_set_size(entry.get(), static_cast<la_int64_t>(content.size()));
-    archive_entry_set_filetype(entry.get(), AE_IFREG);
-    archive_entry_set_perm(entry.get(), 0644);
-    // A warning: in the C locale a name is written as its bytes.
-    require(archive_write_header(writer.get(), entry.get()) >= ARCHIVE_WARN, path);
-    require(archive_write_data(writer.get(), content.data(), content.size()) ==
-                static_cast<la_ssize_t>(content.size()),
-            path);
-  }
+  for (const Entry& each : files) write(writer.get(), each);
   require(archive_write_close(writer.get()) == ARCHIVE_OK, name);
   setDate(name);
 }
 
 void ReleaseManager::addRelease(const std::string& name, const std::string& version,
-                                const std::string& shortVersion) const {
-  addArchive(name, {{"Karno.app/Contents/MacOS/Karno", "the program of " + version},
-                    {"Karno.app/Contents/Helpers/Karno.app/Contents/Info.plist", infoPlist("999", "9.9.9")},
-                    {"Karno.app/Contents/Info.plist", infoPlist(version, shortVersion)}});
+                                const std::string& shortVersion, const std::string& publicKey) const {
+  addArchive(name,
+             joined({{"Karno.app/Contents/Helpers/Karno.app/Contents/Info.plist", infoPlist("999", "9.9.9")}},
+                    bundle(infoPlist(version, shortVersion, "10.14.6", publicKey))));
 }
 
 void ReleaseManager::addFile(const std::string& name, const std::string& content) const {
@@ -99,14 +114,19 @@ void ReleaseManager::setDate(const std::string& name, long secondsSince1970) con
 }
 
 int ReleaseManager::writeFeed(const std::vector<std::string>& options) {
-  std::vector<std::string> arguments{"feed",   folder(),       "--private",
-                                     keyFile_, "--url-prefix", "https://localhost/updates/"};
+  return writeFeedWith(keyFile_, options);
+}
+
+int ReleaseManager::writeFeedWith(const std::string& keyFile, const std::vector<std::string>& options) {
+  std::vector<std::string> arguments{"feed",  folder(),       "--private",
+                                     keyFile, "--url-prefix", "https://localhost/updates/"};
   arguments.insert(arguments.end(), options.begin(), options.end());
   return run(arguments);
 }
 
 std::string ReleaseManager::signatureOf(const std::string& name) {
-  require(run({"sign", inFolder(name), "--private", keyFile_}) == 0, "the signature of " + name);
+  require(run({"sign", inFolder(name), "--private", keyFile_, "--any-file"}) == 0,
+          "the signature of " + name);
   const std::size_t begin = out_.find('"') + 1;
   return out_.substr(begin, out_.find('"', begin) - begin);
 }
@@ -122,21 +142,38 @@ std::string noise(std::size_t bytes) {
   return text;
 }
 
-std::string infoPlist(const std::string& version, const std::string& shortVersion,
-                      const std::string& minimumSystem) {
+std::string infoPlistWith(const std::string& entries) {
   return R"(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
 <plist version="1.0">
 <dict>
   <key>CFBundleLocalizations</key>
   <array><string>en</string></array>
-  <key>CFBundleName</key>
+  <key>CFBundleExecutable</key>
   <string>Karno</string>
-  <key>CFBundleShortVersionString</key>
-  <string>)" +
-         shortVersion + "</string>\n  <key>CFBundleVersion</key>\n  <string>" + version +
-         "</string>\n  <key>LSMinimumSystemVersion</key>\n  <string>" + minimumSystem +
-         "</string>\n</dict>\n</plist>\n";
+  <key>CFBundleIdentifier</key>
+  <string>it.vantul.KarnoWrapper</string>
+)" + entries +
+         "</dict>\n</plist>\n";
+}
+
+std::string infoPlist(const std::string& version, const std::string& shortVersion,
+                      const std::string& minimumSystem, const std::string& publicKey) {
+  return infoPlistWith("  <key>CFBundleName</key><string>Karno</string>\n" +
+                       std::string("  <key>CFBundleShortVersionString</key><string>") + shortVersion +
+                       "</string>\n  <key>CFBundleVersion</key><string>" + version +
+                       "</string>\n  <key>LSMinimumSystemVersion</key><string>" + minimumSystem +
+                       "</string>\n  <key>SUPublicEDKey</key><string>" + publicKey + "</string>\n");
+}
+
+Files bundle(const std::string& information, const std::string& name, const std::string& program) {
+  return {{name + ".app/Contents/Info.plist", information},
+          {name + ".app/Contents/MacOS/Karno", program, Kind::File, 0755}};
+}
+
+Files joined(Files files, const Files& more) {
+  files.insert(files.end(), more.begin(), more.end());
+  return files;
 }
 
 }  // namespace karno::appcast::test

@@ -1,74 +1,79 @@
 #include "karno-appcast/bundle_archive.h"
 
-#include <archive.h>
-#include <archive_entry.h>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <stdlib.h>
 
+#include <algorithm>
 #include <array>
-#include <memory>
-#include <optional>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
 
+#include "installer/archive/archive_file.h"
+#include "installer/archive/extraction.h"
+#include "installer/bundle_facts.h"
+#include "installer/tree_removal.h"
 #include "karno-appcast/failure.h"
+#include "platform/posix/files/whole_file.h"
+#include "platform/posix/scoped_descriptor.h"
 
 namespace karno::appcast {
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr std::array<std::string_view, 6> kEndings{".zip",     ".tar.gz", ".tar.xz",
                                                    ".tar.bz2", ".tar",    ".tar.zst"};
-constexpr std::string_view kInfoInBundle = ".app/Contents/Info.plist";
 
-struct Close {
-  void operator()(archive* reader) const { archive_read_free(reader); }
-};
-using Reader = std::unique_ptr<archive, Close>;
-
-Failure damaged(const Reader& reader) {
-  const char* const reason = archive_error_string(reader.get());
-  return Failure(std::string("the archive cannot be read: ") + (reason == nullptr ? "no reason" : reason));
+Failure refusedByInstallers(const installer::Failure& failure) {
+  return Failure("no launcher would install it: " + failure.text);
 }
 
-// Only what releases come in: some of the other filters start programs. A zip without its list of contents,
-// as one that was cut off, counts as damaged, since launchers do not unpack it.
-Reader open(Bytes bytes) {
-  Reader reader(archive_read_new());
-  archive_read_support_format_tar(reader.get());
-  archive_read_support_format_zip_seekable(reader.get());
-  archive_read_support_filter_gzip(reader.get());
-  archive_read_support_filter_xz(reader.get());
-  archive_read_support_filter_bzip2(reader.get());
-  archive_read_support_filter_zstd(reader.get());
-  if (archive_read_open_memory(reader.get(), bytes.data(), bytes.size()) != ARCHIVE_OK) throw damaged(reader);
-  return reader;
-}
-
-// A name that cannot be converted is taken as its bytes.
-std::string pathOf(archive_entry* entry) {
-  const char* path = archive_entry_pathname_utf8(entry);
-  if (path == nullptr) path = archive_entry_pathname(entry);
-  std::string text = path == nullptr ? "" : path;
-  if (text.starts_with("./")) text.erase(0, 2);
-  return text;
-}
-
-// The bundle's name when this is the Info.plist of a bundle at the top of the archive.
-std::optional<std::string> bundleOfInfo(const std::string& path) {
-  if (!path.ends_with(kInfoInBundle)) return std::nullopt;
-  std::string name = path.substr(0, path.size() - kInfoInBundle.size());
-  if (name.empty() || name.find('/') != std::string::npos) return std::nullopt;
-  return name;
-}
-
-std::string contentOf(const Reader& reader) {
-  std::string content(kInfoBytesMax + 1, '\0');
-  std::size_t used = 0;
-  while (used < content.size()) {
-    const la_ssize_t count = archive_read_data(reader.get(), content.data() + used, content.size() - used);
-    if (count < 0) throw damaged(reader);
-    if (count == 0) break;
-    used += static_cast<std::size_t>(count);
+// A folder that nobody else may enter, with all that is unpacked into it.
+class Workplace {
+ public:
+  Workplace() : path_((fs::temp_directory_path() / "karno-appcast-XXXXXX").string()) {
+    if (::mkdtemp(path_.data()) == nullptr) throw systemFailure("cannot make a folder to unpack into", errno);
+    folder_.reset(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   }
-  if (used > kInfoBytesMax) throw Failure("its Info.plist is larger than 1 MiB");
-  content.resize(used);
-  return content;
+  Workplace(const Workplace&) = delete;
+  Workplace& operator=(const Workplace&) = delete;
+  ~Workplace() { installer::removeTree(path_); }
+
+  const std::string& path() const { return path_; }
+  int folder() const { return folder_.get(); }
+
+ private:
+  std::string path_;
+  platform::ScopedDescriptor folder_;
+};
+
+class Unhurried final : public installer::ExtractionObserver {
+ public:
+  bool goesOn(std::uint64_t /*bytesRead*/) override { return true; }
+};
+
+// The first bytes of a program of a Mac, for one processor or several.
+bool isMacProgram(const std::string& path) {
+  constexpr std::array<std::string_view, 3> kBeginnings{"\xcf\xfa\xed\xfe", "\xca\xfe\xba\xbe",
+                                                        "\xca\xfe\xba\xbf"};
+  std::array<char, 4> bytes = {};
+  std::ifstream(path, std::ios::binary).read(bytes.data(), bytes.size());
+  return std::ranges::count(kBeginnings, std::string_view(bytes.data(), bytes.size())) != 0;
+}
+
+std::string infoOf(const std::string& bundle) {
+  auto file = platform::readWholeFile(bundle + "/Contents/Info.plist");
+  if (!file) throw systemFailure("cannot read its Info.plist", static_cast<int>(file.error().code()));
+  if (file.value().bytes.size() > kInfoBytesMax) throw Failure("its Info.plist is larger than 1 MiB");
+  return std::move(file.value().bytes);
+}
+
+void refuseUnsigned(const std::string& bundle, const std::string& executable) {
+  if (!isMacProgram(bundle + "/Contents/MacOS/" + executable)) return;
+  if (!fs::is_regular_file(bundle + "/Contents/_CodeSignature/CodeResources"))
+    throw Failure("its bundle is for macOS and has no _CodeSignature: no Mac would start it");
 }
 
 }  // namespace
@@ -80,23 +85,19 @@ std::string_view nameWithoutArchiveEnding(std::string_view fileName) {
   return {};
 }
 
-ArchivedBundle bundleInArchive(Bytes archive) {
-  const Reader reader = open(archive);
-  std::optional<ArchivedBundle> found;
-  // To the end, also where the bundle is found before: what is behind it may be damaged. The end itself takes
-  // one look more than there may be entries.
-  for (int count = 0; count <= kArchiveEntriesMax; ++count) {
-    archive_entry* entry = nullptr;
-    const int outcome = archive_read_next_header(reader.get(), &entry);
-    if (outcome == ARCHIVE_EOF && !found) throw Failure("there is no application at the top of the archive");
-    if (outcome == ARCHIVE_EOF) return std::move(*found);
-    if (outcome < ARCHIVE_WARN) throw damaged(reader);
-    auto name = bundleOfInfo(pathOf(entry));
-    if (!name) continue;
-    if (found) throw Failure("there is more than one application at the top of the archive");
-    found = {std::move(*name), contentOf(reader)};
-  }
-  throw Failure("the archive has more than 100000 entries");
+ArchivedBundle bundleInArchive(const std::string& path) {
+  const auto archive = installer::ArchiveFile::open(path);
+  if (!archive) throw refusedByInstallers(archive.error());
+  const Workplace workplace;
+  Unhurried observer;
+  const auto name = installer::extractBundle(archive.value().descriptor(), workplace.folder(), {}, observer);
+  if (!name) throw refusedByInstallers(name.error());
+
+  const fs::path bundle = fs::path(workplace.path()) / name.value();
+  const auto facts = installer::readBundleFacts(bundle);
+  if (!facts) throw refusedByInstallers(facts.error());
+  refuseUnsigned(bundle, facts.value().executable);
+  return {.name = bundle.stem(), .infoPlist = infoOf(bundle)};
 }
 
 }  // namespace karno::appcast

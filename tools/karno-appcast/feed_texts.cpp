@@ -71,6 +71,18 @@ std::string checkedPrefix(std::string_view prefix, bool allowHTTP) {
   return std::string(prefix);
 }
 
+void checkedAddress(std::string_view address, bool allowHTTP) {
+  const bool isHTTP = address.starts_with(kHTTP);
+  const std::string_view rest =
+      address.substr(std::min(address.size(), isHTTP ? kHTTP.size() : kHTTPS.size()));
+  const auto isStrange = [](char c) { return static_cast<unsigned char>(c) <= 0x20 || c == '"' || c == '<'; };
+  const bool isWeb = isHTTP ? allowHTTP : address.starts_with(kHTTPS);
+  if (!isWeb || rest.empty() || rest.front() == '/' || !isTextForFeed(rest) ||
+      std::ranges::any_of(rest, isStrange))
+    throw Failure(
+        fmt::format("'{}' is no https:// address of a page", isTextForFeed(address) ? address : "?"));
+}
+
 std::string threePartVersion(std::string_view version) {
   const auto wrong = [version] { return Failure(fmt::format("'{}' is no version of a system", version)); };
   std::string text;

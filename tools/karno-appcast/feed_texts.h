@@ -20,6 +20,9 @@ std::string downloadURL(std::string_view prefix, std::string_view fileName);
 // allowed.
 std::string checkedPrefix(std::string_view prefix, bool allowHTTP);
 
+// A Failure when it is no https address of a page, or no http one where allowed.
+void checkedAddress(std::string_view address, bool allowHTTP);
+
 // "11.0" as the three-part "11.0.0". A Failure when it is not one to three numbers with dots between.
 std::string threePartVersion(std::string_view version);
 

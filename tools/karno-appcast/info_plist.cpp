@@ -31,7 +31,8 @@ BundleInfo readInfoPlist(std::string_view bytes) {
   BundleInfo info{.name = textFor("CFBundleName", *information),
                   .version = textFor("CFBundleVersion", *information),
                   .shortVersion = textFor("CFBundleShortVersionString", *information),
-                  .minimumSystem = textFor("LSMinimumSystemVersion", *information)};
+                  .minimumSystem = textFor("LSMinimumSystemVersion", *information),
+                  .publicKey = textFor("SUPublicEDKey", *information)};
   if (info.version.empty()) throw Failure("its Info.plist has no CFBundleVersion");
   return info;
 }

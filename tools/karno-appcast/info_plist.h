@@ -10,6 +10,7 @@ struct BundleInfo {
   std::string version;        // CFBundleVersion, which updaters compare; never empty
   std::string shortVersion;   // CFBundleShortVersionString
   std::string minimumSystem;  // LSMinimumSystemVersion
+  std::string publicKey;      // SUPublicEDKey
   bool operator==(const BundleInfo&) const = default;
 };
 

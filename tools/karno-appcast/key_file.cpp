@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+
 #include "karno-appcast/failure.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"
@@ -23,6 +25,13 @@ int write(int descriptor, std::string text) {
   sodium_memzero(text.data(), text.size());
   if (error != 0) return error;
   return ::fsync(descriptor) == 0 ? 0 : errno;
+}
+
+// A key that cannot check what it signs itself would be noticed by every launcher, and by nobody before.
+void requireThatItSigns(const PrivateKey& key) {
+  constexpr std::array<unsigned char, 5> kProbe{'p', 'r', 'o', 'b', 'e'};
+  if (!isSignatureOf(kProbe, key.signatureOf(kProbe), key.publicKey()))
+    throw Failure("what this key signs does not fit its public key");
 }
 
 }  // namespace
@@ -48,6 +57,7 @@ PrivateKey readKeyFile(const std::string& path) {
   try {
     PrivateKey key = PrivateKey::fromText(std::string_view(text).substr(0, end + 1));
     sodium_memzero(text.data(), text.size());
+    requireThatItSigns(key);
     return key;
   } catch (const Failure& failure) {
     throw Failure(path + ": " + failure.what());

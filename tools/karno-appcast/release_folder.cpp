@@ -53,23 +53,6 @@ void addNotes(Release& release, const std::string& pathWithoutEnding) {
   release.notes = std::move(html ? html : plain).value_or("");
 }
 
-Release readRelease(const std::string& path, const std::string& fileName, const PrivateKey& key) {
-  const MappedFile archive(path);
-  const ArchivedBundle bundle = bundleInArchive(archive.bytes());
-  const BundleInfo info = readInfoPlist(bundle.infoPlist);
-  const std::string& applicationName = info.name.empty() ? bundle.name : info.name;
-  if (!isTextForFeed(applicationName)) throw Failure("the name of its application is no plain text");
-  return {.fileName = fileName,
-          .applicationName = applicationName,
-          .version = info.version,
-          .shortVersion = info.shortVersion.empty() ? info.version : info.shortVersion,
-          .minimumSystem = info.minimumSystem.empty() ? "" : threePartVersion(info.minimumSystem),
-          .notes = {},
-          .publishedAt = archive.modifiedAt(),
-          .length = archive.bytes().size(),
-          .signature = key.signatureOf(archive.bytes())};
-}
-
 void refuseTheSameVersion(const std::vector<Release>& releases) {
   for (const Release& one : releases) {
     for (const Release& other : releases) {
@@ -82,12 +65,29 @@ void refuseTheSameVersion(const std::vector<Release>& releases) {
 
 }  // namespace
 
-std::vector<Release> readReleases(const std::string& folder, const PrivateKey& key) {
+Release readRelease(const std::string& path) {
+  const MappedFile archive(path);
+  const ArchivedBundle bundle = bundleInArchive(path);
+  const BundleInfo info = readInfoPlist(bundle.infoPlist);
+  const std::string& applicationName = info.name.empty() ? bundle.name : info.name;
+  if (!isTextForFeed(applicationName)) throw Failure("the name of its application is no plain text");
+  return {.path = path,
+          .fileName = fs::path(path).filename(),
+          .applicationName = applicationName,
+          .version = info.version,
+          .shortVersion = info.shortVersion.empty() ? info.version : info.shortVersion,
+          .minimumSystem = info.minimumSystem.empty() ? "" : threePartVersion(info.minimumSystem),
+          .publicKey = info.publicKey,
+          .notes = {},
+          .publishedAt = archive.modifiedAt()};
+}
+
+std::vector<Release> readReleases(const std::string& folder) {
   std::vector<Release> releases;
   for (const std::string& name : archivesIn(folder)) {
     const std::string path = folder + "/" + name;
     try {
-      releases.push_back(readRelease(path, name, key));
+      releases.push_back(readRelease(path));
     } catch (const Failure& failure) {
       throw Failure(name + ": " + failure.what());
     }

@@ -4,15 +4,26 @@
 #include "karno-appcast/failure.h"
 #include "karno-appcast/key_file.h"
 #include "karno-appcast/mapped_file.h"
+#include "karno-appcast/release_folder.h"
+#include "karno-appcast/release_rules.h"
 #include "karno-appcast/verbs.h"
 
 namespace karno::appcast {
 namespace {
 
+void requireRelease(const std::string& path, const PrivateKey& key) {
+  try {
+    requireKey(readRelease(path), key.publicKey(), key);
+  } catch (const Failure& failure) {
+    throw Failure(path + ": " + failure.what());
+  }
+}
+
 int sign(const command_line::Arguments& arguments, std::ostream& out) {
   const std::string path = arguments.requiredWord();
   const PrivateKey key = readKeyFile(arguments.required("--private"));
   const MappedFile archive(path);
+  if (!arguments.has("--any-file")) requireRelease(path, key);
   out << "sparkle:edSignature=\"" << key.signatureOf(archive.bytes()) << "\" length=\""
       << archive.bytes().size() << "\"\n";
   return command_line::kExitOk;
@@ -32,14 +43,19 @@ int verify(const command_line::Arguments& arguments, std::ostream& out) {
 }  // namespace
 
 command_line::Verb signVerb(std::ostream& out) {
-  return {
-      .name = "sign",
-      .synopsis = "ARCHIVE --private FILE",
-      .summary = "print the signature of one archive",
-      .help = "Prints two attributes for the enclosure of a feed: the signature and the length in bytes.\n",
-      .options = {"--private"},
-      .word = "ARCHIVE",
-      .run = [&out](const auto& arguments) { return sign(arguments, out); }};
+  return {.name = "sign",
+          .synopsis = "ARCHIVE --private FILE [--any-file]",
+          .summary = "print the signature of one archive",
+          .help =
+              "Prints two attributes for the enclosure of a feed: the signature and the length in bytes. An\n"
+              "archive is looked into first, as by the verb feed.\n"
+              "\n"
+              "  --private FILE  the private key\n"
+              "  --any-file      sign the file unseen, whatever it is\n",
+          .options = {"--private"},
+          .flags = {"--any-file"},
+          .word = "ARCHIVE",
+          .run = [&out](const auto& arguments) { return sign(arguments, out); }};
 }
 
 command_line::Verb verifyVerb(std::ostream& out) {

@@ -11,5 +11,6 @@ command_line::Verb publicKeyVerb(std::ostream& out);
 command_line::Verb signVerb(std::ostream& out);
 command_line::Verb verifyVerb(std::ostream& out);
 command_line::Verb feedVerb(std::ostream& out);
+command_line::Verb rotateVerb(std::ostream& out);
 
 }  // namespace karno::appcast
