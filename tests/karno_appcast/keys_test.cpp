@@ -35,6 +35,43 @@ TEST(Keys, AreMadeInAFileThatOnlyTheOwnerReads) {
   EXPECT_EQ(modeOf(file), 0600U);
 }
 
+TEST(Keys, AreToldWhereThePrivateOneWent) {
+  ReleaseManager manager;
+
+  manager.run({"keys", "--private", manager.folder() + "/../new.key"});
+
+  EXPECT_EQ(manager.err(),
+            "The private key is in " + (manager.desk() / "new.key") + "; keep a copy offline.\n");
+}
+
+// A checkout has a folder of that name, a worktree beside it a file.
+class KeysInACheckout : public testing::TestWithParam<const char*> {};
+
+TEST_P(KeysInACheckout, AreRefusedUnlessToldOtherwise) {
+  ReleaseManager manager;
+  manager.desk().write(std::string("checkout/") + GetParam(), "");
+  const std::string file = manager.desk() / "checkout/keys/new.key";
+  std::filesystem::create_directories(manager.desk() / "checkout/keys");
+  const std::string checkout = std::filesystem::canonical(manager.desk() / "checkout");
+
+  EXPECT_EQ(manager.run({"keys", "--private", file}), 1);
+  EXPECT_EQ(manager.err(), "karno-appcast: " + file + " would lie in the git checkout " + checkout +
+                               "; choose another folder, or say --in-checkout\n");
+  EXPECT_FALSE(std::filesystem::exists(file));
+  EXPECT_EQ(manager.run({"keys", "--private", file, "--in-checkout"}), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, KeysInACheckout, testing::Values(".git/HEAD", ".git"));
+
+TEST(Keys, ALinkIntoACheckoutLeadsThereAsWell) {
+  ReleaseManager manager;
+  manager.desk().write("checkout/.git", "");
+  std::filesystem::create_symlink(manager.desk() / "checkout", manager.desk() / "elsewhere");
+
+  EXPECT_EQ(manager.run({"keys", "--private", manager.desk() / "elsewhere/new.key"}), 1);
+  EXPECT_FALSE(std::filesystem::exists(manager.desk() / "checkout/new.key"));
+}
+
 TEST(Keys, ThePublicOneIsFoundAgainFromThePrivateOne) {
   ReleaseManager manager;
   const std::string file = manager.desk() / "new.key";

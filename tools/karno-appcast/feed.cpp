@@ -43,6 +43,11 @@ class FeedWriter {
   // From the version of the release on, another key signs.
   void changeKey(const Release& last, const std::string& nextPublicKey) {
     keys_.add({.from = key_.publicKey(), .to = nextPublicKey, .version = last.version});
+    try {
+      requireKey(last, nextPublicKey, key_);
+    } catch (const Failure& failure) {
+      throw Failure(last.fileName + ": " + failure.what());
+    }
   }
 
   void add(const Release& release, const std::vector<FeedItem>& published) {

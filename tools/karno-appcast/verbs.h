@@ -3,10 +3,10 @@
 
 #include "command_line/verb.h"
 
-// The verbs, each made in a file of its own. They print to `out`, which outlives them.
+// The verbs. They print to `out`, and what is for people alone to `err`; both outlive them.
 namespace karno::appcast {
 
-command_line::Verb keysVerb(std::ostream& out);
+command_line::Verb keysVerb(std::ostream& out, std::ostream& err);
 command_line::Verb publicKeyVerb(std::ostream& out);
 command_line::Verb signVerb(std::ostream& out);
 command_line::Verb verifyVerb(std::ostream& out);
