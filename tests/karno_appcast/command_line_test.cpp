@@ -30,6 +30,7 @@ TEST(AppcastCommandLine, HelpListsTheVerbs) {
             "  verify     check an archive as a launcher does\n"
             "  feed       write or extend a feed from a folder of releases\n"
             "  rotate     write a feed whose newest release hands over to a new key\n"
+            "  check      read a published feed as a launcher would\n"
             "  help       say how a verb is used\n"
             "\n"
             "Exit status: 0 done, 1 failed, 64 wrong usage.\n");

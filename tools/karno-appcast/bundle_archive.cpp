@@ -1,22 +1,16 @@
 #include "karno-appcast/bundle_archive.h"
 
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <stdlib.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
 
 #include "installer/archive/archive_file.h"
 #include "installer/archive/extraction.h"
 #include "installer/bundle_facts.h"
-#include "installer/tree_removal.h"
 #include "karno-appcast/failure.h"
+#include "karno-appcast/workplace.h"
 #include "platform/posix/files/whole_file.h"
-#include "platform/posix/scoped_descriptor.h"
 
 namespace karno::appcast {
 namespace {
@@ -29,25 +23,6 @@ constexpr std::array<std::string_view, 6> kEndings{".zip",     ".tar.gz", ".tar.
 Failure refusedByInstallers(const installer::Failure& failure) {
   return Failure("no launcher would install it: " + failure.text);
 }
-
-// A folder that nobody else may enter, with all that is unpacked into it.
-class Workplace {
- public:
-  Workplace() : path_((fs::temp_directory_path() / "karno-appcast-XXXXXX").string()) {
-    if (::mkdtemp(path_.data()) == nullptr) throw systemFailure("cannot make a folder to unpack into", errno);
-    folder_.reset(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-  }
-  Workplace(const Workplace&) = delete;
-  Workplace& operator=(const Workplace&) = delete;
-  ~Workplace() { installer::removeTree(path_); }
-
-  const std::string& path() const { return path_; }
-  int folder() const { return folder_.get(); }
-
- private:
-  std::string path_;
-  platform::ScopedDescriptor folder_;
-};
 
 class Unhurried final : public installer::ExtractionObserver {
  public:

@@ -13,7 +13,7 @@ int run(std::span<const std::string> arguments, std::string_view version, std::o
       .purpose = "Signs releases of the launcher and writes the feed that offers them.",
       .exitStatuses = "0 done, 1 failed",
       .verbs = {keysVerb(out, err), publicKeyVerb(out), signVerb(out), verifyVerb(out), feedVerb(out),
-                rotateVerb(out)}};
+                rotateVerb(out), checkVerb(out)}};
   return command_line::run(program, arguments, out, err);
 }
 

@@ -12,5 +12,6 @@ command_line::Verb signVerb(std::ostream& out);
 command_line::Verb verifyVerb(std::ostream& out);
 command_line::Verb feedVerb(std::ostream& out);
 command_line::Verb rotateVerb(std::ostream& out);
+command_line::Verb checkVerb(std::ostream& out);
 
 }  // namespace karno::appcast
