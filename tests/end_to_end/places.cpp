@@ -30,6 +30,8 @@ std::filesystem::path makeReleaseProgram() {
   return std::filesystem::canonical(ownFolder() / KARNO_MAKE_RELEASE);
 }
 
+std::filesystem::path karnoAppcast() { return std::filesystem::canonical(ownFolder() / KARNO_APPCAST); }
+
 std::filesystem::path moveOnce() { return ownFolder() / "karno_move_once"; }
 
 std::filesystem::path faultyDisk() { return ownFolder() / "libkarno_faulty_disk.so"; }

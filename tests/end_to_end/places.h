@@ -23,6 +23,7 @@ std::filesystem::path briefClient();
 // A web server for one test, and what makes releases and feeds for it.
 std::filesystem::path webServerProgram();
 std::filesystem::path makeReleaseProgram();
+std::filesystem::path karnoAppcast();
 
 // The program that moves one bundle, and the library that makes a disk fail under a program.
 std::filesystem::path moveOnce();

@@ -8,6 +8,8 @@
   make_release.py release BUNDLE VERSION FOLDER URL [FLAW]
       writes FOLDER/Karno.tar and FOLDER/appcast.xml, to be served under URL, with FOLDER/../key.pem; FLAW is one
       of the names in FLAWS
+  make_release.py pack BUNDLE VERSION PUBLIC-KEY ARCHIVE
+      writes an archive of the bundle in that version and with that key, for karno-appcast to sign
 """
 import base64
 import io
@@ -65,6 +67,13 @@ def write_archive(copy, path, flaw):
         archive.add(copy, "Karno.app")
 
 
+def pack(bundle, version, key, path):
+    with tempfile.TemporaryDirectory() as work:
+        copy = copy_of(bundle, version, work)
+        change_information(copy, SUPublicEDKey=key)
+        write_archive(copy, path, "none")
+
+
 def truncate(path):
     os.truncate(path, os.path.getsize(path) // 2)
 
@@ -109,7 +118,7 @@ def make_release(bundle, version, folder, url, flaw="none"):
 
 
 FLAWS = ("none", "changed", "truncated", "truncated-before-signing", "hostile", "no-feed")
-COMMANDS = {"keys": make_keys, "release": make_release,
+COMMANDS = {"keys": make_keys, "release": make_release, "pack": pack,
             "trust": lambda bundle, key: change_information(bundle, SUPublicEDKey=key)}
 
 if __name__ == "__main__":

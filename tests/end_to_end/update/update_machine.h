@@ -1,4 +1,5 @@
 #pragma once
+#include <map>
 #include <memory>
 #include <string>
 
@@ -15,6 +16,15 @@ class UpdateMachine {
 
   // Puts that version into the feed.
   void offer(const std::string& version, const std::string& flaw = "none");
+
+  // Has the bundle trust the release tool's key "old", and the key that follows it be named "new".
+  void useReleaseTool();
+
+  // Publishes that version, which carries a key of these two, by a verb of the release tool.
+  void publish(const std::string& version, const std::string& carriedKey,
+               const std::vector<std::string>& verbAndOptions);
+  std::string keyFile(const std::string& name) const { return serverFolder_ / (name + ".key"); }
+  std::string publicKey(const std::string& name) const { return publicKeys_.at(name); }
 
   void start(const std::vector<std::string>& options = {});
 
@@ -49,6 +59,7 @@ class UpdateMachine {
  private:
   Machine machine_;
   std::filesystem::path serverFolder_;
+  std::map<std::string, std::string> publicKeys_;
   std::unique_ptr<WebServer> server_;
 };
 
