@@ -94,6 +94,17 @@ TEST_F(Check, KnowsSystemsChannelsAndStepsThatCannotBeTaken) {
   EXPECT_THAT(manager_.out(), StartsWith("3.0 (3): not offered, it needs version 2 to be installed first\n"));
 }
 
+TEST_F(Check, KnowsThatItemsForThisSystemAloneHideTheOthers) {
+  write("<enclosure url=\"https://localhost/updates/Karno-2.zip\"",
+        "<enclosure sparkle:os=\"linux\" url=\"https://localhost/updates/Karno-2.zip\"");
+
+  EXPECT_EQ(checkFrom("0"), 0) << manager_.out();
+  EXPECT_EQ(manager_.out(),
+            "3.0 (3): not offered, other items are for this system alone\n"
+            "2.0 (2): offered\n"
+            "1.0 (1): not offered, a newer one is offered\n");
+}
+
 TEST_F(Check, AgainstABundleTakesItsVersionAndItsKey) {
   EXPECT_EQ(check({"--against", launcher("2"), "--system", "12"}), 0) << manager_.out();
   EXPECT_THAT(manager_.out(), AllOf(HasSubstr("3.0 (3): offered\n"), HasSubstr("2.0 (2): not offered")));

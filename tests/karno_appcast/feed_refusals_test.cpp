@@ -1,14 +1,19 @@
 #include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <iterator>
 
+#include "forked_process.h"
 #include "release_manager.h"
 
 namespace karno::appcast::test {
 namespace {
 
 using karno::test::contentOf;
+using karno::test::ForkedProcess;
 using ::testing::StartsWith;
 
 // Whatever is wrong, the feed that was there stays as it was.
@@ -248,6 +253,51 @@ TEST_F(FeedRefusals, AnExistingFeedThatHasThePrefixForOtherNames) {
 
   EXPECT_EQ(refusal({"--output", manager_.inFolder("odd.xml")}),
             "karno-appcast: the existing feed uses the prefix sparkle for other names\n");
+}
+
+TEST_F(FeedRefusals, AnExistingFeedOfAHundredMegabytes) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  manager_.addFile("huge.xml", "");
+  std::filesystem::resize_file(manager_.inFolder("huge.xml"), 100 << 20);
+
+  EXPECT_EQ(refusal({"--output", manager_.inFolder("huge.xml")}),
+            "karno-appcast: cannot read " + manager_.inFolder("huge.xml") + ": File too large\n");
+}
+
+// The old feed stays whole and nothing new lies beside it. The limit is in the place of a full disk, and lets
+// the small files of the bundle pass that are unpacked before.
+TEST_F(FeedRefusals, AFeedForWhichThereIsNoRoom) {
+  manager_.addRelease("a.zip", "1", "1.0");
+  manager_.addFile("a.txt", std::string(100'000, 'x'));
+  ForkedProcess process([&] {
+    ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit little = {.rlim_cur = 50'000, .rlim_max = 50'000};
+    ::setrlimit(RLIMIT_FSIZE, &little);
+    const std::string reason =
+        "karno-appcast: cannot write " + manager_.inFolder("appcast.eddsa.xml") + ": File too large\n";
+    return refusal() == reason ? 0 : 1;
+  });
+
+  EXPECT_EQ(process.exitStatus(), 0);
+  const auto files = std::filesystem::directory_iterator(manager_.folder());
+  EXPECT_EQ(std::distance(begin(files), end(files)), 3);
+}
+
+// An archive that is larger unpacked than the room for it.
+TEST_F(FeedRefusals, AnArchiveThatCannotBeUnpackedHere) {
+  manager_.addArchive("a.tar.gz", joined(bundle(infoPlist("1", "1.0")),
+                                         {{"Karno.app/Contents/large", std::string(200'000, 'x')}}));
+  ForkedProcess process([&] {
+    ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit little = {.rlim_cur = 50'000, .rlim_max = 50'000};
+    ::setrlimit(RLIMIT_FSIZE, &little);
+    const std::string reason =
+        "karno-appcast: a.tar.gz: it cannot be looked into: The archive could not be unpacked: File too "
+        "large.\n";
+    return refusal() == reason ? 0 : 1;
+  });
+
+  EXPECT_EQ(process.exitStatus(), 0);
 }
 
 TEST_F(FeedRefusals, AnOutputThatCannotBeWritten) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 
@@ -20,7 +21,14 @@ namespace fs = std::filesystem;
 constexpr std::array<std::string_view, 6> kEndings{".zip",     ".tar.gz", ".tar.xz",
                                                    ".tar.bz2", ".tar",    ".tar.zst"};
 
+// What is no fault of the archive, but of this computer.
+bool isLocal(const installer::Failure& failure) {
+  constexpr std::array<int, 5> kErrors{ENOSPC, EDQUOT, EFBIG, EMFILE, EIO};
+  return std::ranges::any_of(kErrors, [&](int error) { return failure == installer::systemFailure(error); });
+}
+
 Failure refusedByInstallers(const installer::Failure& failure) {
+  if (isLocal(failure)) return Failure("it cannot be looked into: " + failure.text);
   return Failure("no launcher would install it: " + failure.text);
 }
 

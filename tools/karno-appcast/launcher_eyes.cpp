@@ -50,9 +50,12 @@ std::string whyNoItem(const FeedItem& item, const UpdateHost& host) {
   return "it is for other launchers";
 }
 
-std::string reasonOf(const FeedItem& item, const UpdateHost& host) {
+// `offered` is null when nothing is.
+std::string reasonOf(const FeedItem& item, const UpdateHost& host, const FeedItem* offered) {
   const auto hindrance = hindranceOf(item, host);
-  if (!hindrance) return "a newer one is offered";
+  const bool isOutdone = offered != nullptr && platform::compareVersions(item.version, offered->version) <= 0;
+  // Items for one system alone hide those for the other.
+  if (!hindrance) return isOutdone ? "a newer one is offered" : "other items are for this system alone";
   switch (*hindrance) {
     case NothingToOffer::OnNewest:
       return "it is what is installed";
@@ -80,12 +83,13 @@ std::vector<Verdict> verdictsOf(const Looker& looker, const std::vector<FeedItem
   const UpdateHost host{
       .version = looker.version, .system = system, .skippedVersion = {}, .isUserAsking = true};
   const auto choice = chooseItem(items, host);
-  const auto* offered = std::get_if<FeedItem>(&choice);
+  const auto* const offered = std::get_if<FeedItem>(&choice);
   std::vector<Verdict> verdicts;
+  bool isFound = false;  // a second one alike is not offered
   for (const FeedItem& item : items) {
-    const bool isOffered = offered != nullptr && identityOf(item) == identityOf(*offered);
-    verdicts.push_back({.isOffered = isOffered, .reason = isOffered ? "" : reasonOf(item, host)});
-    if (isOffered) offered = nullptr;  // a second one alike is not
+    const bool isOffered = !isFound && offered != nullptr && identityOf(item) == identityOf(*offered);
+    isFound = isFound || isOffered;
+    verdicts.push_back({.isOffered = isOffered, .reason = isOffered ? "" : reasonOf(item, host, offered)});
   }
   return verdicts;
 }
