@@ -45,8 +45,8 @@ class InstalledBundle {
   // Empty when it is offered nothing.
   std::string offerOf(const std::string& feed) {
     const auto items = platform::updates::parseAppcast(feed);
-    const auto choice =
-        platform::updates::chooseItem(items.value(), {.version = version_, .system = system_});
+    const auto choice = platform::updates::chooseItem(
+        items.value(), {.version = version_, .system = system_, .skippedVersion = {}, .isUserAsking = true});
     const auto* const item = std::get_if<FeedItem>(&choice);
     offered_ = item == nullptr ? FeedItem() : *item;
     return offered_.version;
