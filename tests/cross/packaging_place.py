@@ -43,7 +43,7 @@ class PackagingPlace:
         folder = self.folder / "helpers"
         shutil.copytree(damaged_bundle.BUNDLE / "Contents/Helpers", folder)
         resources = folder / "Karno.app/Contents/Resources"
-        resources.mkdir()
+        resources.mkdir(exist_ok=True)
         (resources / "settings").write_text("quiet\n")
         (resources / "settings").chmod(0o600)
         (resources / "defaults").symlink_to("settings")
