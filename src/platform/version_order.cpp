@@ -1,6 +1,9 @@
 #include "platform/version_order.h"
 
 #include <algorithm>
+#include <charconv>
+#include <limits>
+#include <system_error>
 
 #include "platform/numeric_order.h"
 
@@ -39,6 +42,18 @@ std::strong_ordering compareVersions(std::string_view one, std::string_view othe
                                          : orderOfNumbers(takeNumber(one), takeNumber(other));
     if (order != 0) return order <=> 0;
   }
+}
+
+std::array<int, 3> versionParts(std::string_view version) {
+  std::array<int, 3> parts = {};
+  for (int& part : parts) {
+    const auto read = std::from_chars(version.data(), version.data() + version.size(), part);
+    if (read.ec == std::errc::result_out_of_range) part = std::numeric_limits<int>::max();
+    const std::size_t dot = version.find('.');
+    if (dot == std::string_view::npos) break;
+    version.remove_prefix(dot + 1);
+  }
+  return parts;
 }
 
 }  // namespace karno::platform

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <limits>
 #include <ostream>
 
 namespace karno::platform {
@@ -41,6 +43,19 @@ INSTANTIATE_TEST_SUITE_P(Pairs, SameVersion,
                          ::testing::Values(Pair{"1", "1"}, Pair{"2.1", "2.1.0"}, Pair{"1.0.0.0", "1"},
                                            Pair{"", ""}, Pair{"007", "7"}, Pair{"0", ""},
                                            Pair{"1.0-1", "1.0.1"}, Pair{" 1.0 ", "1.0"}));
+
+TEST(VersionParts, AreZeroWhereThereIsNoNumber) {
+  using Parts = std::array<int, 3>;
+
+  EXPECT_EQ(versionParts("10.14.6"), (Parts{10, 14, 6}));
+  EXPECT_EQ(versionParts("13"), (Parts{13, 0, 0}));
+  EXPECT_EQ(versionParts("12.x.1"), (Parts{12, 0, 1}));
+  EXPECT_EQ(versionParts(""), (Parts{0, 0, 0}));
+}
+
+TEST(VersionParts, EndAtTheLargestNumber) {
+  EXPECT_EQ(versionParts("99999999999.1").front(), std::numeric_limits<int>::max());
+}
 
 }  // namespace
 }  // namespace karno::platform

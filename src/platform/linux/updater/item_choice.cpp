@@ -1,10 +1,7 @@
 #include "platform/linux/updater/item_choice.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <limits>
-#include <system_error>
 
 #include "platform/version_order.h"
 
@@ -44,26 +41,13 @@ FeedItem asThisHostSeesIt(FeedItem item, const UpdateHost& host) {
   return item;
 }
 
-// Major, minor and patch; what is missing or no number is 0, and no number is larger than the largest int.
-std::array<int, 3> partsOf(std::string_view version) {
-  std::array<int, 3> parts = {};
-  for (int& part : parts) {
-    const auto read = std::from_chars(version.data(), version.data() + version.size(), part);
-    if (read.ec == std::errc::result_out_of_range) part = std::numeric_limits<int>::max();
-    const std::size_t dot = version.find('.');
-    if (dot == std::string_view::npos) break;
-    version.remove_prefix(dot + 1);
-  }
-  return parts;
-}
-
 bool isSystemTooOld(const FeedItem& item, const UpdateHost& host) {
-  const auto [major, minor, patch] = partsOf(item.minimumSystemVersion);
+  const auto [major, minor, patch] = versionParts(item.minimumSystemVersion);
   return !item.minimumSystemVersion.empty() && !host.system.isAtLeast(major, minor, patch);
 }
 
 bool isSystemTooNew(const FeedItem& item, const UpdateHost& host) {
-  const auto [major, minor, patch] = partsOf(item.maximumSystemVersion);
+  const auto [major, minor, patch] = versionParts(item.maximumSystemVersion);
   const bool isNewer =
       patch == std::numeric_limits<int>::max() ? false : host.system.isAtLeast(major, minor, patch + 1);
   return !item.maximumSystemVersion.empty() && isNewer;
