@@ -114,6 +114,15 @@ void gatherFeed(Explanation& explanation) {
 
 }  // namespace
 
+BuildChoice buildChoice(const ChoiceFacts& facts) {
+  if (facts.administrator != KarnoTristate::NotSet) {
+    return {.useFileProvider = facts.administrator == KarnoTristate::On, .rule = ChoiceRule::Administrator};
+  }
+  if (facts.verified) return {.useFileProvider = facts.storedChoice, .rule = ChoiceRule::SettledBefore};
+  if (facts.firstStartup) return {.useFileProvider = true, .rule = ChoiceRule::FirstStartup};
+  return {.useFileProvider = false, .rule = ChoiceRule::AlreadyUsingFuse};
+}
+
 Explanation gatherExplanation(platform::Platform& platform) {
   const ReadOnlyPlatform readOnly(platform);
   Explanation explanation;

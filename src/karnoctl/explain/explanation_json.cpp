@@ -1,6 +1,6 @@
-#include "karnoctl/explain/explanation_json.h"
-
 #include <cstddef>
+
+#include "karnoctl/explain/explanation_text.h"
 
 namespace karno::karnoctl {
 namespace {
@@ -42,27 +42,19 @@ Json moveOf(const MoveExplanation& explanation) {
           {"needsPassword", move.needsAuthorisation}};
 }
 
-Json damagedFilesOf(const Explanation& explanation) {
-  Json files = Json::array();
-  for (const auto& [path, why] : explanation.damagedFiles) files.push_back({{"file", path}, {"why", why}});
-  return files;
-}
-
-Json requirementsOf(const Explanation& explanation) {
-  Json rows = Json::array();
-  for (const RequirementRow& row : explanation.requirements) {
-    const FuseRequirement& requirement = row.requirement;
-    rows.push_back({{"processor", requirement.requiredCPU()},
-                    {"macFUSE", requirement.fuseVersion()},
-                    {"macOSFrom", orNull(lowestMacOS(requirement))},
-                    {"macOSTo", orNull(highestMacOS(requirement))},
-                    {"met", row.objection.empty()},
-                    {"objection", row.objection.empty() ? Json() : Json(row.objection)}});
-  }
-  return rows;
-}
-
 }  // namespace
+
+void to_json(Json& json, const DamagedFile& file) { json = {{"file", file.path}, {"why", file.why}}; }
+
+void to_json(Json& json, const RequirementRow& row) {
+  const FuseRequirement& requirement = row.requirement;
+  json = {{"processor", requirement.requiredCPU()},
+          {"macFUSE", requirement.fuseVersion()},
+          {"macOSFrom", orNull(lowestMacOS(requirement))},
+          {"macOSTo", orNull(highestMacOS(requirement))},
+          {"met", row.objection.empty()},
+          {"objection", row.objection.empty() ? Json() : Json(row.objection)}};
+}
 
 const char* nameOf(ChoiceRule rule) { return nameIn(kRules, rule); }
 
@@ -94,10 +86,10 @@ std::string explanationJson(const Explanation& explanation) {
         {"macFUSEFile", explanation.fuseInformationFile}}},
       {"macFUSENeeded", orNull(explanation.advice.fuse)},
       {"macOSNeeded", orNull(explanation.advice.macOS)},
-      {"requirements", requirementsOf(explanation)},
+      {"requirements", explanation.requirements},
       {"feed", {{"url", explanation.feedURL}, {"source", nameIn(kFeeds, explanation.feedSource)}}},
       {"settings", settingsJson(explanation)},
-      {"damagedFiles", damagedFilesOf(explanation)},
+      {"damagedFiles", explanation.damagedFiles},
   });
 }
 

@@ -37,42 +37,27 @@ std::string_view moveOutcomeText(const MoveExplanation& move) {
 }
 
 std::string checkText(const Explanation& explanation) {
-  switch (explanation.check) {
-    case SystemCheck::FileProvider:
-      return "The system check passes: macOS has File Provider from version 12.3 on.\n";
-    case SystemCheck::Fuse:
-      return "The system check passes: macFUSE is good enough.\n";
-    case SystemCheck::FuseForOldSystem:
-      return "The system check passes, by macFUSE: macOS is older than 12.3, so File Provider cannot be "
-             "used.\n";
-    case SystemCheck::FuseToBeUpgraded:
-      return "The system check stops the start: the user is asked to install a newer macFUSE: " +
-             fuseText(explanation) + ".\n";
-    case SystemCheck::FuseToBeInstalled:
-      break;
-  }
-  return "The system check stops the start: the user is asked to install macFUSE: " + fuseText(explanation) +
-         ".\n";
+  // In the order of SystemCheck.
+  constexpr std::string_view kTexts[] = {
+      "passes: macOS has File Provider from version 12.3 on", "passes: macFUSE is good enough",
+      "passes, by macFUSE: macOS is older than 12.3, so File Provider cannot be used",
+      "stops the start: the user is asked to install macFUSE: ",
+      "stops the start: the user is asked to install a newer macFUSE: "};
+  return fmt::format("The system check {}{}.\n", kTexts[static_cast<std::size_t>(explanation.check)],
+                     explanation.check < SystemCheck::FuseToBeInstalled ? "" : fuseText(explanation));
 }
 
-// In the order of LauncherPlace.
-constexpr std::string_view kPlaceTexts[] = {
-    "but in Downloads", "but on a disk image, where it stays", "but where macOS puts what is in quarantine",
-    "but inside another application, where it stays", "nor below one"};
-
 std::string moveQuestionText(const MoveExplanation& explanation) {
-  switch (explanation.rule) {
-    case MoveRule::Elsewhere:
-      return fmt::format("asked: it is in no Applications folder, {}",
-                         kPlaceTexts[static_cast<std::size_t>(explanation.place)]);
-    case MoveRule::Suppressed:
-      return "not asked: moveToApplicationsFolderAlertSuppress is set (it.vantul.KarnoWrapper)";
-    case MoveRule::InNoBundle:
-      return "not known: this karnoctl lies in no bundle";
-    case MoveRule::InApplicationsFolder:
-      break;
-  }
-  return "not asked: it is in an Applications folder";
+  // In the order of MoveRule and of LauncherPlace.
+  constexpr std::string_view kTexts[] = {
+      "asked: it is in no Applications folder, ", "not asked: it is in an Applications folder",
+      "not asked: moveToApplicationsFolderAlertSuppress is set (it.vantul.KarnoWrapper)",
+      "not known: this karnoctl lies in no bundle"};
+  constexpr std::string_view kPlaces[] = {"but in Downloads", "but on a disk image, where it stays",
+                                          "but where macOS puts what is in quarantine",
+                                          "but inside another application, where it stays", "nor below one"};
+  return std::string(kTexts[static_cast<std::size_t>(explanation.rule)])
+      .append(explanation.asks() ? kPlaces[static_cast<std::size_t>(explanation.place)] : "");
 }
 
 std::string moveText(const MoveExplanation& explanation) {
@@ -132,21 +117,15 @@ std::string requirementsText(const Explanation& explanation, bool isUTF8) {
 }
 
 std::string updatesText(const Explanation& explanation) {
-  const auto why = [&]() -> std::string {
-    switch (explanation.feedSource) {
-      case FeedSource::NamedByMarker:
-        return "named in " + explanation.feedMarker;
-      case FeedSource::DebugFeed:
-        return "the debug feed, since " + explanation.feedMarker + " names no URL";
-      case FeedSource::Deployment:
-        break;
-    }
-    return "the usual one, since there is no " + explanation.feedMarker;
-  };
+  // In the order of FeedSource.
+  constexpr std::string_view kSources[] = {"the usual one, since there is no {}", "named in {}",
+                                           "the debug feed, since {} names no URL"};
   constexpr const char* kAutomatic[] = {"switched on by the administrator",
                                         "switched off by the administrator", "left to the user"};
   return fmt::format("\nUpdates\n  feed       {}\n             {}\n  automatic  {}\n", explanation.feedURL,
-                     why(), kAutomatic[static_cast<std::size_t>(explanation.updatesEnabled.readAs)]);
+                     fmt::format(fmt::runtime(kSources[static_cast<std::size_t>(explanation.feedSource)]),
+                                 explanation.feedMarker),
+                     kAutomatic[static_cast<std::size_t>(explanation.updatesEnabled.readAs)]);
 }
 
 std::string settingLine(std::string_view key, std::string_view value, std::string_view origin) {

@@ -1,31 +1,7 @@
 #include "karnoctl/explain/read_only_platform.h"
 
-#include <utility>
-
 namespace karno::karnoctl {
 namespace {
-
-using platform::UserDefaults;
-using platform::Value;
-
-// Reads those that it is given, which it may own.
-class ReadOnlyUserDefaults final : public UserDefaults {
- public:
-  explicit ReadOnlyUserDefaults(const UserDefaults& defaults) : defaults_(defaults) {}
-  explicit ReadOnlyUserDefaults(std::unique_ptr<UserDefaults> suite)
-      : suite_(std::move(suite)), defaults_(*suite_) {}
-
-  std::optional<Value> objectForKey(std::string_view key) const override {
-    return defaults_.objectForKey(key);
-  }
-  bool boolForKey(std::string_view key) const override { return defaults_.boolForKey(key); }
-  void setBool(bool, std::string_view) override {}
-  void synchronize() override {}
-
- private:
-  const std::unique_ptr<UserDefaults> suite_;
-  const UserDefaults& defaults_;
-};
 
 platform::Platform readOnly(const platform::Platform& real, platform::ConsoleLog& console,
                             platform::Files& files, platform::UserDefaultsStore& userDefaults) {
@@ -61,14 +37,6 @@ platform::Platform readOnly(const platform::Platform& real, platform::ConsoleLog
 }
 
 }  // namespace
-
-ReadOnlyUserDefaultsStore::ReadOnlyUserDefaultsStore(platform::UserDefaultsStore& store)
-    : store_(store),
-      standardUserDefaults_(std::make_unique<ReadOnlyUserDefaults>(store.standardUserDefaults())) {}
-
-std::unique_ptr<UserDefaults> ReadOnlyUserDefaultsStore::makeSuite(const std::string& suiteName) {
-  return std::make_unique<ReadOnlyUserDefaults>(store_.makeSuite(suiteName));
-}
 
 ReadOnlyPlatform::ReadOnlyPlatform(platform::Platform& real)
     : real_(real),

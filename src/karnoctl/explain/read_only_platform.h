@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/platform.h"
@@ -48,17 +49,37 @@ class ReadOnlyFiles final : public platform::Files {
   platform::Files& files_;
 };
 
-// What is set is dropped.
+// Reads those that it is given, which it may own. What is set is dropped.
+class ReadOnlyUserDefaults final : public platform::UserDefaults {
+ public:
+  explicit ReadOnlyUserDefaults(const platform::UserDefaults& defaults) : defaults_(defaults) {}
+  explicit ReadOnlyUserDefaults(std::unique_ptr<platform::UserDefaults> suite)
+      : suite_(std::move(suite)), defaults_(*suite_) {}
+
+  std::optional<platform::Value> objectForKey(std::string_view key) const override {
+    return defaults_.objectForKey(key);
+  }
+  bool boolForKey(std::string_view key) const override { return defaults_.boolForKey(key); }
+  void setBool(bool, std::string_view) override {}
+  void synchronize() override {}
+
+ private:
+  const std::unique_ptr<platform::UserDefaults> suite_;
+  const platform::UserDefaults& defaults_;
+};
+
 class ReadOnlyUserDefaultsStore final : public platform::UserDefaultsStore {
  public:
-  explicit ReadOnlyUserDefaultsStore(platform::UserDefaultsStore& store);
+  explicit ReadOnlyUserDefaultsStore(platform::UserDefaultsStore& store) : store_(store) {}
 
-  platform::UserDefaults& standardUserDefaults() override { return *standardUserDefaults_; }
-  std::unique_ptr<platform::UserDefaults> makeSuite(const std::string& suiteName) override;
+  platform::UserDefaults& standardUserDefaults() override { return standardUserDefaults_; }
+  std::unique_ptr<platform::UserDefaults> makeSuite(const std::string& suiteName) override {
+    return std::make_unique<ReadOnlyUserDefaults>(store_.makeSuite(suiteName));
+  }
 
  private:
   platform::UserDefaultsStore& store_;
-  const std::unique_ptr<platform::UserDefaults> standardUserDefaults_;
+  ReadOnlyUserDefaults standardUserDefaults_{store_.standardUserDefaults()};
 };
 
 // Lets a tool ask the launcher's own code, which logs and could write: while this lives, the installed

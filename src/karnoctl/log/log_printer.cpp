@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <ostream>
 
+#include "karnoctl/log/log_line.h"
 #include "platform/text/one_line.h"
 #include "platform/text/utf8.h"
 
@@ -13,9 +15,6 @@ namespace {
 
 // A line that never ends is printed in pieces of this size.
 constexpr std::size_t kWaitingBytesMax = 1U << 20U;
-
-// Date and process identifier come first and are not longer than this.
-constexpr std::size_t kLevelPlaceMax = 80;
 
 struct LevelColour {
   std::string_view level;
@@ -33,21 +32,14 @@ constexpr std::array<LevelColour, 7> kColours{{{"VERBOSE", "2"},
 }  // namespace
 
 std::string colouredLogLine(std::string_view line) {
-  constexpr std::string_view kBeforeLevel = ") [";
-  const std::size_t place = line.substr(0, kLevelPlaceMax).find(kBeforeLevel);
-  if (place == std::string_view::npos) return std::string(line);
-
-  const std::size_t begin = place + kBeforeLevel.size();
-  const std::size_t end = line.find(']', begin);
-  if (end == std::string_view::npos) return std::string(line);
-
-  const std::string_view level = line.substr(begin, end - begin);
-  const auto known = std::ranges::find(kColours, level, &LevelColour::level);
+  const std::optional<LogLine> parts = logLineIn(line);
+  const auto known = parts ? std::ranges::find(kColours, parts->level, &LevelColour::level) : kColours.end();
   if (known == kColours.end()) return std::string(line);
 
+  const auto begin = static_cast<std::size_t>(parts->level.data() - line.data());
   std::string coloured(line.substr(0, begin));
-  coloured.append("\033[").append(known->colour).append("m").append(level).append("\033[0m");
-  return coloured.append(line.substr(end));
+  coloured.append("\033[").append(known->colour).append("m").append(known->level).append("\033[0m");
+  return coloured.append(line.substr(begin + known->level.size()));
 }
 
 std::string withoutControlCharacters(std::string_view line) {

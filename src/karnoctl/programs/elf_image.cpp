@@ -1,4 +1,4 @@
-#include "karnoctl/programs/elf_image.h"
+#include "karnoctl/programs/program_formats.h"
 
 #include <fmt/format.h>
 
@@ -32,14 +32,15 @@ std::string processorNamed(std::uint16_t machine) {
 }
 
 // What is to be loaded must be there.
-void requireSegments(const ProgramBytes& file, const HeaderBytes& header, ByteOrder order) {
+void requireSegments(const platform::ReadableFile& file, const HeaderBytes& header, ByteOrder order) {
   const std::uint16_t count = header.u16(56);
   if (header.u16(54) != kEntryBytes || count == 0 || count > kEntriesMax) {
     throw NoProgram(kDamagedHeaders);
   }
   const HeaderBytes entries(file, header.u64(32), count * kEntryBytes, order);
   for (std::size_t at = 0; at < entries.sizeInBytes(); at += kEntryBytes) {
-    if (entries.u32(at) == kLoad) requireWithin(entries.u64(at + 8), entries.u64(at + 32), file.sizeInBytes);
+    if (entries.u32(at) == kLoad)
+      requireWithin(entries.u64(at + 8), entries.u64(at + 32), file.sizeInBytes());
   }
 }
 
@@ -47,7 +48,7 @@ void requireSegments(const ProgramBytes& file, const HeaderBytes& header, ByteOr
 
 bool beginsELF(std::uint32_t firstBytes) { return firstBytes == kMagic; }
 
-ProgramImage elfImage(const ProgramBytes& file) {
+ProgramImage elfImage(const platform::ReadableFile& file) {
   // The class, then the byte order, one byte each.
   const std::uint16_t kind = HeaderBytes(file, 4, 2, ByteOrder::Big).u16(0);
   if (kind == 0x0101 || kind == 0x0102) throw NoProgram("it is for 32-bit processors");
@@ -58,7 +59,7 @@ ProgramImage elfImage(const ProgramBytes& file) {
   if (type != kElfExecutable && type != kShared) throw NoProgram("it is an object file");
   requireSegments(file, header, order);
   // The list of sections, which most files end with.
-  requireWithin(header.u64(40), std::uint64_t{header.u16(58)} * header.u16(60), file.sizeInBytes);
+  requireWithin(header.u64(40), std::uint64_t{header.u16(58)} * header.u16(60), file.sizeInBytes());
   return {.system = ProgramSystem::Linux,
           .slices = {{.processor = processorNamed(header.u16(18)), .isSigned = false}}};
 }

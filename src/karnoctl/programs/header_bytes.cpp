@@ -2,10 +2,10 @@
 
 namespace karno::karnoctl {
 
-HeaderBytes::HeaderBytes(const ProgramBytes& file, std::uint64_t offset, std::size_t sizeInBytes,
+HeaderBytes::HeaderBytes(const platform::ReadableFile& file, std::uint64_t offset, std::size_t sizeInBytes,
                          ByteOrder order)
     : order_(order) {
-  requireWithin(offset, sizeInBytes, file.sizeInBytes);
+  requireWithin(offset, sizeInBytes, file.sizeInBytes());
   platform::Result<std::string> piece = file.read(offset, sizeInBytes);
   if (!piece) throw NoProgram(piece.error().localizedDescription());
   if (piece.value().size() < sizeInBytes) throw NoProgram(kCutOff);

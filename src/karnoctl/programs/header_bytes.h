@@ -24,7 +24,8 @@ enum class ByteOrder { Little, Big };
 class HeaderBytes {
  public:
   // Reads that piece. NoProgram when the file ends before it does, or cannot be read.
-  HeaderBytes(const ProgramBytes& file, std::uint64_t offset, std::size_t sizeInBytes, ByteOrder order);
+  HeaderBytes(const platform::ReadableFile& file, std::uint64_t offset, std::size_t sizeInBytes,
+              ByteOrder order);
 
   std::size_t sizeInBytes() const { return bytes_.size(); }
   std::uint16_t u16(std::size_t offset) const { return static_cast<std::uint16_t>(number(offset, 2)); }

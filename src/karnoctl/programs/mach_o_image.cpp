@@ -1,4 +1,4 @@
-#include "karnoctl/programs/mach_o_image.h"
+#include "karnoctl/programs/program_formats.h"
 
 #include <fmt/format.h>
 
@@ -37,7 +37,7 @@ std::string processorNamed(std::uint32_t type) {
   return fmt::format("processor {:#x}", type);
 }
 
-std::uint32_t firstBytesAt(const ProgramBytes& file, std::uint64_t offset) {
+std::uint32_t firstBytesAt(const platform::ReadableFile& file, std::uint64_t offset) {
   return HeaderBytes(file, offset, 4, ByteOrder::Big).u32(0);
 }
 
@@ -61,8 +61,8 @@ bool findSignature(const HeaderBytes& commands, std::uint32_t count, std::uint64
   return isSigned;
 }
 
-ProgramSlice sliceAt(const ProgramBytes& file, std::uint64_t offset, std::uint64_t sizeInBytes) {
-  requireWithin(offset, sizeInBytes, file.sizeInBytes);
+ProgramSlice sliceAt(const platform::ReadableFile& file, std::uint64_t offset, std::uint64_t sizeInBytes) {
+  requireWithin(offset, sizeInBytes, file.sizeInBytes());
   requireWithin(0, kMachHeaderBytes, sizeInBytes);
   const std::uint32_t magic = firstBytesAt(file, offset);
   if (magic == kMagic32 || magic == kMagic32Swapped) throw NoProgram("it is for 32-bit processors");
@@ -80,7 +80,7 @@ ProgramSlice sliceAt(const ProgramBytes& file, std::uint64_t offset, std::uint64
           .isSigned = findSignature(commands, header.u32(16), sizeInBytes)};
 }
 
-std::vector<ProgramSlice> slicesOfUniversal(const ProgramBytes& file, bool isWide) {
+std::vector<ProgramSlice> slicesOfUniversal(const platform::ReadableFile& file, bool isWide) {
   const std::uint32_t count = HeaderBytes(file, 0, kFatHeaderBytes, ByteOrder::Big).u32(4);
   if (count == 0) throw NoProgram("it has no code for any processor");
   if (count > kSlicesMax) throw NoProgram(kNoProgram);
@@ -106,12 +106,12 @@ bool beginsMachO(std::uint32_t firstBytes) {
          firstBytes == kMagic32Swapped || firstBytes == kFatMagic || firstBytes == kFatMagic64;
 }
 
-ProgramImage machOImage(const ProgramBytes& file) {
+ProgramImage machOImage(const platform::ReadableFile& file) {
   const std::uint32_t magic = firstBytesAt(file, 0);
   if (magic == kFatMagic || magic == kFatMagic64) {
     return {.system = ProgramSystem::MacOS, .slices = slicesOfUniversal(file, magic == kFatMagic64)};
   }
-  return {.system = ProgramSystem::MacOS, .slices = {sliceAt(file, 0, file.sizeInBytes)}};
+  return {.system = ProgramSystem::MacOS, .slices = {sliceAt(file, 0, file.sizeInBytes())}};
 }
 
 }  // namespace karno::karnoctl

@@ -3,15 +3,14 @@
 #include <cstddef>
 #include <sstream>
 
-#include "karnoctl/programs/elf_image.h"
 #include "karnoctl/programs/header_bytes.h"
-#include "karnoctl/programs/mach_o_image.h"
+#include "karnoctl/programs/program_formats.h"
 
 namespace karno::karnoctl {
 namespace {
 
 // What the kernel starts in its place; it reads no more of the line either.
-ProgramImage scriptImage(const ProgramBytes& file) {
+ProgramImage scriptImage(const platform::ReadableFile& file) {
   constexpr std::size_t kLineBytesMax = 255;
   const auto begin = file.read(0, kLineBytesMax);
   if (!begin) throw NoProgram(begin.error().localizedDescription());
@@ -21,9 +20,9 @@ ProgramImage scriptImage(const ProgramBytes& file) {
   return image;
 }
 
-ProgramImage imageOrThrow(const ProgramBytes& file) {
+ProgramImage imageOrThrow(const platform::ReadableFile& file) {
   constexpr std::uint32_t kScript = 0x2321;  // "#!"
-  if (file.sizeInBytes == 0) throw NoProgram("it is empty");
+  if (file.sizeInBytes() == 0) throw NoProgram("it is empty");
   const std::uint32_t firstBytes = HeaderBytes(file, 0, 4, ByteOrder::Big).u32(0);
   if (firstBytes >> 16U == kScript) return scriptImage(file);
   if (beginsMachO(firstBytes)) return machOImage(file);
@@ -39,12 +38,17 @@ platform::Error failure(const char* why) {
 
 }  // namespace
 
-platform::Result<ProgramImage> programImage(const ProgramBytes& file) {
+platform::Result<ProgramImage> programImage(const platform::ReadableFile& file) {
   try {
     return imageOrThrow(file);
   } catch (const NoProgram& problem) {
     return failure(problem.what());
   }
+}
+
+platform::Result<ProgramImage> programAtPath(const platform::FileReading& files, const std::string& path) {
+  const auto file = files.open(path);
+  return file ? programImage(*file.value()) : file.error();
 }
 
 }  // namespace karno::karnoctl

@@ -1,10 +1,10 @@
 #pragma once
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "platform/error.h"
+#include "platform/file_reading.h"
 
 namespace karno::karnoctl {
 
@@ -25,14 +25,11 @@ struct ProgramImage {
   bool operator==(const ProgramImage&) const = default;
 };
 
-// The bytes of a file: up to `bytesMax` from `offset` on, fewer only where it ends.
-struct ProgramBytes {
-  std::uint64_t sizeInBytes = 0;
-  std::function<platform::Result<std::string>(std::uint64_t offset, std::size_t bytesMax)> read;
-};
-
 // What a file is as a program, by its headers alone, which may lie. The error's localised description says
 // why it is none, to follow a colon: "its end is missing". Reads no more than a few hundred KiB.
-platform::Result<ProgramImage> programImage(const ProgramBytes& file);
+platform::Result<ProgramImage> programImage(const platform::ReadableFile& file);
+
+// The same of the file at that path.
+platform::Result<ProgramImage> programAtPath(const platform::FileReading& files, const std::string& path);
 
 }  // namespace karno::karnoctl

@@ -32,11 +32,11 @@ class Gathering {
       : platform_(platform), disguise_(std::move(disguise)) {}
 
   void add(const std::string& name, const std::string& text) {
-    content_.files.push_back({.name = name, .content = disguise_.of(text)});
+    content.files.push_back({.name = name, .content = disguise_.of(text)});
   }
 
   void leaveOut(const std::string& name, const std::string& why) {
-    content_.leftOut.push_back(name + ": " + disguise_.of(why));
+    content.leftOut.push_back(name + ": " + disguise_.of(why));
   }
 
   // The end of it, where it is larger than anything of the launcher's.
@@ -65,12 +65,11 @@ class Gathering {
 
   std::string disguised(const std::string& text) const { return disguise_.of(text); }
 
-  ReportContent take() { return std::move(content_); }
+  ReportContent content;
 
  private:
   const Platform& platform_;
   const Disguise disguise_;
-  ReportContent content_;
 };
 
 void addCrashReports(Gathering& gathering, const Platform& platform, const std::string& home) {
@@ -122,7 +121,7 @@ ReportContent gatherReport(const Platform& platform, const platform::RuntimeChec
   gathering.addFile(wrapperOldLogFile(), "karno-wrapper.old.log");
   addSettings(gathering, home);
   addCrashReports(gathering, platform, home);
-  return gathering.take();
+  return gathering.content;
 }
 
 }  // namespace karno::karnoctl

@@ -1,4 +1,4 @@
-#include "karnoctl/report/tar_archive.h"
+#include "karnoctl/report/report_content.h"
 
 #include <fmt/format.h>
 
@@ -30,10 +30,8 @@ std::string headerOf(const ReportFile& file, std::string_view folder, platform::
   put(header, 136, fmt::format("{:011o}", seconds));
   put(header, kChecksumPlace, "        ");
   put(header, 156, "0");  // a regular file
-  put(header, 257,
-      std::string_view("ustar\0"
-                       "00",
-                       8));
+  put(header, 257, "ustar");
+  put(header, 263, "00");
   put(header, 345, folder);
   const unsigned sum = std::accumulate(header.begin(), header.end(), 0U, [](unsigned total, char byte) {
     return total + static_cast<unsigned char>(byte);

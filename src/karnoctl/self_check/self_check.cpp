@@ -3,12 +3,6 @@
 #include <fmt/format.h>
 
 #include "karnoctl/json_text.h"
-#include "karnoctl/self_check/self_check_helpers.h"
-#include "karnoctl/self_check/self_check_information.h"
-#include "karnoctl/self_check/self_check_programs.h"
-#include "karnoctl/self_check/self_check_system.h"
-#include "karnoctl/self_check/self_check_texts.h"
-#include "karnoctl/self_check/self_check_trust.h"
 
 namespace karno::karnoctl {
 namespace {
@@ -35,16 +29,16 @@ void checkBundleAndSystem(const CheckedBundle& bundle) {
 }
 
 std::string closingSentence(const CheckedBundle& bundle) {
-  const SelfCheckFindings& found = bundle.findings();
+  const SelfCheckFindings& found = bundle.findings;
   return fmt::format(
       "Nothing is wrong with {}: {} programs, {} property lists, {} tables of texts and {} messages to the "
       "system were checked.",
-      bundle.path(), found.programs, found.propertyLists, found.tables, found.messages);
+      bundle.path, found.programs, found.propertyLists, found.tables, found.messages);
 }
 
 std::string findingsJson(const CheckedBundle& bundle) {
-  const SelfCheckFindings& found = bundle.findings();
-  return jsonText({{"bundle", bundle.path()},
+  const SelfCheckFindings& found = bundle.findings;
+  return jsonText({{"bundle", bundle.path},
                    {"fine", found.wrong.empty()},
                    {"wrong", found.wrong},
                    {"notes", found.notes},

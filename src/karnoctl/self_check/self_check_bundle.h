@@ -1,4 +1,5 @@
 #pragma once
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,25 +25,23 @@ struct SelfCheckFindings {
 
 // The launcher's bundle in a folder, whose files are named as in it: "Contents/Info.plist". What stands in
 // the way of reading one is written down among the findings, with what that costs: the end of a sentence,
-// without its point.
-class CheckedBundle {
- public:
-  // `ownProgram` is the program that does the checking: the bundle is to run where that does. All but the
-  // path must outlive this.
-  CheckedBundle(const platform::Platform& platform, const platform::RuntimeCheck& runtime,
-                const ProgramImage& ownProgram, std::string path, SelfCheckFindings& findings);
+// without its point. What it refers to must outlive it.
+struct CheckedBundle {
+  const platform::Platform& platform;
+  const platform::RuntimeCheck& runtime;
+  const ProgramImage& ownProgram;  // does the checking: the bundle is to run where that does
+  std::string path;
+  SelfCheckFindings& findings;
 
-  const platform::Platform& platform() const { return platform_; }
-  const platform::RuntimeCheck& runtime() const { return runtime_; }
-  const ProgramImage& ownProgram() const { return ownProgram_; }
-  bool isForMacOS() const { return ownProgram_.system == ProgramSystem::MacOS; }
-  const std::string& path() const { return path_; }
-  std::string pathOf(const std::string& file) const { return path_ + "/" + file; }
+  bool isForMacOS() const { return ownProgram.system == ProgramSystem::MacOS; }
+  std::string pathOf(const std::string& file) const { return path + "/" + file; }
 
-  SelfCheckFindings& findings() const { return findings_; }
   // Control characters that a file brings along are written as "^[".
   void wrong(std::string_view sentence) const;
   void note(std::string_view sentence) const;
+
+  // Null, and written down, when it is not there or cannot be opened.
+  std::unique_ptr<platform::ReadableFile> open(const std::string& file, std::string_view cost) const;
 
   // Whether it is there and can be opened. If not, that is written down.
   bool hasFile(const std::string& file, std::string_view cost) const;
@@ -55,13 +54,6 @@ class CheckedBundle {
   std::optional<platform::Value::Dictionary> dictionary(const std::string& file, std::string_view cost) const;
 
   platform::Result<ProgramImage> program(const std::string& file) const;
-
- private:
-  const platform::Platform& platform_;
-  const platform::RuntimeCheck& runtime_;
-  const ProgramImage& ownProgram_;
-  const std::string path_;
-  SelfCheckFindings& findings_;
 };
 
 }  // namespace karno::karnoctl

@@ -1,10 +1,8 @@
-#include "karnoctl/self_check/self_check_helpers.h"
+#include "karnoctl/self_check/self_check.h"
 
 #include <fmt/format.h>
 
 #include "app/karno_embedded_app.h"
-#include "karnoctl/self_check/self_check_information.h"
-#include "karnoctl/self_check/self_check_programs.h"
 #include "settings/karno_settings.h"
 #include "util/string_utils.h"
 

@@ -1,10 +1,10 @@
-#include "karnoctl/self_check/self_check_information.h"
+#include "karnoctl/self_check/self_check.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <regex>
 
-#include "karnoctl/self_check/text_shapes.h"
 #include "platform/public_key.h"
 
 namespace karno::karnoctl {
@@ -12,82 +12,65 @@ namespace {
 
 using platform::Value;
 
-enum class Shape { Text, Truth, Number, Texts, Host, PublicKey };
+// What a value is to be, and how that is called.
+struct Shape {
+  std::string_view name;
+  bool (*fits)(const Value& value);
+};
+
+bool isText(const Value& value) {
+  const auto* const text = value.get<std::string>();
+  return text != nullptr && !text->empty();
+}
+
+bool isTexts(const Value& value) {
+  const auto* const elements = value.get<Value::Array>();
+  return elements != nullptr && std::ranges::all_of(*elements, &Value::isString);
+}
+
+template <auto looksRight>
+bool isTextThat(const Value& value) {
+  return value.isString() && looksRight(*value.get<std::string>());
+}
+
+constexpr Shape kSomeText{"text", isText};
+constexpr Shape kTruthValue{"truth value", [](const Value& value) { return value.get<bool>() != nullptr; }};
+constexpr Shape kAnyNumber{"number",
+                           [](const Value& value) { return value.isNumber() && !kTruthValue.fits(value); }};
+constexpr Shape kListOfTexts{"list of texts", isTexts};
+constexpr Shape kHostName{"name of a host", isTextThat<looksLikeHost>};
+constexpr Shape kKeyOfUpdates{"key of 32 bytes in base64", isTextThat<platform::looksLikePublicKey>};
 
 struct RequiredKey {
   std::string_view key;
-  Shape shape;
+  const Shape& shape;
   std::string_view cost;
 };
 
 constexpr RequiredKey kRequiredKeys[] = {
-    {"CFBundleDevelopmentRegion", Shape::Text, "the language of the base texts is not known"},
-    {"CFBundleExecutable", Shape::Text, "the launcher cannot be started"},
-    {"CFBundleLocalizations", Shape::Texts, "all texts are shown in the base language"},
-    {"CFBundleName", Shape::Text, "the launcher has no name in menus and windows"},
-    {"CFBundlePackageType", Shape::Text, "the bundle is not taken for an application"},
-    {"CFBundleShortVersionString", Shape::Text, "the log and the offer of an update tell no version"},
-    {"CFBundleVersion", Shape::Text, "the updater cannot tell what is newer"},
-    {"KarnoMacFUSESite", Shape::Host, "the site that the launcher has built in is opened"},
-    {"KarnoReleasesHost", Shape::Host, "the host that the launcher has built in is asked"},
-    {"KarnoUpdateFeedHost", Shape::Host, "updates come from the host that the launcher has built in"},
-    {"LSMinimumSystemVersion", Shape::Text, "it is started on systems that are too old for it"},
-    {"LSUIElement", Shape::Truth, "the launcher stays in the Dock beside its client"},
-    {"NSHighResolutionCapable", Shape::Truth, "its windows look blurred"},
-    {"NSPrincipalClass", Shape::Text, "the launcher ends when it is started"},
-    {"SUEnableAutomaticChecks", Shape::Truth, "the updater asks the user whether it may look for updates"},
-    {"SUPublicEDKey", Shape::PublicKey, "no update is taken"},
-    {"SUScheduledCheckInterval", Shape::Number, "the updater chooses when it looks for updates"},
-    {"SUVerifyUpdateBeforeExtraction", Shape::Truth, "archives are unpacked before they are verified"},
+    {"CFBundleDevelopmentRegion", kSomeText, "the language of the base texts is not known"},
+    {"CFBundleExecutable", kSomeText, "the launcher cannot be started"},
+    {"CFBundleLocalizations", kListOfTexts, "all texts are shown in the base language"},
+    {"CFBundleName", kSomeText, "the launcher has no name in menus and windows"},
+    {"CFBundlePackageType", kSomeText, "the bundle is not taken for an application"},
+    {"CFBundleShortVersionString", kSomeText, "the log and the offer of an update tell no version"},
+    {"CFBundleVersion", kSomeText, "the updater cannot tell what is newer"},
+    {"KarnoMacFUSESite", kHostName, "the site that the launcher has built in is opened"},
+    {"KarnoReleasesHost", kHostName, "the host that the launcher has built in is asked"},
+    {"KarnoUpdateFeedHost", kHostName, "updates come from the host that the launcher has built in"},
+    {"LSMinimumSystemVersion", kSomeText, "it is started on systems that are too old for it"},
+    {"LSUIElement", kTruthValue, "the launcher stays in the Dock beside its client"},
+    {"NSHighResolutionCapable", kTruthValue, "its windows look blurred"},
+    {"NSPrincipalClass", kSomeText, "the launcher ends when it is started"},
+    {"SUEnableAutomaticChecks", kTruthValue, "the updater asks the user whether it may look for updates"},
+    {"SUPublicEDKey", kKeyOfUpdates, "no update is taken"},
+    {"SUScheduledCheckInterval", kAnyNumber, "the updater chooses when it looks for updates"},
+    {"SUVerifyUpdateBeforeExtraction", kTruthValue, "archives are unpacked before they are verified"},
 };
-
-bool isTexts(const Value& value) {
-  const auto* const elements = value.get<Value::Array>();
-  return elements != nullptr &&
-         std::ranges::all_of(*elements, [](const Value& element) { return element.isString(); });
-}
-
-bool fits(const Value& value, Shape shape) {
-  const auto* const text = value.get<std::string>();
-  switch (shape) {
-    case Shape::Text:
-      return text != nullptr && !text->empty();
-    case Shape::Truth:
-      return value.get<bool>() != nullptr;
-    case Shape::Number:
-      return value.isNumber() && value.get<bool>() == nullptr;
-    case Shape::Texts:
-      return isTexts(value);
-    case Shape::Host:
-      return text != nullptr && looksLikeHost(*text);
-    case Shape::PublicKey:
-      return text != nullptr && platform::looksLikePublicKey(*text);
-  }
-  return false;
-}
-
-std::string_view nameOf(Shape shape) {
-  switch (shape) {
-    case Shape::Text:
-      return "text";
-    case Shape::Truth:
-      return "truth value";
-    case Shape::Number:
-      return "number";
-    case Shape::Texts:
-      return "list of texts";
-    case Shape::Host:
-      return "name of a host";
-    case Shape::PublicKey:
-      break;
-  }
-  return "key of 32 bytes in base64";
-}
 
 // Of a host only a missing one is replaced; any text is used as it is.
 std::string_view costOfMisfit(const Value& value, const RequiredKey& wanted) {
-  const auto* const text = value.get<std::string>();
-  const bool isUsed = wanted.shape == Shape::Host && text != nullptr && !text->empty();
+  const bool isUsed = &wanted.shape == &kHostName && isText(value);
   return isUsed ? "nothing can be fetched from there" : wanted.cost;
 }
 
@@ -95,9 +78,9 @@ void checkKey(const CheckedBundle& bundle, const Value::Dictionary& information,
   const auto entry = information.find(wanted.key);
   if (entry == information.end()) {
     bundle.wrong(fmt::format("{} has no {}: {}.", kInformationFile, wanted.key, wanted.cost));
-  } else if (!fits(entry->second, wanted.shape)) {
+  } else if (!wanted.shape.fits(entry->second)) {
     bundle.wrong(fmt::format("{} has a {} that is no {}: {}.", kInformationFile, wanted.key,
-                             nameOf(wanted.shape), costOfMisfit(entry->second, wanted)));
+                             wanted.shape.name, costOfMisfit(entry->second, wanted)));
   }
 }
 
@@ -122,9 +105,18 @@ void checkIcon(const CheckedBundle& bundle, const Value::Dictionary& information
 
 std::string_view publicKeyOfNobody() { return KARNO_PUBLIC_KEY_OF_NOBODY; }
 
+bool looksLikeHost(const std::string& text) {
+  constexpr std::size_t kLettersMax = 260;
+  static const std::regex kHostAndPort([] {
+    const std::string label = "[0-9A-Za-z]([0-9A-Za-z-]{0,61}[0-9A-Za-z])?";
+    return label + "(\\." + label + ")*(:[0-9]{1,5})?";
+  }());
+  return text.size() <= kLettersMax && std::regex_match(text, kHostAndPort);
+}
+
 std::optional<std::string> textIn(const Value::Dictionary& information, std::string_view key) {
   const auto entry = information.find(key);
-  if (entry == information.end() || !fits(entry->second, Shape::Text)) return std::nullopt;
+  if (entry == information.end() || !isText(entry->second)) return std::nullopt;
   return *entry->second.get<std::string>();
 }
 

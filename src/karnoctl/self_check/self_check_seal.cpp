@@ -1,4 +1,4 @@
-#include "karnoctl/self_check/self_check_seal.h"
+#include "karnoctl/self_check/self_check.h"
 
 #include <fmt/format.h>
 
@@ -31,20 +31,19 @@ std::string complaintIn(const std::string& text, const std::string& path) {
 // Whether it fits.
 bool checkFit(const CheckedBundle& bundle) {
   const auto answer =
-      askTool(bundle.platform().commands, kCodeSign, {"--verify", "--deep", "--strict", bundle.path()});
+      askTool(bundle.platform.commands, kCodeSign, {"--verify", "--deep", "--strict", bundle.path});
   if (!answer) {
     bundle.note(fmt::format("There is no {} here: the signature of the bundle was not checked.", kCodeSign));
     return false;
   }
   if (answer->status == 0) return true;
   bundle.wrong(fmt::format("The signature of the bundle does not fit ({}): macOS may refuse to start it.",
-                           complaintIn(answer->text, bundle.path())));
+                           complaintIn(answer->text, bundle.path)));
   return false;
 }
 
 void tellWhoseItIs(const CheckedBundle& bundle) {
-  const auto answer =
-      askTool(bundle.platform().commands, kCodeSign, {"--display", "--verbose=2", bundle.path()});
+  const auto answer = askTool(bundle.platform.commands, kCodeSign, {"--display", "--verbose=2", bundle.path});
   if (!answer || answer->status != 0) return;
   const std::string authority = lineAfter(answer->text, "Authority=");
   if (lineAfter(answer->text, "Signature=") == "adhoc") {
@@ -60,12 +59,12 @@ void tellWhoseItIs(const CheckedBundle& bundle) {
 }
 
 void checkGatekeeper(const CheckedBundle& bundle, bool isInQuarantine) {
-  const auto answer = askTool(bundle.platform().commands, kGatekeeper,
-                              {"--assess", "--type", "execute", "--verbose=2", bundle.path()});
+  const auto answer = askTool(bundle.platform.commands, kGatekeeper,
+                              {"--assess", "--type", "execute", "--verbose=2", bundle.path});
   if (!answer || (answer->status != 0 && answer->status != kRejected)) {
     bundle.note(fmt::format(
         "{}: what Gatekeeper says of the bundle was not checked.",
-        answer ? fmt::format("{} failed ({})", kGatekeeper, complaintIn(answer->text, bundle.path()))
+        answer ? fmt::format("{} failed ({})", kGatekeeper, complaintIn(answer->text, bundle.path))
                : fmt::format("There is no {} here", kGatekeeper)));
     return;
   }
@@ -80,14 +79,10 @@ void checkGatekeeper(const CheckedBundle& bundle, bool isInQuarantine) {
   }
 }
 
-bool isSealed(const CheckedBundle& bundle) {
-  return static_cast<bool>(bundle.platform().fileReading.open(bundle.pathOf(kSeal)));
-}
-
 }  // namespace
 
 void checkSeal(const CheckedBundle& bundle, bool isInQuarantine) {
-  if (!isSealed(bundle) || !checkFit(bundle)) return;
+  if (!bundle.platform.fileReading.open(bundle.pathOf(kSeal)) || !checkFit(bundle)) return;
   tellWhoseItIs(bundle);
   checkGatekeeper(bundle, isInQuarantine);
 }

@@ -1,8 +1,6 @@
-#include "karnoctl/self_check/self_check_system.h"
+#include "karnoctl/self_check/self_check.h"
 
 #include <fmt/format.h>
-
-#include "karnoctl/self_check/self_check_seal.h"
 
 namespace karno::karnoctl {
 namespace {
@@ -10,7 +8,7 @@ namespace {
 constexpr const char* kFramework = "Contents/Frameworks/Sparkle.framework";
 
 void report(const CheckedBundle& bundle, const platform::MessageCensus& census, std::string_view owner) {
-  bundle.findings().messages += census.lookedFor;
+  bundle.findings.messages += census.lookedFor;
   for (const std::string& message : census.missing) {
     bundle.wrong(fmt::format("{} has no {}: what the launcher does with it fails.", owner, message));
   }
@@ -22,7 +20,7 @@ void report(const CheckedBundle& bundle, const platform::MessageCensus& census, 
 void checkFramework(const CheckedBundle& bundle) {
   constexpr const char* kCost = "updates never start, and the launcher does not quit when its client ends";
   if (!bundle.hasFolder(kFramework, kCost)) return;
-  const auto census = bundle.runtime().updaterMessages(bundle.pathOf(kFramework));
+  const auto census = bundle.runtime.updaterMessages(bundle.pathOf(kFramework));
   if (!census) {
     bundle.wrong(fmt::format("{} cannot be loaded ({}): {}.", kFramework, reasonOf(census.error()), kCost));
     return;
@@ -39,11 +37,11 @@ void checkMacBundle(const CheckedBundle& bundle) {
 }
 
 void checkSystem(const CheckedBundle& bundle) {
-  report(bundle, bundle.runtime().systemMessages(), "This system");
+  report(bundle, bundle.runtime.systemMessages(), "This system");
 }
 
 void checkExceptions(const CheckedBundle& bundle) {
-  if (bundle.runtime().exceptionsBecomeErrors()) return;
+  if (bundle.runtime.exceptionsBecomeErrors()) return;
   bundle.wrong("An exception of this system has not become an error: one can end the launcher at any time.");
 }
 

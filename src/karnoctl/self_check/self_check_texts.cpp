@@ -1,14 +1,14 @@
-#include "karnoctl/self_check/self_check_texts.h"
+#include "karnoctl/self_check/self_check.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <span>
 #include <string_view>
 #include <utility>
 
-#include "karnoctl/self_check/self_check_information.h"
 #include "localise/string_table.h"
 
 namespace karno::karnoctl {
@@ -57,20 +57,16 @@ std::vector<std::string> languagesOf(const Value::Dictionary& information) {
   return languages;
 }
 
-// An empty text counts as none.
-Tokens tokensOf(const StringTable& table) {
-  Tokens tokens;
-  for (const auto& [token, text] : table) {
-    if (!text.empty()) tokens.insert(token);
-  }
-  return tokens;
-}
+const std::string* shownIn(const std::string& text) { return &text; }
+const std::string* shownIn(const Value& value) { return value.get<std::string>(); }
 
-Tokens tokensOf(const Value::Dictionary& table) {
+// An empty text counts as none.
+template <class TextsByToken>
+Tokens tokensOf(const TextsByToken& table) {
   Tokens tokens;
   for (const auto& [token, text] : table) {
-    if (const auto* const shown = text.get<std::string>(); shown != nullptr && !shown->empty())
-      tokens.insert(token);
+    const std::string* const shown = shownIn(text);
+    if (shown != nullptr && !shown->empty()) tokens.insert(token);
   }
   return tokens;
 }
@@ -96,11 +92,10 @@ std::optional<Tokens> tokensOfJson(const CheckedBundle& bundle, const std::strin
 
 std::optional<Tokens> tokensIn(const CheckedBundle& bundle, const TableKind& kind, const std::string& file,
                                std::string_view cost) {
-  ++bundle.findings().tables;
+  ++bundle.findings.tables;
   if (!kind.isPropertyList) return tokensOfJson(bundle, file, cost);
   const auto table = bundle.dictionary(file, cost);
-  if (!table) return std::nullopt;
-  return tokensOf(*table);
+  return table ? std::optional(tokensOf(*table)) : std::nullopt;
 }
 
 std::vector<Table> readTables(const CheckedBundle& bundle, const TableKind& kind,
@@ -120,10 +115,8 @@ std::vector<Table> readTables(const CheckedBundle& bundle, const TableKind& kind
 // The first few by name.
 std::string listed(const std::vector<std::string>& tokens) {
   constexpr std::size_t kNamedMax = 3;
-  std::string text;
-  for (std::size_t index = 0; index < tokens.size() && index < kNamedMax; ++index) {
-    text += fmt::format("{}\"{}\"", index == 0 ? "" : ", ", tokens[index]);
-  }
+  const auto named = std::span(tokens).first(std::min(tokens.size(), kNamedMax));
+  const std::string text = fmt::format("\"{}\"", fmt::join(named, "\", \""));
   return tokens.size() <= kNamedMax ? text : fmt::format("{} and {} more", text, tokens.size() - kNamedMax);
 }
 

@@ -1,45 +1,30 @@
-#include "karnoctl/self_check/self_check_trust.h"
+#include "karnoctl/self_check/self_check.h"
 
 #include <fmt/format.h>
 
-#include <array>
-#include <charconv>
 #include <sstream>
 
-#include "karnoctl/self_check/self_check_information.h"
-#include "karnoctl/self_check/self_check_seal.h"
 #include "karnoctl/self_check/system_tools.h"
 #include "move/applications_folder.h"
+#include "platform/version_order.h"
 
 namespace karno::karnoctl {
 namespace {
 
 constexpr const char* kExtendedAttributes = "/usr/bin/xattr";
 
-// The numbers of "10.14.6"; what is missing or no number is 0.
-std::array<int, 3> versionNumbers(const std::string& text) {
-  std::array<int, 3> numbers = {};
-  std::istringstream parts(text);
-  std::string part;
-  for (int& number : numbers) {
-    if (!std::getline(parts, part, '.')) break;
-    std::from_chars(part.data(), part.data() + part.size(), number);
-  }
-  return numbers;
-}
-
 void checkLowestSystem(const CheckedBundle& bundle, const platform::Value::Dictionary& information) {
   const auto lowest = textIn(information, "LSMinimumSystemVersion");
   if (!lowest) return;
-  const auto [major, minor, patch] = versionNumbers(*lowest);
-  if (bundle.platform().systemVersion.isAtLeast(major, minor, patch)) return;
+  const auto [major, minor, patch] = platform::versionParts(*lowest);
+  if (bundle.platform.systemVersion.isAtLeast(major, minor, patch)) return;
   bundle.wrong(
       fmt::format("{} wants macOS {} or later, and this one is older: it does not start the launcher.",
                   kInformationFile, *lowest));
 }
 
 void checkTranslocation(const CheckedBundle& bundle) {
-  if (!isTranslocated(bundle.path())) return;
+  if (!isTranslocated(bundle.path)) return;
   bundle.wrong(
       "macOS runs the bundle from a random place that nobody can write to (AppTranslocation): the launcher "
       "asks to be moved, and no update can be installed.");
@@ -58,7 +43,7 @@ std::string bringerIn(const std::string& quarantine) {
 // Whether the bundle is in quarantine.
 bool checkQuarantine(const CheckedBundle& bundle) {
   const auto answer =
-      askTool(bundle.platform().commands, kExtendedAttributes, {"-p", "com.apple.quarantine", bundle.path()});
+      askTool(bundle.platform.commands, kExtendedAttributes, {"-p", "com.apple.quarantine", bundle.path});
   if (!answer) {
     bundle.note(fmt::format("There is no {} here: whether the bundle is in quarantine was not checked.",
                             kExtendedAttributes));
@@ -75,7 +60,7 @@ bool checkQuarantine(const CheckedBundle& bundle) {
 
 // As ls tells it: modes, links, owner.
 std::string ownerOf(const CheckedBundle& bundle) {
-  const auto answer = askTool(bundle.platform().commands, "/bin/ls", {"-ld", bundle.path()});
+  const auto answer = askTool(bundle.platform.commands, "/bin/ls", {"-ld", bundle.path});
   if (!answer || answer->status != 0) return {};
   std::istringstream columns(answer->text);
   std::string modes;
@@ -86,7 +71,7 @@ std::string ownerOf(const CheckedBundle& bundle) {
 }
 
 void checkOwner(const CheckedBundle& bundle) {
-  if (bundle.platform().fileManager.isWritable(bundle.path())) return;
+  if (bundle.platform.fileManager.isWritable(bundle.path)) return;
   const std::string owner = ownerOf(bundle);
   bundle.note(fmt::format("The bundle {}: an update asks for an administrator's password.",
                           owner.empty() ? "is not for this user to change"

@@ -86,33 +86,30 @@ constexpr Turn kTurns[] = {
 };
 
 struct QuestionText {
-  Question question;
   std::string_view name;
   std::string_view text;
 };
 
+// Each in the order of its enumeration.
 constexpr QuestionText kQuestions[] = {
-    {Question::Move, "move", "whether it may move itself to the Applications folder"},
-    {Question::InstallFuse, "install-fuse", "to install macFUSE, or a newer one"},
-    {Question::LaunchFailure, "launch-failure", "to confirm that the client could not be started"},
-    {Question::RestartAfterFailure, "restart-after-failure",
-     "whether to start the client again after it has failed"},
-    {Question::InstallUpdate, "install-update", "whether to install an update"},
-    {Question::UpdateFuse, "update-fuse", "whether to update macFUSE"},
+    {"move", "whether it may move itself to the Applications folder"},
+    {"install-fuse", "to install macFUSE, or a newer one"},
+    {"launch-failure", "to confirm that the client could not be started"},
+    {"restart-after-failure", "whether to start the client again after it has failed"},
+    {"install-update", "whether to install an update"},
+    {"update-fuse", "whether to update macFUSE"},
 };
 
 constexpr std::string_view kStates[] = {"unknown", "starts",  "waits-for-fuse", "asks",
                                         "runs",    "updates", "quits"};
 
-const QuestionText& entryOf(Question question) {
-  return *std::ranges::find(kQuestions, question, &QuestionText::question);
-}
-
 }  // namespace
 
 std::string_view nameOf(LauncherState state) { return kStates[static_cast<std::size_t>(state)]; }
-std::string_view nameOf(Question question) { return entryOf(question).name; }
-std::string_view questionText(Question question) { return entryOf(question).text; }
+std::string_view nameOf(Question question) { return kQuestions[static_cast<std::size_t>(question)].name; }
+std::string_view questionText(Question question) {
+  return kQuestions[static_cast<std::size_t>(question)].text;
+}
 
 void LauncherStory::take(const LogLine& line) {
   if (line.message == kBeginning) *this = LauncherStory();

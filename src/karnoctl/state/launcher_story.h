@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "karnoctl/state/log_line.h"
+#include "karnoctl/log/log_line.h"
 
 namespace karno::karnoctl {
 

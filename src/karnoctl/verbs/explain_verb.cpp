@@ -1,7 +1,6 @@
 #include <ostream>
 
 #include "command_line/arguments.h"
-#include "karnoctl/explain/explanation_json.h"
 #include "karnoctl/explain/explanation_text.h"
 #include "karnoctl/verbs/verbs.h"
 
@@ -23,14 +22,14 @@ command_line::Verb explainVerb(Context& context) {
       .synopsis = "[--json]",
       .summary = "say what the next start of the launcher does, and why",
       .help =
-          "Says which build of the client the next start of the launcher runs, whether the system check "
-          "lets\n"
-          "it, whether it asks to be moved, and what all of that rests on. Nothing is started, written or\n"
-          "logged. A build that is named on the launcher's own command line, as in a restart into the other\n"
-          "build, comes before the choice.\n"
-          "\n"
-          "Options:\n"
-          "  --json   the same for scripts\n",
+          R"(Says which build of the client the next start of the launcher runs, whether the system check lets
+it, whether it asks to be moved, and what all of that rests on. Nothing is started, written or
+logged. A build that is named on the launcher's own command line, as in a restart into the other
+build, comes before the choice.
+
+Options:
+  --json   the same for scripts
+)",
       .flags = {"--json"},
       .run = [&context](const auto& arguments) { return explain(arguments, context); }};
 }

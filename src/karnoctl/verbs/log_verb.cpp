@@ -119,13 +119,14 @@ command_line::Verb logVerb(Context& context) {
       .synopsis = "[--follow] [--lines N] [--color WHEN]",
       .summary = "show what the launcher has logged",
       .help =
-          "Shows the end of the launcher's log. Where the log file has fewer lines than asked for, the file\n"
-          "before it is shown first.\n"
-          "\n"
-          "Options:\n"
-          "  --lines N      how many lines (50), or all\n"
-          "  --follow       go on with what the launcher logs from now on, until Ctrl-C (exit status 130)\n"
-          "  --color WHEN   levels in colour: auto (on a terminal, unless NO_COLOR is set), always, never\n",
+          R"(Shows the end of the launcher's log. Where the log file has fewer lines than asked for, the file
+before it is shown first.
+
+Options:
+  --lines N      how many lines (50), or all
+  --follow       go on with what the launcher logs from now on, until Ctrl-C (exit status 130)
+  --color WHEN   levels in colour: auto (on a terminal, unless NO_COLOR is set), always, never
+)",
       .options = {"--lines", "--color"},
       .flags = {"--follow"},
       .run = run};

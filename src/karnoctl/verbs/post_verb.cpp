@@ -7,7 +7,6 @@
 #include "command_line/arguments.h"
 #include "command_line/closest_word.h"
 #include "ipc/wrapper_notification.h"
-#include "karnoctl/verbs/posting.h"
 #include "karnoctl/verbs/running_launchers.h"
 #include "karnoctl/verbs/verbs.h"
 #include "platform/text/utf8.h"
@@ -76,7 +75,7 @@ int post(const command_line::Arguments& arguments, const Context& context) {
 
 }  // namespace
 
-bool postToLauncher(const std::string& message, const std::optional<std::string>& reason,
+bool postToLauncher(std::string_view message, const std::optional<std::string>& reason,
                     const Context& context) {
   if (context.platform().distributedNotifications.post(wrapperNotification(message, reason))) return true;
   context.err << "karnoctl: cannot post '" << message

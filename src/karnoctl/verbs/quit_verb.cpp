@@ -7,7 +7,6 @@
 
 #include "command_line/arguments.h"
 #include "ipc/wrapper_protocol.h"
-#include "karnoctl/verbs/posting.h"
 #include "karnoctl/verbs/status_text.h"
 #include "karnoctl/verbs/verbs.h"
 
@@ -48,8 +47,7 @@ int quit(std::uint64_t seconds, const Context& context) {
     context.err << "karnoctl: no launcher runs\n";
     return kExitNotRunning;
   }
-  if (!postToLauncher(std::string(kUserSelectedQuit), std::nullopt, context))
-    return command_line::kExitFailed;
+  if (!postToLauncher(kUserSelectedQuit, std::nullopt, context)) return command_line::kExitFailed;
   if (haveEnded(launchers, seconds, context)) {
     context.out << "The Karno launcher has quit.\n";
     return command_line::kExitOk;
@@ -75,19 +73,20 @@ command_line::Verb quitVerb(Context& context) {
     const auto wait = arguments.value("--wait");
     return quit(wait ? secondsIn(*wait) : kUsualWaitSeconds, context);
   };
-  return {.name = "quit",
-          .synopsis = "[--wait SECONDS]",
-          .summary = "have the launcher and its client quit, and wait for that",
-          .help =
-              "Posts user-selected-quit to the launchers that run in your account and waits until they have\n"
-              "ended. A question on the screen holds the end up until the user has answered it.\n"
-              "\n"
-              "Options:\n"
-              "  --wait SECONDS   how long to wait (30)\n"
-              "\n"
-              "Exit status: 0 they have ended, 3 none ran, 4 one still runs.\n",
-          .options = {"--wait"},
-          .run = run};
+  return {
+      .name = "quit",
+      .synopsis = "[--wait SECONDS]",
+      .summary = "have the launcher and its client quit, and wait for that",
+      .help = R"(Posts user-selected-quit to the launchers that run in your account and waits until they have
+ended. A question on the screen holds the end up until the user has answered it.
+
+Options:
+  --wait SECONDS   how long to wait (30)
+
+Exit status: 0 they have ended, 3 none ran, 4 one still runs.
+)",
+      .options = {"--wait"},
+      .run = run};
 }
 
 }  // namespace karno::karnoctl

@@ -7,7 +7,6 @@
 #include "karnoctl/error_text.h"
 #include "karnoctl/log/log_printer.h"
 #include "karnoctl/report/report_content.h"
-#include "karnoctl/report/tar_archive.h"
 #include "karnoctl/self_check/system_tools.h"
 #include "karnoctl/verbs/verbs.h"
 #include "log/date_texts.h"
@@ -75,14 +74,14 @@ command_line::Verb reportVerb(Context& context) {
       .name = "report",
       .synopsis = "[--output FILE]",
       .summary = "put what support wants to see into one file",
-      .help =
-          "Puts status, explanation, self-check, both log files, settings, managed values and the crash\n"
-          "reports of the last 30 days into one archive, in which your home folder is \"~\" and your name\n"
-          "\"USER\", and says what is in it and what is not. Nobody but you may read it, and nothing leaves\n"
-          "this machine.\n"
-          "\n"
-          "Options:\n"
-          "  --output FILE   where to (karno-report-TIME.tar.gz in this folder); a file there is replaced\n",
+      .help = R"(Puts status, explanation, self-check, both log files, settings, managed values and the crash
+reports of the last 30 days into one archive, in which your home folder is "~" and your name
+"USER", and says what is in it and what is not. Nobody but you may read it, and nothing leaves
+this machine.
+
+Options:
+  --output FILE   where to (karno-report-TIME.tar.gz in this folder); a file there is replaced
+)",
       .options = {"--output"},
       .run = [&context](const auto& arguments) { return report(arguments.value("--output"), context); }};
 }

@@ -11,14 +11,6 @@ using platform::RunningProcess;
 constexpr std::string_view kLauncherIdentifier = "it.vantul.KarnoWrapper";
 constexpr std::string_view kPrograms = "/Contents/MacOS/";
 
-// The folder X.app of an executable X.app/Contents/MacOS/NAME.
-std::optional<std::string> bundlePathOf(const std::string& executable) {
-  const std::size_t programs = executable.rfind(kPrograms);
-  if (programs == std::string::npos) return std::nullopt;
-  if (executable.find('/', programs + kPrograms.size()) != std::string::npos) return std::nullopt;
-  return executable.substr(0, programs);
-}
-
 std::optional<std::string> textUnder(std::string_view key, const platform::Bundle& bundle) {
   const auto value = bundle.objectForInfoDictionaryKey(key);
   const std::string* const text = value ? value->get<std::string>() : nullptr;
@@ -58,6 +50,13 @@ std::vector<RunningLauncher> launchersAmong(const std::vector<RunningProcess>& p
 }
 
 }  // namespace
+
+std::optional<std::string> bundlePathOf(const std::string& program) {
+  const std::size_t programs = program.rfind(kPrograms);
+  if (programs == std::string::npos) return std::nullopt;
+  if (program.find('/', programs + kPrograms.size()) != std::string::npos) return std::nullopt;
+  return program.substr(0, programs);
+}
 
 bool ObservedLauncher::hasNoClient() const {
   return clients.empty() && (otherChildren.empty() || !logged.story.isEmpty());

@@ -37,6 +37,9 @@ struct ObservedLauncher {
   bool hasNoClient() const;
 };
 
+// The folder X.app of a program X.app/Contents/MacOS/NAME; absent for one that lies elsewhere.
+std::optional<std::string> bundlePathOf(const std::string& program);
+
 // The launchers of this user, in ascending order of their process identifiers.
 std::vector<RunningLauncher> runningLaunchers(const platform::Platform& platform);
 

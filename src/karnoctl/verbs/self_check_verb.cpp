@@ -2,22 +2,12 @@
 #include <ostream>
 
 #include "command_line/arguments.h"
-#include "karnoctl/programs/program_file.h"
 #include "karnoctl/self_check/self_check.h"
-#include "karnoctl/self_check/self_check_system.h"
+#include "karnoctl/verbs/running_launchers.h"
 #include "karnoctl/verbs/verbs.h"
-#include "util/string_utils.h"
 
 namespace karno::karnoctl {
 namespace {
-
-// X.app of X.app/Contents/MacOS/karnoctl; empty for a program that lies elsewhere.
-std::string bundleAround(const std::string& program) {
-  const std::string programs = deletingLastPathComponent(program);
-  const std::string contents = deletingLastPathComponent(programs);
-  const bool isInBundle = lastPathComponent(programs) == "MacOS" && lastPathComponent(contents) == "Contents";
-  return isInBundle ? deletingLastPathComponent(contents) : std::string();
-}
 
 // What stands in the way of looking into the bundle at all; empty when nothing does.
 std::string obstacleTo(const platform::Platform& platform, const std::string& path) {
@@ -30,7 +20,7 @@ std::string obstacleTo(const platform::Platform& platform, const std::string& pa
 }
 
 int report(const CheckedBundle& bundle, Context& context) {
-  const SelfCheckFindings& found = bundle.findings();
+  const SelfCheckFindings& found = bundle.findings;
   for (const std::string& sentence : found.wrong) context.out << sentence << '\n';
   for (const std::string& sentence : found.notes) context.out << "Note: " << sentence << '\n';
   // An exception that is not caught ends this process.
@@ -45,7 +35,7 @@ int report(const CheckedBundle& bundle, Context& context) {
 int reportAsJson(const CheckedBundle& bundle, Context& context) {
   checkExceptions(bundle);
   context.out << findingsJson(bundle);
-  return bundle.findings().wrong.empty() ? command_line::kExitOk : command_line::kExitFailed;
+  return bundle.findings.wrong.empty() ? command_line::kExitOk : command_line::kExitFailed;
 }
 
 int check(const std::string& path, bool asJson, Context& context) {
@@ -57,7 +47,11 @@ int check(const std::string& path, bool asJson, Context& context) {
     context.err << "karnoctl: cannot read its own program: " << reasonOf(own.error()) << '\n';
     return command_line::kExitFailed;
   }
-  const CheckedBundle bundle(platform, runtime, own.value(), path, findings);
+  const CheckedBundle bundle{.platform = platform,
+                             .runtime = runtime,
+                             .ownProgram = own.value(),
+                             .path = path,
+                             .findings = findings};
   if (const std::string obstacle = obstacleTo(platform, path); !obstacle.empty()) {
     bundle.wrong(obstacle);
   } else {
@@ -69,7 +63,7 @@ int check(const std::string& path, bool asJson, Context& context) {
 std::string bundleFor(const std::optional<std::string>& said, Context& context) {
   const platform::FileManager& files = context.platform().fileManager;
   if (said) return files.standardising(files.resolvingSymbolicLinks(*said));
-  return bundleAround(context.runtimeCheck().programPath());
+  return bundlePathOf(context.runtimeCheck().programPath()).value_or("");
 }
 
 int runSelfCheck(const command_line::Arguments& arguments, Context& context) {
@@ -87,21 +81,18 @@ command_line::Verb selfCheckVerb(Context& context) {
       .synopsis = "[--json] [BUNDLE]",
       .summary = "say what is wrong with the launcher's bundle",
       .help =
-          "Checks the launcher's bundle, the one that this karnoctl lies in or BUNDLE: its property lists,\n"
-          "programs, both builds of the client, the texts in all languages and, on a Mac, that it is signed "
-          "and\n"
-          "can be updated; whether the system trusts it: signature, Gatekeeper, quarantine, owner and "
-          "lowest\n"
-          "macOS; then, whether this system has all that the launcher asks of it. Says each thing that is "
-          "wrong,\n"
-          "and what it costs, in one sentence; what only ought to be known follows as a note. Nothing of "
-          "the\n"
-          "bundle is started, and nothing is changed.\n"
-          "\n"
-          "Options:\n"
-          "  --json   the same for scripts\n"
-          "\n"
-          "Exit status: 0 nothing is wrong, 1 something is.\n",
+          R"(Checks the launcher's bundle, the one that this karnoctl lies in or BUNDLE: its property lists,
+programs, both builds of the client, the texts in all languages and, on a Mac, that it is signed and
+can be updated; whether the system trusts it: signature, Gatekeeper, quarantine, owner and lowest
+macOS; then, whether this system has all that the launcher asks of it. Says each thing that is wrong,
+and what it costs, in one sentence; what only ought to be known follows as a note. Nothing of the
+bundle is started, and nothing is changed.
+
+Options:
+  --json   the same for scripts
+
+Exit status: 0 nothing is wrong, 1 something is.
+)",
       .flags = {"--json"},
       .word = "bundle",
       .run = [&context](const auto& arguments) { return runSelfCheck(arguments, context); }};

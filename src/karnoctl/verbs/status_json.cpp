@@ -1,8 +1,7 @@
 #include <algorithm>
 
 #include "app/karno_embedded_app.h"
-#include "karnoctl/explain/explanation_json.h"
-#include "karnoctl/json_text.h"
+#include "karnoctl/explain/explanation_text.h"
 #include "karnoctl/verbs/status_text.h"
 #include "util/string_utils.h"
 

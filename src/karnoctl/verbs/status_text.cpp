@@ -116,30 +116,26 @@ std::optional<ChoiceRule> ruleOf(const LauncherStory& story) {
 }
 
 std::string stateText(const LauncherStory& story) {
-  const auto with = [doing = story.doing()](std::string_view name, std::string_view joint) {
-    return std::string(name) + (doing.empty() ? "" : std::string(joint) + doing);
+  struct Text {
+    std::string_view name;
+    std::string_view joint;  // to what it is at
   };
-  switch (story.state()) {
-    case LauncherState::Starts:
-      return with("starts", ": ");
-    case LauncherState::WaitsForFuse:
-      return "waits for macFUSE";
-    case LauncherState::Asks:
-      return with("asks the user", " ");
-    case LauncherState::Runs:
-      return "runs";
-    case LauncherState::Updates:
-      return with("updates", ": ");
-    case LauncherState::Quits:
-      return with("quits", ": ");
-    case LauncherState::Unknown:
-      break;
-  }
-  return "not known: the log tells nothing of it";
+  // In the order of LauncherState.
+  constexpr Text kTexts[] = {{"not known: the log tells nothing of it", ""},
+                             {"starts", ": "},
+                             {"waits for macFUSE", ""},
+                             {"asks the user", " "},
+                             {"runs", ""},
+                             {"updates", ": "},
+                             {"quits", ": "}};
+  const Text& text = kTexts[static_cast<std::size_t>(story.state())];
+  const std::string doing = story.doing();
+  return std::string(text.name).append(doing.empty() ? "" : text.joint).append(doing);
 }
 
 std::string statusText(const std::vector<ObservedLauncher>& launchers, const Explanation& next,
                        platform::Date now) {
+  if (launchers.empty()) return "No Karno launcher runs.\n";
   std::string text;
   for (const ObservedLauncher& launcher : launchers)
     text += (text.empty() ? "" : "\n") + launcherText(launcher, next, now);

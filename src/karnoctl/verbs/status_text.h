@@ -18,15 +18,13 @@ std::optional<ChoiceRule> ruleOf(const LauncherStory& story);
 // "starts: checks the system", without the date.
 std::string stateText(const LauncherStory& story);
 
-// What "status" says about the launchers at that moment; `next` is what their next start would do.
+// What "status" says about the launchers at that moment; `next` is what their next start would do,
+// of which nothing is told when there are none.
 std::string statusText(const std::vector<ObservedLauncher>& launchers, const Explanation& next,
                        platform::Date now);
 
 // The same for scripts.
 std::string statusJson(const std::vector<ObservedLauncher>& launchers, const Explanation& next,
                        platform::Date now);
-
-// When no launcher runs, nothing of the next start is asked.
-inline constexpr const char* kNoLauncherRuns = "No Karno launcher runs.\n";
 
 }  // namespace karno::karnoctl

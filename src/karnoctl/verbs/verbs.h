@@ -1,4 +1,8 @@
 #pragma once
+#include <optional>
+#include <string>
+#include <string_view>
+
 #include "command_line/verb.h"
 #include "karnoctl/verbs/context.h"
 
@@ -12,5 +16,10 @@ command_line::Verb selfCheckVerb(Context& context);
 command_line::Verb postVerb(Context& context);
 command_line::Verb quitVerb(Context& context);
 command_line::Verb reportVerb(Context& context);
+
+// Posts to the launcher what its client would post; whether anybody listens is not known. False when the
+// session's notification service cannot be reached, which is said then.
+bool postToLauncher(std::string_view message, const std::optional<std::string>& reason,
+                    const Context& context);
 
 }  // namespace karno::karnoctl

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "karnoctl/self_check/self_check_information.h"
+#include "karnoctl/self_check/self_check.h"
 
 namespace karno::platform {
 namespace {

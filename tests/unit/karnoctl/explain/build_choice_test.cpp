@@ -1,4 +1,4 @@
-#include "karnoctl/explain/build_choice.h"
+#include "karnoctl/explain/explanation.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,6 @@
 
 #include "app/karno_embedded_app.h"
 #include "fake_platform.h"
-#include "karnoctl/explain/explanation.h"
 
 namespace karno::karnoctl {
 

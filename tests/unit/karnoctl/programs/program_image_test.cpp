@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "made_up_programs.h"
@@ -23,11 +24,21 @@ using test::MachO;
 using test::Numbers;
 using test::universal;
 
-platform::Result<ProgramImage> imageOf(const std::string& bytes) {
-  return programImage({.sizeInBytes = bytes.size(), .read = [&bytes](std::uint64_t offset, std::size_t max) {
-                         return bytes.substr(std::min<std::uint64_t>(offset, bytes.size()), max);
-                       }});
-}
+class FileInMemory : public platform::ReadableFile {
+ public:
+  explicit FileInMemory(std::string bytes) : bytes_(std::move(bytes)) {}
+
+  platform::FileIdentity identity() const override { return {}; }
+  std::uint64_t sizeInBytes() const override { return bytes_.size(); }
+  platform::Result<std::string> read(std::uint64_t offset, std::size_t bytesMax) const override {
+    return bytes_.substr(std::min<std::uint64_t>(offset, bytes_.size()), bytesMax);
+  }
+
+ private:
+  const std::string bytes_;
+};
+
+platform::Result<ProgramImage> imageOf(const std::string& bytes) { return programImage(FileInMemory(bytes)); }
 
 std::string objectionTo(const std::string& bytes) {
   const auto image = imageOf(bytes);
@@ -169,12 +180,14 @@ TEST(ProgramImage, HasUpToSixteenSlices) {
 }
 
 TEST(ProgramImage, MissesWhatCannotBeReadOfAFileThatSaysMore) {
-  const std::string program = MachO{}.bytes();
+  class FileThatSaysMore final : public FileInMemory {
+    using FileInMemory::FileInMemory;
+    platform::Result<std::string> read(std::uint64_t offset, std::size_t bytesMax) const override {
+      return FileInMemory::read(offset, std::min<std::size_t>(bytesMax, 20));
+    }
+  };
 
-  const auto image =
-      programImage({.sizeInBytes = program.size(), .read = [&program](std::uint64_t offset, std::size_t max) {
-                      return program.substr(offset, std::min<std::size_t>(max, 20));
-                    }});
+  const auto image = programImage(FileThatSaysMore(MachO{}.bytes()));
 
   ASSERT_FALSE(image);
   EXPECT_EQ(image.error().localizedDescription(), "its end is missing");
@@ -190,9 +203,14 @@ TEST(ProgramImage, MissesCodeBehindTheEndOfTheFile) {
 }
 
 TEST(ProgramImage, SaysWhyTheFileCannotBeRead) {
-  const auto image = programImage({.sizeInBytes = 1000, .read = [](std::uint64_t, std::size_t) {
-                                     return platform::Result<std::string>(platform::Error::posix(EIO));
-                                   }});
+  class FileOnADamagedDisk final : public FileInMemory {
+    using FileInMemory::FileInMemory;
+    platform::Result<std::string> read(std::uint64_t, std::size_t) const override {
+      return platform::Error::posix(EIO);
+    }
+  };
+
+  const auto image = programImage(FileOnADamagedDisk(std::string(1000, 'x')));
 
   ASSERT_FALSE(image);
   EXPECT_EQ(image.error().localizedDescription(), "The operation couldn’t be completed. Input/output error");

@@ -1,4 +1,4 @@
-#include "karnoctl/report/tar_archive.h"
+#include "karnoctl/report/report_content.h"
 
 #include <gtest/gtest.h>
 

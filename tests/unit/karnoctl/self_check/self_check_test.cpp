@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <nlohmann/json.hpp>
 
-#include "karnoctl/self_check/self_check_information.h"
+#include "karnoctl/self_check/self_check.h"
 #include "made_up_programs.h"
 #include "self_check_fixture.h"
 

@@ -1,4 +1,4 @@
-#include "karnoctl/state/log_line.h"
+#include "karnoctl/log/log_line.h"
 
 #include <charconv>
 #include <cstddef>

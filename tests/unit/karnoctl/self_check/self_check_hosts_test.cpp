@@ -1,4 +1,4 @@
-#include "karnoctl/self_check/text_shapes.h"
+#include "karnoctl/self_check/self_check.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 namespace karno::karnoctl {
 namespace {
 
-TEST(TextShapes, KnowHosts) {
+TEST(SelfCheckOfHosts, TakesNamesWithAndWithoutAPort) {
   EXPECT_TRUE(looksLikeHost("updates.vantul.it"));
   EXPECT_TRUE(looksLikeHost("localhost"));
   EXPECT_TRUE(looksLikeHost("my-host.example:8443"));
@@ -15,7 +15,7 @@ TEST(TextShapes, KnowHosts) {
   EXPECT_TRUE(looksLikeHost(std::string(63, 'a')));
 }
 
-TEST(TextShapes, KnowWhatIsNoHost) {
+TEST(SelfCheckOfHosts, RefusesWhatIsNoHost) {
   EXPECT_FALSE(looksLikeHost(""));
   EXPECT_FALSE(looksLikeHost("https://updates.vantul.it"));
   EXPECT_FALSE(looksLikeHost("updates.vantul.it/feed"));
@@ -32,7 +32,7 @@ TEST(TextShapes, KnowWhatIsNoHost) {
   EXPECT_FALSE(looksLikeHost(std::string(1'000'000, '.')));
 }
 
-TEST(TextShapes, KnowHostsOfUpTo260Letters) {
+TEST(SelfCheckOfHosts, TakesUpTo260Letters) {
   std::string labels;
   while (labels.size() < 256) labels += "abc.";
 
