@@ -18,11 +18,6 @@ using std::chrono::milliseconds;
 // poll() counts in int; a longer wait is made of several.
 constexpr milliseconds kPollMax = std::chrono::hours(1);
 
-milliseconds timeUntil(Clock::time_point end) {
-  const auto left = std::chrono::ceil<milliseconds>(end - Clock::now());
-  return std::clamp(left, milliseconds(0), kPollMax);
-}
-
 }  // namespace
 
 int waitForEnd(pid_t process, std::chrono::seconds limit) {
@@ -32,9 +27,10 @@ int waitForEnd(pid_t process, std::chrono::seconds limit) {
 
   const auto end = Clock::now() + limit;
   while (true) {
-    const milliseconds left = timeUntil(end);
+    const auto left = std::chrono::ceil<milliseconds>(end - Clock::now());
     pollfd watched{.fd = descriptor.get(), .events = POLLIN, .revents = 0};
-    const int count = ::poll(&watched, 1, static_cast<int>(left.count()));
+    const int count =
+        ::poll(&watched, 1, static_cast<int>(std::clamp(left, milliseconds(0), kPollMax).count()));
     if (count > 0) return 0;
     if (count < 0 && errno != EINTR) return errno;
     if (count == 0 && Clock::now() >= end) return ETIMEDOUT;

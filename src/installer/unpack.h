@@ -5,7 +5,6 @@
 
 #include "installer/archive/extraction.h"
 #include "installer/archive/failure.h"
-#include "installer/archive/limits.h"
 
 namespace karno::installer {
 

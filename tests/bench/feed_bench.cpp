@@ -8,7 +8,7 @@
 #include "comparison.h"
 #include "load.h"
 #include "measurement.h"
-#include "platform/linux/updater/appcast.h"
+#include "platform/linux/updater/feed/appcast.h"
 
 namespace karno::bench {
 namespace {

@@ -2,8 +2,8 @@
 #include <string_view>
 
 #include "fuzz_target.h"
-#include "platform/linux/updater/appcast.h"
-#include "platform/linux/updater/notes_text.h"
+#include "platform/linux/updater/feed/appcast.h"
+#include "platform/linux/updater/feed/notes_text.h"
 #include "platform/version_order.h"
 
 namespace karno::fuzz {

@@ -4,11 +4,11 @@
 #include <ostream>
 
 #include "command_line/arguments.h"
-#include "karno-appcast/base64.h"
 #include "karno-appcast/failure.h"
-#include "karno-appcast/feed.h"
-#include "karno-appcast/feed_texts.h"
-#include "karno-appcast/key_file.h"
+#include "karno-appcast/feed/feed.h"
+#include "karno-appcast/feed/feed_texts.h"
+#include "karno-appcast/keys/base64.h"
+#include "karno-appcast/keys/key_file.h"
 #include "karno-appcast/verbs.h"
 #include "platform/posix/files/whole_file.h"
 

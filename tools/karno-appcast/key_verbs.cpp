@@ -2,9 +2,9 @@
 #include <ostream>
 
 #include "command_line/arguments.h"
-#include "karno-appcast/checkout.h"
 #include "karno-appcast/failure.h"
-#include "karno-appcast/key_file.h"
+#include "karno-appcast/keys/checkout.h"
+#include "karno-appcast/keys/key_file.h"
 #include "karno-appcast/verbs.h"
 
 namespace karno::appcast {

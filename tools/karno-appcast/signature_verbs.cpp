@@ -1,11 +1,11 @@
 #include <ostream>
 
 #include "command_line/arguments.h"
+#include "karno-appcast/archives/mapped_file.h"
+#include "karno-appcast/archives/release_folder.h"
 #include "karno-appcast/failure.h"
-#include "karno-appcast/key_file.h"
-#include "karno-appcast/mapped_file.h"
-#include "karno-appcast/release_folder.h"
-#include "karno-appcast/release_rules.h"
+#include "karno-appcast/feed/release_rules.h"
+#include "karno-appcast/keys/key_file.h"
 #include "karno-appcast/verbs.h"
 
 namespace karno::appcast {

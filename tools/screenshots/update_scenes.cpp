@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/linux/updater/notes_text.h"
+#include "platform/linux/updater/feed/notes_text.h"
 #include "platform/linux/updater/offer_window.h"
 #include "platform/linux/updater/update_errors.h"
 #include "platform/linux/updater/update_texts.h"

@@ -7,7 +7,6 @@
 #include <optional>
 
 #include "installer/archive/archive_reader.h"
-#include "installer/archive/safe_path.h"
 #include "installer/archive/unpacked_tree.h"
 #include "platform/posix/scoped_descriptor.h"
 
@@ -24,7 +23,8 @@ Failure notOneBundle() {
 }
 
 // What the system says of a place, in the words of an archive where it is the archive's fault.
-Failure placeFailure(const SafePath& path, int error) {
+MaybeFailure placed(const SafePath& path, int error) {
+  if (error == 0) return std::nullopt;
   if (error == EEXIST) return refused(path, "comes twice");
   if (error == ENOTDIR || error == ELOOP) return refused(path, "lies in something that is no folder");
   return systemFailure(error);
@@ -91,14 +91,9 @@ class Extraction {
     return std::nullopt;
   }
 
-  static MaybeFailure placed(const SafePath& path, int error) {
-    if (error == 0) return std::nullopt;
-    return placeFailure(path, error);
-  }
-
   MaybeFailure writeFile(const SafePath& path, const ArchiveEntry& entry) {
     platform::ScopedDescriptor file;
-    if (const int error = tree_.makeFile(path, entry.permissions, file)) return placeFailure(path, error);
+    if (auto failure = placed(path, tree_.makeFile(path, entry.permissions, file))) return failure;
     std::uint64_t written = 0;
     const auto write = [&](const Piece& piece) -> MaybeFailure {
       if (const int error = writeAllAt(file.get(), piece.bytes, piece.offset)) return systemFailure(error);

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "installer/archive/failure.h"
-#include "installer/archive/limits.h"
+#include "installer/archive/safe_path.h"
 
 namespace karno::installer {
 

@@ -1,5 +1,7 @@
 #include "installer/archive/safe_path.h"
 
+#include <fmt/format.h>
+
 #include <cstddef>
 #include <utility>
 
@@ -64,10 +66,6 @@ bool staysInside(const SafePath& place, std::string_view target, const UnpackLim
   return true;
 }
 
-std::string joined(const SafePath& path) {
-  std::string text;
-  for (const std::string& name : path) text += (text.empty() ? "" : "/") + name;
-  return text;
-}
+std::string joined(const SafePath& path) { return fmt::format("{}", fmt::join(path, "/")); }
 
 }  // namespace karno::installer

@@ -1,12 +1,21 @@
 #pragma once
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "installer/archive/failure.h"
-#include "installer/archive/limits.h"
 
 namespace karno::installer {
+
+// How much an archive may ask for. A launcher's bundle needs a fraction of each.
+struct UnpackLimits {
+  std::size_t entriesMax = 100'000;  // those that are passed over count as well
+  std::uint64_t unpackedBytesMax = std::uint64_t{4} << 30U;
+  std::size_t nameBytesMax = 4096;  // of a whole path or of a link's destination
+  std::size_t depthMax = 64;        // names in a path
+};
 
 // The names that lead from the folder that is unpacked into to an entry: none of them is empty, "." or "..",
 // and none holds a "/" or a NUL. No names at all: the folder itself.

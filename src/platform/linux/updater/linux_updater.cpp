@@ -23,14 +23,11 @@ constexpr double kLookIntervalSeconds = 300;
 
 // Why updates cannot be had at all.
 std::optional<Error> misconfiguration() {
-  const Bundle& bundle = host().bundles.mainBundle();
-  if (!bundle.bundleIdentifier())
+  if (!host().bundles.mainBundle().bundleIdentifier())
     return updateError(UpdateErrorCode::InvalidHostIdentifier, "The application has no identifier.");
-  const auto version = bundle.objectForInfoDictionaryKey("CFBundleVersion");
-  if (!version || !version->isString() || version->get<std::string>()->empty())
+  if (infoText("CFBundleVersion").empty())
     return updateError(UpdateErrorCode::InvalidHostVersion, "The application has no version.");
-  const auto key = bundle.objectForInfoDictionaryKey(kPublicKeyKey);
-  if (!key || !key->isString() || !looksLikePublicKey(*key->get<std::string>()))
+  if (!looksLikePublicKey(infoText(kPublicKeyKey)))
     return updateError(UpdateErrorCode::NoPublicKey, "The application has no key to verify updates with.");
   return std::nullopt;
 }
@@ -62,19 +59,20 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
 
   void begin(bool isUserAsking) {
     inSession = true;
+    // The session is this one's own.
+    const auto ended = [weak = weak_from_this()] {
+      const auto self = weak.lock();
+      if (!self) return;
+      self->inSession = false;
+      self->session.reset();
+    };
     if (!texts) texts = std::make_shared<UpdateTexts>(host().bundles.mainBundle(), host().files);
     session = std::make_shared<UpdateSession>(UpdateSession::Parts{.updater = updater,
                                                                    .delegate = delegate,
                                                                    .services = services,
                                                                    .texts = texts,
                                                                    .isUserAsking = isUserAsking,
-                                                                   .ended = [weak = weak_from_this()] {
-                                                                     // The session is this one's own.
-                                                                     const auto self = weak.lock();
-                                                                     if (!self) return;
-                                                                     self->inSession = false;
-                                                                     self->session.reset();
-                                                                   }});
+                                                                   .ended = ended});
     const std::shared_ptr<UpdateSession> begun = session;
     begun->begin();
   }

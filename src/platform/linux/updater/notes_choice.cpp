@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "platform/linux/bundles/language_folders.h"
-#include "platform/linux/updater/notes_text.h"
+#include "platform/linux/updater/feed/notes_text.h"
 
 namespace karno::platform::updates {
 namespace {

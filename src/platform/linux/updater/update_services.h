@@ -10,7 +10,7 @@
 #include "platform/error.h"
 #include "platform/linux/bundles/preferred_languages.h"
 #include "platform/linux/files/install_verdict.h"
-#include "platform/linux/updater/appcast.h"
+#include "platform/linux/updater/feed/appcast.h"
 #include "platform/value.h"
 
 // What the updater needs of the machine beside the launcher's own services.

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/linux/updater/notes_text.h"
+#include "platform/linux/updater/feed/notes_text.h"
+#include "platform/linux/updater/feed/update_address.h"
 #include "platform/linux/updater/setting_keys.h"
 #include "platform/linux/updater/telling.h"
-#include "platform/linux/updater/update_address.h"
 #include "platform/linux/updater/update_errors.h"
 #include "platform/platform.h"
 #include "platform/text/one_line.h"

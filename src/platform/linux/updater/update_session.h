@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/linux/updater/appcast.h"
-#include "platform/linux/updater/item_choice.h"
+#include "platform/linux/updater/feed/appcast.h"
+#include "platform/linux/updater/feed/item_choice.h"
 #include "platform/linux/updater/update_services.h"
 #include "platform/linux/updater/update_texts.h"
 #include "platform/updater.h"
