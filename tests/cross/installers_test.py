@@ -3,7 +3,6 @@
 import os
 import plistlib
 import re
-import shlex
 import unittest
 import xml.etree.ElementTree
 
@@ -109,18 +108,6 @@ class Installers(SigningPlace):
         self.assertIn("hdiutil create -volname Karno -srcfolder ", printed)
         self.assertIn(" -fs HFS+ -format UDZO ", printed)
         self.assertEqual(["Karno-1.1-macos.zip"], self.left_in_folder())
-
-    def test_are_made_by_the_line_in_the_document(self):
-        self.versioned_package()
-        document = (PROJECT / "docs/releasing.md").read_text().replace("\\\n", " ")
-        line = re.search(r"^scripts/sign-macos (.* Karno-1\.1-macos\.zip Karno-1\.1\.zip) +#", document, re.MULTILINE)[1]
-        words = [self.folder / word if word.startswith("Karno-") else word for word in shlex.split(line)]
-
-        status, _, said = self.sign(*words)
-
-        self.assertEqual((0, ""), (status, said))
-        self.assertEqual(["Karno-1.1-macos.zip", "Karno-1.1.dmg", "Karno-1.1.pkg", "Karno-1.1.zip"],
-                         self.left_in_folder())
 
     def test_need_a_version(self):
         status, _, said = self.sign(*self.begin, *self.for_pkg, self.package(), self.release)

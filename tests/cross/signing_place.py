@@ -17,7 +17,9 @@ NOTED = '#!/bin/sh\nprintf "%s\\n" "$(basename "$0") $*" >>"$TOOL_LOG"\n'
 # It packs and unpacks with what Linux has.
 DITTO = NOTED + """case "$1" in
   -x) exec unzip -q "$3" -d "$4" ;;
-  -c) for last; do :; done; cd "$(eval echo "\\${$(($# - 1))}")/.." && exec zip -q -r -y "$last" Karno.app ;;
+  -c) for last; do :; done
+    case "$last" in /*) ;; *) last=$PWD/$last ;; esac
+    cd "$(eval echo "\\${$(($# - 1))}")/.." && exec zip -q -r -y "$last" Karno.app ;;
   *) exec cp -R "$1" "$2" ;;
 esac
 """

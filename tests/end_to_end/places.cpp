@@ -32,6 +32,10 @@ std::filesystem::path makeReleaseProgram() {
 
 std::filesystem::path karnoAppcast() { return std::filesystem::canonical(ownFolder() / KARNO_APPCAST); }
 
+std::filesystem::path releasingDocument() {
+  return std::filesystem::canonical(ownFolder() / KARNO_RELEASING_DOCUMENT);
+}
+
 std::filesystem::path moveOnce() { return ownFolder() / "karno_move_once"; }
 
 std::filesystem::path faultyDisk() { return ownFolder() / "libkarno_faulty_disk.so"; }

@@ -25,6 +25,9 @@ std::filesystem::path webServerProgram();
 std::filesystem::path makeReleaseProgram();
 std::filesystem::path karnoAppcast();
 
+// What tells how releases are made.
+std::filesystem::path releasingDocument();
+
 // The program that moves one bundle, and the library that makes a disk fail under a program.
 std::filesystem::path moveOnce();
 std::filesystem::path faultyDisk();

@@ -8,8 +8,8 @@
   make_release.py release BUNDLE VERSION FOLDER URL [FLAW]
       writes FOLDER/Karno.tar and FOLDER/appcast.xml, to be served under URL, with FOLDER/../key.pem; FLAW is one
       of the names in FLAWS
-  make_release.py pack BUNDLE VERSION PUBLIC-KEY ARCHIVE
-      writes an archive of the bundle in that version and with that key, for karno-appcast to sign
+  make_release.py build BUNDLE FOLDER -DNAME=VALUE...
+      writes FOLDER/Karno.app, what a build with these cache variables would make of the bundle's sources
 """
 import base64
 import io
@@ -67,11 +67,11 @@ def write_archive(copy, path, flaw):
         archive.add(copy, "Karno.app")
 
 
-def pack(bundle, version, key, path):
-    with tempfile.TemporaryDirectory() as work:
-        copy = copy_of(bundle, version, work)
-        change_information(copy, SUPublicEDKey=key)
-        write_archive(copy, path, "none")
+def build(bundle, folder, *definitions):
+    shutil.rmtree(os.path.join(folder, "Karno.app"), ignore_errors=True)
+    copy = copy_of(bundle, "0", folder)
+    given = dict(definition.removeprefix("-D").split("=", 1) for definition in definitions)
+    change_information(copy, **{CACHE_VARIABLES[name]: value for name, value in given.items()})
 
 
 def truncate(path):
@@ -117,8 +117,10 @@ def make_release(bundle, version, folder, url, flaw="none"):
         file.write("no feed at all" if flaw == "no-feed" else feed(version, url, length, signature))
 
 
+CACHE_VARIABLES = {"KARNO_VERSION": "CFBundleShortVersionString", "KARNO_BUNDLE_VERSION": "CFBundleVersion",
+                   "KARNO_UPDATE_PUBLIC_KEY": "SUPublicEDKey", "KARNO_UPDATE_FEED_HOST": "KarnoUpdateFeedHost"}
 FLAWS = ("none", "changed", "truncated", "truncated-before-signing", "hostile", "no-feed")
-COMMANDS = {"keys": make_keys, "release": make_release, "pack": pack,
+COMMANDS = {"keys": make_keys, "release": make_release, "build": build,
             "trust": lambda bundle, key: change_information(bundle, SUPublicEDKey=key)}
 
 if __name__ == "__main__":

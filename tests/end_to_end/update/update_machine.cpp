@@ -24,13 +24,6 @@ std::string makeRelease(const std::vector<std::string>& arguments) {
   return result.output;
 }
 
-std::string releaseTool(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), karnoAppcast());
-  const CommandResult result = runCommand(arguments, kLimit);
-  if (result.status != 0) throw std::runtime_error("karno-appcast: " + result.output);
-  return result.output;
-}
-
 }  // namespace
 
 UpdateMachine::UpdateMachine(const std::vector<std::string>& options)
@@ -48,25 +41,10 @@ void UpdateMachine::offer(const std::string& version, const std::string& flaw) {
   makeRelease({"release", machine_.bundle(), version, serverFolder_ / "www", server_->https(""), flaw});
 }
 
-void UpdateMachine::useReleaseTool() {
-  for (const std::string name : {"old", "new"}) {
-    releaseTool({"keys", "--private", keyFile(name)});
-    const std::string key = releaseTool({"public-key", "--private", keyFile(name)});
-    publicKeys_[name] = key.substr(0, key.find('\n'));
-  }
-  makeRelease({"trust", machine_.bundle(), publicKey("old")});
-  fs::create_directories(serverFolder_ / "www");
-}
-
-void UpdateMachine::publish(const std::string& version, const std::string& carriedKey,
-                            const std::vector<std::string>& verbAndOptions) {
-  const fs::path folder = serverFolder_ / "www";
-  makeRelease(
-      {"pack", machine_.bundle(), version, publicKey(carriedKey), folder / ("Karno-" + version + ".tar")});
-  std::vector<std::string> words = {verbAndOptions.front(), folder,     "--url-prefix",
-                                    server_->https("/"),    "--output", folder / "appcast.xml"};
-  words.insert(words.end(), verbAndOptions.begin() + 1, verbAndOptions.end());
-  releaseTool(words);
+void UpdateMachine::install(const fs::path& bundle) {
+  fs::remove_all(machine_.bundle());
+  fs::copy(bundle, machine_.bundle(), fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+  fs::remove(machine_.home() / "KARNOUPGRADE.debug");
 }
 
 void UpdateMachine::start(const std::vector<std::string>& options) {

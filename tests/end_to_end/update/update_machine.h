@@ -1,5 +1,4 @@
 #pragma once
-#include <map>
 #include <memory>
 #include <string>
 
@@ -17,14 +16,11 @@ class UpdateMachine {
   // Puts that version into the feed.
   void offer(const std::string& version, const std::string& flaw = "none");
 
-  // Has the bundle trust the release tool's key "old", and the key that follows it be named "new".
-  void useReleaseTool();
+  // Puts that bundle in the place of the launcher's, with the feed of the deployment.
+  void install(const std::filesystem::path& bundle);
 
-  // Publishes that version, which carries a key of these two, by a verb of the release tool.
-  void publish(const std::string& version, const std::string& carriedKey,
-               const std::vector<std::string>& verbAndOptions);
-  std::string keyFile(const std::string& name) const { return serverFolder_ / (name + ".key"); }
-  std::string publicKey(const std::string& name) const { return publicKeys_.at(name); }
+  // What the web server has.
+  std::filesystem::path pages() const { return serverFolder_ / "www"; }
 
   void start(const std::vector<std::string>& options = {});
 
@@ -52,14 +48,14 @@ class UpdateMachine {
     return machine_.home() / "Library/Caches/Karno/cache.noindex/.karnoUpdated";
   }
   std::filesystem::path applications() const { return machine_.bundle().parent_path(); }
-  WebServer& server() { return *server_; }
+  WebServer& server() const { return *server_; }
   Machine& operator*() { return machine_; }
   Machine* operator->() { return &machine_; }
+  const Machine* operator->() const { return &machine_; }
 
  private:
   Machine machine_;
   std::filesystem::path serverFolder_;
-  std::map<std::string, std::string> publicKeys_;
   std::unique_ptr<WebServer> server_;
 };
 
