@@ -60,6 +60,26 @@ TEST_F(FailedInstallation, WhoseVerdictCannotBeReadIsALineInTheLogAndNoMore) {
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
 }
 
+TEST_F(FailedInstallation, OfAKilledInstallerLeavesNoTouchFileToTheApplication) {
+  delegate.touchfile = "/caches/.updated";
+  machine.files.addFile("/caches/.updated", "");
+  installer.verdict = InstallVerdict{.version = "1.1", .reason = "The installation was cut off."};
+
+  updater.startUpdater();
+
+  EXPECT_FALSE(machine.files.fileExists("/caches/.updated"));
+}
+
+TEST_F(FailedInstallation, OfAVersionThatHasComeInAnotherWaySinceLeavesTheTouchFile) {
+  delegate.touchfile = "/caches/.updated";
+  machine.files.addFile("/caches/.updated", "");
+  installer.verdict = InstallVerdict{.version = "1.0", .reason = "The installation was cut off."};
+
+  updater.startUpdater();
+
+  EXPECT_TRUE(machine.files.fileExists("/caches/.updated"));
+}
+
 TEST_F(FailedInstallation, TakesTheTouchFileThatTheDelegateNames) {
   delegate.touchfile = "/caches/.updated";
 

@@ -109,10 +109,20 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
     services.settings.setObject(answer == kAlertFirstButtonReturn, kAutomaticChecksKey);
   }
 
+  // Before the application looks for its touch file, which a killed installer leaves.
+  void takeVerdict() {
+    left = services.installer.takeVerdict(host().bundles.mainBundle().bundlePath());
+    const std::string touchfile = delegate.updatedTouchfile();
+    if (left && *left && !isInstalled(left->value()) && !touchfile.empty()) host().files.remove(touchfile);
+  }
+
+  // Somebody may have done it by hand since.
+  static bool isInstalled(const InstallVerdict& verdict) {
+    return !verdict.version.empty() && compareVersions(infoText("CFBundleVersion"), verdict.version) >= 0;
+  }
+
   // Nothing runs after an update, so nobody has heard yet of one that came to nothing.
   void tellOfFailedInstallation() {
-    const Bundle& bundle = host().bundles.mainBundle();
-    const auto left = services.installer.takeVerdict(bundle.bundlePath());
     if (!left) return;
     if (!*left) {
       host().notices.warn("Updates: what the last installation left behind could not be read. Reason: " +
@@ -120,11 +130,9 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
       return;
     }
     const InstallVerdict& verdict = left->value();
-    // Somebody has installed it by hand since.
-    if (!verdict.version.empty() && compareVersions(infoText("CFBundleVersion"), verdict.version) >= 0)
-      return;
+    if (isInstalled(verdict)) return;
     delegate.didAbortWithError(updater, updateError(UpdateErrorCode::Installation, verdict.reason));
-    const UpdateTexts sentences(bundle, host().files);
+    const UpdateTexts sentences(host().bundles.mainBundle(), host().files);
     const auto text = [&](std::string_view token) {
       return sentences.text(token, {{"name", infoText("CFBundleName")},
                                     {"old", infoText("CFBundleShortVersionString")},
@@ -158,7 +166,8 @@ struct LinuxUpdater::State : std::enable_shared_from_this<State> {
   std::atomic<bool> inSession{false};
   std::atomic<bool> isStarted{false};
   std::atomic<bool> hasFailedToStart{false};
-  std::optional<Error> startFailure;  // main thread only
+  std::optional<Error> startFailure;           // main thread only, as is what follows
+  std::optional<Result<InstallVerdict>> left;  // by the last installation
 };
 
 LinuxUpdater::LinuxUpdater(UpdaterDelegate& delegate, UpdateServices services)
@@ -173,6 +182,7 @@ std::optional<Error> LinuxUpdater::startUpdater() {
   state_->startFailure = error;
   if (error) return error;
   state_->isStarted = true;
+  state_->takeVerdict();
   host().dispatch.mainEvents().async([state = state_] { state->beginCycle(); });
   return std::nullopt;
 }
