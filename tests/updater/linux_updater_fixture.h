@@ -2,6 +2,8 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -102,6 +104,15 @@ struct LinuxUpdaterTest : ::testing::Test {
   Value standard(const std::string& key) { return machine.userDefaults.standard().values.at(key); }
   bool hasStandard(const std::string& key) { return machine.userDefaults.standard().values.contains(key); }
 
+  Result<std::string> fetchFeed(const std::string& url, const std::function<bool()>& isWanted) {
+    for (double slept = 0; slept < secondsOfFetching; ++slept) {
+      machine.dispatch.sleep(1);
+      if (isWanted()) continue;
+      ++fetchesGivenUp;
+      return Error::posix(ECANCELED);
+    }
+    return machine.network.contentsOfURL(url);
+  }
   Result<std::vector<FeedItem>> readFeed(std::string_view bytes) {
     readers.push_back(machine.scheduler.currentThreadName());
     machine.dispatch.sleep(secondsOfReading);
@@ -115,17 +126,21 @@ struct LinuxUpdaterTest : ::testing::Test {
   test::FakeUpdateFolders folders{machine};
   test::FakeUpdateSettings settings{machine};
   test::FakeOfferWindows offers{machine};
+  double secondsOfFetching = 0;
+  int fetchesGivenUp = 0;
   std::vector<std::string> readers;  // the threads that read a feed
   double secondsOfReading = 0;
   std::vector<std::string> languages;  // the user's
-  LinuxUpdater updater{delegate,
-                       {.downloads = downloads,
-                        .installer = installer,
-                        .folders = folders,
-                        .settings = settings,
-                        .offerWindows = offers,
-                        .readFeed = [this](std::string_view bytes) { return readFeed(bytes); },
-                        .languages = [this] { return languages; }}};
+  LinuxUpdater updater{
+      delegate,
+      {.downloads = downloads,
+       .installer = installer,
+       .folders = folders,
+       .settings = settings,
+       .offerWindows = offers,
+       .fetchFeed = [this](const auto& url, const auto& wanted) { return fetchFeed(url, wanted); },
+       .readFeed = [this](std::string_view bytes) { return readFeed(bytes); },
+       .languages = [this] { return languages; }}};
 };
 
 }  // namespace karno::platform::updates

@@ -177,6 +177,16 @@ TEST_F(RequestedUpdate, AskedForAgainComesToTheFrontInsteadOfASecondOne) {
   EXPECT_EQ(offers.timesBroughtToFront, 2);
 }
 
+TEST_F(RequestedUpdate, CancelledWhileTheFeedIsFetchedGivesTheFetchUp) {
+  secondsOfFetching = 600;
+  check();
+
+  machine.windows.progress.at(0)->cancelButton.press();
+  machine.runFor(2);
+
+  EXPECT_EQ(fetchesGivenUp, 1);
+}
+
 TEST_F(RequestedUpdate, CancelledWhileTheFeedIsFetchedEndsAtOnceAndHearsOfTheFeedNoMore) {
   updater.checkForUpdates();
 

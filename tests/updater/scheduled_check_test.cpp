@@ -209,6 +209,19 @@ TEST_F(ScheduledCheck, GivesAFeedUpThatIsNotReadAfterAMinute) {
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
 }
 
+TEST_F(ScheduledCheck, GivesAFetchUpAfterAMinute) {
+  settings.setObject(true, "SUEnableAutomaticChecks");
+  secondsOfFetching = 600;
+
+  updater.startUpdater();
+  machine.runFor(59);
+  EXPECT_EQ(fetchesGivenUp, 0);
+  machine.runFor(3);
+
+  EXPECT_EQ(fetchesGivenUp, 1);
+  EXPECT_THAT(delegate.calls, ElementsAre("aborted 1002"));
+}
+
 TEST_F(ScheduledCheck, OffersWithoutHurryOnceTheFeedIsThere) {
   settings.setObject(true, "SUEnableAutomaticChecks");
 

@@ -69,7 +69,10 @@ struct NativeServices {
                                    .installer = updateInstaller,
                                    .folders = updateFolders,
                                    .settings = updateSettings,
-                                   .offerWindows = offerWindows}};
+                                   .offerWindows = offerWindows,
+                                   .fetchFeed = [this](const std::string& url, const auto& isWanted) {
+                                     return urlLoading.contentsOfURL(url, isWanted);
+                                   }}};
   MachineShell shell;
   CurlURLLoading urlLoading{bundles};
   RandomIdentifiers identifiers;

@@ -118,6 +118,10 @@ class OfferWindows {
 };
 
 // Makes items of what a feed's server has sent; see parseAppcast(). Safe from any thread.
+// What is behind an https address. Blocks; ends with an error soon after it is wanted no more. Any thread.
+using FetchFeed =
+    std::function<Result<std::string>(const std::string& url, const std::function<bool()>& isWanted)>;
+
 using ReadFeed = std::function<Result<std::vector<FeedItem>>(std::string_view bytes)>;
 
 struct UpdateServices {
@@ -126,6 +130,7 @@ struct UpdateServices {
   UpdateFolders& folders;
   UpdateSettings& settings;
   OfferWindows& offerWindows;
+  FetchFeed fetchFeed;
   ReadFeed readFeed = parseAppcast;
   std::function<std::vector<std::string>()> languages = preferredLanguages;  // the user's, most wanted first
 };

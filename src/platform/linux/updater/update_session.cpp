@@ -86,7 +86,8 @@ void UpdateSession::giveUpFetchingInTime() {
 
 // On a global queue: anybody's server decides how much there is to read.
 Result<std::vector<FeedItem>> UpdateSession::fetchAndRead(const std::string& feed) const {
-  const Result<std::string> bytes = host().urlLoading.contentsOfURL(feed);
+  const Result<std::string> bytes =
+      parts_.services.fetchFeed(feed, [self = shared_from_this()] { return !self->hasEnded_; });
   if (!bytes) {
     return updateError(UpdateErrorCode::Feed, fmt::format("The list of updates could not be fetched: {}",
                                                           bytes.error().localizedDescription()));
@@ -255,8 +256,8 @@ void UpdateSession::abort(const Error& error) {
     tellUser(textOf(hasUserAgreed_ ? "FAILED" : "CHECK_FAILED"), error.localizedDescription(), textOf("OK"));
 }
 
-// Neither a fetch of the feed nor the reading of it can be stopped, so nobody waits for them; a download and
-// the installer hear of it.
+// The reading of a feed cannot be stopped, so nobody waits for it; a fetch, a download and the installer hear
+// of it.
 void UpdateSession::cancel() {
   const auto self = shared_from_this();
   isCancelled_ = true;

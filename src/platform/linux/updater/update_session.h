@@ -67,10 +67,10 @@ class UpdateSession : public std::enable_shared_from_this<UpdateSession> {
   std::string downloadFolder_;  // empty: none
   std::string unpackFolder_;
   std::atomic<bool> isCancelled_{false};
+  std::atomic<bool> hasEnded_{false};
   std::atomic<std::int64_t> shownPercent_{-1};
   bool hasFeed_ = false;
   bool hasUserAgreed_ = false;
-  bool hasEnded_ = false;
   std::unique_ptr<OfferWindow> offerWindow_;
   std::unique_ptr<ProgressWindow> progressWindow_;
 };

@@ -1,4 +1,7 @@
 #pragma once
+#include <functional>
+#include <string>
+
 #include "platform/bundles.h"
 #include "platform/linux/web/url_fetch.h"
 #include "platform/url_loading.h"
@@ -14,6 +17,9 @@ class CurlURLLoading final : public URLLoading {
       : bundles_(bundles), limits_(limits) {}
 
   Result<std::string> contentsOfURL(const std::string& url) override;
+
+  // The same, but ends soon after it is wanted no more, with ECANCELED.
+  Result<std::string> contentsOfURL(const std::string& url, const std::function<bool()>& isWanted);
 
  private:
   const Bundles& bundles_;

@@ -178,6 +178,14 @@ TEST_F(URLLoadingTest, GivesUpOnAServerThatIsSilent) {
   EXPECT_EQ(errorFor(server_->https("/silent"), {.silence = std::chrono::seconds(1)}), kTimedOut);
 }
 
+TEST_F(URLLoadingTest, EndsAFetchThatIsWantedNoMore) {
+  const auto contents =
+      CurlURLLoading(bundles_).contentsOfURL(server_->https("/silent"), [] { return false; });
+
+  ASSERT_FALSE(contents);
+  EXPECT_EQ(contents.error(), Error::posix(ECANCELED));
+}
+
 TEST_F(URLLoadingTest, GivesUpOnABodyThatDripsForEver) {
   EXPECT_EQ(errorFor(server_->https("/drip"), {.request = std::chrono::seconds(2)}), kTimedOut);
 }
