@@ -65,9 +65,11 @@ class BlocksForAMac(SigningPlace):
     def test_package_the_release_with_its_values(self):
         asked_for = self.use_packager()
 
-        self.type(blocks()["For a Mac, on Linux: about ten minutes"], VERSION="1.1", BUILD="2", PUBLIC_KEY=KEY)
+        self.type(blocks()["For a Mac, on Linux: about ten minutes"], VERSION="1.1", BUILD="2", PUBLIC_KEY=KEY,
+                  FEED_HOST="updates.example.org")
 
-        self.assertEqual(["-DKARNO_VERSION=1.1", "-DKARNO_BUNDLE_VERSION=2", f"-DKARNO_UPDATE_PUBLIC_KEY={KEY}"],
+        self.assertEqual(["-DKARNO_VERSION=1.1", "-DKARNO_BUNDLE_VERSION=2",
+                          "-DKARNO_UPDATE_FEED_HOST=updates.example.org", f"-DKARNO_UPDATE_PUBLIC_KEY={KEY}"],
                          asked_for.read_text().splitlines())
 
     def test_sign_it_by_the_script_and_make_both_installers(self):
