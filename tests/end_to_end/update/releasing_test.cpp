@@ -2,12 +2,12 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
 
 #include "places.h"
+#include "platform/posix/scoped_descriptor.h"
 #include "release_document.h"
 #include "update_machine.h"
 
@@ -29,10 +29,9 @@ std::string freePort() {
   sockaddr_in address = {};
   address.sin_family = AF_INET;
   socklen_t size = sizeof(address);
-  const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-  ::bind(socket, reinterpret_cast<const sockaddr*>(&address), size);
-  ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
-  ::close(socket);
+  const platform::ScopedDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  ::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), size);
+  ::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size);
   return std::to_string(ntohs(address.sin_port));
 }
 
