@@ -7,8 +7,9 @@
 #include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 namespace karno::bench {
 namespace {
@@ -18,16 +19,28 @@ namespace fs = std::filesystem;
 constexpr const char* kDomain = "karno";
 constexpr const char* kLocale = "C.UTF-8";  // gettext looks nothing up in the locale C
 
+// "{{ name }}" becomes "{name}".
+std::string withOwnPlaceholders(std::string text) {
+  constexpr std::string_view kBegin = "{{ ";
+  constexpr std::string_view kEnd = " }}";
+  for (std::size_t begin = 0; (begin = text.find(kBegin, begin)) != std::string::npos; ++begin) {
+    text.replace(begin, kBegin.size(), "{");
+    const std::size_t end = text.find(kEnd, begin);
+    if (end == std::string::npos) throw std::runtime_error("a placeholder without an end: " + text);
+    text.replace(end, kEnd.size(), "}");
+  }
+  return text;
+}
+
 // A catalogue's texts and a table's escape alike, as C does.
 void writeCatalogue(const fs::path& table, const fs::path& catalogue) {
-  static const std::regex placeholder(R"(\{\{ (\w+) \}\})");
   std::ofstream out(catalogue);
   out << "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n";
   std::ifstream in(table);
   const nlohmann::json texts = nlohmann::json::parse(in);
   for (const auto& [token, text] : texts.items()) {
     out << fmt::format("\nmsgid \"{}\"\nmsgstr \"{}\"\n", token,
-                       std::regex_replace(text.get<std::string>(), placeholder, "{$1}"));
+                       withOwnPlaceholders(text.get<std::string>()));
   }
 }
 
