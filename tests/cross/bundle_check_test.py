@@ -2,6 +2,7 @@
 
 import unittest
 
+import side_by_side
 from damaged_bundle import LAUNCHER, PROJECT, TOOL, DamagedBundle
 
 INFO = "Contents/Info.plist"
@@ -217,4 +218,4 @@ class BundleCheck(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    side_by_side.main()

@@ -4,6 +4,7 @@ something."""
 import re
 import unittest
 
+import side_by_side
 from mac_kit_place import KitPlace, PROJECT, SOURCES
 
 # What bash 3.2, the one of macOS, does not have.
@@ -226,4 +227,4 @@ class TheScripts(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    side_by_side.main()

@@ -4,6 +4,7 @@ import shutil
 import unittest
 
 import packaging_place
+import side_by_side
 from packaging_place import PackagingPlace
 
 USAGE_ERROR = 64
@@ -195,4 +196,4 @@ class CommandLine(Refusal):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    side_by_side.main()

@@ -5,6 +5,7 @@ import unittest
 import zipfile
 
 import packaging_place
+import side_by_side
 from bundle_check import mach_o
 from packaging_place import PackagingPlace
 
@@ -229,4 +230,4 @@ class Build(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    side_by_side.main()
