@@ -4,7 +4,7 @@
 find_program(KARNO_CCACHE ccache)
 if(KARNO_CCACHE AND NOT CMAKE_CROSSCOMPILING AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER
-    ${CMAKE_COMMAND} -E env CCACHE_DEPEND=1 CCACHE_SLOPPINESS=pch_defines,time_macros ${KARNO_CCACHE})
+    env CCACHE_DEPEND=1 CCACHE_SLOPPINESS=pch_defines,time_macros ${KARNO_CCACHE})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
   endif()
