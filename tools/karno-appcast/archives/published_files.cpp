@@ -7,7 +7,6 @@
 #include "karno-appcast/archives/mapped_file.h"
 #include "karno-appcast/failure.h"
 #include "platform/linux/updater/feed/update_address.h"
-#include "platform/linux/web/url_fetch.h"
 #include "platform/posix/files/whole_file.h"
 #include "platform/posix/scoped_descriptor.h"
 
@@ -42,19 +41,25 @@ class File final : public platform::URLSink {
   const int descriptor_;
 };
 
-void fetch(const std::string& url, const platform::URLLimits& limits, platform::URLSink& sink) {
+void fetchSafely(const std::string& url, const platform::URLLimits& limits, platform::URLSink& sink,
+                 const Fetch& fetch) {
   if (const auto refusal = platform::updates::refusalOfAddress(url))
     throw Failure(refusal->localizedDescription());
-  if (const auto error = platform::fetchURL(url, kUserAgent, limits, sink))
+  if (const auto error = fetch(url, limits, sink))
     throw Failure("cannot fetch " + url + ": " + error->localizedDescription());
 }
 
 }  // namespace
 
-std::string readFeed(const std::string& place) {
+std::optional<Error> fetchFromTheWeb(const std::string& url, const platform::URLLimits& limits,
+                                     platform::URLSink& sink) {
+  return platform::fetchURL(url, kUserAgent, limits, sink);
+}
+
+std::string readFeed(const std::string& place, const Fetch& fetch) {
   if (place.find("://") != std::string::npos) {
     Text text;
-    fetch(place, {.bodyBytesMax = kFeedBytesMax}, text);
+    fetchSafely(place, {.bodyBytesMax = kFeedBytesMax}, text, fetch);
     return std::move(text).text();
   }
   auto file = platform::readWholeFile(place);
@@ -64,18 +69,18 @@ std::string readFeed(const std::string& place) {
   return std::move(file.value().bytes);
 }
 
-void fetchInto(const std::string& path, const std::string& url) {
+void fetchInto(const std::string& path, const std::string& url, const Fetch& fetch) {
   const platform::ScopedDescriptor file(
       ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (!file.isOpen()) throw systemFailure("cannot make " + path, errno);
   File sink(file.get());
   // A release may be large and a line slow.
-  fetch(url, {.request = std::chrono::hours(12), .bodyBytesMax = kArchiveBytesMax}, sink);
+  fetchSafely(url, {.request = std::chrono::hours(12), .bodyBytesMax = kArchiveBytesMax}, sink, fetch);
 }
 
-void fetchPage(const std::string& url) {
+void fetchPage(const std::string& url, const Fetch& fetch) {
   Text text;
-  fetch(url, {}, text);
+  fetchSafely(url, {}, text, fetch);
 }
 
 }  // namespace karno::appcast

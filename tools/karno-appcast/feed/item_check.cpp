@@ -4,7 +4,6 @@
 #include "installer/bundle_facts.h"
 #include "karno-appcast/archives/bundle_archive.h"
 #include "karno-appcast/archives/info_plist.h"
-#include "karno-appcast/archives/published_files.h"
 #include "karno-appcast/failure.h"
 #include "karno-appcast/workplace.h"
 #include "platform/linux/updater/feed/update_address.h"
@@ -18,11 +17,12 @@ using platform::updates::FeedItem;
 
 class ItemCheck {
  public:
-  ItemCheck(const FeedItem& item, const ItemStandard& standard) : item_(item), standard_(standard) {}
+  ItemCheck(const FeedItem& item, const ItemStandard& standard, const Fetch& fetch)
+      : item_(item), standard_(standard), fetch_(fetch) {}
 
   std::vector<std::string> run() && {
     if (!item_.downloadURL.empty()) attempt([this] { checkDownload(); });
-    if (!standard_.notesLink.empty()) attempt([this] { fetchPage(standard_.notesLink); });
+    if (!standard_.notesLink.empty()) attempt([this] { fetchPage(standard_.notesLink, fetch_); });
     if (item_.notes.empty() && standard_.notesLink.empty()) add("it has no notes");
     return std::move(faults_);
   }
@@ -49,7 +49,7 @@ class ItemCheck {
     if (!isPlainName) return add("its address does not end in the name of an archive");
     if (standard_.archives) return checkArchive(*standard_.archives + "/" + name);
     const Workplace workplace;
-    fetchInto(workplace.path() + "/" + name, item_.downloadURL);
+    fetchInto(workplace.path() + "/" + name, item_.downloadURL, fetch_);
     checkArchive(workplace.path() + "/" + name);
   }
 
@@ -78,13 +78,14 @@ class ItemCheck {
 
   const FeedItem& item_;
   const ItemStandard& standard_;
+  const Fetch& fetch_;
   std::vector<std::string> faults_;
 };
 
 }  // namespace
 
-std::vector<std::string> faultsOf(const FeedItem& item, const ItemStandard& standard) {
-  return ItemCheck(item, standard).run();
+std::vector<std::string> faultsOf(const FeedItem& item, const ItemStandard& standard, const Fetch& fetch) {
+  return ItemCheck(item, standard, fetch).run();
 }
 
 }  // namespace karno::appcast

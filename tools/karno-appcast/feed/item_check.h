@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "karno-appcast/archives/published_files.h"
 #include "platform/linux/updater/feed/appcast.h"
 
 namespace karno::appcast {
@@ -18,6 +19,7 @@ struct ItemStandard {
 
 // All that is wrong with an item, a sentence each, as the updater and the installer would say it: its
 // address, its archive's length, signature and contents, its notes.
-std::vector<std::string> faultsOf(const platform::updates::FeedItem& item, const ItemStandard& standard);
+std::vector<std::string> faultsOf(const platform::updates::FeedItem& item, const ItemStandard& standard,
+                                  const Fetch& fetch);
 
 }  // namespace karno::appcast

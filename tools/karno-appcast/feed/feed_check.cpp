@@ -1,0 +1,108 @@
+#include "karno-appcast/feed/feed_check.h"
+
+#include <algorithm>
+#include <iterator>
+#include <ostream>
+#include <pugixml.hpp>
+#include <vector>
+
+#include "karno-appcast/failure.h"
+#include "karno-appcast/feed/feed_names.h"
+#include "karno-appcast/feed/item_check.h"
+#include "karno-appcast/keys/key_changes.h"
+
+namespace karno::appcast {
+namespace {
+
+using platform::updates::FeedItem;
+
+// What the updater's reader does not tell of a feed.
+class FeedDocument {
+ public:
+  explicit FeedDocument(const std::string& bytes) {
+    // The reader has read it already.
+    document_.load_buffer(bytes.data(), bytes.size());
+  }
+
+  std::size_t itemCount() const {
+    const auto items = channel().children("item");
+    return static_cast<std::size_t>(std::distance(items.begin(), items.end()));
+  }
+
+  KeyChanges keyChanges() const { return KeyChanges(channel()); }
+
+  // Of the first item with that version and address.
+  std::string notesLinkOf(const FeedItem& wanted) {
+    const FeedNames names(document_.child("rss"));
+    for (const pugi::xml_node item : channel().children("item")) {
+      const bool isSame = names.versionOf(item) == wanted.version &&
+                          item.child("enclosure").attribute("url").value() == wanted.downloadURL;
+      if (isSame) return item.child(names.of("releaseNotesLink").c_str()).text().get();
+    }
+    return {};
+  }
+
+ private:
+  pugi::xml_node channel() const { return document_.child("rss").child("channel"); }
+
+  pugi::xml_document document_;
+};
+
+class FeedCheck {
+ public:
+  FeedCheck(const FeedStandard& standard, const Fetch& fetch, std::ostream& out)
+      : standard_(standard), fetch_(fetch), out_(out) {}
+
+  std::size_t run(const std::string& bytes) && {
+    const auto items = platform::updates::parseAppcast(bytes);
+    if (!items) throw Failure(items.error().localizedDescription());
+    FeedDocument document(bytes);
+    const std::size_t passedOver = document.itemCount() - items.value().size();
+    if (passedOver > 0)
+      fault(std::to_string(passedOver) +
+            " items that launchers pass over: no version, nothing behind them, or too long a text");
+    const auto& looker = standard_.looker;
+    const auto verdicts = looker ? verdictsOf(*looker, items.value()) : std::vector<Verdict>();
+    for (std::size_t at = 0; at < items.value().size(); ++at)
+      report(items.value()[at], looker ? &verdicts[at] : nullptr, document);
+    const bool isOffering =
+        std::ranges::any_of(verdicts, [](const Verdict& verdict) { return verdict.isOffered; });
+    if (looker && !isOffering) out_ << "Nothing is offered.\n";
+    return faults_;
+  }
+
+ private:
+  // The archive of what is not offered anyway need not be there.
+  void report(const FeedItem& item, const Verdict* verdict, FeedDocument& document) {
+    out_ << item.displayVersion << " (" << item.version << ")";
+    if (verdict != nullptr) out_ << (verdict->isOffered ? ": offered" : ": not offered, " + verdict->reason);
+    out_ << '\n';
+    if (verdict != nullptr && !verdict->isOffered) return;
+    // A launcher checks with its own key, whoever has signed.
+    const auto key = standard_.publicKey ? standard_.publicKey : document.keyChanges().signerOf(item.version);
+    const ItemStandard itsStandard{.publicKey = key,
+                                   .identifier = standard_.identifier,
+                                   .archives = standard_.archives,
+                                   .notesLink = document.notesLinkOf(item)};
+    for (const std::string& each : faultsOf(item, itsStandard, fetch_)) fault(each);
+  }
+
+  void fault(const std::string& text) {
+    ++faults_;
+    out_ << "  wrong: " << text << '\n';
+  }
+
+  const FeedStandard& standard_;
+  const Fetch& fetch_;
+  std::ostream& out_;
+  std::size_t faults_ = 0;
+};
+
+}  // namespace
+
+std::size_t checkFeed(const std::string& bytes, const FeedStandard& standard, const Fetch& fetch,
+                      std::ostream& out) {
+  return FeedCheck(standard, fetch, out).run(bytes);
+}
+
+}  // namespace karno::appcast
