@@ -31,6 +31,7 @@ TEST(Appcast, TellsEverythingOfAnItem) {
     <sparkle:minimumUpdateVersion>90</sparkle:minimumUpdateVersion>
     <sparkle:channel>beta</sparkle:channel><sparkle:criticalUpdate/>
     <description><![CDATA[<b>New</b> & <i>nice</i>]]></description>
+    <sparkle:releaseNotesLink> https://a/notes </sparkle:releaseNotesLink>
     <enclosure url="https://a/Karno-1.1.zip" length="1234567890123" type="application/octet-stream"
       sparkle:os="macos" sparkle:edSignature="c2lnbmF0dXJl"/></item>)");
 
@@ -47,6 +48,7 @@ TEST(Appcast, TellsEverythingOfAnItem) {
   EXPECT_TRUE(item.isCritical);
   EXPECT_EQ(item.notes, "<b>New</b> & <i>nice</i>");
   EXPECT_EQ(item.notesFormat, NotesFormat::HTML);
+  EXPECT_EQ(item.notesURL, "https://a/notes");
   EXPECT_EQ(item.downloadURL, "https://a/Karno-1.1.zip");
   EXPECT_EQ(item.length, 1234567890123U);
   EXPECT_EQ(item.operatingSystem, "macos");

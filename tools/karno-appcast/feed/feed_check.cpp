@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "karno-appcast/failure.h"
-#include "karno-appcast/feed/feed_names.h"
 #include "karno-appcast/feed/item_check.h"
 #include "karno-appcast/keys/key_changes.h"
+#include "platform/text/one_line.h"
 
 namespace karno::appcast {
 namespace {
@@ -31,17 +31,6 @@ class FeedDocument {
 
   KeyChanges keyChanges() const { return KeyChanges(channel()); }
 
-  // Of the first item with that version and address.
-  std::string notesLinkOf(const FeedItem& wanted) {
-    const FeedNames names(document_.child("rss"));
-    for (const pugi::xml_node item : channel().children("item")) {
-      const bool isSame = names.versionOf(item) == wanted.version &&
-                          item.child("enclosure").attribute("url").value() == wanted.downloadURL;
-      if (isSame) return item.child(names.of("releaseNotesLink").c_str()).text().get();
-    }
-    return {};
-  }
-
  private:
   pugi::xml_node channel() const { return document_.child("rss").child("channel"); }
 
@@ -56,7 +45,8 @@ class FeedCheck {
   std::size_t run(const std::string& bytes) && {
     const auto items = platform::updates::parseAppcast(bytes);
     if (!items) throw Failure(items.error().localizedDescription());
-    FeedDocument document(bytes);
+    const FeedDocument document(bytes);
+    const KeyChanges keyChanges = document.keyChanges();
     const std::size_t passedOver = document.itemCount() - items.value().size();
     if (passedOver > 0)
       fault(std::to_string(passedOver) +
@@ -64,7 +54,7 @@ class FeedCheck {
     const auto& looker = standard_.looker;
     const auto verdicts = looker ? verdictsOf(*looker, items.value()) : std::vector<Verdict>();
     for (std::size_t at = 0; at < items.value().size(); ++at)
-      report(items.value()[at], looker ? &verdicts[at] : nullptr, document);
+      report(items.value()[at], looker ? &verdicts[at] : nullptr, keyChanges);
     const bool isOffering =
         std::ranges::any_of(verdicts, [](const Verdict& verdict) { return verdict.isOffered; });
     if (looker && !isOffering) out_ << "Nothing is offered.\n";
@@ -73,23 +63,22 @@ class FeedCheck {
 
  private:
   // The archive of what is not offered anyway need not be there.
-  void report(const FeedItem& item, const Verdict* verdict, FeedDocument& document) {
+  void report(const FeedItem& item, const Verdict* verdict, const KeyChanges& keyChanges) {
     out_ << item.displayVersion << " (" << item.version << ")";
     if (verdict != nullptr) out_ << (verdict->isOffered ? ": offered" : ": not offered, " + verdict->reason);
     out_ << '\n';
     if (verdict != nullptr && !verdict->isOffered) return;
     // A launcher checks with its own key, whoever has signed.
-    const auto key = standard_.publicKey ? standard_.publicKey : document.keyChanges().signerOf(item.version);
-    const ItemStandard itsStandard{.publicKey = key,
-                                   .identifier = standard_.identifier,
-                                   .archives = standard_.archives,
-                                   .notesLink = document.notesLinkOf(item)};
+    const auto key = standard_.publicKey ? standard_.publicKey : keyChanges.signerOf(item.version);
+    const ItemStandard itsStandard{
+        .publicKey = key, .identifier = standard_.identifier, .archives = standard_.archives};
     for (const std::string& each : faultsOf(item, itsStandard, fetch_)) fault(each);
   }
 
+  // Addresses, names and what an archive holds are texts of strangers.
   void fault(const std::string& text) {
     ++faults_;
-    out_ << "  wrong: " << text << '\n';
+    out_ << "  wrong: " << platform::inOneLine(text) << '\n';
   }
 
   const FeedStandard& standard_;

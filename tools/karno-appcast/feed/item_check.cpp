@@ -22,8 +22,8 @@ class ItemCheck {
 
   std::vector<std::string> run() && {
     if (!item_.downloadURL.empty()) attempt([this] { checkDownload(); });
-    if (!standard_.notesLink.empty()) attempt([this] { fetchPage(standard_.notesLink, fetch_); });
-    if (item_.notes.empty() && standard_.notesLink.empty()) add("it has no notes");
+    if (!item_.notesURL.empty()) attempt([this] { fetchPage(item_.notesURL, fetch_); });
+    if (item_.notes.empty() && item_.notesURL.empty()) add("it has no notes");
     return std::move(faults_);
   }
 

@@ -14,7 +14,6 @@ struct ItemStandard {
       publicKey;  // that has to have signed it; absent: the one that its bundle carries
   std::optional<std::string> identifier;  // of the bundle; absent: any
   std::optional<std::string> archives;    // a folder that has the archives; absent: they are fetched
-  std::string notesLink;                  // of the item; empty: none
 };
 
 // All that is wrong with an item, a sentence each, as the updater and the installer would say it: its

@@ -91,6 +91,7 @@ FeedItem itemOf(const FeedElement& item) {
   read.operatingSystem = enclosure.attribute("os");
   read.channel = item.childText("channel");
   readNotes(item, read);
+  read.notesURL = item.childText("releaseNotesLink");
   readWhomItConcerns(item, read);
   return read;
 }

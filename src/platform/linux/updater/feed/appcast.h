@@ -37,6 +37,7 @@ struct FeedItem {
   std::string notes;
   NotesFormat notesFormat = NotesFormat::HTML;
   std::vector<TranslatedNotes> translatedNotes;
+  std::string notesURL;  // a page that a Mac shows in the place of the notes; empty: none
   bool isCritical = false;
   std::string criticalBelow;                     // then only for hosts older than this; empty: for all
   bool isInformationOnly = false;                // for all hosts

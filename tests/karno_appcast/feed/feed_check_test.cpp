@@ -1,0 +1,59 @@
+#include <gmock/gmock.h>
+
+#include <sstream>
+#include <string>
+
+#include "karno-appcast/feed/feed_check.h"
+
+namespace karno::appcast::test {
+namespace {
+
+using platform::Error;
+using platform::URLLimits;
+using platform::URLSink;
+
+constexpr const char* kUpdatesNames = R"("http://www.andymatuschak.org/xml-namespaces/sparkle")";
+
+std::optional<Error> webWithPagesAlone(const std::string& url, const URLLimits& /*limits*/, URLSink& sink) {
+  if (url.ends_with(".html")) return sink.take("<p>New</p>");
+  return Error("made-up", 404, {{std::string(platform::kLocalizedDescriptionKey), "Nothing is there."}});
+}
+
+// What is printed of a feed by whoever knows nothing of launchers and keys.
+std::string checked(const std::string& feed) {
+  std::ostringstream out;
+  checkFeed(feed, {}, webWithPagesAlone, out);
+  return out.str();
+}
+
+TEST(FeedCheck, FindsThePageWithTheNotesUnderAPrefixThatTheItemDeclares) {
+  const std::string feed =
+      std::string("<rss><channel><item xmlns:s=") + kUpdatesNames +
+      "><s:version> 2 </s:version><link>https://a/</link>"
+      "<s:releaseNotesLink> https://a/2.html\n</s:releaseNotesLink></item></channel></rss>";
+
+  EXPECT_EQ(checked(feed), "2 (2)\n");
+}
+
+TEST(FeedCheck, ReadsAFeedWhoseOutermostElementUsesThePrefixForOtherNames) {
+  const std::string feed = std::string("<rss xmlns:sparkle=\"https://a/names\"><channel xmlns:sparkle=") +
+                           kUpdatesNames +
+                           "><item><sparkle:version>2</sparkle:version><link>https://a/</link>"
+                           "<description>New</description></item></channel></rss>";
+
+  EXPECT_EQ(checked(feed), "2 (2)\n");
+}
+
+TEST(FeedCheck, ShowsAnAddressWithoutWhatSteersATerminal) {
+  const std::string feed =
+      std::string("<rss xmlns:s=") + kUpdatesNames +
+      "><channel><item><s:version>2</s:version><description>New</description>"
+      "<enclosure url=\"https://a/&#x9b;31m&#x202e;.zip\" length=\"7\"/></item></channel></rss>";
+
+  EXPECT_EQ(checked(feed),
+            "2 (2)\n"
+            "  wrong: cannot fetch https://a/\\u009b31m\\u202e.zip: Nothing is there.\n");
+}
+
+}  // namespace
+}  // namespace karno::appcast::test
