@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <optional>
 #include <sstream>
 #include <string>
 
@@ -11,6 +12,7 @@ namespace {
 using platform::Error;
 using platform::URLLimits;
 using platform::URLSink;
+using ::testing::StartsWith;
 
 constexpr const char* kUpdatesNames = R"("http://www.andymatuschak.org/xml-namespaces/sparkle")";
 
@@ -24,6 +26,14 @@ std::string checked(const std::string& feed) {
   std::ostringstream out;
   checkFeed(feed, {}, webWithPagesAlone, out);
   return out.str();
+}
+
+// Items of version 2 that are only to be read.
+std::string feedOfPages(int count) {
+  std::string feed = std::string("<rss xmlns:s=") + kUpdatesNames + "><channel>";
+  for (int item = 0; item < count; ++item)
+    feed += "<item><s:version>2</s:version><link>https://a/</link><description>New</description></item>";
+  return feed + "</channel></rss>";
 }
 
 TEST(FeedCheck, FindsThePageWithTheNotesUnderAPrefixThatTheItemDeclares) {
@@ -53,6 +63,14 @@ TEST(FeedCheck, ShowsAnAddressWithoutWhatSteersATerminal) {
   EXPECT_EQ(checked(feed),
             "2 (2)\n"
             "  wrong: cannot fetch https://a/\\u009b31m\\u202e.zip: Nothing is there.\n");
+}
+
+TEST(FeedCheck, SaysThatLaunchersReadNoMoreThanAThousandItems) {
+  const std::string feed = feedOfPages(1001);
+
+  EXPECT_THAT(checked(feed),
+              StartsWith("  wrong: 1 items that launchers pass over: no version, nothing behind "
+                         "them, too long a text, or past the first thousand\n2 (2)\n"));
 }
 
 }  // namespace

@@ -50,7 +50,8 @@ class FeedCheck {
     const std::size_t passedOver = document.itemCount() - items.value().size();
     if (passedOver > 0)
       fault(std::to_string(passedOver) +
-            " items that launchers pass over: no version, nothing behind them, or too long a text");
+            " items that launchers pass over: no version, nothing behind them, too long a text, or past the "
+            "first thousand");
     const auto& looker = standard_.looker;
     const auto verdicts = looker ? verdictsOf(*looker, items.value()) : std::vector<Verdict>();
     for (std::size_t at = 0; at < items.value().size(); ++at)
