@@ -62,13 +62,15 @@ bool isAnythingAt(const std::string& path) {
   return files.fileExists(path) || files.destinationOfSymbolicLink(path);
 }
 
-// What is removed or trashed to make place must never be the launcher itself.
-bool isAtDestination(const Move& move) {
-  return platform::host().fileManager.isSameItem(move.bundlePath, move.destination);
+// What is removed or trashed to make place must never be the launcher itself, nor go for one that has been
+// thrown away or ejected while the question was up.
+bool wouldLoseInstalledCopy(const Move& move) {
+  return !isAnythingAt(move.bundlePath) ||
+         platform::host().fileManager.isSameItem(move.bundlePath, move.destination);
 }
 
 std::optional<Error> moveWithPrivileges(const Move& move) {
-  if (isAtDestination(move)) return failWithPrivileges();
+  if (wouldLoseInstalledCopy(move)) return failWithPrivileges();
   switch (copyBundleWithPrivileges(move.bundlePath, move.destination)) {
     case PrivilegedCopy::Cancelled:
       log("INFO -- Not moving because user canceled authorization");
@@ -83,11 +85,11 @@ std::optional<Error> moveWithPrivileges(const Move& move) {
 }
 
 std::optional<Error> moveByOneself(const Move& move) {
-  const bool isThere = isAtDestination(move);
-  if (!isThere && isAnythingAt(move.destination) && !trashItem(move.destination)) {
+  const bool stays = wouldLoseInstalledCopy(move);
+  if (!stays && isAnythingAt(move.destination) && !trashItem(move.destination)) {
     return fail("Failed to trash pre-existing app");
   }
-  if (isThere || !copyBundle(move.bundlePath, move.destination)) {
+  if (stays || !copyBundle(move.bundlePath, move.destination)) {
     log(fmt::format("ERROR -- Could not copy myself to {}", move.destination));
     return fail("Failed to copy bundle");
   }

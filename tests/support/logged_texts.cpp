@@ -65,12 +65,14 @@ bool matches(std::string_view text, std::string_view pattern) {
 
 }  // namespace
 
-std::vector<LoggedText> loggedTexts() {
+std::vector<LoggedText> loggedTexts(const std::vector<std::string>& exceptIn) {
   std::vector<LoggedText> texts;
   const std::filesystem::path sources(KARNO_SOURCES);
   for (const auto& entry : std::filesystem::recursive_directory_iterator(sources / "src")) {
-    if (entry.path().extension() != ".cpp") continue;
-    addTextsOf(textOfSource(entry.path().lexically_relative(sources).string()), texts);
+    const std::string path = entry.path().lexically_relative(sources).string();
+    const bool isLeftOut =
+        std::ranges::any_of(exceptIn, [&](const auto& folder) { return path.starts_with(folder); });
+    if (entry.path().extension() == ".cpp" && !isLeftOut) addTextsOf(textOfSource(path), texts);
   }
   return texts;
 }

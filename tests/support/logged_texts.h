@@ -11,8 +11,8 @@ struct LoggedText {
   std::string pattern;  // "{}" stands for what is put in
 };
 
-// Of src/, calls with a literal of their own only.
-std::vector<LoggedText> loggedTexts();
+// Of src/, calls with a literal of their own only; without those of folders that begin so.
+std::vector<LoggedText> loggedTexts(const std::vector<std::string>& exceptIn = {});
 
 // The lines in the blocks "```log" of a document in Markdown.
 std::vector<std::string> quotedLogLines(const std::string& document);

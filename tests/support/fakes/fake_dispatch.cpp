@@ -91,25 +91,17 @@ class FakeDispatch::SerialQueue final : public Queue, public std::enable_shared_
   bool busy_ = false;
 };
 
-// Looks a thousand times a second of virtual time.
 class FakeDispatch::Group final : public platform::DispatchGroup {
  public:
   explicit Group(FakeScheduler& scheduler) : scheduler_(scheduler) {}
   void enter() override { ++inside_; }
   void leave() override { --inside_; }
 
-  // In whole nanoseconds: seconds in a double may leave a rest that is too small to pass.
   bool wait(std::int64_t nanoseconds) override {
-    const std::int64_t begin = scheduler_.nanosecondsSinceStart();
-    for (std::int64_t rest = nanoseconds; inside_ > 0 && rest > 0;
-         rest = nanoseconds - (scheduler_.nanosecondsSinceStart() - begin)) {
-      scheduler_.sleep(static_cast<double>(std::min(kLookNanoseconds, rest)) / 1e9);
-    }
-    return inside_ == 0;
+    return scheduler_.waitUntil([this] { return inside_ == 0; }, static_cast<double>(nanoseconds) / 1e9);
   }
 
  private:
-  static constexpr std::int64_t kLookNanoseconds = 1'000'000;
   FakeScheduler& scheduler_;
   int inside_ = 0;
 };

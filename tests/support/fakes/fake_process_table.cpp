@@ -8,7 +8,7 @@ namespace karno::test {
 namespace {
 
 constexpr std::int32_t kFirstProcess = 1;  // belongs to root
-constexpr double kLookSeconds = 0.001;
+constexpr double kForeverSeconds = 1e9;
 constexpr double kEndSeconds = 0.01;  // from a signal to the end
 constexpr std::string_view kProgramsOfBundle = "/Contents/MacOS/";
 constexpr const char* kCommandFolders[] = {"/bin", "/sbin", "/usr/bin", "/usr/sbin"};
@@ -89,7 +89,7 @@ platform::WaitResult FakeProcessTable::waitForChild(std::int32_t processIdentifi
   const auto isRunning = [&] { return std::ranges::count(children(), processIdentifier) > 0; };
   if (!isRunning()) return noChild;
   awaited_.insert(processIdentifier);
-  while (isRunning()) scheduler_.sleep(kLookSeconds);
+  scheduler_.waitUntil([&] { return !isRunning(); }, kForeverSeconds);
   return awaited_.erase(processIdentifier) > 0 ? platform::WaitResult{.result = processIdentifier} : noChild;
 }
 

@@ -23,7 +23,8 @@ struct Unwind {};
 
 thread_local void* currentThread = nullptr;  // a FakeScheduler::VirtualThread
 
-std::int64_t toNanoseconds(double seconds) { return std::max<std::int64_t>(0, std::llround(seconds * 1e9)); }
+// A wait without end is one of a hundred years.
+std::int64_t toNanoseconds(double seconds) { return std::llround(std::clamp(seconds, 0.0, 3e9) * 1e9); }
 
 }  // namespace
 
@@ -32,8 +33,10 @@ struct FakeScheduler::VirtualThread {
 
   std::string name;
   Block block;
+  std::uint64_t number = 0;
   State state = State::Ready;
-  std::int64_t wakeAt = 0;
+  std::int64_t wakeAt = 0;             // also of one that is ready
+  std::function<bool()> awaited = {};  // what wakes a sleeper earlier
   std::condition_variable wake;
   std::thread thread;
 };
@@ -56,31 +59,60 @@ void FakeScheduler::addThread(std::string name, Block block) {
   threads_.push_back(std::make_unique<VirtualThread>());
   threads_.back()->name = std::move(name);
   threads_.back()->block = std::move(block);
+  threads_.back()->number = ++blocks_;
+  threads_.back()->wakeAt = now_ + lateness();
 }
 
 void FakeScheduler::addToMain(MainLane which, Block block) {
   countAction();
-  if (!stopping_) lane(which).push_back(std::move(block));
+  if (!stopping_) lane(which).push_back({++blocks_, std::move(block)});
 }
 
 void FakeScheduler::sleep(double seconds) {
-  const std::int64_t until = now_ + toNanoseconds(seconds);
-  if (isMainThread()) {
-    run(until, false, nullptr);
-    return;
-  }
+  suspend(now_ + toNanoseconds(seconds) + (isMainThread() ? 0 : lateness()), nullptr);
+}
+
+bool FakeScheduler::waitUntil(const std::function<bool()>& predicate, double seconds) {
+  return predicate() || suspend(now_ + toNanoseconds(seconds), predicate);
+}
+
+// Answers whether the predicate ended it.
+bool FakeScheduler::suspend(std::int64_t until, const std::function<bool()>& predicate) {
+  if (isMainThread()) return run(until, false, predicate);
 
   auto* self = static_cast<VirtualThread*>(currentThread);
   if (self == nullptr) {
     ADD_FAILURE() << "sleep() called on a thread that the machine does not know";
-    return;
+    return false;
   }
   if (stopping_) throw Unwind{};
   std::unique_lock lock(mutex_);
   self->state = VirtualThread::State::Sleeping;
   self->wakeAt = until;
+  self->awaited = predicate;
   takeBatonBack(*self, lock);
   if (stopping_) throw Unwind{};
+  return predicate && predicate();
+}
+
+void FakeScheduler::yield() {
+  if (unruliness_.yieldPercent == 0 || stopping_ || random() % 100 >= unruliness_.yieldPercent) return;
+  if (isMainThread()) {
+    step(false);
+  } else if (currentThread != nullptr) {
+    suspend(now_, nullptr);
+  }
+}
+
+std::int64_t FakeScheduler::lateness() {
+  if (unruliness_.latePercent == 0 || random() % 100 >= unruliness_.latePercent) return 0;
+  const auto most = static_cast<std::uint64_t>(toNanoseconds(unruliness_.lateSecondsMax));
+  return static_cast<std::int64_t>(random() % (most + 1));
+}
+
+std::uint64_t FakeScheduler::currentBlock() const {
+  if (isMainThread()) return mainBlock_;
+  return currentThread != nullptr ? static_cast<VirtualThread*>(currentThread)->number : 0;
 }
 
 // Called on the virtual thread: gives the baton to the main thread and waits for its return.
@@ -158,16 +190,22 @@ bool FakeScheduler::step(bool mainLanes) {
 }
 
 void FakeScheduler::runMainBlock(MainLane which) {
-  const Block block = std::move(lane(which).front());
+  const NumberedBlock next = std::move(lane(which).front());
   lane(which).pop_front();
   const bool before = std::exchange(areQueuesBusy_, areQueuesBusy_ || which != MainLane::Events);
-  try {
-    guarded(block);
-  } catch (...) {
+  const std::uint64_t interrupted = std::exchange(mainBlock_, next.number);
+  const auto goBack = [&] {
     areQueuesBusy_ = before;
+    mainBlock_ = interrupted;
+    ended_.insert(next.number);
+  };
+  try {
+    guarded(next.block);
+  } catch (...) {
+    goBack();
     throw;
   }
-  areQueuesBusy_ = before;
+  goBack();
 }
 
 void FakeScheduler::giveBatonTo(VirtualThread& thread) {
@@ -198,6 +236,7 @@ void FakeScheduler::threadBody(VirtualThread& thread) {
     limitFailure_ = limit.what();
   }
   thread.block = nullptr;
+  ended_.insert(thread.number);
   const std::lock_guard lock(mutex_);
   thread.state = VirtualThread::State::Finished;
   holder_ = nullptr;
@@ -224,14 +263,28 @@ void FakeScheduler::reap(VirtualThread& thread) {
 }
 
 bool FakeScheduler::isDue(const VirtualThread& thread) const {
-  return thread.state == VirtualThread::State::Ready ||
-         (thread.state == VirtualThread::State::Sleeping && thread.wakeAt <= now_);
+  if (thread.state == VirtualThread::State::Ready) return thread.wakeAt <= now_ && hasRoomFor(thread);
+  if (thread.state != VirtualThread::State::Sleeping) return false;
+  return thread.wakeAt <= now_ || (thread.awaited && thread.awaited());
+}
+
+// Queues share threads; what stands for another process or for the kernel has its own.
+bool FakeScheduler::hasRoomFor(const VirtualThread& thread) const {
+  const auto isOfQueues = [](const VirtualThread& one) {
+    return one.name.starts_with("global(") || one.name.starts_with("it.");
+  };
+  if (unruliness_.threadsMax >= threads_.size() || !isOfQueues(thread)) return true;
+  const auto running = std::ranges::count_if(
+      threads_, [&](const auto& one) { return one->thread.joinable() && isOfQueues(*one); });
+  return static_cast<std::size_t>(running) < unruliness_.threadsMax;
 }
 
 std::int64_t FakeScheduler::nextWakeUp() const {
   std::int64_t next = kNever;
   for (const auto& thread : threads_) {
-    if (thread->state == VirtualThread::State::Sleeping) next = std::min(next, thread->wakeAt);
+    const bool isWaiting = thread->state == VirtualThread::State::Sleeping ||
+                           (thread->state == VirtualThread::State::Ready && hasRoomFor(*thread));
+    if (isWaiting) next = std::min(next, thread->wakeAt);
   }
   return next;
 }

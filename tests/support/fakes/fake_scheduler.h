@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -23,9 +24,18 @@ class StepLimitReached : public std::runtime_error {
 // While a block of one of the two queues runs a modal loop, nothing of either runs; events go on.
 enum class MainLane { DispatchQueue, OperationQueue, Events };
 
+// How far a machine is from the best one there can be. Nothing of it unless somebody asks for it.
+struct Unruliness {
+  unsigned yieldPercent = 0;                 // of the places where another thread may go on
+  unsigned latePercent = 0;                  // of the threads that start and of the sleepers that wake
+  double lateSecondsMax = 0;                 // how late they are
+  std::size_t threadsMax = ~std::size_t{0};  // of queues, that run at once
+};
+
 // Runs virtual threads one at a time in virtual time. Every virtual thread is a real one, but only the holder
 // of the baton runs, so nothing in the fakes needs a lock and a seed fixes the whole order. The baton changes
-// hands only when a thread sleeps or ends. The thread that makes the scheduler is the main thread.
+// hands only when a thread sleeps, waits, yields or ends. The thread that makes the scheduler is the main
+// thread.
 class FakeScheduler {
  public:
   using Block = std::function<void()>;
@@ -43,6 +53,28 @@ class FakeScheduler {
 
   // Suspends the caller in virtual time. On the main thread everything goes on except its own lanes.
   void sleep(double seconds);
+
+  // Suspends the caller in virtual time until the predicate holds; false when the time passes first. The
+  // predicate is asked on any thread.
+  bool waitUntil(const std::function<bool()>& predicate, double seconds);
+
+  // Now and then, as the unruliness has it, lets another thread go on first.
+  void yield();
+
+  void setUnruliness(const Unruliness& unruliness) { unruliness_ = unruliness; }
+
+  // Numbers the blocks in the order in which they were given to threads and lanes; 0 is what the test itself
+  // does on the main thread.
+  std::uint64_t currentBlock() const;
+
+  // Whether that block has ended, also by an exception.
+  bool hasEnded(std::uint64_t block) const { return ended_.contains(block); }
+
+  // The same numbers from the same seed.
+  std::uint64_t random();
+
+  // Whether it belongs to the scheduler's own work.
+  bool isOwn(const void* lock) const { return lock == &mutex_; }
 
   bool isMainThread() const;
   std::string currentThreadName() const;  // "main" or the name given to addThread()
@@ -69,11 +101,18 @@ class FakeScheduler {
 
  private:
   struct VirtualThread;
+  struct NumberedBlock {
+    std::uint64_t number = 0;
+    Block block;
+  };
 
   bool run(std::int64_t deadline, bool mainLanes, const std::function<bool()>& predicate);
   bool step(bool mainLanes);
   void runMainBlock(MainLane which);
   void giveBatonTo(VirtualThread& thread);
+  bool suspend(std::int64_t until, const std::function<bool()>& predicate);
+  std::int64_t lateness();
+  bool hasRoomFor(const VirtualThread& thread) const;
   void takeBatonBack(VirtualThread& thread, std::unique_lock<std::mutex>& lock);
   void threadBody(VirtualThread& thread);
   void guarded(const Block& block);
@@ -81,8 +120,7 @@ class FakeScheduler {
   bool isDue(const VirtualThread& thread) const;
   std::int64_t nextWakeUp() const;
   void advanceTo(std::int64_t time);
-  std::uint64_t random();
-  std::deque<Block>& lane(MainLane which) { return lanes_[static_cast<std::size_t>(which)]; }
+  std::deque<NumberedBlock>& lane(MainLane which) { return lanes_[static_cast<std::size_t>(which)]; }
 
   const std::thread::id mainThread_;
   std::uint64_t randomState_;
@@ -91,8 +129,12 @@ class FakeScheduler {
   std::int64_t actionsAtThisMoment_ = 0;
   bool stopping_ = false;
   std::string limitFailure_;  // of a virtual thread, to be thrown on the main one
-  std::deque<Block> lanes_[3];
+  std::deque<NumberedBlock> lanes_[3];
   bool areQueuesBusy_ = false;
+  Unruliness unruliness_;
+  std::uint64_t blocks_ = 0;
+  std::uint64_t mainBlock_ = 0;
+  std::set<std::uint64_t> ended_;
   std::vector<std::unique_ptr<VirtualThread>> threads_;
 
   std::mutex mutex_;                 // guards the hand-over only

@@ -382,6 +382,38 @@ TEST_F(MoveOntoItself, AsksForNoPasswordToFail) {
               ElementsAre(kMoving, "ERROR -- Could not copy myself to /Applications with authorization"));
 }
 
+// Thrown away or ejected while the question was up.
+class MoveOfABundleThatIsGone : public ::testing::Test {
+ protected:
+  MoveOfABundleThatIsGone() {
+    machine_.withInstalledCopy();
+    machine_.alerts.answerNext(platform::kAlertFirstButtonReturn,
+                               [this] { machine_.files.remove(kDownloaded); });
+  }
+
+  MovingMachine machine_;
+};
+
+TEST_F(MoveOfABundleThatIsGone, LeavesTheInstalledOneInItsPlace) {
+  const auto error = moveApplicationToApplicationsFolder(false);
+
+  EXPECT_EQ(error, Utilities::errorWithPOSIXCode(14, "Failed to copy bundle"));
+  EXPECT_EQ(machine_.launcherAt(kInstalled), "old launcher");
+  EXPECT_THAT(machine_.fileManager.trashed, IsEmpty());
+  EXPECT_THAT(machine_.console(),
+              ElementsAre(kMoving, "ERROR -- Could not copy myself to /Applications/Karno.app"));
+}
+
+TEST_F(MoveOfABundleThatIsGone, AsksForNoPasswordToRemoveTheInstalledOne) {
+  machine_.withReadOnlyApplications();
+
+  const auto error = moveApplicationToApplicationsFolder(false);
+
+  EXPECT_EQ(error, Utilities::errorWithPOSIXCode(14, "Could not copy to /Applications with authorization"));
+  EXPECT_EQ(machine_.launcherAt(kInstalled), "old launcher");
+  EXPECT_THAT(machine_.authorisations.calls, IsEmpty());
+}
+
 TEST(MoveOfALauncherInTheFolderThatApplicationsLeadsTo, IsNotNeeded) {
   MovingMachine machine("/Volumes/Data/Programs/Karno.app");
   machine.files.addSymbolicLink("/Users/tester/Applications", "/Volumes/Data/Programs");
