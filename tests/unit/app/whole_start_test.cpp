@@ -150,6 +150,24 @@ TEST(WholeStart, HasTheSameOutcomeInTwoHundredOrdersOfTheThreads) {
   EXPECT_THAT(test::outcomesOtherThan(expected, 200, startAndQuit), IsEmpty());
 }
 
+// The wait for macFUSE does not know of the restart, nor the restart of the wait.
+TEST(WholeStart, LaunchesASecondClientWhenARestartWasAskedForBeforeTheFirst) {
+  FakePlatform machine;
+  machine.withEmbeddedBuilds().withSystem("14.5.0", "arm64").withFirstStartup(false);
+  Launcher launcher(machine);
+  launcher.finishLaunching();
+  machine.runFor(1);
+  machine.windows.prompt.continueButton().press();
+  machine.runFor(5);
+
+  machine.postMessage("app-needs-restart");
+  machine.runFor(2);
+  machine.withFuse("4.4.1");
+  machine.runFor(5);
+
+  EXPECT_THAT(machine.tasks.running(), ElementsAre(5001, 5002));
+}
+
 // The child ends at the very moment at which it was launched, in any order with all that follows a launch.
 std::string startWithAChildThatEndsAtOnce(std::uint64_t seed) {
   FakePlatform machine(seed);

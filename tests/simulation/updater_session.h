@@ -1,0 +1,52 @@
+#pragma once
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/updater.h"
+
+namespace karno::simulation {
+
+class World;
+
+// An updater without windows, with every end that a session can have: "nothing", "skip", "dismiss",
+// "odd choice", "download cancelled", "download fails", "unpacking fails", "installs", "no feed".
+class UpdaterSession final : public platform::Updaters {
+ public:
+  explicit UpdaterSession(World& world) : world_(world) {}
+
+  std::unique_ptr<platform::Updater> makeUpdater(platform::UpdaterDelegate& delegate) override;
+
+  // A session that the updater begins by itself, unless one goes on.
+  void beginScheduled(const std::string& end, double pauseSeconds);
+
+  // How those end that the user asks for, in their order; without one, with nothing found.
+  void planRequested(std::string end, double pauseSeconds) {
+    requested_.push_back({std::move(end), pauseSeconds});
+  }
+
+  bool canStart = true;
+  bool canCheck = true;
+  bool inSession = false;
+
+ private:
+  class Handle;
+  struct Planned {
+    std::string end;
+    double pauseSeconds;
+  };
+
+  void begin(const Planned& planned);
+  void live(const Planned& planned);
+  void step(const Planned& planned, const std::function<void()>& block);
+  void over(const Planned& planned, const std::string& why);
+
+  World& world_;
+  platform::UpdaterDelegate* delegate_ = nullptr;
+  platform::Updater* updater_ = nullptr;
+  std::deque<Planned> requested_;
+  bool isStarted_ = false;
+};
+
+}  // namespace karno::simulation
