@@ -9,8 +9,8 @@ command_line::Program program(std::string_view version, Context& context) {
           .version = version,
           .purpose = "Talks to the Karno launcher that runs in your session.",
           .exitStatuses = "0 done, 1 failed, 3 no launcher runs, 4 it does not quit",
-          .verbs = {statusVerb(context), logVerb(context), explainVerb(context), selfCheckVerb(context),
-                    postVerb(context), quitVerb(context), reportVerb(context)}};
+          .verbs = {statusVerb(context), diagnoseVerb(context), logVerb(context), explainVerb(context),
+                    selfCheckVerb(context), postVerb(context), quitVerb(context), reportVerb(context)}};
 }
 
 int run(std::span<const std::string> arguments, std::string_view version, Context& context) {

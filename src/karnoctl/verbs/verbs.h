@@ -11,6 +11,7 @@ namespace karno::karnoctl {
 
 command_line::Verb statusVerb(Context& context);
 command_line::Verb logVerb(Context& context);
+command_line::Verb diagnoseVerb(Context& context);
 command_line::Verb explainVerb(Context& context);
 command_line::Verb selfCheckVerb(Context& context);
 command_line::Verb postVerb(Context& context);
