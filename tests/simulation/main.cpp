@@ -22,8 +22,8 @@ namespace {
 
 constexpr int kWrongUse = 64;
 constexpr std::string_view kUsage =
-    "usage: simulate [--seeds N] [--from SEED] [--minutes M] [--fair]\n"
-    "       simulate --seed SEED [--trace] [--fair]\n";
+    "usage: simulate [--seeds N] [--from SEED] [--minutes M] [--fair | --calm]\n"
+    "       simulate --seed SEED [--trace] [--fair | --calm]\n";
 
 struct Options {
   std::uint64_t seeds = 2000;
@@ -60,11 +60,15 @@ void print(const std::string& text) {
   std::fflush(stdout);
 }
 
+std::string_view nameOf(Weather weather) {
+  return weather == Weather::Foul ? "" : weather == Weather::Fair ? " --fair" : " --calm";
+}
+
 void tellBroken(std::uint64_t seed, Weather weather, const SessionReport& session) {
   const Plan shorter = shortened(planOf(seed, weather), session.broken());
   const SessionReport again = liveSession(shorter, true);
-  std::string report = fmt::format("seed {}{}: {} ({})\n{}", seed, weather == Weather::Fair ? " --fair" : "",
-                                   session.broken(), session.detail(), text(shorter));
+  std::string report = fmt::format("seed {}{}: {} ({})\n{}", seed, nameOf(weather), session.broken(),
+                                   session.detail(), text(shorter));
   for (const LifeReport& life : again.lives) report += life.trace;
   print(report);
 }
@@ -168,6 +172,8 @@ int run(const std::vector<std::string>& words) {
       options.wantsTrace = true;
     } else if (word == "--fair") {
       options.weather = Weather::Fair;
+    } else if (word == "--calm") {
+      options.weather = Weather::Calm;
     } else if (word == "--seeds" || word == "--from" || word == "--minutes" || word == "--seed") {
       if (++i == words.size()) return wrongUse(word + " wants a number");
       std::size_t used = 0;

@@ -199,7 +199,7 @@ void clients(const Record& record, const Lines& lines, Judgement& judgement) {
       std::abs(count(lines, "launched") - told) > (record.end == End::Running ? 0 : 1))
     judgement.verdicts.push_back(
         {"clients", fmt::format("{} launches, {} told", told, count(lines, "launched"))});
-  const bool mayBeTwo = has(lines, "elected") || count(lines, "restarting") > 1 ||
+  const bool mayBeTwo = has(lines, "elected") || count(lines, "okay") > 1 || count(lines, "restarting") > 1 ||
                         record.otherLaunchers > 0 || record.areProcessesFaulty ||
                         isRestartedBeforeItsStart(lines);
   for (const Noted& launch : launches) {

@@ -52,6 +52,7 @@ constexpr const char* kSessions[] = {
     "unpacking fails", "installs", "installs", "no feed"};
 constexpr const char* kAnswers[] = {"1000", "1000", "1000", "1001", "1001", "0", "-1000", "never"};
 constexpr const char* kMarkers[] = {"", "https://feeds.example.org/a.xml\n", "no url at all"};
+constexpr const char* kInterfaces[] = {"asks again", "cancels progress", "moves twice"};
 constexpr const char* kBuilds[] = {"Karno.app", "Karno(Fuse).app"};
 
 constexpr const char* kFaults[] = {
@@ -113,6 +114,7 @@ class Composer {
       : dice_(seed), weather_(weather), plan_{.seed = seed, .events = {}} {}
 
   Plan compose() {
+    if (weather_ == Weather::Calm) return calm();
     machine();
     for (life_ = 0; life_ < kLivesMax; ++life_) {
       lifeOfTheClient();
@@ -127,6 +129,26 @@ class Composer {
   }
 
  private:
+  // A client that comes and goes as it should, on a machine that has what it needs.
+  Plan calm() {
+    add(0, "fuse", dice_.percent(50) ? "4.4.1" : "4.10.0");
+    if (dice_.percent(50)) add(0, "setting", "isFirstStartup=0");
+    if (dice_.percent(30)) add(0, "setting", "verboseLogging=1");
+    maybe(20, "admin", std::string("UPDATES_ENABLED=") + (dice_.percent(50) ? "YES" : "NO"));
+    maybe(20, "lumberjack", "", 1'300'000);
+    maybe(20, "session", dice_.percent(50) ? "nothing" : "skip", 0.5);
+    if (dice_.percent(30)) add(later(), "client", "post check-for-updates");
+    if (dice_.percent(30)) add(later(), "client", "post enable-automatic-updates");
+    if (dice_.percent(40)) leave(dice_.seconds(2, 8), "post app-needs-restart");
+    if (dice_.percent(40)) leave(dice_.seconds(16, 20), "post user-selected-quit");
+    std::ranges::stable_sort(plan_.events, {}, &Event::at);
+    return std::move(plan_);
+  }
+  void leave(double at, std::string message) {
+    add(at, "client", std::move(message));
+    add(at + dice_.seconds(0.1, 2), "client", "ends 0");
+  }
+
   void add(double at, std::string kind, std::string what = {}, double number = 0) {
     plan_.events.push_back({life_, at, std::move(kind), std::move(what), number});
   }
@@ -201,6 +223,7 @@ class Composer {
     const std::uint64_t count = dice_.below(3);
     for (std::uint64_t i = 0; i < count; ++i)
       add(dice_.percent(50) ? later() : 0, "session", dice_.of(kSessions), dice_.seconds(0, 1.5));
+    if (dice_.percent(4)) add(later(), "interface", dice_.of(kInterfaces));
     maybe(4, "updater", "cannot start");
     if (dice_.percent(4)) add(later(), "updater", "cannot check");
   }
@@ -241,11 +264,6 @@ std::string text(const Plan& plan) {
 }
 
 Plan planOf(std::uint64_t seed, Weather weather) { return Composer(seed, weather).compose(); }
-
-const std::vector<std::string>& faultTexts() {
-  static const std::vector<std::string> texts(std::begin(kFaults), std::end(kFaults));
-  return texts;
-}
 
 std::optional<Fault> faultOf(std::string_view text, double firstCall) {
   constexpr std::string_view kHows[] = {"fails", "late", "half", "odd"};

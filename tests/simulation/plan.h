@@ -36,13 +36,10 @@ struct Plan {
 
 std::string text(const Plan& plan);
 
-// Which plans a seed makes.
-enum class Weather { Fair, Foul };  // without faults, or with them
+// Which plans a seed makes: everybody does what is expected, or anything, or things go wrong as well.
+enum class Weather { Calm, Fair, Foul };
 
 Plan planOf(std::uint64_t seed, Weather weather);
-
-// Ends of events that a plan can have; for those who count what was covered.
-const std::vector<std::string>& faultTexts();
 
 inline constexpr int kLivesMax = 3;
 inline constexpr double kEventsSeconds = 16;  // in which things happen

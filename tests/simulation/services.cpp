@@ -18,6 +18,16 @@ using How = Fault::How;
 constexpr const char* kOpen = "/usr/bin/open";
 constexpr const char* kGarbage = "ProductName: a: b\n\xff nonsense";
 
+// A service with the world in front of it.
+template <class Port>
+class Of : public Port {
+ public:
+  explicit Of(World& world) : world_(world) {}
+
+ protected:
+  World& world_;
+};
+
 class SimulatedStream final : public platform::AppendStream {
  public:
   SimulatedStream(World& world, std::string path, std::unique_ptr<platform::AppendStream> stream)
@@ -41,9 +51,9 @@ class SimulatedStream final : public platform::AppendStream {
   std::unique_ptr<platform::AppendStream> stream_;
 };
 
-class SimulatedFiles final : public platform::Files {
+class SimulatedFiles final : public Of<platform::Files> {
  public:
-  explicit SimulatedFiles(World& world) : world_(world), files_(world.machine.files) {}
+  explicit SimulatedFiles(World& world) : Of(world), files_(world.machine.files) {}
 
   std::vector<std::string> searchPath(platform::UserFolder folder) const override {
     return files_.searchPath(folder);
@@ -115,14 +125,13 @@ class SimulatedFiles final : public platform::Files {
     return operation();
   }
 
-  World& world_;
   test::FakeFiles& files_;
 };
 
 // Whole copies appear at once, and what is copied lies beside them before.
-class SimulatedFileManager final : public platform::FileManager {
+class SimulatedFileManager final : public Of<platform::FileManager> {
  public:
-  explicit SimulatedFileManager(World& world) : world_(world), manager_(world.machine.fileManager) {}
+  explicit SimulatedFileManager(World& world) : Of(world), manager_(world.machine.fileManager) {}
 
   bool isWritable(const std::string& path) const override {
     const Fault* const fault = world_.call("FileManager::isWritable");
@@ -166,7 +175,6 @@ class SimulatedFileManager final : public platform::FileManager {
   }
 
  private:
-  World& world_;
   test::FakeFileManager& manager_;
 };
 
@@ -219,9 +227,9 @@ class SimulatedDefaultsStore final : public platform::UserDefaultsStore {
   SimulatedDefaults standard_;
 };
 
-class SimulatedManagedPreferences final : public platform::ManagedPreferences {
+class SimulatedManagedPreferences final : public Of<platform::ManagedPreferences> {
  public:
-  explicit SimulatedManagedPreferences(World& world) : world_(world) {}
+  using Of::Of;
 
   std::optional<platform::Value> copyAppValue(const std::string& key,
                                               const std::string& application) override {
@@ -232,14 +240,11 @@ class SimulatedManagedPreferences final : public platform::ManagedPreferences {
   bool isAppValueForced(const std::string& key, const std::string& application) override {
     return world_.machine.managedPreferences.isAppValueForced(key, application);
   }
-
- private:
-  World& world_;
 };
 
-class SimulatedTasks final : public platform::Tasks {
+class SimulatedTasks final : public Of<platform::Tasks> {
  public:
-  explicit SimulatedTasks(World& world) : world_(world) {}
+  using Of::Of;
 
   Result<std::int32_t> launch(const platform::TaskLaunch& task, TerminationHandler onTermination) override {
     if (const Fault* const fault = world_.call("Tasks::launch")) return Error::posix(fault->number);
@@ -256,14 +261,11 @@ class SimulatedTasks final : public platform::Tasks {
     if (task.executablePath == kOpen && words.size() == 5) world_.opensAnew(words[1], {words[3], words[4]});
     return child;
   }
-
- private:
-  World& world_;
 };
 
-class SimulatedProcesses final : public platform::Processes {
+class SimulatedProcesses final : public Of<platform::Processes> {
  public:
-  explicit SimulatedProcesses(World& world) : world_(world), processes_(world.machine.processes) {}
+  explicit SimulatedProcesses(World& world) : Of(world), processes_(world.machine.processes) {}
 
   std::int32_t currentProcessIdentifier() const override { return processes_.currentProcessIdentifier(); }
   std::int32_t parentProcessIdentifier() const override { return processes_.parentProcessIdentifier(); }
@@ -282,7 +284,6 @@ class SimulatedProcesses final : public platform::Processes {
   }
 
  private:
-  World& world_;
   test::FakeProcesses& processes_;
 };
 
@@ -294,7 +295,6 @@ class SimulatedPipe final : public platform::ShellPipe {
     world_.call("Shell::read");
     if (!isOdd_) return pipe_->readPiece();
     isOdd_ = false;
-    isRead_ = true;
     return std::string(kGarbage);
   }
   bool close() override {
@@ -306,12 +306,11 @@ class SimulatedPipe final : public platform::ShellPipe {
   World& world_;
   std::unique_ptr<platform::ShellPipe> pipe_;
   bool isOdd_;
-  bool isRead_ = false;
 };
 
-class SimulatedShell final : public platform::Shell {
+class SimulatedShell final : public Of<platform::Shell> {
  public:
-  explicit SimulatedShell(World& world) : world_(world) {}
+  using Of::Of;
 
   Result<std::unique_ptr<platform::ShellPipe>> open(const std::string& line) override {
     const Fault* const fault = world_.call("Shell::open");
@@ -321,14 +320,11 @@ class SimulatedShell final : public platform::Shell {
     return std::unique_ptr<platform::ShellPipe>(
         std::make_unique<SimulatedPipe>(world_, std::move(pipe.value()), fault != nullptr));
   }
-
- private:
-  World& world_;
 };
 
-class SimulatedCommands final : public platform::Commands {
+class SimulatedCommands final : public Of<platform::Commands> {
  public:
-  explicit SimulatedCommands(World& world) : world_(world) {}
+  using Of::Of;
 
   Result<platform::CommandEnd> run(const platform::TaskLaunch& command) override {
     const Fault* const fault = world_.call("Commands::run");
@@ -347,14 +343,11 @@ class SimulatedCommands final : public platform::Commands {
     if (!error && script.find("/usr/bin/open") != std::string::npos) world_.opensAnew(kInstalledBundle, {});
     return error;
   }
-
- private:
-  World& world_;
 };
 
-class SimulatedNetwork final : public platform::URLLoading {
+class SimulatedNetwork final : public Of<platform::URLLoading> {
  public:
-  explicit SimulatedNetwork(World& world) : world_(world) {}
+  using Of::Of;
 
   Result<std::string> contentsOfURL(const std::string& url) override {
     const Fault* const fault = world_.call("URLLoading::contentsOfURL");
@@ -362,9 +355,6 @@ class SimulatedNetwork final : public platform::URLLoading {
     if (fault->how == How::Odd) return std::string(R"({"name": 7, "tag_name": [)");
     return Error("NSURLErrorDomain", -1009, {{"NSLocalizedDescription", "The computer is offline."}});
   }
-
- private:
-  World& world_;
 };
 
 // The administrator's commands do to the disk what they say.
@@ -406,23 +396,20 @@ class SimulatedAuthorisation final : public platform::Authorisation {
   std::unique_ptr<platform::Authorisation> given_;
 };
 
-class SimulatedAuthorisations final : public platform::Authorisations {
+class SimulatedAuthorisations final : public Of<platform::Authorisations> {
  public:
-  explicit SimulatedAuthorisations(World& world) : world_(world) {}
+  using Of::Of;
 
   std::unique_ptr<platform::Authorisation> create() override {
     if (world_.call("Authorisations::create") != nullptr) return nullptr;
     return std::make_unique<SimulatedAuthorisation>(world_, world_.machine.authorisations.create());
   }
-
- private:
-  World& world_;
 };
 
 // The one script that there is moves a file to the Trash.
-class SimulatedAppleScripts final : public platform::AppleScripts {
+class SimulatedAppleScripts final : public Of<platform::AppleScripts> {
  public:
-  explicit SimulatedAppleScripts(World& world) : world_(world) {}
+  using Of::Of;
 
   std::optional<std::string> execute(const std::string& source) override {
     if (world_.call("AppleScripts::execute") != nullptr) return "The Finder does not answer.";
@@ -431,26 +418,21 @@ class SimulatedAppleScripts final : public platform::AppleScripts {
         world_.machine.fileManager.trashItem(source.substr(begin, source.find('"', begin) - begin));
     return error ? std::optional(error->description()) : world_.machine.appleScripts.execute(source);
   }
-
- private:
-  World& world_;
 };
 
-class SimulatedMounts final : public platform::Mounts {
+class SimulatedMounts final : public Of<platform::Mounts> {
  public:
-  explicit SimulatedMounts(World& world) : world_(world) {}
+  using Of::Of;
+
   std::optional<platform::MountInformation> informationOf(const std::string& path) const override {
     return world_.call("Mounts::informationOf") != nullptr ? std::nullopt
                                                            : world_.machine.mounts.informationOf(path);
   }
-
- private:
-  World& world_;
 };
 
-class SimulatedWorkspace final : public platform::Workspace {
+class SimulatedWorkspace final : public Of<platform::Workspace> {
  public:
-  explicit SimulatedWorkspace(World& world) : world_(world), workspace_(world.machine.workspace) {}
+  explicit SimulatedWorkspace(World& world) : Of(world), workspace_(world.machine.workspace) {}
 
   void selectFile(const std::string& path, const std::string& root) override {
     workspace_.selectFile(path, root);
@@ -471,21 +453,18 @@ class SimulatedWorkspace final : public platform::Workspace {
   }
 
  private:
-  World& world_;
   test::FakeWorkspace& workspace_;
 };
 
-class SimulatedBundles final : public platform::Bundles {
+class SimulatedBundles final : public Of<platform::Bundles> {
  public:
-  explicit SimulatedBundles(World& world) : world_(world) {}
+  using Of::Of;
+
   const platform::Bundle& mainBundle() const override { return world_.machine.bundles.mainBundle(); }
   std::shared_ptr<const platform::Bundle> bundleAtPath(const std::string& path) const override {
     return world_.call("Bundles::bundleAtPath") != nullptr ? nullptr
                                                            : world_.machine.bundles.bundleAtPath(path);
   }
-
- private:
-  World& world_;
 };
 
 class SimulatedDispatch final : public platform::Dispatch {
@@ -543,9 +522,10 @@ class SimulatedDispatch final : public platform::Dispatch {
   MainQueue mainOperationQueue_;
 };
 
-class SimulatedConsole final : public platform::ConsoleLog {
+class SimulatedConsole final : public Of<platform::ConsoleLog> {
  public:
-  explicit SimulatedConsole(World& world) : world_(world) {}
+  using Of::Of;
+
   void log(std::string_view line) override {
     world_.note("line", std::string(line));
     world_.call("ConsoleLog::log");
@@ -563,35 +543,23 @@ class SimulatedConsole final : public platform::ConsoleLog {
     const std::scoped_lock second(isMain ? other_ : one_);
   }
 
-  World& world_;
   std::mutex one_;
   std::mutex other_;
 };
 
-class SimulatedClock final : public platform::Clock {
+class SimulatedAlerts final : public Of<platform::Alerts> {
  public:
-  explicit SimulatedClock(World& world) : world_(world) {}
-  platform::Date now() const override { return world_.machine.clock.now(); }
+  using Of::Of;
 
- private:
-  World& world_;
-};
-
-class SimulatedAlerts final : public platform::Alerts {
- public:
-  explicit SimulatedAlerts(World& world) : world_(world) {}
   long runModal(const platform::Alert& alert) override {
     world_.call("Alerts::runModal");
     return world_.answerAlert(alert);
   }
-
- private:
-  World& world_;
 };
 
-class SimulatedApplication final : public platform::Application {
+class SimulatedApplication final : public Of<platform::Application> {
  public:
-  explicit SimulatedApplication(World& world) : world_(world), application_(world.machine.application) {}
+  explicit SimulatedApplication(World& world) : Of(world), application_(world.machine.application) {}
   bool isActive() const override { return application_.isActive(); }
   void activateIgnoringOtherApps() override {
     world_.call("Application::activate");
@@ -607,83 +575,62 @@ class SimulatedApplication final : public platform::Application {
   void terminate() override { world_.terminate(); }
 
  private:
-  World& world_;
   test::FakeApplication& application_;
 };
 
 }  // namespace
 
 struct Services::All {
-  explicit All(World& world)
-      : application(world),
-        alerts(world),
-        workspace(world),
-        dispatch(world),
-        clock(world),
-        tasks(world),
-        processes(world),
-        bundles(world),
-        defaults(world),
-        managed(world),
-        files(world),
-        console(world),
-        shell(world),
-        network(world),
-        fileManager(world),
-        mounts(world),
-        commands(world),
-        scripts(world),
-        authorisations(world),
-        platform{.application = application,
-                 .alerts = alerts,
-                 .windows = world.machine.windows,
-                 .workspace = workspace,
-                 .dispatch = dispatch,
-                 .clock = clock,
-                 .tasks = tasks,
-                 .processes = processes,
-                 .bundles = bundles,
-                 .userDefaults = defaults,
-                 .managedPreferences = managed,
-                 .distributedNotifications = world.machine.notifications,
-                 .files = files,
-                 .text = world.machine.text,
-                 .consoleLog = console,
-                 .systemVersion = world.machine.systemVersion,
-                 .updaters = world.updater,
-                 .shell = shell,
-                 .urlLoading = network,
-                 .identifiers = world.machine.identifiers,
-                 .processList = world.machine.processList,
-                 .fileReading = world.machine.fileReading,
-                 .fileManager = fileManager,
-                 .standardFolders = world.machine.standardFolders,
-                 .mounts = mounts,
-                 .commands = commands,
-                 .appleScripts = scripts,
-                 .authorisations = authorisations,
-                 .notices = world.machine.notices} {}
+  explicit All(World& ofServices) : world(ofServices) {}
 
-  SimulatedApplication application;
-  SimulatedAlerts alerts;
-  SimulatedWorkspace workspace;
-  SimulatedDispatch dispatch;
-  SimulatedClock clock;
-  SimulatedTasks tasks;
-  SimulatedProcesses processes;
-  SimulatedBundles bundles;
-  SimulatedDefaultsStore defaults;
-  SimulatedManagedPreferences managed;
-  SimulatedFiles files;
-  SimulatedConsole console;
-  SimulatedShell shell;
-  SimulatedNetwork network;
-  SimulatedFileManager fileManager;
-  SimulatedMounts mounts;
-  SimulatedCommands commands;
-  SimulatedAppleScripts scripts;
-  SimulatedAuthorisations authorisations;
-  platform::Platform platform;
+  World& world;
+  SimulatedApplication application{world};
+  SimulatedAlerts alerts{world};
+  SimulatedWorkspace workspace{world};
+  SimulatedDispatch dispatch{world};
+  SimulatedTasks tasks{world};
+  SimulatedProcesses processes{world};
+  SimulatedBundles bundles{world};
+  SimulatedDefaultsStore defaults{world};
+  SimulatedManagedPreferences managed{world};
+  SimulatedFiles files{world};
+  SimulatedConsole console{world};
+  SimulatedShell shell{world};
+  SimulatedNetwork network{world};
+  SimulatedFileManager fileManager{world};
+  SimulatedMounts mounts{world};
+  SimulatedCommands commands{world};
+  SimulatedAppleScripts scripts{world};
+  SimulatedAuthorisations authorisations{world};
+  platform::Platform platform{.application = application,
+                              .alerts = alerts,
+                              .windows = world.machine.windows,
+                              .workspace = workspace,
+                              .dispatch = dispatch,
+                              .clock = world.machine.clock,
+                              .tasks = tasks,
+                              .processes = processes,
+                              .bundles = bundles,
+                              .userDefaults = defaults,
+                              .managedPreferences = managed,
+                              .distributedNotifications = world.machine.notifications,
+                              .files = files,
+                              .text = world.machine.text,
+                              .consoleLog = console,
+                              .systemVersion = world.machine.systemVersion,
+                              .updaters = world.updater,
+                              .shell = shell,
+                              .urlLoading = network,
+                              .identifiers = world.machine.identifiers,
+                              .processList = world.machine.processList,
+                              .fileReading = world.machine.fileReading,
+                              .fileManager = fileManager,
+                              .standardFolders = world.machine.standardFolders,
+                              .mounts = mounts,
+                              .commands = commands,
+                              .appleScripts = scripts,
+                              .authorisations = authorisations,
+                              .notices = world.machine.notices};
 };
 
 Services::Services(World& world) : all_(std::make_unique<All>(world)) {}

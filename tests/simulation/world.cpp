@@ -7,8 +7,11 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "app/progress_window_controller.h"
+#include "app/startup_manager.h"
 #include "interposition.h"
 #include "launcher.h"
+#include "move/karno_move_application_manager.h"
 #include "services.h"
 
 namespace karno::simulation {
@@ -47,6 +50,23 @@ std::string programIn(const std::string& launcher, const std::string& build) {
 platform::Value typed(const std::string& text) {
   if (text == "<true/>") return true;
   return text;
+}
+
+// What belongs to the interface of the launcher's classes and nothing in it calls.
+void useInterface(test::FakePlatform& machine, const std::string& what) {
+  StartupManager& manager = StartupManager::instance();
+  if (what == "asks again") {
+    manager.continueAfterManualInstall();
+  } else if (what == "cancels progress") {
+    const auto controller = ProgressWindowController::make();
+    manager.setProgressController(controller);
+    controller->setMessage("Waiting");
+    controller->showWindow();
+    manager.progressWindowControllerUserPressedCancel(*controller);
+  } else if (what == "moves twice") {
+    machine.scheduler.addThread("global(-32768)",
+                                [] { KarnoMoveApplicationManager::instance().moveApplicationIfRequired(); });
+  }
 }
 
 // An expectation of the fakes that failed is a thread that does what it must not.
@@ -302,6 +322,8 @@ void World::happen(const Event& event) {
     updater.beginScheduled(what, number);
   } else if (kind == "updater") {
     updater.canCheck = false;
+  } else if (kind == "interface") {
+    machine.scheduler.addToMain(MainLane::Events, [this, what = what] { useInterface(machine, what); });
   } else if (kind == "bundle gone") {
     const std::string bundle = machine.bundles.main().bundlePath();
     if (!isWholeBundle(kInstalledBundle) || bundle == kInstalledBundle) return;

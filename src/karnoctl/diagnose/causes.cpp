@@ -100,7 +100,7 @@ constexpr Cause kCauses[] = {
      .advice = "Remove the file that the line names, or write a whole address into it."},
     {.name = "client-gone-for-no-update",
      .signs = {"Startup[TERMINATED] Embedded Karno.app terminated. Reason: Being updated"},
-     .cures = {kLaunched, "Sparkle[UPDATE] Relaunching app"},
+     .cures = {kLaunched, "Sparkle[UPDATE] Relaunching app", "AppDelegate[TERMINATE] Reason"},
      .says =
          "The client ended while the updater was at work, so the launcher stayed; no new client was started.",
      .advice = "Quit Karno (\"karnoctl quit\") and open it again."},
