@@ -53,7 +53,7 @@ class InjectedFault : public ::testing::TestWithParam<Injected> {};
 
 TEST_P(InjectedFault, IsTheFirstCauseThatIsNamed) {
   std::vector<std::string> others;
-  const std::uint64_t count = seeds(20);
+  const std::uint64_t count = seeds(10);
   for (std::uint64_t seed = 1; seed <= count; ++seed) {
     Plan plan = planOf(seed, Weather::Calm);
     std::erase_if(plan.events, isLeaving);
@@ -140,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Diagnosis, FindsNothingWrongWhereNothingGoesWrong) {
   std::vector<std::string> found;
-  for (std::uint64_t seed = 1; seed <= seeds(200); ++seed) {
+  for (std::uint64_t seed = 1; seed <= seeds(100); ++seed) {
     const std::string first = firstCauseOf(planOf(seed, Weather::Calm));
     if (first != "nothing") found.push_back(std::to_string(seed) + " " + first);
   }

@@ -2,19 +2,27 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <regex>
+#include <string_view>
 
 #include "platform/property_lists/property_lists.h"
 
 namespace karno::test {
 
 Line Line::parse(const std::string& text) {
-  static const std::regex shape(
-      R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d:\d{3}[+-]\d{4} \(\d+\) \[([^\]]*)\] ([\s\S]*))");
-  std::smatch parts;
-  if (!std::regex_match(text, parts, shape)) return {"", text};
-  return {parts[1], parts[2]};
+  constexpr std::string_view kDate = "dddd-dd-dd dd:dd:dd:ddd?dddd (";
+  const auto fits = [](char shape, char character) {
+    const bool isDigit = character >= '0' && character <= '9';
+    return shape == 'd' ? isDigit : shape == '?' ? character == '+' || character == '-' : shape == character;
+  };
+  const bool hasDate =
+      text.size() > kDate.size() && std::equal(kDate.begin(), kDate.end(), text.begin(), fits);
+  const std::size_t bracket =
+      hasDate ? text.find_first_not_of("0123456789", kDate.size()) : std::string::npos;
+  const std::size_t end = bracket == std::string::npos ? bracket : text.find("] ", bracket);
+  if (end == std::string::npos || text.compare(bracket, 3, ") [") != 0) return {"", text};
+  return {text.substr(bracket + 3, end - bracket - 3), text.substr(end + 2)};
 }
 
 void PrintTo(const Line& line, std::ostream* out) { *out << "[" << line.level << "] " << line.message; }
