@@ -19,6 +19,7 @@ MISUSE = {
     "run": None,
     "screenshots": ["--nonsense"],
     "sign-macos": ["--nonsense"],
+    "simulate": ["--nonsense"],
     "test": ["--preset", "nonsense"],
 }
 
