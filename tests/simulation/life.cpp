@@ -19,48 +19,16 @@ namespace karno::simulation {
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(LeftBehind::File, path, type, text, bytesBefore)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(LeftBehind::Setting, suite, key, value)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(LeftBehind, files, settings, clients, secondsSinceStart)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(NextStart, bundle, arguments)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Verdict, oracle, detail)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(LifeReport, end, seconds, calls, verdicts, stories, faults, log, trace,
+                                   traceHash, left, next)
 
 namespace {
 
 using nlohmann::json;
 
 constexpr int kRealSecondsMax = 60;  // for one life
-
-json toJSON(const LifeReport& report) {
-  json value = {{"end", static_cast<int>(report.end)},
-                {"seconds", report.seconds},
-                {"calls", report.calls},
-                {"verdicts", report.verdicts},
-                {"stories", report.stories},
-                {"faults", report.faults},
-                {"log", report.log},
-                {"trace", report.trace},
-                {"hash", report.traceHash}};
-  if (!report.next) return value;
-  value["bundle"] = report.next->bundle;
-  value["arguments"] = report.next->arguments;
-  value["left"] = report.left;
-  return value;
-}
-
-LifeReport fromJSON(const json& value) {
-  LifeReport report{.end = static_cast<End>(value.at("end").get<int>()),
-                    .seconds = value.at("seconds"),
-                    .calls = value.at("calls"),
-                    .verdicts = value.at("verdicts"),
-                    .stories = value.at("stories"),
-                    .faults = value.at("faults"),
-                    .log = value.at("log"),
-                    .trace = value.at("trace"),
-                    .traceHash = value.at("hash"),
-                    .left = {},
-                    .next = std::nullopt};
-  if (!value.contains("bundle")) return report;
-  report.next = NextStart{value.at("bundle"), value.at("arguments")};
-  report.left = value.at("left");
-  return report;
-}
 
 void writeAll(int descriptor, std::string_view text) {
   while (!text.empty()) {
@@ -85,7 +53,7 @@ std::optional<std::string> readAll(int descriptor) {
 
 [[noreturn]] void liveHere(const Life& life, int descriptor) {
   World world(life, [descriptor](const LifeReport& report) {
-    writeAll(descriptor, toJSON(report).dump(-1, ' ', false, json::error_handler_t::replace));
+    writeAll(descriptor, json(report).dump(-1, ' ', false, json::error_handler_t::replace));
     if (__gcov_dump != nullptr) __gcov_dump();
     ::_exit(0);
   });
@@ -117,7 +85,7 @@ LifeReport live(const Life& life) {
   ::waitpid(child, &status, 0);
   if (!text) return brokenLife("no hang", "nothing came in a minute");
   if (status != 0) return brokenLife("no crash", "the launcher ended with status " + std::to_string(status));
-  return fromJSON(json::parse(*text));
+  return json::parse(*text).get<LifeReport>();
 }
 
 SessionReport liveSession(const Plan& plan, bool wantsTrace) {
@@ -126,9 +94,9 @@ SessionReport liveSession(const Plan& plan, bool wantsTrace) {
   for (; life.number < kLivesMax; ++life.number) {
     session.lives.push_back(live(life));
     const LifeReport& report = session.lives.back();
-    if (!report.verdicts.empty() || !report.next) break;
+    if (!report.verdicts.empty() || report.next.empty()) break;
     life.left = report.left;
-    life.start = report.next;
+    life.start = report.next.front();
   }
   return session;
 }

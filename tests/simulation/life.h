@@ -52,8 +52,8 @@ struct LifeReport {
   std::vector<std::string> log;     // lines of the file
   std::string trace;                // empty unless it is wanted or something is broken
   std::uint64_t traceHash = 0;
-  LeftBehind left;
-  std::optional<NextStart> next;
+  LeftBehind left;              // when somebody starts it again
+  std::vector<NextStart> next;  // how; none when nobody does
 };
 
 // Lives it in a process of its own.

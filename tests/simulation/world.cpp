@@ -533,8 +533,9 @@ void World::end(End how, const std::optional<Verdict>& broken) {
                     .stories = std::move(judgement.stories),
                     .faults = {faultsHit_.begin(), faultsHit_.end()},
                     .log = record.file,
-                    .left = leftBehind(),
+                    .left = {},
                     .next = nextStart(how)};
+  if (!report.next.empty()) report.left = leftBehind();
   const std::string trace = traceOf(record);
   report.traceHash = std::hash<std::string>()(trace);
   if (life_.wantsTrace || !report.verdicts.empty()) report.trace = trace;
@@ -543,12 +544,12 @@ void World::end(End how, const std::optional<Verdict>& broken) {
 }
 
 // Who was dropped, or has left an update behind, is opened again.
-std::optional<NextStart> World::nextStart(End how) const {
-  if (how == End::Terminated && next_) return next_;
+std::vector<NextStart> World::nextStart(End how) const {
+  if (how == End::Terminated && next_) return {*next_};
   const bool isUpdated = how == End::Terminated && updater.inSession;
-  if (how != End::Crashed && !isUpdated) return std::nullopt;
+  if (how != End::Crashed && !isUpdated) return {};
   const std::string bundle = machine.bundles.mainBundle().bundlePath();
-  return NextStart{isWholeBundle(bundle) ? bundle : kInstalledBundle, {}};
+  return {NextStart{isWholeBundle(bundle) ? bundle : kInstalledBundle, {}}};
 }
 
 LeftBehind World::leftBehind() const {

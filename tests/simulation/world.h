@@ -77,7 +77,7 @@ class World {
   bool isWholeBundle(const std::string& path) const;
   void finishRecord(End how);
   LeftBehind leftBehind() const;
-  std::optional<NextStart> nextStart(End how) const;
+  std::vector<NextStart> nextStart(End how) const;
   std::vector<std::int32_t> clients() const;
   Choice choice() const;
 
