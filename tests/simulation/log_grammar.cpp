@@ -219,9 +219,9 @@ constexpr Story kStories[] = {
      "console-moving (console-switching console-not-opened?)? $trashed console-copy-error? "
      "console-no-copy? console-no-right? console-no-privileged-copy? $old-copy console-not-opened* "
      "$move-end"},
-    {"the choice of the build", "$choice (check-fp (using-fp okay|too-old-for-fp check-fuse)|check-fuse)"},
+    {"the choice of the build", "$choice (check-fp (using-fp okay?|too-old-for-fp check-fuse)|check-fuse)"},
     {"the look at macFUSE",
-     "$shell no-library? (no-cpu|$fuse-facts) no-library? (fuse-is-there okay|need-fuse)"},
+     "$shell no-library? (no-cpu|$fuse-facts) no-library? (fuse-is-there okay?|need-fuse)?"},
     {"the prompt", "$texts"},
     {"the user goes on to the site", "pressed-continue"},
     {"the user wants no macFUSE", "pressed-cancel $quit"},
@@ -229,7 +229,7 @@ constexpr Story kStories[] = {
     {"the wait for macFUSE",
      "waiting-for-fuse $shell (no-cpu|no-os|no-library|not-met)* (met fuse-is-there okay)?"},
     {"macFUSE by hand",
-     "$texts continued $choice (check-fp (using-fp okay|too-old-for-fp check-fuse)|check-fuse)"},
+     "$texts continued $choice (check-fp (using-fp okay?|too-old-for-fp check-fuse)|check-fuse)"},
     {"the wait is cancelled", "$texts gave-up (not-set-up not-started?)?"},
     {"the refusal by hand", "$texts not-set-up not-started?"},
     {"an end that nobody asks for", "should-terminate $quit"},

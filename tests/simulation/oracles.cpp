@@ -117,12 +117,14 @@ void logFile(const Record& record, const Lines& lines, Judgement& judgement) {
   const double certain = record.end == End::Terminated && reason != lines.end()
                              ? std::min(reason->noted->at, record.endAt - late)
                              : record.endAt - late;
+  std::map<std::string, int> times;
+  for (const LoggedLine& line : lines) ++times[line.noted->text];
   std::vector<std::pair<std::uint64_t, std::size_t>> found;
   int missing = 0;
   for (const LoggedLine& line : lines) {
     if (line.level.empty()) continue;
     const auto place = places.find(line.noted->text.substr(0, line.noted->text.find('\n')));
-    if (place != places.end() && places.count(place->first) > 1) {
+    if (place != places.end() && times[line.noted->text] > 1) {
       places.erase(place);  // which of them is which cannot be told
     } else if (place != places.end()) {
       found.emplace_back(line.noted->block, place->second);
