@@ -21,7 +21,7 @@ _karnoctl_offer_paths() {
 }
 
 _karnoctl() {
-  local verbs='status log explain self-check post quit report help'
+  local verbs='status diagnose log explain self-check post quit report help'
   local messages='check-for-updates enable-automatic-updates disable-automatic-updates user-selected-quit
     app-is-terminating app-is-terminating-abnormally app-needs-restart restart-wrapper-with-fuse
     restart-wrapper-with-file-provider restart-wrapper'
@@ -50,6 +50,12 @@ _karnoctl() {
       case $word in
         -*) _karnoctl_offer '--reason --help' "$word" ;;
         *) _karnoctl_offer "$messages" "$word" ;;
+      esac
+      ;;
+    diagnose:*)
+      case $word in
+        -*) _karnoctl_offer '--json --help' "$word" ;;
+        *) _karnoctl_offer_paths -f "$word" ;;
       esac
       ;;
     self-check:*)

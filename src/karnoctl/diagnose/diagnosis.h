@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "karnoctl/diagnose/logged_session.h"
+#include "platform/date.h"
 
 namespace karno::karnoctl {
 
@@ -20,22 +21,30 @@ struct Finding {
 struct Diagnosis {
   std::optional<LoggedSession> session;  // the last one; absent when no line is of a launcher's log
   std::vector<Finding> findings;         // the most likely cause first
-  std::vector<std::string> notes;        // what cannot be told, and why
+  std::vector<std::string> notes;        // what cannot be told, and why; what else is to be known
+  std::optional<bool> runs;              // the launcher of that session
 };
 
-// Reads the lines of a log, in their order, and says what went wrong in the last start that it tells of.
+// Reads the lines of a log, in their order, whole or not and whoever wrote them, and says what went wrong in
+// the last start that it tells of.
 class Diagnostician {
  public:
   void take(std::string_view text);
 
-  // `isRunning` says whether the process of the last session is known to run (or not to run).
-  Diagnosis diagnosis(const std::function<std::optional<bool>(const LoggedSession&)>& isRunning) const;
+  // `isRunning` says whether the process of the last session is known to run (or not to run); `now` is for
+  // one that does.
+  Diagnosis diagnosis(const std::function<std::optional<bool>(const LoggedSession&)>& isRunning,
+                      std::optional<platform::Date> now = std::nullopt) const;
 
  private:
+  LoggedSession* sessionOf(const LogLine& line);
+  void addFindings(Diagnosis& found, std::optional<platform::Date> now) const;
+  void addNotes(Diagnosis& found) const;
+
   std::vector<LoggedSession> sessions_;  // the last few, by their beginning
-  std::size_t cutLines_ = 0;
-  std::string cutLine_;
-  bool hasOverlap_ = false;
+  std::size_t foreignLines_ = 0;
+  std::string cutLine_;      // the first; empty where there is none
+  bool hasOverlap_ = false;  // of the last session with one before it
 };
 
 }  // namespace karno::karnoctl

@@ -4,18 +4,29 @@
 #include <charconv>
 #include <chrono>
 
+#include "karnoctl/log/log_date.h"
+
 namespace karno::karnoctl {
 namespace {
 
-constexpr double kClockToleranceSeconds = 60;
+constexpr std::chrono::seconds kClockTolerance{60};
+
+constexpr std::string_view kProcessor = "Fuse[SYSTEM] CPU: '";
+constexpr std::string_view kSystem = "Fuse[SYSTEM] O/S Version: '";
+constexpr std::string_view kFuse = "Fuse[SYSTEM] Fuse Version: '";
+constexpr std::string_view kNoFuse = "Fuse[SYSTEM] Fuse is not installed";
+constexpr std::string_view kStartOfClient = "Startup[LAUNCH] Launched ";
+constexpr std::string_view kEndOfClient = "Startup[TERMINATED] Child terminated ";
+constexpr std::string_view kOpensAnew = "Startup[RESTART] Karno has quit - restarting wrapper";
+constexpr std::string_view kLastMessage = "AppDelegate:: Terminating";
 
 // Lines of which the second never comes without the first.
 constexpr std::pair<std::string_view, std::string_view> kPairs[] = {
     {"Karno Log Started ", "Karno Version: "},
     {"Karno Version: ", "Parent Process: "},
-    {"Startup[LAUNCH] Launching ", "Startup[LAUNCH] Launched "},
-    {"Startup[LAUNCH] Launched ", "Main: Started Karno successfully"},
-    {"Startup[TERMINATED] Child terminated ", "Startup[TERMINATED] Embedded Karno.app terminated"},
+    {"Startup[LAUNCH] Launching ", kStartOfClient},
+    {kStartOfClient, "Main: Started Karno successfully"},
+    {kEndOfClient, "Startup[TERMINATED] Embedded Karno.app terminated"},
 };
 
 // How the client says that it goes.
@@ -29,6 +40,9 @@ constexpr std::string_view kGoodEnds[] = {
     "Sparkle[UPDATE] User decided to skip", "Sparkle[UPDATE] User decided to dis",
     "Sparkle[UPDATE] User decided to 'un",  "Sparkle[UPDATE] No update found",
     "Sparkle[UPDATE] Checking Fuse",        "Sparkle[UPDATE] User cancelled"};
+
+constexpr std::string_view kTurnsOfUpdate[] = {"Sparkle[UPDATE] ", "Sparkle[ABORT] ",
+                                               "Sparkle[CHECK] Checking for updates"};
 
 bool beginsWithOneOf(std::string_view message, std::span<const std::string_view> texts) {
   return std::ranges::any_of(texts,
@@ -53,75 +67,80 @@ std::optional<std::string> quotedAfter(std::string_view message, std::string_vie
 
 }  // namespace
 
-std::optional<double> secondsOfLogDate(std::string_view date) {
-  // 2024-03-05 14:07:09:042+0100
-  constexpr std::string_view kShape = "dddd-dd-dd dd:dd:dd:ddd+dddd";
-  if (date.size() != kShape.size()) return std::nullopt;
-  std::array<int, 10> numbers{};  // year, month, day, hour, minute, second, milliseconds, zone
-  std::size_t field = 0;
-  for (std::size_t i = 0; i < date.size(); ++i) {
-    const bool isDigit = date[i] >= '0' && date[i] <= '9';
-    if (isDigit != (kShape[i] == 'd')) return std::nullopt;
-    if (isDigit) numbers.at(field) = numbers.at(field) * 10 + (date[i] - '0');
-    if (!isDigit) ++field;
-  }
-  using namespace std::chrono;
-  const year_month_day day(year(numbers[0]), month(static_cast<unsigned>(numbers[1])),
-                           std::chrono::day(static_cast<unsigned>(numbers[2])));
-  if (!day.ok()) return std::nullopt;
-  const int zone = (numbers[7] / 100 * 60 + numbers[7] % 100) * 60 * (date[date.size() - 5] == '-' ? -1 : 1);
-  const double inDay = numbers[3] * 3600 + numbers[4] * 60 + numbers[5] + numbers[6] / 1000.0 - zone;
-  return static_cast<double>(sys_days(day).time_since_epoch().count()) * 86400.0 + inDay;
-}
-
 void LoggedSession::take(std::string_view text, const LogLine& line) {
-  lastLine = text;
+  const std::size_t questions = story.questions.size();
   story.take(line);
-  takeFacts(line);
+  lastLine = text;
+  if (story.questions.size() > questions) questionLine = text;
+  takeDate(line.date);
+  takeFacts(line.message);
+  takeClient(text, line.message);
   takePairs(line.message);
   takeSigns(text, line.message);
-  if (line.message.starts_with("Sparkle[UPDATE] ")) lastUpdateLine_ = line.message;
 }
 
 void LoggedSession::takeSigns(std::string_view text, std::string_view message) {
+  const bool hasEndedWell = beginsWithOneOf(lastUpdateLine_, kGoodEnds);
+  if (beginsWithOneOf(message, kTurnsOfUpdate)) lastUpdateLine_ = message;
   for (std::size_t i = 0; i < causes().size(); ++i) {
     const Cause& cause = causes()[i];
     if (beginsWithOneOf(message, cause.cures)) signs.erase(i);
     if (!beginsWithOneOf(message, cause.signs)) continue;
-    if (cause.name == "update-failed" && beginsWithOneOf(lastUpdateLine_, kGoodEnds)) continue;
+    if (cause.name == "update-failed" && hasEndedWell) continue;
     std::vector<std::string>& lines = signs[i];
     if (lines.size() == 2) lines.pop_back();
     lines.emplace_back(text);
   }
 }
 
-void LoggedSession::takeFacts(const LogLine& line) {
-  const std::string_view message = line.message;
-  const std::optional<double> seconds = secondsOfLogDate(line.date);
-  if (seconds && lastSeconds_ && *seconds < *lastSeconds_ - kClockToleranceSeconds) clockWentBack = true;
-  if (seconds) lastSeconds_ = seconds;
+void LoggedSession::takeDate(std::string_view text) {
+  const std::optional<platform::Date> date = momentOfLogDate(text);
+  if (date && lastDate && *date < *lastDate - kClockTolerance) clockWentBack = true;
+  if (!date) hasForeignDates = true;
+  lastDate = date;
+}
 
-  if (const auto cpu = quotedAfter(message, "Fuse[SYSTEM] CPU: '")) system.cpu = cpu;
-  if (const auto macOS = quotedAfter(message, "Fuse[SYSTEM] O/S Version: '")) system.macOS = macOS;
-  if (const auto fuse = quotedAfter(message, "Fuse[SYSTEM] Fuse Version: '")) system.fuse = fuse;
+void LoggedSession::takeFacts(std::string_view message) {
+  if (const auto cpu = quotedAfter(message, kProcessor)) system.cpu = cpu;
+  if (const auto macOS = quotedAfter(message, kSystem)) system.macOS = macOS;
+  if (const auto fuse = quotedAfter(message, kFuse)) system.fuse = fuse;
+  if (message.starts_with(kNoFuse)) system.fuse.reset();
   if (beginsWithOneOf(message, kFarewells)) isClientExpectedToGo = true;
-  if (message == "AppDelegate:: Terminating") hasSaidFarewell = true;
-  if (message.starts_with("Startup[LAUNCH] Launched ")) {
-    launchSeconds_ = seconds;
+  if (message.starts_with(kOpensAnew)) isHandingOver = true;
+  if (message == kLastMessage) hasSaidFarewell = true;
+}
+
+void LoggedSession::takeClient(std::string_view text, std::string_view message) {
+  if (message.starts_with(kStartOfClient)) {
+    launchDate_ = lastDate;
     clientStatus.reset();
+    clientSeconds.reset();
     isClientExpectedToGo = false;
   }
-  if (!message.starts_with("Startup[TERMINATED] Child terminated ")) return;
+  if (!message.starts_with(kEndOfClient)) return;
+  endLine = text;
   clientStatus = numberIn(message, "(status:");
   clientWasKilled = numberIn(message, "reason:") == 2;
-  clientSeconds = seconds && launchSeconds_ ? std::optional(*seconds - *launchSeconds_) : std::nullopt;
+  if (lastDate && launchDate_ && *lastDate >= *launchDate_)
+    clientSeconds = platform::secondsBetween(*launchDate_, *lastDate);
 }
 
 void LoggedSession::takePairs(std::string_view message) {
   for (std::size_t i = 0; i < std::size(kPairs); ++i) {
     if (message.starts_with(kPairs[i].first)) ++pairs_.at(i);
-    if (message.starts_with(kPairs[i].second) && --pairs_.at(i) < 0) lacksLines = true;
+    const bool isUnheralded = message.starts_with(kPairs[i].second) && --pairs_.at(i) < 0;
+    if (isUnheralded && story.beginning) lacksLines = true;  // else it may stand before the log begins
   }
+}
+
+std::vector<std::string_view> linesOfSessions() {
+  std::vector<std::string_view> lines{kProcessor,   kSystem,        kFuse,        kNoFuse,
+                                      kLastMessage, kStartOfClient, kEndOfClient, kOpensAnew};
+  for (const auto& [first, second] : kPairs) lines.insert(lines.end(), {first, second});
+  lines.insert(lines.end(), std::begin(kFarewells), std::end(kFarewells));
+  lines.insert(lines.end(), std::begin(kGoodEnds), std::end(kGoodEnds));
+  lines.insert(lines.end(), std::begin(kTurnsOfUpdate), std::end(kTurnsOfUpdate));
+  return lines;
 }
 
 }  // namespace karno::karnoctl

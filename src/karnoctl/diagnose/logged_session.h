@@ -12,12 +12,9 @@
 #include "karnoctl/explain/requirement_check.h"
 #include "karnoctl/log/log_line.h"
 #include "karnoctl/state/launcher_story.h"
+#include "platform/date.h"
 
 namespace karno::karnoctl {
-
-// Seconds since 1970 of a date as the log writes it in a locale with Western digits and calendar; absent for
-// any other.
-std::optional<double> secondsOfLogDate(std::string_view date);
 
 // What the lines of one start of a launcher come to, as far as it matters for what went wrong.
 class LoggedSession {
@@ -32,12 +29,17 @@ class LoggedSession {
   std::int32_t processIdentifier;
   LauncherStory story;
   std::string lastLine;
+  std::string questionLine;  // the last that asked the user something
+  std::string endLine;       // of the client's last end
   SystemFacts system;
-  std::optional<double> clientSeconds;  // from the last launch to its end
-  std::optional<int> clientStatus;      // how it ended
+  std::optional<platform::Date> lastDate;  // of the last line
+  std::optional<double> clientSeconds;     // from the last launch to its end
+  std::optional<int> clientStatus;         // how it ended
   bool clientWasKilled = false;
   bool hasSaidFarewell = false;  // the launcher, by its last line
   bool isClientExpectedToGo = false;
+  bool isHandingOver = false;  // to a launcher that it opens before it quits
+  bool hasForeignDates = false;
   bool clockWentBack = false;
   bool lacksLines = false;
 
@@ -46,13 +48,18 @@ class LoggedSession {
 
  private:
   void takeSigns(std::string_view text, std::string_view message);
-  void takeFacts(const LogLine& line);
+  void takeFacts(std::string_view message);
+  void takeDate(std::string_view text);
+  void takeClient(std::string_view text, std::string_view message);
   void takePairs(std::string_view message);
 
-  std::optional<double> lastSeconds_;
-  std::optional<double> launchSeconds_;
+  std::optional<platform::Date> launchDate_;
   std::string lastUpdateLine_;
   std::array<int, 5> pairs_{};  // how often the first of a pair stands there more than the second
 };
+
+// How the messages begin that tell of a session, beside the signs and cures of causes; for those who hold
+// them against the launcher.
+std::vector<std::string_view> linesOfSessions();
 
 }  // namespace karno::karnoctl

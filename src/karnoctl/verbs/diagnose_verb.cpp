@@ -16,36 +16,46 @@ namespace karno::karnoctl {
 namespace {
 
 constexpr int kExitUnreadable = 2;
-constexpr std::string_view kLinesHere = "    ";
+constexpr std::string_view kQuotation = "    ";
 
-std::string what(const Diagnosis& diagnosis) {
-  const LoggedSession& session = *diagnosis.session;
-  const LauncherStory& story = session.story;
-  std::string text = "Karno " + story.version.value_or("(version unknown)") + ", process " +
-                     std::to_string(session.processIdentifier);
-  if (story.beginning) text += ", started " + *story.beginning;
-  const bool hasQuit = session.hasEnded();
-  return text +
-         (hasQuit ? ", has quit: " + story.quitReason.value_or("without a reason in the log")
-                  : ", as far as the log goes: it " + stateText(story)) +
-         ".\n";
+// What became of the launcher, to follow its name.
+std::string fateText(const Diagnosis& diagnosis) {
+  const LauncherStory& story = diagnosis.session->story;
+  if (diagnosis.session->hasEnded()) {
+    const std::string reason = story.quitReason.value_or("without a reason in the log");
+    return ", has quit: " + withoutControlCharacters(reason);
+  }
+  const std::string state = withoutControlCharacters(stateText(story));
+  if (diagnosis.runs == true) return ", runs. What it is at: " + state;
+  return (diagnosis.runs ? ", has ended without a word. What it was at: " : ". What it was at last: ") +
+         state;
 }
 
-std::string text(const Diagnosis& diagnosis) {
-  std::string text = what(diagnosis);
+std::string sessionText(const Diagnosis& diagnosis) {
+  const LauncherStory& story = diagnosis.session->story;
+  return "Karno " + withoutControlCharacters(story.version.value_or("(version unknown)")) + ", process " +
+         std::to_string(diagnosis.session->processIdentifier) +
+         (story.beginning ? ", started " + withoutControlCharacters(*story.beginning) : "") +
+         fateText(diagnosis) + "\n";
+}
+
+std::string findingText(const Finding& finding) {
+  std::string text = "\n" + std::string(finding.cause->says) + "\n";
+  if (!finding.detail.empty()) text += "(" + withoutControlCharacters(finding.detail) + ")\n";
+  for (const std::string& line : finding.lines)
+    text.append(kQuotation).append(withoutControlCharacters(line)).append("\n");
+  return text.append(finding.cause->advice).append("\n");
+}
+
+std::string diagnosisText(const Diagnosis& diagnosis) {
+  std::string text = sessionText(diagnosis);
   if (diagnosis.findings.empty()) text += "The log shows nothing wrong.\n";
-  for (const Finding& finding : diagnosis.findings) {
-    text += "\n" + std::string(finding.cause->says) +
-            (finding.detail.empty() ? "" : " (" + finding.detail + ")") + "\n";
-    for (const std::string& line : finding.lines)
-      text.append(kLinesHere).append(withoutControlCharacters(line)).append("\n");
-    text += std::string(finding.cause->advice) + "\n";
-  }
-  for (const std::string& note : diagnosis.notes) text += "\n" + note + "\n";
+  for (const Finding& finding : diagnosis.findings) text += findingText(finding);
+  for (const std::string& note : diagnosis.notes) text += "\nNote: " + note + "\n";
   return text;
 }
 
-std::string json(const Diagnosis& diagnosis) {
+std::string diagnosisJson(const Diagnosis& diagnosis) {
   const LoggedSession& session = *diagnosis.session;
   Json causes = Json::array();
   for (const Finding& finding : diagnosis.findings) {
@@ -58,36 +68,45 @@ std::string json(const Diagnosis& diagnosis) {
   return jsonText({{"process", session.processIdentifier},
                    {"runningVersion", orNull(session.story.version)},
                    {"beginning", orNull(session.story.beginning)},
+                   {"runs", orNull(diagnosis.runs)},
                    {"state", nameOf(session.story.state())},
                    {"quitReason", orNull(session.story.quitReason)},
                    {"causes", causes},
                    {"notes", diagnosis.notes}});
 }
 
-// Of the launcher's own log the processes tell whether it runs; another one may be of any computer.
-std::optional<bool> runs(const LoggedSession& session, const platform::Platform& platform) {
+bool isRunningLauncher(const LoggedSession& session, const platform::Platform& platform) {
   const auto launchers = runningLaunchers(platform);
-  return std::ranges::any_of(launchers, [&](const RunningLauncher& launcher) {
-    return launcher.processIdentifier == session.processIdentifier;
-  });
+  return std::ranges::count(launchers, session.processIdentifier, &RunningLauncher::processIdentifier) > 0;
 }
 
+// How the file itself limits what can be told.
+void addNotesOn(const ReadingOfLines& read, const std::string& path, std::vector<std::string>& notes) {
+  if (read.error) notes.push_back("'" + path + "' cannot be read to its end: " + reasonOf(*read.error) + ".");
+  if (read.isOfEndOnly) notes.push_back("Of '" + path + "' only the last 32 MB were read.");
+  if (read.endsWithinLine) notes.push_back("'" + path + "' ends within a line, which does not count.");
+}
+
+// Of the launcher's own log the processes tell whether it runs; another one may be of any computer.
 int diagnose(const std::optional<std::string>& file, bool asJson, const Context& context) {
   const platform::Platform& platform = context.platform();
   Diagnostician reader;
   const auto take = [&](std::string_view line) { reader.take(line); };
   if (!file) readLogLines(platform.fileReading, wrapperOldLogFile(), take);
   const std::string path = file.value_or(wrapperLogFile());
-  const auto error = readLogLines(platform.fileReading, path, take);
-  const Diagnosis diagnosis = reader.diagnosis(
-      [&](const LoggedSession& session) { return file ? std::nullopt : runs(session, platform); });
+  const ReadingOfLines read = readLogLines(platform.fileReading, path, take);
+  const auto isRunning = [&](const LoggedSession& session) {
+    return file ? std::nullopt : std::optional(isRunningLauncher(session, platform));
+  };
+  Diagnosis diagnosis = reader.diagnosis(isRunning, platform.clock.now());
   if (!diagnosis.session) {
-    context.err << "karnoctl: '" << path << "' "
-                << (error ? "cannot be read (" + reasonOf(*error) + ")" : "has no line of a launcher's log")
-                << "\n";
+    const std::string why =
+        read.error ? "cannot be read (" + reasonOf(*read.error) + ")" : "has no line of a launcher's log";
+    context.err << "karnoctl: '" << path << "' " << why << "\n";
     return kExitUnreadable;
   }
-  context.out << (asJson ? json(diagnosis) : text(diagnosis));
+  addNotesOn(read, path, diagnosis.notes);
+  context.out << (asJson ? diagnosisJson(diagnosis) : diagnosisText(diagnosis));
   return diagnosis.findings.empty() ? command_line::kExitOk : command_line::kExitFailed;
 }
 

@@ -121,6 +121,7 @@ TEST(Karnoctl, ListsWhatItCanDo) {
             "\n"
             "Verbs:\n"
             "  status     say whether the launcher and its client run, and what they are at\n"
+            "  diagnose   say what went wrong in the last session, from the log\n"
             "  log        show what the launcher has logged\n"
             "  explain    say what the next start of the launcher does, and why\n"
             "  self-check say what is wrong with the launcher's bundle\n"
@@ -129,7 +130,7 @@ TEST(Karnoctl, ListsWhatItCanDo) {
             "  report     put what support wants to see into one file\n"
             "  help       say how a verb is used\n"
             "\n"
-            "Exit status: 0 done, 1 failed, 3 no launcher runs, 4 it does not quit, 64 wrong usage.\n");
+            "Exit status: 0 done, 1 failed, 2 no log, 3 no launcher runs, 4 it does not quit, 64 wrong usage.\n");
 }
 
 TEST(Karnoctl, SuggestsTheVerbThatWasMeant) {

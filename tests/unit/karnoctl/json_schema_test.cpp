@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "karnoctl/diagnose/causes.h"
 #include "karnoctl_documents.h"
 #include "log/date_texts.h"
 #include "self_check/self_check_fixture.h"
@@ -58,6 +59,27 @@ TEST_P(JsonOfKarnoctl, IsAsItsSchemaSaysWithoutALauncher) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, JsonOfKarnoctl, testing::Values("status", "explain", "self-check"));
+
+// Unlike those it has nothing to print without a log.
+using JsonOfDiagnose = test::SelfCheckedMachine;
+
+TEST_F(JsonOfDiagnose, IsAsItsSchemaSays) {
+  machine_.files.addFile(test::kLogFile, stringForLogDate(test::kStartOfTest) +
+                                             " (4242) [WARN] Fuse[SYSTEM] Fuse is not installed\n" +
+                                             stringForLogDate(test::kStartOfTest) +
+                                             " (4242) [INFO] Main: Need to install Fuse\n");
+
+  terminal_.run({"diagnose", "--json"});
+
+  EXPECT_THAT(violationsOf(schemaOf("diagnose"), json::parse(terminal_.out())), IsEmpty());
+}
+
+TEST_F(JsonOfDiagnose, NamesEveryCauseInItsSchema) {
+  json names = json::array();
+  for (const Cause& cause : causes()) names.push_back(cause.name);
+
+  EXPECT_EQ(schemaOf("diagnose")["properties"]["causes"]["items"]["properties"]["name"]["enum"], names);
+}
 
 // Whoever gives a verb --json writes down what it prints.
 TEST(KarnoctlSchemas, AreThereForEveryVerbThatSpeaksJson) {
