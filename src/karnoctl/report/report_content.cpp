@@ -116,6 +116,7 @@ ReportContent gatherReport(const Platform& platform, const platform::RuntimeChec
     gathering.addAnswer(std::string(verb) + ".txt", tool, {verb});
     gathering.addAnswer(std::string(verb) + ".json", tool, {verb, "--json"});
   }
+  gathering.addAnswer("diagnose.txt", tool, {"diagnose"});
   gathering.addAnswer("self-check.txt", tool, {"self-check"});
   gathering.addFile(wrapperLogFile(), "karno-wrapper.log");
   gathering.addFile(wrapperOldLogFile(), "karno-wrapper.old.log");

@@ -21,7 +21,7 @@ struct ReportContent {
 };
 
 // Reads logs, crash reports of the last 30 days and settings, and asks karnoctl itself, in processes of their
-// own, for status, explanation and self-check.
+// own, for status, explanation, diagnosis and self-check.
 ReportContent gatherReport(const platform::Platform& platform, const platform::RuntimeCheck& runtime);
 
 // The files in a folder of that name, all of that date and readable by their owner alone, as "ustar" of

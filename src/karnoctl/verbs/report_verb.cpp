@@ -74,8 +74,9 @@ command_line::Verb reportVerb(Context& context) {
       .name = "report",
       .synopsis = "[--output FILE]",
       .summary = "put what support wants to see into one file",
-      .help = R"(Puts status, explanation, self-check, both log files, settings, managed values and the crash
-reports of the last 30 days into one archive, in which your home folder is "~" and your name
+      .help =
+          R"(Puts status, explanation, diagnosis, self-check, both log files, settings, managed values and the
+crash reports of the last 30 days into one archive, in which your home folder is "~" and your name
 "USER", and says what is in it and what is not. Nobody but you may read it, and nothing leaves
 this machine.
 

@@ -54,12 +54,14 @@ class Reporting : public testing::Test {
 TEST_F(Reporting, TakesWhatTheVerbsSay) {
   says("'status'", "No Karno launcher runs.\n", 3);
   says("'explain' '--json'", "{}\n");
+  says("'diagnose'", "The log shows nothing wrong.\n");
 
   EXPECT_EQ(report(), 0);
 
   EXPECT_EQ(file("version.txt"), "karnoctl 1.2.3\n(exit status 0)\n");
   EXPECT_EQ(file("status.txt"), "No Karno launcher runs.\n(exit status 3)\n");
   EXPECT_EQ(file("explain.json"), "{}\n");
+  EXPECT_EQ(file("diagnose.txt"), "The log shows nothing wrong.\n(exit status 0)\n");
   EXPECT_TRUE(files().contains("karno-report/self-check.txt"));
 }
 
