@@ -16,6 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using ::testing::Contains;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::SizeIs;
@@ -117,6 +118,32 @@ TEST(KarnoctlStatus, FindsNoLauncherOnAMachineThatIsOff) {
 
   EXPECT_EQ(result.status, 3);
   EXPECT_EQ(result.output, "No Karno launcher runs.\n");
+}
+
+TEST(KarnoctlDiagnose, NamesTheMissingMacFUSE) {
+  Machine machine(builtTools(), {"--macos", "14.5", "--cpu", "arm64", "--admin", "USE_FILE_PROVIDER=NO"});
+  machine.start();
+  ASSERT_TRUE(machine.waitForMessage("INFO Main: Need to install Fuse")) << machine.consoleText();
+
+  const auto isFound = [&] { return machine.in({"karnoctl", "diagnose"}).status == 1; };
+
+  EXPECT_TRUE(machine.waitUntil(isFound, kToolLimit)) << machine.in({"karnoctl", "diagnose"}).output;
+  EXPECT_THAT(
+      machine.in({"karnoctl", "diagnose"}).output,
+      HasSubstr("\n\nThe chosen build needs macFUSE, which is not installed.\n(macFUSE 4.4.1 or later "
+                "would do, the administrator has chosen this build)\n    20"));
+}
+
+TEST(KarnoctlDiagnose, FindsNothingWrongWithAHealthySession) {
+  Machine machine(builtTools());
+  machine.startWithScript("1:user-selected-quit");
+  ASSERT_EQ(machine.waitForEnd(), 0);
+
+  const CommandResult result = karnoctl(machine, {"diagnose"});
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, StartsWith("Karno " KARNO_VERSION ", process "));
+  EXPECT_THAT(result.output, EndsWith(", has quit: User selected quit\nThe log shows nothing wrong.\n"));
 }
 
 TEST(KarnoctlLog, ShowsTheLinesThatTheLauncherWrote) {
