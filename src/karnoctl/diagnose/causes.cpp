@@ -157,8 +157,9 @@ constexpr Cause kCauses[] = {
      .says = "The launcher ended without a word: it was killed, it crashed, or the computer stopped.",
      .advice = "Look for a crash report of the launcher, and for a restart of the computer at that time."},
     {.name = "lines-missing",
-     .says = "Lines are missing from the log, or are cut: the disk was full, or the files were exchanged.",
-     .advice = "Make room on the disk. What the log says may not be all."},
+     .says = "Lines are missing from the log, or are cut: the disk was full, or a new file was begun.",
+     .advice =
+         "Make room on a disk that is full; a new file costs one line. What the log says may not be all."},
     {.name = "clock-set-back",
      .says = "The computer's clock was set back while the launcher ran.",
      .advice = "Times in the log are not to be compared across that moment."},

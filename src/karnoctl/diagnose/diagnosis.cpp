@@ -61,14 +61,14 @@ std::string choiceDetail(const LoggedSession& session) {
   return session.story.buildReason == "admin" ? "the administrator has chosen this build" : "";
 }
 
-// "the launcher waits for it since 2 h 5 min", up to now, or up to its last line.
+// "the launcher has been waiting for it for 2 h 5 min", up to now, or up to its last line.
 std::string waitDetail(const LoggedSession& session, std::optional<platform::Date> now) {
   if (session.story.state() != LauncherState::WaitsForFuse) return "";
   const auto since = momentOfLogDate(session.story.since().value_or(""));
   const auto until = now ? now : session.lastDate;
   const bool isMeasured = since && until && *until > *since;
-  return "the launcher waits for it" +
-         (isMeasured ? " since " + durationText(platform::secondsBetween(*since, *until)) : "");
+  return "the launcher has been waiting for it" +
+         (isMeasured ? " for " + durationText(platform::secondsBetween(*since, *until)) : "");
 }
 
 std::string fuseDetail(const LoggedSession& session) {
@@ -90,8 +90,8 @@ std::string startsDetail(const std::vector<LoggedSession>& sessions) {
   const auto [shortest, longest] = std::ranges::minmax(last, {}, &LoggedSession::clientSeconds);
   const std::string from = fmt::format("{:.1f}", *shortest.clientSeconds);
   const std::string to = fmt::format("{:.1f}", *longest.clientSeconds);
-  return fmt::format("{} starts{}, {} s, the last time with {} {}", count,
-                     count == kSessionsMax ? " at least" : "", from == to ? from : from + " to " + to,
+  return fmt::format("{} s after each of {} starts{}, the last time with {} {}",
+                     from == to ? from : from + " to " + to, count, count == kSessionsMax ? " or more" : "",
                      sessions.back().clientWasKilled ? "signal" : "status", *sessions.back().clientStatus);
 }
 
@@ -176,9 +176,9 @@ void Diagnostician::addFindings(Diagnosis& found, std::optional<platform::Date> 
     add(*end, {last.endLine});
   if (!last.story.questions.empty() && !last.hasEnded() && found.runs != false)
     add(causeOf("waits-for-an-answer"), {last.questionLine});
-  if (!cutLine_.empty() || last.lacksLines)
-    add(causeOf("lines-missing"), {cutLine_.empty() ? last.lastLine : cutLine_});
-  if (last.clockWentBack) add(causeOf("clock-set-back"), {last.lastLine});
+  if (!cutLine_.empty() || !last.lineAfterGap.empty())
+    add(causeOf("lines-missing"), {cutLine_.empty() ? last.lineAfterGap : cutLine_});
+  if (!last.lineOfSetClock.empty()) add(causeOf("clock-set-back"), {last.lineOfSetClock});
   if (!last.hasEnded() && found.runs == false) add(causeOf("launcher-killed"), {last.lastLine});
   const LoggedSession* const before = sessions_.size() > 1 ? &*std::prev(sessions_.end(), 2) : nullptr;
   if (before != nullptr && !hasOverlap_ && !before->hasEnded())
@@ -196,10 +196,9 @@ void Diagnostician::addNotes(Diagnosis& found) const {
   if (last.hasForeignDates)
     found.notes.emplace_back("Dates are of another locale, or damaged: how long things took cannot be told.");
   if (foreignLines_ > 0)
-    found.notes.push_back(
-        fmt::format("Of the lines {} are begun by no launcher: further ones of a message, "
-                    "another program's, or damaged.",
-                    foreignLines_));
+    found.notes.push_back(fmt::format(
+        "{} lines were not read as a launcher's: further ones of a message, another program's, or damaged.",
+        foreignLines_));
 }
 
 }  // namespace karno::karnoctl

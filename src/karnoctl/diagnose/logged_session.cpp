@@ -15,6 +15,7 @@ constexpr std::string_view kProcessor = "Fuse[SYSTEM] CPU: '";
 constexpr std::string_view kSystem = "Fuse[SYSTEM] O/S Version: '";
 constexpr std::string_view kFuse = "Fuse[SYSTEM] Fuse Version: '";
 constexpr std::string_view kNoFuse = "Fuse[SYSTEM] Fuse is not installed";
+constexpr std::string_view kLaunchOfClient = "Startup[LAUNCH] Launching ";
 constexpr std::string_view kStartOfClient = "Startup[LAUNCH] Launched ";
 constexpr std::string_view kEndOfClient = "Startup[TERMINATED] Child terminated ";
 constexpr std::string_view kOpensAnew = "Startup[RESTART] Karno has quit - restarting wrapper";
@@ -24,7 +25,7 @@ constexpr std::string_view kLastMessage = "AppDelegate:: Terminating";
 constexpr std::pair<std::string_view, std::string_view> kPairs[] = {
     {"Karno Log Started ", "Karno Version: "},
     {"Karno Version: ", "Parent Process: "},
-    {"Startup[LAUNCH] Launching ", kStartOfClient},
+    {kLaunchOfClient, kStartOfClient},
     {kStartOfClient, "Main: Started Karno successfully"},
     {kEndOfClient, "Startup[TERMINATED] Embedded Karno.app terminated"},
 };
@@ -72,10 +73,10 @@ void LoggedSession::take(std::string_view text, const LogLine& line) {
   story.take(line);
   lastLine = text;
   if (story.questions.size() > questions) questionLine = text;
-  takeDate(line.date);
+  takeDate(text, line.date);
   takeFacts(line.message);
   takeClient(text, line.message);
-  takePairs(line.message);
+  takePairs(text, line.message);
   takeSigns(text, line.message);
 }
 
@@ -93,9 +94,9 @@ void LoggedSession::takeSigns(std::string_view text, std::string_view message) {
   }
 }
 
-void LoggedSession::takeDate(std::string_view text) {
-  const std::optional<platform::Date> date = momentOfLogDate(text);
-  if (date && lastDate && *date < *lastDate - kClockTolerance) clockWentBack = true;
+void LoggedSession::takeDate(std::string_view text, std::string_view dateText) {
+  const std::optional<platform::Date> date = momentOfLogDate(dateText);
+  if (date && lastDate && *date < *lastDate - kClockTolerance) lineOfSetClock = text;
   if (!date) hasForeignDates = true;
   lastDate = date;
 }
@@ -111,7 +112,9 @@ void LoggedSession::takeFacts(std::string_view message) {
 }
 
 void LoggedSession::takeClient(std::string_view text, std::string_view message) {
-  if (message.starts_with(kStartOfClient)) {
+  // The launch is told after it was made: the client may have ended by then.
+  if (message.starts_with(kStartOfClient) && !clientStatus) launchDate_ = lastDate;
+  if (message.starts_with(kLaunchOfClient)) {
     launchDate_ = lastDate;
     clientStatus.reset();
     clientSeconds.reset();
@@ -125,11 +128,12 @@ void LoggedSession::takeClient(std::string_view text, std::string_view message) 
     clientSeconds = platform::secondsBetween(*launchDate_, *lastDate);
 }
 
-void LoggedSession::takePairs(std::string_view message) {
+void LoggedSession::takePairs(std::string_view text, std::string_view message) {
   for (std::size_t i = 0; i < std::size(kPairs); ++i) {
     if (message.starts_with(kPairs[i].first)) ++pairs_.at(i);
     const bool isUnheralded = message.starts_with(kPairs[i].second) && --pairs_.at(i) < 0;
-    if (isUnheralded && story.beginning) lacksLines = true;  // else it may stand before the log begins
+    // Where the log does not reach back to the start, the other may stand before it.
+    if (isUnheralded && story.beginning && lineAfterGap.empty()) lineAfterGap = text;
   }
 }
 

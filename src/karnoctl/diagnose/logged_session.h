@@ -40,8 +40,8 @@ class LoggedSession {
   bool isClientExpectedToGo = false;
   bool isHandingOver = false;  // to a launcher that it opens before it quits
   bool hasForeignDates = false;
-  bool clockWentBack = false;
-  bool lacksLines = false;
+  std::string lineAfterGap;    // the first that never comes without another, which is not there
+  std::string lineOfSetClock;  // the last whose date is well before that of the line above it
 
   // Lines that stand for a cause, by its place in the table: the first, and the last where that is another.
   std::map<std::size_t, std::vector<std::string>> signs;
@@ -49,9 +49,9 @@ class LoggedSession {
  private:
   void takeSigns(std::string_view text, std::string_view message);
   void takeFacts(std::string_view message);
-  void takeDate(std::string_view text);
+  void takeDate(std::string_view text, std::string_view dateText);
   void takeClient(std::string_view text, std::string_view message);
-  void takePairs(std::string_view message);
+  void takePairs(std::string_view text, std::string_view message);
 
   std::optional<platform::Date> launchDate_;
   std::string lastUpdateLine_;

@@ -65,7 +65,7 @@ TEST_F(KarnoctlDiagnose, SaysWhatIsWrongAndWhatToDo) {
             "macFUSE\n"
             "\n"
             "The chosen build needs macFUSE, which is not installed.\n"
-            "(the launcher waits for it, macFUSE 4.4.1 or later would do)\n"
+            "(the launcher has been waiting for it, macFUSE 4.4.1 or later would do)\n"
             "    2024-03-05 14:07:09:042+0100 (4242) [INFO] Fuse[SYSTEM] Fuse is not installed\n"
             "Install macFUSE; the launcher goes on by itself within two seconds if it waits for it.\n"
             "\n"

@@ -76,7 +76,8 @@ TEST_F(Diagnosing, TellsHowLongItWaitsForMacFUSEAndWhatWouldDo) {
 
   ASSERT_THAT(namesOf(found), ElementsAre("macfuse-too-old"));
   EXPECT_EQ(found.findings[0].detail,
-            "the launcher waits for it since 2 h 5 min, macFUSE 4.0.4 is installed, macFUSE 4.4.1 or later "
+            "the launcher has been waiting for it for 2 h 5 min, macFUSE 4.0.4 is installed, macFUSE 4.4.1 "
+            "or later "
             "would do, the administrator has chosen this build");
   EXPECT_THAT(found.findings[0].lines, SizeIs(2));
 }
@@ -90,7 +91,7 @@ TEST_F(Diagnosing, MeasuresTheWaitInALogThatSomebodySentUpToItsLastLine) {
   const Diagnosis found =
       reader.diagnosis([](const auto&) { return std::nullopt; }, log.date() + std::chrono::hours(48));
 
-  EXPECT_THAT(found.findings[0].detail, StartsWith("the launcher waits for it since 1 min, "));
+  EXPECT_THAT(found.findings[0].detail, StartsWith("the launcher has been waiting for it for 1 min, "));
 }
 
 TEST_F(Diagnosing, SaysWhereNoMacFUSEDoes) {
@@ -127,7 +128,7 @@ TEST_F(Diagnosing, TellsHowOftenAndAfterHowLongTheClientEnded) {
   const Diagnosis found = diagnosisOf(log, false);
 
   ASSERT_THAT(namesOf(found), ElementsAre("client-ends-at-once"));
-  EXPECT_EQ(found.findings[0].detail, "4 starts, 0.3 to 0.5 s, the last time with status 1");
+  EXPECT_EQ(found.findings[0].detail, "0.3 to 0.5 s after each of 4 starts, the last time with status 1");
   EXPECT_THAT(found.findings[0].lines, ElementsAre(EndsWith("Child terminated (status:1, reason:1)")));
 }
 
@@ -150,6 +151,20 @@ TEST_F(Diagnosing, CountsTheStartsInVainUpToTheLastThatWasNot) {
 
   ASSERT_THAT(namesOf(found), ElementsAre("client-killed"));
   EXPECT_EQ(found.findings[0].detail, "signal 11 after 0.3 s");
+}
+
+// The two are told by two threads.
+TEST_F(Diagnosing, TellsOfAClientWhoseEndIsLoggedBeforeItsLaunch) {
+  const WrittenLog log = WrittenLog()
+                             .beginsToRun()
+                             .says("Startup[LAUNCH] Launching Karno.app")
+                             .ends(3, 1, 0.2)
+                             .says("Startup[LAUNCH] Launched Karno.app (pid: 4250)");
+
+  const Diagnosis found = diagnosisOf(log, false);
+
+  ASSERT_THAT(namesOf(found), ElementsAre("client-failed"));
+  EXPECT_EQ(found.findings[0].detail, "status 3 after 0.2 s");
 }
 
 TEST_F(Diagnosing, PutsTheCauseBeforeWhatFollowsFromIt) {
@@ -279,7 +294,10 @@ TEST_F(Diagnosing, TellsOfALineThatAnotherOneFollowsWithoutANewline) {
 TEST_F(Diagnosing, TellsOfAClockThatWasSetBack) {
   const WrittenLog log = WrittenLog().beginsToRun().launches().says("Sparkle[START] Starting Up", -3600);
 
-  EXPECT_THAT(namesOf(diagnosisOf(log)), ElementsAre("clock-set-back"));
+  const Diagnosis found = diagnosisOf(log);
+
+  ASSERT_THAT(namesOf(found), ElementsAre("clock-set-back"));
+  EXPECT_THAT(found.findings[0].lines, ElementsAre(StartsWith("2024-03-05 13:07:09:042+0100 ")));
 }
 
 // The launcher writes dates as the user's locale has them.
@@ -320,7 +338,7 @@ TEST_F(Diagnosing, CountsLinesThatNoLauncherHasBegun) {
   const Diagnosis found = diagnosisOf(log);
 
   EXPECT_THAT(found.findings, IsEmpty());
-  EXPECT_THAT(found.notes, ElementsAre(StartsWith("Of the lines 4 are begun by no launcher: ")));
+  EXPECT_THAT(found.notes, ElementsAre(StartsWith("4 lines were not read as a launcher's: ")));
 }
 
 TEST_F(Diagnosing, HasNoSessionWhereNoLineIsOfALauncher) {
