@@ -191,14 +191,17 @@ void Diagnostician::addNotes(Diagnosis& found) const {
   if (!found.runs)
     found.notes.emplace_back("Whether this launcher still runs cannot be told from the log alone.");
   if (!last.story.beginning) found.notes.emplace_back("The log does not reach back to its start.");
+  if (last.areUpdatesDisabled)
+    found.notes.emplace_back("The administrator has disabled updates: none is looked for by itself.");
   if (hasOverlap_)
     found.notes.emplace_back("Two launchers ran at the same time; this is about the one that began last.");
   if (last.hasForeignDates)
     found.notes.emplace_back("Dates are of another locale, or damaged: how long things took cannot be told.");
   if (foreignLines_ > 0)
-    found.notes.push_back(fmt::format(
-        "{} lines were not read as a launcher's: further ones of a message, another program's, or damaged.",
-        foreignLines_));
+    found.notes.push_back(
+        fmt::format("Lines that were not read as a launcher's: {}. They are further ones of a message, "
+                    "another program's, or damaged.",
+                    foreignLines_));
 }
 
 }  // namespace karno::karnoctl

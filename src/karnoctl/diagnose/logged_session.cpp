@@ -19,6 +19,7 @@ constexpr std::string_view kLaunchOfClient = "Startup[LAUNCH] Launching ";
 constexpr std::string_view kStartOfClient = "Startup[LAUNCH] Launched ";
 constexpr std::string_view kEndOfClient = "Startup[TERMINATED] Child terminated ";
 constexpr std::string_view kOpensAnew = "Startup[RESTART] Karno has quit - restarting wrapper";
+constexpr std::string_view kUpdatesDisabled = "Sparkle[CONFIG] Updates disabled by admin";
 constexpr std::string_view kLastMessage = "AppDelegate:: Terminating";
 
 // Lines of which the second never comes without the first.
@@ -108,6 +109,7 @@ void LoggedSession::takeFacts(std::string_view message) {
   if (message.starts_with(kNoFuse)) system.fuse.reset();
   if (beginsWithOneOf(message, kFarewells)) isClientExpectedToGo = true;
   if (message.starts_with(kOpensAnew)) isHandingOver = true;
+  if (message == kUpdatesDisabled) areUpdatesDisabled = true;
   if (message == kLastMessage) hasSaidFarewell = true;
 }
 
@@ -138,8 +140,8 @@ void LoggedSession::takePairs(std::string_view text, std::string_view message) {
 }
 
 std::vector<std::string_view> linesOfSessions() {
-  std::vector<std::string_view> lines{kProcessor,   kSystem,        kFuse,        kNoFuse,
-                                      kLastMessage, kStartOfClient, kEndOfClient, kOpensAnew};
+  std::vector<std::string_view> lines{kUpdatesDisabled, kProcessor,     kSystem,      kFuse,     kNoFuse,
+                                      kLastMessage,     kStartOfClient, kEndOfClient, kOpensAnew};
   for (const auto& [first, second] : kPairs) lines.insert(lines.end(), {first, second});
   lines.insert(lines.end(), std::begin(kFarewells), std::end(kFarewells));
   lines.insert(lines.end(), std::begin(kGoodEnds), std::end(kGoodEnds));

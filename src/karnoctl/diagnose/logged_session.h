@@ -40,8 +40,9 @@ class LoggedSession {
   bool isClientExpectedToGo = false;
   bool isHandingOver = false;  // to a launcher that it opens before it quits
   bool hasForeignDates = false;
-  std::string lineAfterGap;    // the first that never comes without another, which is not there
-  std::string lineOfSetClock;  // the last whose date is well before that of the line above it
+  bool areUpdatesDisabled = false;  // by the administrator
+  std::string lineAfterGap;         // the first that never comes without another, which is not there
+  std::string lineOfSetClock;       // the last whose date is well before that of the line above it
 
   // Lines that stand for a cause, by its place in the table: the first, and the last where that is another.
   std::map<std::size_t, std::vector<std::string>> signs;

@@ -66,7 +66,11 @@ TEST_F(Diagnosing, FindsNothingInTheAdministratorsSettings) {
                              .launches()
                              .says("Sparkle[CONFIG] Updates disabled by admin");
 
-  EXPECT_THAT(diagnosisOf(log).findings, IsEmpty());
+  const Diagnosis found = diagnosisOf(log);
+
+  EXPECT_THAT(found.findings, IsEmpty());
+  EXPECT_THAT(found.notes,
+              ElementsAre("The administrator has disabled updates: none is looked for by itself."));
 }
 
 TEST_F(Diagnosing, TellsHowLongItWaitsForMacFUSEAndWhatWouldDo) {
@@ -338,7 +342,7 @@ TEST_F(Diagnosing, CountsLinesThatNoLauncherHasBegun) {
   const Diagnosis found = diagnosisOf(log);
 
   EXPECT_THAT(found.findings, IsEmpty());
-  EXPECT_THAT(found.notes, ElementsAre(StartsWith("4 lines were not read as a launcher's: ")));
+  EXPECT_THAT(found.notes, ElementsAre(StartsWith("Lines that were not read as a launcher's: 4. ")));
 }
 
 TEST_F(Diagnosing, HasNoSessionWhereNoLineIsOfALauncher) {
