@@ -65,7 +65,9 @@ constexpr Cause kCauses[] = {
      .cures = {"Startup[FUSE] Fuse is installed", "FuseRequirements: "},
      .tells = Detail::Fuse,
      .says = "The chosen build needs macFUSE, which is not installed.",
-     .advice = "Install macFUSE; the launcher goes on by itself within two seconds if it waits for it."},
+     .advice =
+         "Install one that will do, or change macOS where none does. A launcher that waits for it goes on by "
+         "itself within two seconds."},
     {.name = "move-failed",
      .signs = {"AppDelegate[MOVE] Failed to move Karno."},
      .says = "The launcher could not move itself to the Applications folder, and quit.",

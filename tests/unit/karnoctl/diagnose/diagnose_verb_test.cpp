@@ -60,16 +60,18 @@ TEST_F(KarnoctlDiagnose, SaysWhatIsWrongAndWhatToDo) {
                                 .text());
 
   EXPECT_EQ(status, 1);
-  EXPECT_EQ(terminal_.out(),
-            "Karno 3.2.1, process 4242, started 2024-03-05 14:07:09:042+0100. What it was at last: waits for "
-            "macFUSE\n"
-            "\n"
-            "The chosen build needs macFUSE, which is not installed.\n"
-            "(the launcher has been waiting for it, macFUSE 4.4.1 or later would do)\n"
-            "    2024-03-05 14:07:09:042+0100 (4242) [INFO] Fuse[SYSTEM] Fuse is not installed\n"
-            "Install macFUSE; the launcher goes on by itself within two seconds if it waits for it.\n"
-            "\n"
-            "Note: Whether this launcher still runs cannot be told from the log alone.\n");
+  EXPECT_EQ(
+      terminal_.out(),
+      "Karno 3.2.1, process 4242, started 2024-03-05 14:07:09:042+0100. What it was at last: waits for "
+      "macFUSE\n"
+      "\n"
+      "The chosen build needs macFUSE, which is not installed.\n"
+      "(the launcher has been waiting for it, macFUSE 4.4.1 or later would do)\n"
+      "    2024-03-05 14:07:09:042+0100 (4242) [INFO] Fuse[SYSTEM] Fuse is not installed\n"
+      "Install one that will do, or change macOS where none does. A launcher that waits for it goes on by "
+      "itself within two seconds.\n"
+      "\n"
+      "Note: Whether this launcher still runs cannot be told from the log alone.\n");
 }
 
 TEST_F(KarnoctlDiagnose, AsksTheProcessesWhetherTheLauncherStillRuns) {
