@@ -112,25 +112,26 @@ TEST(Karnoctl, ListsWhatItCanDo) {
 
   terminal.run({"--help"});
 
-  EXPECT_EQ(terminal.out(),
-            "Usage: karnoctl VERB [ARGUMENT...]\n"
-            "       karnoctl help [VERB]\n"
-            "       karnoctl --help | --version\n"
-            "\n"
-            "Talks to the Karno launcher that runs in your session.\n"
-            "\n"
-            "Verbs:\n"
-            "  status     say whether the launcher and its client run, and what they are at\n"
-            "  diagnose   say what went wrong in the last session, from the log\n"
-            "  log        show what the launcher has logged\n"
-            "  explain    say what the next start of the launcher does, and why\n"
-            "  self-check say what is wrong with the launcher's bundle\n"
-            "  post       tell the launcher what its client would tell it\n"
-            "  quit       have the launcher and its client quit, and wait for that\n"
-            "  report     put what support wants to see into one file\n"
-            "  help       say how a verb is used\n"
-            "\n"
-            "Exit status: 0 done, 1 failed, 2 no log, 3 no launcher runs, 4 it does not quit, 64 wrong usage.\n");
+  EXPECT_EQ(
+      terminal.out(),
+      "Usage: karnoctl VERB [ARGUMENT...]\n"
+      "       karnoctl help [VERB]\n"
+      "       karnoctl --help | --version\n"
+      "\n"
+      "Talks to the Karno launcher that runs in your session.\n"
+      "\n"
+      "Verbs:\n"
+      "  status     say whether the launcher and its client run, and what they are at\n"
+      "  diagnose   say what went wrong in the last session, from the log\n"
+      "  log        show what the launcher has logged\n"
+      "  explain    say what the next start of the launcher does, and why\n"
+      "  self-check say what is wrong with the launcher's bundle\n"
+      "  post       tell the launcher what its client would tell it\n"
+      "  quit       have the launcher and its client quit, and wait for that\n"
+      "  report     put what support wants to see into one file\n"
+      "  help       say how a verb is used\n"
+      "\n"
+      "Exit status: 0 done, 1 failed, 2 no log, 3 no launcher runs, 4 it does not quit, 64 wrong usage.\n");
 }
 
 TEST(Karnoctl, SuggestsTheVerbThatWasMeant) {
