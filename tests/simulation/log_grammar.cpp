@@ -252,15 +252,12 @@ constexpr Story kStories[] = {
      "received (unknown|automatic|check-ignored|bad-marker? checking|restarting|abnormal|upgrade-ended|"
      "upgrade-abnormal|upgrade-no-restart|$quit|$choice)?"},
     {"the crash question", "$texts (elected|not-elected $quit)"},
-    {"the feed", "bad-marker"},
-    {"the feed is there", "appcast"},
-    {"an update", "found"},
-    {"the user's choice", "decided"},
-    {"no update", "none-found fuse-then object* fp-needs-no-fuse?"},
-    {"the download", "(downloading|downloaded|download-failed|download-cancelled)"},
-    {"the archive", "(extracting|extracted|installing)"},
-    {"the hand-over", "handing-over touching not-touched? $killing $quit"},
-    {"the abort", "aborted"},
+    // In an order that the updater decides.
+    {"what the updater tells",
+     "(bad-marker|appcast|found|decided|none-found fuse-then object* "
+     "fp-needs-no-fuse?|downloading|downloaded|"
+     "download-failed|download-cancelled|extracting|extracted|installing|aborted)*"},
+    {"the hand-over", "extracted? installing? handing-over touching not-touched? $killing $quit"},
     {"the newest macFUSE",
      "fuse-check (fuse-bad-url fuse-unchecked|fuse-no-record fuse-unchecked|fuse-bad-record "
      "fuse-unchecked|fuse-latest (fuse-unchecked|no-library? fuse-compared))"},

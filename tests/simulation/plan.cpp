@@ -224,6 +224,7 @@ class Composer {
     for (std::uint64_t i = 0; i < count; ++i)
       add(dice_.percent(50) ? later() : 0, "session", dice_.of(kSessions), dice_.seconds(0, 1.5));
     if (dice_.percent(4)) add(later(), "interface", dice_.of(kInterfaces));
+    if (life_ == 0) maybe(25, "updater", "of Linux");
     maybe(4, "updater", "cannot start");
     if (dice_.percent(4)) add(later(), "updater", "cannot check");
   }

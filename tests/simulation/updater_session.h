@@ -10,11 +10,13 @@ namespace karno::simulation {
 
 class World;
 
-// An updater without windows, with every end that a session can have: "nothing", "skip", "dismiss",
-// "odd choice", "download cancelled", "download fails", "unpacking fails", "installs", "no feed".
+// An updater with every end that a session can have: "nothing", "skip", "dismiss", "odd choice",
+// "download cancelled", "download fails", "unpacking fails", "installs", "no feed". It calls its delegate as
+// the framework of a Mac does; or it is the one of Linux, on services that are made up.
 class UpdaterSession final : public platform::Updaters {
  public:
-  explicit UpdaterSession(World& world) : world_(world) {}
+  explicit UpdaterSession(World& world);
+  ~UpdaterSession() override;
 
   std::unique_ptr<platform::Updater> makeUpdater(platform::UpdaterDelegate& delegate) override;
 
@@ -26,12 +28,15 @@ class UpdaterSession final : public platform::Updaters {
     requested_.push_back({std::move(end), pauseSeconds});
   }
 
+  bool isAtWork() const;
+
+  bool isOfLinux = false;
   bool canStart = true;
   bool canCheck = true;
-  bool inSession = false;
 
  private:
   class Handle;
+  class Linux;
   struct Planned {
     std::string end;
     double pauseSeconds;
@@ -46,7 +51,9 @@ class UpdaterSession final : public platform::Updaters {
   platform::UpdaterDelegate* delegate_ = nullptr;
   platform::Updater* updater_ = nullptr;
   std::deque<Planned> requested_;
+  std::unique_ptr<Linux> linux_;
   bool isStarted_ = false;
+  bool inSession_ = false;
 };
 
 }  // namespace karno::simulation

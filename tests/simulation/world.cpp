@@ -174,6 +174,8 @@ void World::prepare(const Event& event) {
     machine.processes.commandLine.push_back(what);
   } else if (kind == "session") {
     if (life == life_.number) updater.planRequested(what, number);
+  } else if (kind == "updater" && what == "of Linux") {
+    updater.isOfLinux = true;
   } else if (kind == "updater" && what == "cannot start") {
     updater.canStart = false;
   } else if (kind == "post lost") {
@@ -454,12 +456,12 @@ long World::answerAlert(const platform::Alert& alert) {
     answer = answers_.front();
     answers_.pop_front();
   }
-  const double begin = machine.seconds();
+  if (alertsUp_++ == 0) alertSince_ = machine.seconds();  // another one may come up over it
   record.hasModalAlert = true;
   const bool isNever = answer.what == "never";
   machine.scheduler.runFor(isNever ? kForeverSeconds : std::max(0.01, answer.number));
-  record.hasModalAlert = false;
-  record.alertTimes.emplace_back(begin, machine.seconds());
+  record.hasModalAlert = --alertsUp_ > 0;
+  if (!record.hasModalAlert) record.alertTimes.emplace_back(alertSince_, machine.seconds());
   note("answer", answer.what);
   return std::stol(answer.what);
 }
@@ -546,7 +548,7 @@ void World::end(End how, const std::optional<Verdict>& broken) {
 // Who was dropped, or has left an update behind, is opened again.
 std::vector<NextStart> World::nextStart(End how) const {
   if (how == End::Terminated && next_) return {*next_};
-  const bool isUpdated = how == End::Terminated && updater.inSession;
+  const bool isUpdated = how == End::Terminated && updater.isAtWork();
   if (how != End::Crashed && !isUpdated) return {};
   const std::string bundle = machine.bundles.mainBundle().bundlePath();
   return {NextStart{isWholeBundle(bundle) ? bundle : kInstalledBundle, {}}};
@@ -614,7 +616,7 @@ void World::finishRecord(End how) {
   record.endAt = machine.seconds();
   record.clientsAlive = static_cast<int>(clients().size());
   record.isPromptInFront = machine.windows.prompt.isInFront();
-  record.isUpdaterAtWork = updater.inSession;
+  record.isUpdaterAtWork = updater.isAtWork();
   record.canUpdaterCheck = updater.canCheck;
   record.hasLogFolder = machine.files.isFolder(test::kLogFolder);
   for (const char* path : {test::kOldLogFile, test::kLogFile}) {

@@ -99,6 +99,8 @@ class World {
   bool hasStrings_ = true;
   bool isBundleGone_ = false;
   bool isTerminating_ = false;
+  int alertsUp_ = 0;
+  double alertSince_ = 0;
   std::optional<NextStart> next_;
 };
 
