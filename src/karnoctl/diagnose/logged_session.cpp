@@ -89,6 +89,7 @@ void LoggedSession::takeSigns(std::string_view text, std::string_view message) {
     if (beginsWithOneOf(message, cause.cures)) signs.erase(i);
     if (!beginsWithOneOf(message, cause.signs)) continue;
     if (cause.name == "update-failed" && hasEndedWell) continue;
+    if (cause.name == "client-gone-for-no-update" && story.quitReason) continue;  // so nothing stays
     std::vector<std::string>& lines = signs[i];
     if (lines.size() == 2) lines.pop_back();
     lines.emplace_back(text);
