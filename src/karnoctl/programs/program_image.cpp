@@ -11,8 +11,8 @@ namespace {
 
 // What the kernel starts in its place; it reads no more of the line either.
 ProgramImage scriptImage(const platform::ReadableFile& file) {
-  constexpr std::size_t kLineBytesMax = 255;
-  const auto begin = file.read(0, kLineBytesMax);
+  constexpr std::size_t kScriptLineBytesMax = 255;
+  const auto begin = file.read(0, kScriptLineBytesMax);
   if (!begin) throw NoProgram(begin.error().localizedDescription());
   std::istringstream words(begin.value().substr(2, begin.value().find('\n') - 2));
   ProgramImage image;
