@@ -11,16 +11,10 @@ endif()
 
 # A suite stands on a line of its own and ends with a dot, behind which a comment can stand.
 string(REGEX MATCHALL "(^|\n)[A-Za-z_][A-Za-z0-9_/]*\\." suites "${listing}")
-# Suites that compute take two of the three places that scripts/test gives a processor, those that wait for windows,
-# buses and processes one.
-set(places 2)
-if(label STREQUAL "platform")
-  set(places 1)
-endif()
 foreach(suite IN LISTS suites)
   string(REGEX REPLACE "[\n.]" "" suite "${suite}")
   add_test("${suite}" "${program}" "--gtest_filter=${suite}.*")
   # 77 is a suite of which a test could not run on this machine, and none failed.
   set_tests_properties("${suite}" PROPERTIES
-    LABELS "${label}" TIMEOUT 300 PROCESSORS ${places} SKIP_RETURN_CODE 77)
+    LABELS "${label}" TIMEOUT 300 PROCESSORS 2 SKIP_RETURN_CODE 77)
 endforeach()
