@@ -37,9 +37,8 @@ std::uint64_t self() {
   return waits->scheduler.isMainThread() ? kMainThread : waits->scheduler.currentBlock();
 }
 
-bool isSimulated(const void* lock) {
-  return waits != nullptr && !waits->scheduler.isOwn(lock) &&
-         (waits->scheduler.isMainThread() || waits->scheduler.currentBlock() != 0);
+bool isSimulated() {
+  return waits != nullptr && (waits->scheduler.isMainThread() || waits->scheduler.currentBlock() != 0);
 }
 
 // Whether somebody who waits for `lock` waits for himself in the end.
@@ -113,7 +112,7 @@ using namespace karno::simulation;
 extern "C" {
 
 int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
-  if (!isSimulated(mutex)) return original(originalLock, "pthread_mutex_lock")(mutex);
+  if (!isSimulated()) return original(originalLock, "pthread_mutex_lock")(mutex);
   waits->scheduler.yield();
   int result = 0;
   while ((result = tryLock(mutex)) == EBUSY) waitFor(mutex);
@@ -123,17 +122,17 @@ int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
 
 int pthread_mutex_trylock(pthread_mutex_t* mutex) noexcept {
   const int result = tryLock(mutex);
-  if (result == 0 && isSimulated(mutex)) take(mutex);
+  if (result == 0 && isSimulated()) take(mutex);
   return result;
 }
 
 int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
-  if (isSimulated(mutex)) give(mutex);
+  if (isSimulated()) give(mutex);
   return original(originalUnlock, "pthread_mutex_unlock")(mutex);
 }
 
 int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
-  if (!isSimulated(mutex))
+  if (!isSimulated())
     return original(originalWait, "pthread_cond_wait", kConditionVersion)(condition, mutex);
   const std::uint64_t before = waits->signals[condition];
   pthread_mutex_unlock(mutex);
@@ -143,12 +142,12 @@ int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
 
 // Who wakes without need looks again: so one signal may wake all.
 int pthread_cond_signal(pthread_cond_t* condition) noexcept {
-  if (isSimulated(condition)) ++waits->signals[condition];
+  if (isSimulated()) ++waits->signals[condition];
   return original(originalSignal, "pthread_cond_signal", kConditionVersion)(condition);
 }
 
 int pthread_cond_broadcast(pthread_cond_t* condition) noexcept {
-  if (isSimulated(condition)) ++waits->signals[condition];
+  if (isSimulated()) ++waits->signals[condition];
   return original(originalBroadcast, "pthread_cond_broadcast", kConditionVersion)(condition);
 }
 
@@ -160,10 +159,10 @@ extern "C" int __cxa_guard_acquire(__guard* guard) {
   while (!isMade(guard)) {
     if (isBeingMade(guard) == 0) {
       isBeingMade(guard) = 1;
-      if (isSimulated(guard)) take(guard);
+      if (isSimulated()) take(guard);
       return 1;
     }
-    if (isSimulated(guard)) {
+    if (isSimulated()) {
       waitFor(guard);
     } else {
       ::sched_yield();
@@ -175,12 +174,12 @@ extern "C" int __cxa_guard_acquire(__guard* guard) {
 extern "C" void __cxa_guard_release(__guard* guard) noexcept {
   isBeingMade(guard) = 0;
   __atomic_store_n(reinterpret_cast<char*>(guard), 1, __ATOMIC_RELEASE);
-  if (isSimulated(guard)) give(guard);
+  if (isSimulated()) give(guard);
 }
 
 extern "C" void __cxa_guard_abort(__guard* guard) noexcept {
   isBeingMade(guard) = 0;
-  if (isSimulated(guard)) give(guard);
+  if (isSimulated()) give(guard);
 }
 
 }  // namespace __cxxabiv1

@@ -37,7 +37,7 @@ struct FakeScheduler::VirtualThread {
   State state = State::Ready;
   std::int64_t wakeAt = 0;             // also of one that is ready
   std::function<bool()> awaited = {};  // what wakes a sleeper earlier
-  std::condition_variable wake;
+  std::binary_semaphore wake{0};  // the baton comes to it
   std::thread thread;
 };
 
@@ -86,11 +86,10 @@ bool FakeScheduler::suspend(std::int64_t until, const std::function<bool()>& pre
     return false;
   }
   if (stopping_) throw Unwind{};
-  std::unique_lock lock(mutex_);
   self->state = VirtualThread::State::Sleeping;
   self->wakeAt = until;
   self->awaited = predicate;
-  takeBatonBack(*self, lock);
+  takeBatonBack(*self);
   if (stopping_) throw Unwind{};
   return predicate && predicate();
 }
@@ -116,10 +115,9 @@ std::uint64_t FakeScheduler::currentBlock() const {
 }
 
 // Called on the virtual thread: gives the baton to the main thread and waits for its return.
-void FakeScheduler::takeBatonBack(VirtualThread& thread, std::unique_lock<std::mutex>& lock) {
-  holder_ = nullptr;
-  mainWake_.notify_one();
-  thread.wake.wait(lock, [&] { return holder_ == &thread; });
+void FakeScheduler::takeBatonBack(VirtualThread& thread) {
+  mainWake_.release();
+  thread.wake.acquire();
 }
 
 bool FakeScheduler::isMainThread() const { return std::this_thread::get_id() == mainThread_; }
@@ -209,19 +207,15 @@ void FakeScheduler::runMainBlock(MainLane which) {
 }
 
 void FakeScheduler::giveBatonTo(VirtualThread& thread) {
-  {
-    std::unique_lock lock(mutex_);
-    thread.state = VirtualThread::State::Running;
-    holder_ = &thread;
-    if (thread.thread.joinable()) {
-      thread.wake.notify_one();
-    } else {
-      thread.thread = std::thread([this, &thread] { threadBody(thread); });
-    }
-    if (!mainWake_.wait_for(lock, kStuckAfter, [this] { return holder_ == nullptr; })) {
-      std::fprintf(stderr, "The virtual thread %s neither sleeps nor ends.\n", thread.name.c_str());
-      std::abort();
-    }
+  thread.state = VirtualThread::State::Running;
+  if (thread.thread.joinable()) {
+    thread.wake.release();
+  } else {
+    thread.thread = std::thread([this, &thread] { threadBody(thread); });
+  }
+  if (!mainWake_.try_acquire_for(kStuckAfter)) {
+    std::fprintf(stderr, "The virtual thread %s neither sleeps nor ends.\n", thread.name.c_str());
+    std::abort();
   }
   if (thread.state == VirtualThread::State::Finished) reap(thread);
   if (!limitFailure_.empty()) throw StepLimitReached(std::exchange(limitFailure_, {}));
@@ -237,10 +231,8 @@ void FakeScheduler::threadBody(VirtualThread& thread) {
   }
   thread.block = nullptr;
   ended_.insert(thread.number);
-  const std::lock_guard lock(mutex_);
   thread.state = VirtualThread::State::Finished;
-  holder_ = nullptr;
-  mainWake_.notify_one();
+  mainWake_.release();
 }
 
 void FakeScheduler::guarded(const Block& block) {

@@ -1,10 +1,9 @@
 #pragma once
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
+#include <semaphore>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -73,9 +72,6 @@ class FakeScheduler {
   // The same numbers from the same seed.
   std::uint64_t random();
 
-  // Whether it belongs to the scheduler's own work.
-  bool isOwn(const void* lock) const { return lock == &mutex_; }
-
   bool isMainThread() const;
   std::string currentThreadName() const;  // "main" or the name given to addThread()
 
@@ -113,7 +109,7 @@ class FakeScheduler {
   bool suspend(std::int64_t until, const std::function<bool()>& predicate);
   std::int64_t lateness();
   bool hasRoomFor(const VirtualThread& thread) const;
-  void takeBatonBack(VirtualThread& thread, std::unique_lock<std::mutex>& lock);
+  void takeBatonBack(VirtualThread& thread);
   void threadBody(VirtualThread& thread);
   void guarded(const Block& block);
   void reap(VirtualThread& thread);
@@ -137,9 +133,7 @@ class FakeScheduler {
   std::set<std::uint64_t> ended_;
   std::vector<std::unique_ptr<VirtualThread>> threads_;
 
-  std::mutex mutex_;                 // guards the hand-over only
-  VirtualThread* holder_ = nullptr;  // null: the main thread
-  std::condition_variable mainWake_;
+  std::binary_semaphore mainWake_{0};  // the baton comes back to the main thread
 };
 
 }  // namespace karno::test
