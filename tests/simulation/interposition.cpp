@@ -157,8 +157,7 @@ namespace __cxxabiv1 {
 
 extern "C" int __cxa_guard_acquire(__guard* guard) {
   while (!isMade(guard)) {
-    if (isBeingMade(guard) == 0) {
-      isBeingMade(guard) = 1;
+    if (__atomic_exchange_n(&isBeingMade(guard), 1, __ATOMIC_ACQUIRE) == 0) {
       if (isSimulated()) take(guard);
       return 1;
     }

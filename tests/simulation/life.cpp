@@ -1,11 +1,10 @@
 #include "life.h"
 
-#include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -30,30 +29,32 @@ using nlohmann::json;
 
 constexpr int kRealSecondsMax = 60;  // for one life
 
-void writeAll(int descriptor, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t written = ::write(descriptor, text.data(), text.size());
-    if (written <= 0) return;
-    text.remove_prefix(static_cast<std::size_t>(written));
+// A file without a name, for what a life has to tell.
+class Letter {
+ public:
+  Letter() : file_(std::tmpfile(), &std::fclose) {
+    if (!file_) throw std::runtime_error("no file");
   }
-}
-
-// All that comes until the other end is closed; absent when that takes too long.
-std::optional<std::string> readAll(int descriptor) {
-  std::string text;
-  std::array<char, 65536> buffer;
-  for (;;) {
-    pollfd waiting{.fd = descriptor, .events = POLLIN, .revents = 0};
-    if (::poll(&waiting, 1, kRealSecondsMax * 1000) == 0) return std::nullopt;
-    const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
-    if (count <= 0) return text;
-    text.append(buffer.data(), static_cast<std::size_t>(count));
+  void write(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), file_.get());
+    std::fflush(file_.get());
   }
-}
+  std::string read() {
+    std::fseek(file_.get(), 0, SEEK_END);
+    std::string text(static_cast<std::size_t>(std::ftell(file_.get())), '\0');
+    std::rewind(file_.get());
+    text.resize(std::fread(text.data(), 1, text.size(), file_.get()));
+    return text;
+  }
 
-[[noreturn]] void liveHere(const Life& life, int descriptor) {
-  World world(life, [descriptor](const LifeReport& report) {
-    writeAll(descriptor, json(report).dump(-1, ' ', false, json::error_handler_t::replace));
+ private:
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
+};
+
+[[noreturn]] void liveHere(const Life& life, Letter& letter) {
+  ::alarm(kRealSecondsMax);
+  World world(life, [&letter](const LifeReport& report) {
+    letter.write(json(report).dump(-1, ' ', false, json::error_handler_t::replace));
     if (__gcov_dump != nullptr) __gcov_dump();
     ::_exit(0);
   });
@@ -69,23 +70,16 @@ LifeReport brokenLife(const std::string& oracle, const std::string& detail) {
 }  // namespace
 
 LifeReport live(const Life& life) {
-  std::array<int, 2> ends{};
-  if (::pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
+  Letter letter;
   const pid_t child = ::fork();
   if (child < 0) throw std::runtime_error("no child process");
-  if (child == 0) {
-    ::close(ends[0]);
-    liveHere(life, ends[1]);
-  }
-  ::close(ends[1]);
-  const std::optional<std::string> text = readAll(ends[0]);
-  ::close(ends[0]);
-  if (!text) ::kill(child, SIGKILL);
+  if (child == 0) liveHere(life, letter);
   int status = 0;
   ::waitpid(child, &status, 0);
-  if (!text) return brokenLife("no hang", "nothing came in a minute");
+  if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM)
+    return brokenLife("no hang", "it has not ended in a minute");
   if (status != 0) return brokenLife("no crash", "the launcher ended with status " + std::to_string(status));
-  return json::parse(*text).get<LifeReport>();
+  return json::parse(letter.read()).get<LifeReport>();
 }
 
 SessionReport liveSession(const Plan& plan, bool wantsTrace) {

@@ -1,7 +1,8 @@
 #include "log_grammar.h"
 
+#include <unicode/regex.h>
+
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <stdexcept>
 
@@ -268,137 +269,45 @@ constexpr Story kStories[] = {
     {"what other programs ask", "(bad-placeholder|unread-list|bad-list|no-link)"},
 };
 
-// A piece of a story, and where in the lines it can end that begins at some places there.
-struct Node {
-  enum class Kind { Line, Sequence, Choice, Optional, Repeated };
-  Kind kind = Kind::Sequence;
-  std::string_view line = {};
-  std::vector<Node> parts = {};
-};
+constexpr char16_t kFirstCharacter = 0xE000;  // of those that have no meaning but their user's
 
-class Parser {
- public:
-  explicit Parser(std::string_view text) : text_(text) {}
-  Node parse() { return choice(); }
-
- private:
-  void skipSpace() {
-    while (text_.starts_with(' ')) text_.remove_prefix(1);
-  }
-  bool skip(char character) {
-    skipSpace();
-    if (!text_.starts_with(character)) return false;
-    text_.remove_prefix(1);
-    return true;
-  }
-  Node choice() {
-    Node node{.kind = Node::Kind::Choice};
-    do node.parts.push_back(sequence());
-    while (skip('|'));
-    return node;
-  }
-  Node sequence() {
-    Node node{.kind = Node::Kind::Sequence};
-    for (skipSpace(); !text_.empty() && text_.front() != '|' && text_.front() != ')'; skipSpace())
-      node.parts.push_back(repeated(item()));
-    return node;
-  }
-  Node item() {
-    if (skip('(')) {
-      Node inner = choice();
-      if (!skip(')')) throw std::logic_error("a story lacks a bracket");
-      return inner;
-    }
-    const std::size_t end = std::min(text_.find_first_of(" ()|?*"), text_.size());
-    const std::string_view word = text_.substr(0, end);
-    text_.remove_prefix(end);
-    if (!word.starts_with('$')) return {.kind = Node::Kind::Line, .line = word};
-    const auto* const piece = std::ranges::find(kPieces, word.substr(1), &Story::name);
-    if (piece == std::end(kPieces)) throw std::logic_error("there is no such piece: " + std::string(word));
-    return Parser(piece->lines).parse();
-  }
-  Node repeated(Node node) {
-    if (skip('?')) return {.kind = Node::Kind::Optional, .parts = {std::move(node)}};
-    if (skip('*')) return {.kind = Node::Kind::Repeated, .parts = {std::move(node)}};
-    return node;
-  }
-
-  std::string_view text_;
-};
-
-using Places = std::set<std::size_t>;
-
-class Matcher {
- public:
-  explicit Matcher(const std::vector<const LineKind*>& lines) : lines_(lines) {}
-
-  bool isWhole(const Node& story) { return after(story, {0}).contains(lines_.size()); }
-  bool reachesEnd() const { return reachesEnd_; }
-
- private:
-  Places after(const Node& node, const Places& from) {
-    switch (node.kind) {
-      case Node::Kind::Line:
-        return afterLine(node.line, from);
-      case Node::Kind::Sequence: {
-        Places places = from;
-        for (const Node& part : node.parts) places = after(part, places);
-        return places;
-      }
-      case Node::Kind::Choice: {
-        Places places;
-        for (const Node& part : node.parts) places.merge(after(part, from));
-        return places;
-      }
-      case Node::Kind::Optional: {
-        Places places = after(node.parts.front(), from);
-        places.insert(from.begin(), from.end());
-        return places;
-      }
-      case Node::Kind::Repeated:
-        return afterAll(node.parts.front(), from);
-    }
-    return {};
-  }
-
-  Places afterLine(std::string_view line, const Places& from) {
-    Places places;
-    for (const std::size_t place : from) {
-      if (place == lines_.size()) reachesEnd_ = true;
-      if (place < lines_.size() && lines_[place]->name == line) places.insert(place + 1);
-    }
-    return places;
-  }
-
-  Places afterAll(const Node& part, const Places& from) {
-    Places places = from;
-    for (Places next = from; !next.empty();) {
-      Places fresh;
-      for (const std::size_t place : after(part, next)) {
-        if (places.insert(place).second) fresh.insert(place);
-      }
-      next = std::move(fresh);
-    }
-    return places;
-  }
-
-  const std::vector<const LineKind*>& lines_;
-  bool reachesEnd_ = false;
-};
-
-void addLinesOf(const Node& node, std::set<std::string_view>& names) {
-  if (node.kind == Node::Kind::Line) names.insert(node.line);
-  for (const Node& part : node.parts) addLinesOf(part, names);
+// The character that stands for a line in expressions.
+char16_t characterOf(const LineKind& kind) {
+  return static_cast<char16_t>(kFirstCharacter + (&kind - std::begin(kLines)));
 }
 
-const std::vector<Node>& parsedStories() {
-  static const std::vector<Node> parsed = [] {
-    std::vector<Node> nodes;
-    for (const Story& story : kStories) nodes.push_back(Parser(story.lines).parse());
-    return nodes;
-  }();
-  return parsed;
+icu::UnicodeString expressionOf(std::string_view story) {
+  icu::UnicodeString expression;
+  while (!story.empty()) {
+    const std::string_view word = story.substr(0, std::min(story.find_first_of(" ()|?*"), story.size()));
+    const auto* const line = std::ranges::find(kLines, word, &LineKind::name);
+    const auto* const piece = std::ranges::find(kPieces, word.substr(word.starts_with('$')), &Story::name);
+    if (word.empty()) {
+      if (story.front() != ' ') expression += static_cast<char16_t>(story.front());
+    } else if (line != std::end(kLines)) {
+      expression += characterOf(*line);
+    } else if (piece != std::end(kPieces)) {
+      (expression += u'(') += expressionOf(piece->lines) += u')';
+    } else {
+      throw std::logic_error("there is no such line or piece: " + std::string(word));
+    }
+    story.remove_prefix(std::max<std::size_t>(1, word.size()));
+  }
+  return expression;
 }
+
+std::vector<std::unique_ptr<icu::RegexPattern>> compiledStories() {
+  std::vector<std::unique_ptr<icu::RegexPattern>> patterns;
+  for (const Story& story : kStories) {
+    UErrorCode code = U_ZERO_ERROR;
+    patterns.emplace_back(icu::RegexPattern::compile(expressionOf(story.lines), 0, code));
+    if (U_FAILURE(code)) throw std::logic_error("no expression: " + std::string(story.lines));
+  }
+  return patterns;
+}
+
+// Made before any life begins, each of which is a process of its own.
+const std::vector<std::unique_ptr<icu::RegexPattern>> kExpressions = compiledStories();
 
 bool matches(std::string_view text, std::string_view pattern) {
   const std::size_t gap = pattern.find("{}");
@@ -434,19 +343,22 @@ const LineKind* kindOf(std::string_view level, std::string_view message) {
 }
 
 std::vector<std::string> linesWithoutStory() {
-  std::set<std::string_view> told;
-  for (const Node& story : parsedStories()) addLinesOf(story, told);
   std::vector<std::string> left;
   for (const LineKind& kind : kLines) {
-    if (!told.contains(kind.name)) left.emplace_back(kind.name);
+    const auto tells = [&](const auto& story) { return story->pattern().indexOf(characterOf(kind)) >= 0; };
+    if (std::ranges::none_of(kExpressions, tells)) left.emplace_back(kind.name);
   }
   return left;
 }
 
+// A search that came to the end of the lines would have gone on with more of them.
 const Story* storyOf(const std::vector<const LineKind*>& lines, bool isWhole) {
+  icu::UnicodeString told;
+  for (const LineKind* const line : lines) told += characterOf(*line);
   for (std::size_t i = 0; i < std::size(kStories); ++i) {
-    Matcher matcher(lines);
-    if (matcher.isWhole(parsedStories()[i]) || (!isWhole && matcher.reachesEnd())) return &kStories[i];
+    UErrorCode code = U_ZERO_ERROR;
+    const std::unique_ptr<icu::RegexMatcher> matcher(kExpressions[i]->matcher(told, code));
+    if (matcher->matches(code) || (!isWhole && matcher->hitEnd())) return &kStories[i];
   }
   return nullptr;
 }

@@ -1,17 +1,16 @@
 #include <fmt/format.h>
 #include <sched.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
 #include <chrono>
 #include <cstdio>
-#include <nlohmann/json.hpp>
+#include <mutex>
 #include <set>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "command_line/arguments.h"
 #include "life.h"
 #include "log_grammar.h"
 #include "plan.h"
@@ -20,40 +19,43 @@
 namespace karno::simulation {
 namespace {
 
-constexpr int kWrongUse = 64;
 constexpr std::string_view kUsage =
     "usage: simulate [--seeds N] [--from SEED] [--minutes M] [--fair | --calm]\n"
     "       simulate --seed SEED [--trace] [--fair | --calm]\n";
 
 struct Options {
-  std::uint64_t seeds = 2000;
-  std::uint64_t from = 1;
-  double minutes = 0;
+  std::uint64_t seeds = 0;
+  std::uint64_t from = 0;
+  std::uint64_t minutes = 0;  // instead of a number of seeds
+  bool wantsHelp = false;
   bool isOne = false;
   bool wantsTrace = false;
   Weather weather = Weather::Foul;
 };
 
-// What the sessions of one worker came to.
-struct Sum {
+// What the sessions came to.
+class Sum {
+ public:
+  void add(const SessionReport& session) {
+    const std::lock_guard lock(mutex_);
+    ++sessions;
+    lives += session.lives.size();
+    if (!session.broken().empty()) ++broken;
+    for (const LifeReport& life : session.lives) {
+      stories.insert(life.stories.begin(), life.stories.end());
+      faults.insert(life.faults.begin(), life.faults.end());
+    }
+  }
+
   std::uint64_t sessions = 0;
   std::uint64_t lives = 0;
   std::uint64_t broken = 0;
   std::set<std::string> stories;
   std::set<std::string> faults;
+
+ private:
+  std::mutex mutex_;
 };
-
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Sum, sessions, lives, broken, stories, faults)
-
-void add(Sum& sum, const SessionReport& session) {
-  ++sum.sessions;
-  sum.lives += session.lives.size();
-  if (!session.broken().empty()) ++sum.broken;
-  for (const LifeReport& life : session.lives) {
-    sum.stories.insert(life.stories.begin(), life.stories.end());
-    sum.faults.insert(life.faults.begin(), life.faults.end());
-  }
-}
 
 void print(const std::string& text) {
   std::fputs(text.c_str(), stdout);
@@ -73,20 +75,19 @@ void tellBroken(std::uint64_t seed, Weather weather, const SessionReport& sessio
   print(report);
 }
 
-Sum work(const Options& options, std::uint64_t worker, std::uint64_t workers) {
+void work(const Options& options, std::uint64_t worker, std::uint64_t workers, Sum& sum) {
   using Clock = std::chrono::steady_clock;
-  const auto end = Clock::now() + std::chrono::milliseconds(static_cast<long>(options.minutes * 60'000));
-  Sum sum;
+  const auto end = Clock::now() + std::chrono::minutes(options.minutes);
   for (std::uint64_t i = worker; options.minutes > 0 ? Clock::now() < end : i < options.seeds; i += workers) {
     const std::uint64_t seed = options.from + i;
     const SessionReport session = liveSession(planOf(seed, options.weather));
-    add(sum, session);
+    sum.add(session);
     if (!session.broken().empty()) tellBroken(seed, options.weather, session);
   }
-  return sum;
 }
 
-// The threads of a session run one at a time: they wake each other much faster on one processor.
+// The lives that the caller begins from now on, each a process of its own, have threads that run one at a
+// time: they wake each other much faster on one processor.
 void stayOn(std::uint64_t processor) {
   cpu_set_t set;
   CPU_ZERO(&set);
@@ -94,43 +95,22 @@ void stayOn(std::uint64_t processor) {
   ::sched_setaffinity(0, sizeof(set), &set);
 }
 
-// One worker a processor, each in a process of its own: sessions are made by fork().
-Sum workOnAll(const Options& options) {
+// One worker a processor.
+void workOnAll(const Options& options, Sum& sum) {
   const std::uint64_t workers = std::max(1U, std::thread::hardware_concurrency());
-  std::vector<int> results;
+  std::vector<std::jthread> threads;
   for (std::uint64_t worker = 0; worker < workers; ++worker) {
-    std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
-    if (::fork() == 0) {
+    threads.emplace_back([&options, &sum, worker, workers] {
       stayOn(worker);
-      const std::string text = nlohmann::json(work(options, worker, workers)).dump();
-      const bool isTold = ::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size());
-      ::_exit(isTold ? 0 : 1);
-    }
-    ::close(ends[1]);
-    results.push_back(ends[0]);
+      work(options, worker, workers, sum);
+    });
   }
-  Sum all;
-  for (const int result : results) {
-    std::string text;
-    std::array<char, 65536> buffer;
-    for (ssize_t count = 0; (count = ::read(result, buffer.data(), buffer.size())) > 0;)
-      text.append(buffer.data(), static_cast<std::size_t>(count));
-    Sum one = nlohmann::json::parse(text).get<Sum>();
-    all.sessions += one.sessions;
-    all.lives += one.lives;
-    all.broken += one.broken;
-    all.stories.merge(one.stories);
-    all.faults.merge(one.faults);
-  }
-  while (::wait(nullptr) > 0) {
-  }
-  return all;
 }
 
 int simulate(const Options& options) {
   const auto begin = std::chrono::steady_clock::now();
-  const Sum sum = workOnAll(options);
+  Sum sum;
+  workOnAll(options, sum);
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
   std::string untold;
   for (const Story& story : stories()) {
@@ -155,44 +135,41 @@ int replay(const Options& options) {
   return 1;
 }
 
-int wrongUse(std::string_view why) {
-  std::fputs(fmt::format("simulate: {}\n{}", why, kUsage).c_str(), stderr);
-  return kWrongUse;
+Options optionsOf(std::span<const std::string> words) {
+  const command_line::Verb verb{.name = "simulate",
+                                .summary = "live sessions",
+                                .help = {},
+                                .options = {"--seeds", "--from", "--minutes", "--seed"},
+                                .flags = {"--trace", "--fair", "--calm"},
+                                .run = {}};
+  const command_line::Arguments given(verb, words);
+  const auto number = [&](std::string_view option, std::uint64_t otherwise) {
+    if (!given.has(option)) return otherwise;
+    const auto read = command_line::numberIn(*given.value(option));
+    if (!read) throw command_line::UsageError("no number: " + *given.value(option));
+    return *read;
+  };
+  return {.seeds = number("--seeds", 2000),
+          .from = number(given.has("--seed") ? "--seed" : "--from", 1),
+          .minutes = number("--minutes", 0),
+          .wantsHelp = given.wantsHelp(),
+          .isOne = given.has("--seed"),
+          .wantsTrace = given.has("--trace"),
+          .weather = given.has("--fair")   ? Weather::Fair
+                     : given.has("--calm") ? Weather::Calm
+                                           : Weather::Foul};
 }
 
-int run(const std::vector<std::string>& words) {
-  Options options;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    const std::string& word = words[i];
-    if (word == "--help" || word == "-h") {
-      print(std::string(kUsage));
-      return 0;
-    }
-    if (word == "--trace") {
-      options.wantsTrace = true;
-    } else if (word == "--fair") {
-      options.weather = Weather::Fair;
-    } else if (word == "--calm") {
-      options.weather = Weather::Calm;
-    } else if (word == "--seeds" || word == "--from" || word == "--minutes" || word == "--seed") {
-      if (++i == words.size()) return wrongUse(word + " wants a number");
-      std::size_t used = 0;
-      double number = -1;
-      try {
-        number = std::stod(words[i], &used);
-      } catch (const std::exception&) {
-      }
-      if (used != words[i].size() || !(number >= 0 && number < 1e15))
-        return wrongUse("no number: " + words[i]);
-      if (word == "--seeds") options.seeds = static_cast<std::uint64_t>(number);
-      if (word == "--minutes") options.minutes = number;
-      if (word == "--from" || word == "--seed") options.from = static_cast<std::uint64_t>(number);
-      options.isOne |= word == "--seed";
-    } else {
-      return wrongUse("what is " + word + "?");
-    }
+int run(const std::vector<std::string>& words) try {
+  const Options options = optionsOf(words);
+  if (options.wantsHelp) {
+    print(std::string(kUsage));
+    return command_line::kExitOk;
   }
   return options.isOne ? replay(options) : simulate(options);
+} catch (const command_line::UsageError& error) {
+  std::fputs(fmt::format("simulate: {}\n{}", error.what(), kUsage).c_str(), stderr);
+  return command_line::kExitUsage;
 }
 
 }  // namespace

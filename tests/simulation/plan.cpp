@@ -239,6 +239,7 @@ class Composer {
       if (dice_.percent(60)) add(at + dice_.seconds(0, 5), "disk free");
     }
     if (dice_.percent(5)) add(later(), "clock", "", dice_.seconds(-100000, 100000));
+    if (life_ == 0) maybe(3, "no bus");
     maybe(5, "post lost", "", static_cast<double>(dice_.below(3)));
     maybe(5, "post doubled", "", static_cast<double>(dice_.below(3)));
   }

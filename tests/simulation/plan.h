@@ -16,8 +16,8 @@ namespace karno::simulation {
 //   client post MESSAGE, client ends STATUS, client killed SIGNAL, client ignores SIGTERM, client forks
 //   answer 1000 (of the next alert, after N seconds; "never"), press continue (cancel, close), reopen
 //   session END (of the updater, see updater_session.h; at 0 one that somebody asks for), updater cannot
-//   start, updater cannot check other launcher (for N seconds), clock (jumps N seconds), post lost, post
-//   doubled, no bus fault OPERATION HOW (from the Nth call on, see faults.h), crash (at the Nth call of any
+//   start, updater cannot check, other launcher (for N seconds), clock (jumps N seconds), post lost, post
+//   doubled, no bus, fault OPERATION HOW (from the Nth call on, see faults.h), crash (at the Nth call of any
 //   service)
 struct Event {
   int life = 0;   // of the launcher: each start begins one

@@ -22,6 +22,15 @@ namespace karno::simulation {
 // The launcher's bundle wherever it lies, and where it belongs.
 inline constexpr const char* kInstalledBundle = "/Applications/Karno.app";
 
+// In it: the builds of the client, and without which of its files it is not whole.
+inline constexpr const char* kHelpers = "/Contents/Helpers/";
+inline constexpr const char* kExecutable = "/Contents/MacOS/Karno";
+inline constexpr const char* kResource = "/Contents/Resources/Base.lproj/Strings.json";
+inline constexpr const char* kTrash = "/Users/tester/.Trash";
+
+// The program of a build of the client, which is named as its bundle.
+std::string programIn(const std::string& launcher, const std::string& build);
+
 // A Mac with its user, its administrator and its disk, in which one life of the launcher goes by. Everything
 // is in this process; its end is the end of the process.
 class World {
@@ -92,6 +101,7 @@ class World {
   std::set<std::string> sabotage_;
   std::set<std::uint64_t> lostPosts_;
   std::set<std::uint64_t> doubledPosts_;
+  bool hasBus_ = true;
   std::uint64_t posts_ = 0;
   std::uint64_t calls_ = 0;
   std::uint64_t crashAtCall_ = 0;

@@ -1,0 +1,265 @@
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+#include "world.h"
+
+// What the machine of a life is like before the launcher starts: what the plan says, and what earlier lives
+// left.
+namespace karno::simulation {
+namespace {
+
+using test::FakeProcessTable;
+
+constexpr const char* kTouchFile = "/Users/tester/Library/Caches/Karno/cache.noindex/.karnoUpdated";
+constexpr const char* kMarkerFile = "/Users/tester/KARNOUPGRADE.debug";
+constexpr const char* kReleaseURL = "https://api.github.com/repos/macfuse/macfuse/releases/latest";
+constexpr const char* kStrings =
+    R"({"OK": "OK", "YES": "Yes", "NO": "No", "CANCEL": "Cancel", "CONTINUE": "Continue",
+ "WHOOPS": "Whoops", "ERROR_FATAL": "It crashed.", "NOT_NOW": "Not now", "UPDATE": "Update",
+ "DRIVE_MOUNT_FAILED": "No drive.", "WHAT_WOULD_YOU_LIKE_TO_DO": "What now?",
+ "MESSAGE_FUSE_INSTALL": "Install it.", "MESSAGE_FUSE_INSTALL_REQUIRED": "macFUSE is needed.",
+ "MESSAGE_FUSE_UPGRADE_REQUIRED": "A newer macFUSE is needed.",
+ "MESSAGE_FUSE_INSTALL_CONTINUE_TO_SITE": "Go on to the site."})";
+constexpr const char* kSuite = "it.vantul.karno";
+
+platform::Value typed(const std::string& text) {
+  if (text == "<true/>") return true;
+  return text;
+}
+
+}  // namespace
+
+void World::buildMachine() {
+  constexpr unsigned kYields[] = {0, 5, 20, 60};
+  const auto random = [this](std::size_t limit) { return machine.scheduler.random() % limit; };
+  record.latenessMax = random(3) == 0 ? 0.4 : 0;
+  machine.scheduler.setUnruliness({.yieldPercent = kYields[random(4)],
+                                   .latePercent = record.latenessMax > 0 ? 15U : 0U,
+                                   .lateSecondsMax = record.latenessMax,
+                                   .threadsMax = random(4) == 0 ? 16U : 64U});
+
+  record.processIdentifier = FakeProcessTable::kLauncher + life_.number;
+  machine.processes.current = record.processIdentifier;
+  machine.bundles.main().setPath(life_.start ? life_.start->bundle : kInstalledBundle);
+  machine.files.addDirectory("/Applications");
+  machine.files.addDirectory(kTrash);
+  machine.files.addDirectory("/Users/tester/Library/Caches/Karno/cache.noindex");
+  machine.processTable.programs["/usr/bin/open"] = {.endsAtOnce = platform::TaskEnd{}};
+  machine.withSystem("14.5.0", "arm64").withFuse("4.4.1").withEmbeddedBuilds();
+  setRelease("4.4.1");
+  if (life_.start) machine.withArguments(life_.start->arguments);
+
+  // What is so from the very start is so in each life, unless the disk or the settings tell otherwise.
+  for (const Event& event : life_.plan.events) {
+    if (event.life == 0 && event.at == 0) prepare(event);
+  }
+  if (life_.left) restore(*life_.left);
+  for (const Event& event : life_.plan.events) {
+    if (event.life == life_.number && life_.number > 0 && event.at == 0) prepare(event);
+  }
+  const std::string bundle = machine.bundles.main().bundlePath();
+  if (hasStrings_) {
+    machine.bundles.main().resources["Strings.json"] = bundle + kResource;
+    machine.bundles.main().resources["Base.lproj/Strings.json"] = bundle + kResource;
+  }
+  if (life_.number == 0) {
+    machine.files.addFile(bundle + kExecutable, "this launcher");
+    machine.files.addFile(bundle + kResource, kStrings);
+  }
+  moves_ = bundle != kInstalledBundle;
+  choice_ = choice();
+}
+
+void World::prepare(const Event& event) {
+  const auto& [life, at, kind, what, number] = event;
+  if (kind == "fault") {
+    if (auto fault = faultOf(what, number); fault && life == life_.number)
+      faults_.push_back(*std::move(fault));
+  } else if (kind == "crash") {
+    if (life == life_.number) crashAtCall_ = static_cast<std::uint64_t>(number);
+  } else if (kind == "sabotage") {
+    sabotage_.insert(what);
+  } else if (kind == "answer") {
+    if (life == life_.number) answers_.push_back(event);
+  } else if (kind == "macOS") {
+    machine.withSystem(what,
+                       machine.shell.outputs[test::kUnameLine].starts_with("arm64") ? "arm64" : "x86_64");
+    std::array<int, 3> numbers{};
+    std::sscanf(what.c_str(), "%d.%d.%d", &numbers[0], &numbers[1], &numbers[2]);
+    machine.systemVersion.running = numbers;
+  } else if (kind == "cpu") {
+    machine.shell.outputs[test::kUnameLine] = what + "\n";
+  } else if (kind == "lies at") {
+    if (!life_.start) prepareMove(what);
+  } else if (kind == "without build") {
+    machine.bundles.removeHelper(what);
+  } else if (kind == "without executable") {
+    machine.bundles.addHelper(what, what == "Karno.app" ? "it.vantul.Karno" : "it.vantul.KarnoFuse", false);
+  } else if (kind == "argument") {
+    if (life_.start) return;
+    machine.processes.commandLine.push_back(what);
+  } else if (kind == "session") {
+    if (life == life_.number) updater.planRequested(what, number);
+  } else if (kind == "updater" && what == "of Linux") {
+    updater.isOfLinux = true;
+  } else if (kind == "updater" && what == "cannot start") {
+    updater.canStart = false;
+  } else if (kind == "no bus") {
+    hasBus_ = false;
+  } else if (kind == "post lost") {
+    lostPosts_.insert(static_cast<std::uint64_t>(number));
+  } else if (kind == "post doubled") {
+    doubledPosts_.insert(static_cast<std::uint64_t>(number));
+  } else if (kind == "client" && what == "ignores SIGTERM") {
+    if (life != life_.number) return;
+    for (const char* name : {"Karno.app", "Karno(Fuse).app"})
+      machine.processTable.programs[programIn(machine.bundles.main().bundlePath(), name)].ignoresTermination =
+          true;
+  } else {
+    prepareSettings(event);
+  }
+}
+
+void World::prepareMove(const std::string& bundle) {
+  machine.bundles.main().setPath(bundle);
+  for (const std::string name : {"Karno.app", "Karno(Fuse).app"}) {
+    test::FakeBundle& helper = machine.bundles.add(bundle + kHelpers + name);
+    helper.info = {{"CFBundleIdentifier", name == "Karno.app" ? "it.vantul.Karno" : "it.vantul.KarnoFuse"}};
+    helper.executable = name.substr(0, name.rfind('.'));
+  }
+}
+
+void World::prepareSettings(const Event& event) {
+  const auto& [life, at, kind, what, number] = event;
+  if (kind == "fuse") {
+    setFuse(what);
+  } else if (kind == "release") {
+    setRelease(what);
+  } else if (kind == "admin") {
+    setAdmin(what);
+  } else if (kind == "setting") {
+    machine.withUserSetting(what.substr(0, what.find('=')), platform::Value(what.ends_with("=1")));
+  } else if (kind == "suppress move") {
+    machine.userDefaults.standard().values.insert_or_assign("moveToApplicationsFolderAlertSuppress",
+                                                            platform::Value(true));
+  } else if (kind == "old copy" || kind == "old copy runs") {
+    if (machine.bundles.main().bundlePath() == kInstalledBundle) return;
+    machine.files.addFile(std::string(kInstalledBundle) + kExecutable, "old launcher");
+    machine.files.addFile(std::string(kInstalledBundle) + kResource, kStrings);
+    if (kind == "old copy runs") machine.processTable.addApplication(kInstalledBundle);
+  } else if (kind == "disk image") {
+    machine.mounts.mounts["/Volumes/Karno"] = platform::MountInformation{"/dev/disk4s1", false};
+  } else if (kind == "no rights") {
+    machine.files.readOnly.insert("/Applications");
+  } else {
+    prepareDisk(event);
+  }
+}
+
+void World::prepareDisk(const Event& event) {
+  const auto& [life, at, kind, what, number] = event;
+  if (kind == "log") {
+    if (life_.number == 0) machine.files.setSize(test::kLogFile, static_cast<std::uint64_t>(number));
+  } else if (kind == "lumberjack") {
+    machine.files.addFile(std::string(test::kLogFolder) + "/it.vantul.Karno 1.log", "old",
+                          machine.clock.now() - std::chrono::seconds(static_cast<long>(number)));
+  } else if (kind == "touch file") {
+    machine.files.addFile(kTouchFile, "");
+  } else if (kind == "no cache folder") {
+    machine.files.remove("/Users/tester/Library/Caches/Karno");
+  } else if (kind == "marker") {
+    machine.files.addFile(kMarkerFile, what);
+  } else if (kind == "no strings") {
+    hasStrings_ = false;
+  }
+}
+
+void World::setAdmin(const std::string& entry) {
+  const std::size_t sign = entry.find('=');
+  if (sign == std::string::npos) {
+    machine.withoutAdmin(entry);
+  } else {
+    machine.withAdmin(entry.substr(0, sign), typed(entry.substr(sign + 1)));
+  }
+}
+
+void World::setFuse(const std::string& version) {
+  if (version == "none") {
+    machine.files.remove(test::kFuseInformationFile);
+  } else if (version == "damaged") {
+    machine.files.addFile(test::kFuseInformationFile, "<plist><dict><key>CFBundleVersion");
+  } else {
+    machine.withFuse(version);
+  }
+}
+
+void World::setRelease(const std::string& body) {
+  std::string& record_ = machine.network.bodies[kReleaseURL];
+  if (body.starts_with('{') || body.starts_with('[')) {
+    record_ = body;
+  } else if (body.starts_with("tag ")) {
+    record_ = R"({"name": "newest", "tag_name": "macfuse-)" + body.substr(4) + "\"}";
+  } else {
+    record_ = R"({"name": "macFUSE )" + body + R"(", "tag_name": "x"})";
+  }
+}
+
+LeftBehind World::leftBehind() const {
+  LeftBehind left;
+  machine.files.enumerate("/", [&](const platform::DirectoryEntry& entry) {
+    const std::string path = "/" + entry.relativePath;
+    LeftBehind::File file{.path = path};
+    if (entry.type == platform::FileType::Directory) file.type = 'd';
+    if (entry.type == platform::FileType::SymbolicLink) file.type = 'l';
+    if (file.type == 'l') file.text = machine.files.destinationOfSymbolicLink(path).value();
+    if (const auto content = file.type == 'f' ? machine.files.content(path) : nullptr) {
+      file.text = content->text;
+      file.bytesBefore = static_cast<double>(content->bytesBefore);
+    }
+    left.files.push_back(std::move(file));
+    return true;
+  });
+  const auto keep = [&](const std::string& suite, const platform::Value::Dictionary& values) {
+    for (const auto& [key, value] : values) {
+      if (const bool* const truth = value.get<bool>()) left.settings.push_back({suite, key, *truth});
+    }
+  };
+  auto& defaults = const_cast<test::FakePlatform&>(machine).userDefaults;
+  keep("", defaults.standard().values);
+  keep(kSuite, defaults.suite(kSuite).values);
+  for (const auto& process : machine.processTable.running()) {
+    if (process.executablePath.find(kHelpers) != std::string::npos)
+      left.clients.push_back(process.executablePath);
+  }
+  left.secondsSinceStart = machine.seconds() + (life_.left ? life_.left->secondsSinceStart : 0);
+  return left;
+}
+
+void World::restore(const LeftBehind& left) {
+  constexpr std::int32_t kFirstLeftClient = 4001;
+  for (const char* top : {"/Users", "/Applications", "/Library", "/Volumes"}) machine.files.remove(top);
+  for (const LeftBehind::File& file : left.files) {
+    if (file.type == 'd') machine.files.addDirectory(file.path);
+    if (file.type == 'l') machine.files.addSymbolicLink(file.path, file.text);
+    if (file.type == 'f') machine.files.addFile(file.path, file.text);
+    if (file.bytesBefore > 0)
+      machine.files.setSize(file.path, static_cast<std::uint64_t>(file.bytesBefore) + file.text.size());
+  }
+  machine.userDefaults.standard().values.clear();
+  machine.settings().values.clear();
+  for (const auto& [suite, key, value] : left.settings) {
+    (suite.empty() ? machine.userDefaults.standard() : machine.userDefaults.suite(suite))
+        .values.insert_or_assign(key, platform::Value(value));
+  }
+  // The first line goes to the end of one that a full disk has cut.
+  const std::string log = machine.files.text(test::kLogFile);
+  record.isDiskFaulty |= !log.empty() && !log.ends_with('\n');
+  std::int32_t process = kFirstLeftClient;
+  for (const std::string& executable : left.clients)
+    machine.processTable.add(process++, {.parent = 1, .executablePath = executable});
+  machine.clock.setNow(machine.clock.now() +
+                       std::chrono::milliseconds(std::llround(left.secondsSinceStart * 1000)));
+}
+
+}  // namespace karno::simulation
