@@ -137,8 +137,8 @@ class Composer {
     maybe(20, "admin", std::string("UPDATES_ENABLED=") + (dice_.percent(50) ? "YES" : "NO"));
     maybe(20, "lumberjack", "", 1'300'000);
     maybe(20, "session", dice_.percent(50) ? "nothing" : "skip", 0.5);
-    if (dice_.percent(30)) add(later(), "client", "post check-for-updates");
-    if (dice_.percent(30)) add(later(), "client", "post enable-automatic-updates");
+    if (dice_.percent(30)) add(dice_.seconds(11, 13), "client", "post check-for-updates");
+    if (dice_.percent(30)) add(dice_.seconds(2, 13), "client", "post enable-automatic-updates");
     if (dice_.percent(40)) leave(dice_.seconds(2, 8), "post app-needs-restart");
     if (dice_.percent(40)) leave(dice_.seconds(16, 20), "post user-selected-quit");
     std::ranges::stable_sort(plan_.events, {}, &Event::at);
@@ -155,7 +155,13 @@ class Composer {
   void maybe(std::uint64_t chance, std::string kind, std::string what = {}, double number = 0) {
     if (dice_.percent(chance)) add(0, std::move(kind), std::move(what), number);
   }
-  double later() { return dice_.seconds(0, kEventsSeconds); }
+
+  // Often it is just then that something else happens, or that the launcher starts.
+  double later() {
+    if (dice_.percent(10)) return kWhileStarting;
+    if (dice_.percent(75)) moment_ = dice_.seconds(0, kEventsSeconds);
+    return moment_;
+  }
 
   void machine() {
     if (dice_.percent(60)) add(0, "macOS", dice_.of(kSystems));
@@ -248,6 +254,7 @@ class Composer {
   const Weather weather_;
   Plan plan_;
   int life_ = 0;
+  double moment_ = kWhileStarting;
 };
 
 }  // namespace

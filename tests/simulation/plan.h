@@ -42,7 +42,8 @@ enum class Weather { Calm, Fair, Foul };
 Plan planOf(std::uint64_t seed, Weather weather);
 
 inline constexpr int kLivesMax = 3;
-inline constexpr double kEventsSeconds = 16;  // in which things happen
-inline constexpr double kQuietSeconds = 17;   // after them
+inline constexpr double kWhileStarting = 1e-9;  // as a time: in the midst of the launcher's start
+inline constexpr double kEventsSeconds = 16;    // in which things happen
+inline constexpr double kQuietSeconds = 17;     // after them
 
 }  // namespace karno::simulation

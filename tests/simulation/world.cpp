@@ -20,8 +20,8 @@ namespace {
 using test::FakeProcessTable;
 using test::MainLane;
 
-constexpr double kFirstSecond = 1e-9;
-constexpr double kExitSeconds = 0.25;  // from the end of the main loop to that of the process
+constexpr std::uint64_t kStepsMax = 40;  // between two events of one moment
+constexpr double kExitSeconds = 0.25;    // from the end of the main loop to that of the process
 constexpr double kForeverSeconds = 1e9;
 constexpr double kUsualAnswerSeconds = 1;
 constexpr std::int32_t kOtherLauncher = 9001;
@@ -139,7 +139,12 @@ void World::livesThroughEvents() {
   for (const Event& event : life_.plan.events) {
     if (event.life != life_.number || event.at == 0) continue;
     last = std::max(last, event.at);
-    machine.scheduler.sleep(std::max(kFirstSecond, event.at - machine.seconds()));
+    if (event.at > std::max(kWhileStarting, machine.seconds())) {
+      machine.scheduler.sleep(event.at - machine.seconds());
+    } else {
+      for (auto steps = machine.scheduler.random() % kStepsMax; steps > 0; --steps)
+        machine.scheduler.sleep(0);
+    }
     note("event", text(event));
     happen(event);
   }
