@@ -23,4 +23,12 @@ std::optional<LogLine> logLineIn(std::string_view line) {
   return found;
 }
 
+std::optional<std::int32_t> numberAfter(std::string_view text, std::string_view words) {
+  const std::size_t place = text.find(words);
+  if (place == std::string_view::npos) return std::nullopt;
+  std::int32_t number = 0;
+  const auto read = std::from_chars(text.data() + place + words.size(), text.data() + text.size(), number);
+  return read.ec == std::errc() ? std::optional(number) : std::nullopt;
+}
+
 }  // namespace karno::karnoctl

@@ -16,4 +16,7 @@ struct LogLine {
 // Absent for what no launcher has begun: a further line of a message, one that was cut, and what is no text.
 std::optional<LogLine> logLineIn(std::string_view line);
 
+// The number behind those words where they first stand; absent without them, or where it has no digits.
+std::optional<std::int32_t> numberAfter(std::string_view text, std::string_view words);
+
 }  // namespace karno::karnoctl

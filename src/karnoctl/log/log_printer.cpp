@@ -31,6 +31,10 @@ constexpr std::array<LevelColour, 7> kColours{{{"VERBOSE", "2"},
 
 }  // namespace
 
+bool isLogLevel(std::string_view level) {
+  return std::ranges::find(kColours, level, &LevelColour::level) != kColours.end();
+}
+
 std::string colouredLogLine(std::string_view line) {
   const std::optional<LogLine> parts = logLineIn(line);
   const auto known = parts ? std::ranges::find(kColours, parts->level, &LevelColour::level) : kColours.end();

@@ -5,6 +5,9 @@
 
 namespace karno::karnoctl {
 
+// Whether lines of the launcher's log have that level.
+bool isLogLevel(std::string_view level);
+
 // One line of the log with its level in colour. Other lines, such as the further ones of a message with
 // newlines in it, come back as they are.
 std::string colouredLogLine(std::string_view line);

@@ -1,7 +1,6 @@
 #include "karnoctl/state/launcher_story.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "app/karno_embedded_app.h"
 
@@ -148,9 +147,7 @@ void LauncherStory::takeFacts(std::string_view message) {
   const std::size_t place = message.rfind(kProcess);
   if (place == std::string_view::npos || place < kLaunched.size()) return;
   build = message.substr(kLaunched.size(), place - kLaunched.size());
-  std::int32_t number = 0;
-  const char* const digits = message.data() + place + kProcess.size();
-  if (std::from_chars(digits, message.data() + message.size(), number).ec == std::errc()) client = number;
+  if (const auto number = numberAfter(message.substr(place), kProcess)) client = number;
 }
 
 LauncherState LauncherStory::state() const {

@@ -16,6 +16,14 @@ std::string printed(std::string_view text, LogPrinting printing) {
   return out.str();
 }
 
+TEST(LogLevel, IsOneThatTheLauncherHas) {
+  EXPECT_TRUE(isLogLevel("INFO"));
+  EXPECT_TRUE(isLogLevel("*** ERROR ***"));
+  EXPECT_FALSE(isLogLevel("notice"));
+  EXPECT_FALSE(isLogLevel("info"));
+  EXPECT_FALSE(isLogLevel(""));
+}
+
 TEST(ColouredLogLine, HasItsLevelInColour) {
   const std::string before(kBefore);
 
