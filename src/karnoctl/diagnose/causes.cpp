@@ -5,30 +5,26 @@
 namespace karno::karnoctl {
 namespace {
 
-constexpr std::string_view kClientLaunched = "Startup[LAUNCH] Launched ";
-
 constexpr Cause kCauses[] = {
     {.name = "client-missing",
      .signs = {"Startup[LAUNCH] Failed to launch Karno. Reason: Could not find"},
-     .cures = {kClientLaunched},
-     .tells = Detail::Choice,
+     .cures = {"Startup[LAUNCH] Launched "},
+     .about = Subject::Build,
      .says = "The build of the client that was chosen is not in the launcher's bundle.",
      .advice = "Install Karno again. \"karnoctl self-check\" says what the bundle lacks."},
     {.name = "client-does-not-start",
      .signs = {"Startup[LAUNCH] Failed to launch '"},
-     .cures = {kClientLaunched},
-     .tells = Detail::Choice,
+     .cures = {"Startup[LAUNCH] Launched "},
+     .about = Subject::Build,
      .says = "The client is in the bundle, but the system would not start it; the line says why.",
-     .advice =
-         "Run \"karnoctl self-check\". If it finds nothing, look at memory, disk and the system's security "
-         "settings."},
+     .advice = "Run \"karnoctl self-check\". If it finds nothing, look at memory, disk and the system's "
+               "security settings."},
     {.name = "client-crashed",
      .signs = {"Abnormal[TERMINATION] Karno.app terminated abnormally."},
      .says = "The client has said that it failed.",
      .advice = "Look for its crash report at the time of the line; \"karnoctl report\" gathers what support "
                "needs."},
     {.name = "client-ends-at-once",
-     .tells = Detail::Starts,
      .says = "The client has ended within moments of each of the last starts.",
      .advice = "Start the client's program by itself to see what it says, and look for crash reports."},
     {.name = "launcher-not-opened-anew",
@@ -49,25 +45,24 @@ constexpr Cause kCauses[] = {
     {.name = "macfuse-refused",
      .signs = {"Main: User pressed cancel - not installing Fuse",
                "Startup[FUSE] User decided not to install"},
-     .tells = Detail::Choice,
+     .about = Subject::Build,
      .says = "The chosen build needs macFUSE, and the user did not want to install it.",
      .advice =
          "Open Karno again and continue, or have the File Provider build chosen (\"karnoctl explain\")."},
     {.name = "macfuse-too-old",
      .signs = {"FuseRequirements: System requirements not met"},
      .cures = {"FuseRequirements: System requirements have been met", "Fuse[SYSTEM] Fuse is not installed"},
-     .tells = Detail::Fuse,
+     .about = Subject::Fuse,
      .says = "The chosen build needs another macFUSE than the one that is installed.",
      .advice = "Install one that will do, or change macOS where none does, and allow macFUSE in the system's "
                "settings. A launcher that waits for it goes on by itself."},
     {.name = "macfuse-missing",
      .signs = {"Fuse[SYSTEM] Fuse is not installed"},
      .cures = {"Startup[FUSE] Fuse is installed", "FuseRequirements: "},
-     .tells = Detail::Fuse,
+     .about = Subject::Fuse,
      .says = "The chosen build needs macFUSE, which is not installed.",
-     .advice =
-         "Install one that will do, or change macOS where none does. A launcher that waits for it goes on by "
-         "itself within two seconds."},
+     .advice = "Install one that will do, or change macOS where none does. A launcher that waits for it goes "
+               "on by itself within two seconds."},
     {.name = "move-failed",
      .signs = {"AppDelegate[MOVE] Failed to move Karno."},
      .says = "The launcher could not move itself to the Applications folder, and quit.",
@@ -111,13 +106,14 @@ constexpr Cause kCauses[] = {
      .advice = "Remove the file that the line names, or write a whole address into it."},
     {.name = "client-gone-for-no-update",
      .signs = {"Startup[TERMINATED] Embedded Karno.app terminated. Reason: Being updated"},
-     .cures = {kClientLaunched, "Sparkle[UPDATE] Relaunching app", "AppDelegate[TERMINATE] Reason"},
+     .cures = {"Startup[LAUNCH] Launched ", "Sparkle[UPDATE] Relaunching app",
+               "AppDelegate[TERMINATE] Reason"},
      .says =
          "The client ended while the updater was at work, so the launcher stayed; no new client was started.",
      .advice = "Quit Karno (\"karnoctl quit\") and open it again."},
     {.name = "file-provider-on-old-system",
      .signs = {"Startup[CHECK] *** Cannot *** use FileProvider"},
-     .tells = Detail::Choice,
+     .about = Subject::Build,
      .says = "The File Provider build was chosen, which needs macOS 12.3.",
      .advice = "Update macOS, or have the FUSE build chosen (\"karnoctl explain\")."},
     {.name = "newest-macfuse-not-known",
@@ -140,19 +136,15 @@ constexpr Cause kCauses[] = {
      .advice =
          "A client of another version may have; install Karno again. docs/protocol.md has the messages."},
     {.name = "client-killed",
-     .tells = Detail::ClientEnd,
      .says = "A signal has ended the client, and with it the launcher.",
      .advice = "Look for a crash report of the client at that time, and for who ends processes."},
     {.name = "client-failed",
-     .tells = Detail::ClientEnd,
      .says = "The client has ended with an error, and the launcher followed.",
      .advice = "The status is the client's own; its log may say more."},
     {.name = "client-left",
-     .tells = Detail::ClientEnd,
      .says = "The client has ended without a message to the launcher, which followed.",
      .advice = "If nobody quit it on purpose, look at the client's own log."},
     {.name = "waits-for-an-answer",
-     .tells = Detail::Question,
      .says = "The launcher waits for the user's answer.",
      .advice = "Answer the question on the screen; it may be behind other windows."},
     {.name = "launcher-killed",

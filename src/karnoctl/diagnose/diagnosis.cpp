@@ -3,9 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
 
 #include "karnoctl/log/log_date.h"
+#include "karnoctl/log/log_printer.h"
 #include "karnoctl/verbs/status_text.h"
 
 namespace karno::karnoctl {
@@ -15,12 +15,6 @@ constexpr std::string_view kFirstMessage = "====================================
 constexpr std::size_t kSessionsMax = 8;
 constexpr double kMomentsSeconds = 10;
 constexpr std::size_t kStartsMin = 2;
-
-bool isOfLevel(const LogLine& line) {
-  constexpr std::string_view kLevels[] = {"VERBOSE",       "DEBUG", "INFO",   "WARN",
-                                          "*** ERROR ***", "NET",   "STARTUP"};
-  return std::ranges::count(kLevels, line.level) > 0;
-}
 
 // Whether a process that logs so is a launcher: others may have lines of the same form.
 bool isOfLauncher(std::string_view message) {
@@ -32,176 +26,121 @@ bool isOfLauncher(std::string_view message) {
 
 // A second beginning of a line within it: what stood before was never written whole.
 bool isCut(std::string_view text) {
-  const std::size_t level = text.find(") [");
-  const std::size_t again = level == std::string_view::npos ? level : text.find(") [", level + 1);
-  if (again == std::string_view::npos) return false;
-  const std::size_t bracket = text.rfind(" (", again);
   constexpr std::size_t kDateBytes = 28;
-  return bracket != std::string_view::npos && bracket >= kDateBytes &&
-         momentOfLogDate(text.substr(bracket - kDateBytes, kDateBytes)).has_value();
+  const std::size_t again = text.find(") [", text.find(") [") + 1);
+  if (again == std::string_view::npos) return false;
+  const std::size_t date = text.rfind(" (", again) - kDateBytes;  // beyond the text where there is none
+  return date < text.size() && momentOfLogDate(text.substr(date, kDateBytes)).has_value();
 }
 
-bool endedAtOnce(const LoggedSession& session) {
-  return session.clientSeconds && *session.clientSeconds < kMomentsSeconds && session.clientStatus &&
-         !session.isClientExpectedToGo;
+// What there is to say of a client that ended within moments of each of the last starts; empty of any other.
+std::string startsInVain(const std::vector<LoggedSession>& sessions) {
+  std::vector<double> seconds;
+  const auto endedAtOnce = [](const LoggedSession& session) {
+    return !session.clientEnd.empty() && !session.isClientExpectedToGo &&
+           session.clientSeconds.value_or(kMomentsSeconds) < kMomentsSeconds;
+  };
+  for (auto session = sessions.rbegin(); session != sessions.rend() && endedAtOnce(*session); ++session)
+    seconds.push_back(*session->clientSeconds);
+  if (seconds.size() < kStartsMin) return "";
+  const auto [shortest, longest] = std::ranges::minmax(seconds);
+  const std::string from = fmt::format("{:.1f}", shortest);
+  const std::string to = fmt::format("{:.1f}", longest);
+  return fmt::format("{} s after each of {} starts{}, the last time with {}",
+                     from == to ? from : from + " to " + to, seconds.size(),
+                     seconds.size() == kSessionsMax ? " or more" : "", sessions.back().clientEnd);
 }
 
-// How many of the last starts the client has not outlived by more than moments.
-std::size_t startsInVain(const std::vector<LoggedSession>& sessions) {
-  const auto other = std::find_if_not(sessions.rbegin(), sessions.rend(), endedAtOnce);
-  return static_cast<std::size_t>(other - sessions.rbegin());
-}
-
-std::string joined(std::string text, const std::string& more) {
-  if (!text.empty() && !more.empty()) text += ", ";
-  return text + more;
-}
-
-std::string choiceDetail(const LoggedSession& session) {
-  return session.story.buildReason == "admin" ? "the administrator has chosen this build" : "";
-}
-
-// "the launcher has been waiting for it for 2 h 5 min", up to now, or up to its last line.
-std::string waitDetail(const LoggedSession& session, std::optional<platform::Date> now) {
-  if (session.story.state() != LauncherState::WaitsForFuse) return "";
+// "the launcher has been waiting for it for 2 h 5 min", up to its last line, or to now.
+std::string waitText(const LoggedSession& session) {
   const auto since = momentOfLogDate(session.story.since().value_or(""));
-  const auto until = now ? now : session.lastDate;
-  const bool isMeasured = since && until && *until > *since;
+  const bool isMeasured = since && session.lastDate > since;
   return "the launcher has been waiting for it" +
-         (isMeasured ? " for " + durationText(platform::secondsBetween(*since, *until)) : "");
+         (isMeasured ? " for " + durationText(platform::secondsBetween(*since, *session.lastDate)) : "");
 }
 
-std::string fuseDetail(const LoggedSession& session) {
-  const FuseAdvice advice = fuseAdvice(session.system);
-  const std::string there = session.system.fuse ? "macFUSE " + *session.system.fuse + " is installed" : "";
-  if (advice.fuse) return joined(there, "macFUSE " + *advice.fuse + " or later would do");
-  return joined(there, advice.macOS ? "none does on this system: one would on " + *advice.macOS : "");
-}
-
-std::string endDetail(const LoggedSession& session) {
-  if (!session.clientStatus) return "";
-  return fmt::format("{} {}", session.clientWasKilled ? "signal" : "status", *session.clientStatus) +
-         (session.clientSeconds ? fmt::format(" after {:.1f} s", *session.clientSeconds) : "");
-}
-
-std::string startsDetail(const std::vector<LoggedSession>& sessions) {
-  const std::size_t count = startsInVain(sessions);
-  const std::vector<LoggedSession> last(sessions.end() - static_cast<std::ptrdiff_t>(count), sessions.end());
-  const auto [shortest, longest] = std::ranges::minmax(last, {}, &LoggedSession::clientSeconds);
-  const std::string from = fmt::format("{:.1f}", *shortest.clientSeconds);
-  const std::string to = fmt::format("{:.1f}", *longest.clientSeconds);
-  return fmt::format("{} s after each of {} starts{}, the last time with {} {}",
-                     from == to ? from : from + " to " + to, count, count == kSessionsMax ? " or more" : "",
-                     sessions.back().clientWasKilled ? "signal" : "status", *sessions.back().clientStatus);
-}
-
-std::string detailOf(const Cause& cause, const std::vector<LoggedSession>& sessions,
-                     std::optional<platform::Date> now) {
-  const LoggedSession& last = sessions.back();
-  switch (cause.tells) {
-    case Detail::Choice:
-      return choiceDetail(last);
-    case Detail::Fuse:
-      return joined(joined(waitDetail(last, now), fuseDetail(last)), choiceDetail(last));
-    case Detail::Question:
-      return last.story.doing();
-    case Detail::ClientEnd:
-      return endDetail(last);
-    case Detail::Starts:
-      return startsDetail(sessions);
-    case Detail::None:
-      break;
+// What more there is to say of a cause that a line shows; may be empty.
+std::string detailOf(const Cause& cause, const LoggedSession& session) {
+  std::vector<std::string> parts;
+  if (cause.about == Subject::Fuse) {
+    const FuseAdvice advice = fuseAdvice(session.system);
+    if (session.story.state() == LauncherState::WaitsForFuse) parts.push_back(waitText(session));
+    if (session.system.fuse) parts.push_back("macFUSE " + *session.system.fuse + " is installed");
+    if (advice.fuse) parts.push_back("macFUSE " + *advice.fuse + " or later would do");
+    if (advice.macOS) parts.push_back("none does on this system: one would on " + *advice.macOS);
   }
-  return "";
-}
-
-// How a client ended that nobody expected to; null for any other.
-const Cause* endOfClient(const LoggedSession& session) {
-  const bool isFollowed = session.story.quitReason == "Embedded Karno.app terminated";
-  if (!isFollowed || session.isClientExpectedToGo || !session.clientStatus) return nullptr;
-  return &causeOf(session.clientWasKilled      ? "client-killed"
-                  : *session.clientStatus != 0 ? "client-failed"
-                                               : "client-left");
+  if (cause.about != Subject::Other && session.story.buildReason == "admin")
+    parts.emplace_back("the administrator has chosen this build");
+  return fmt::format("{}", fmt::join(parts, ", "));
 }
 
 }  // namespace
 
-// The session that the line belongs to, a new one where it begins one; null for another program's.
-LoggedSession* Diagnostician::sessionOf(const LogLine& line) {
-  const auto found = std::ranges::find(sessions_.rbegin(), sessions_.rend(), line.processIdentifier,
-                                       &LoggedSession::processIdentifier);
-  const bool isKnown = found != sessions_.rend();
-  if (isKnown && (line.message != kFirstMessage || found->story.isEmpty())) {
-    hasOverlap_ = hasOverlap_ || (found != sessions_.rbegin() && !found->isHandingOver);
-    return &*found;
-  }
-  if (!isKnown && !isOfLauncher(line.message)) return nullptr;
-  if (sessions_.size() == kSessionsMax) sessions_.erase(sessions_.begin());
-  hasOverlap_ = false;
-  return &sessions_.emplace_back(line.processIdentifier);
-}
-
 void Diagnostician::take(std::string_view text) {
-  const auto line = logLineIn(text);
-  LoggedSession* const session = line && isOfLevel(*line) ? sessionOf(*line) : nullptr;
-  if (session == nullptr) {
+  const LogLine line = logLineIn(text).value_or(LogLine());
+  auto session = std::ranges::find(sessions_.rbegin(), sessions_.rend(), line.processIdentifier,
+                                   &LoggedSession::processIdentifier);
+  const bool isKnown = session != sessions_.rend();
+  if (!isLogLevel(line.level) || (!isKnown && !isOfLauncher(line.message))) {
     ++foreignLines_;
     return;
   }
+  if (!isKnown || line.message == kFirstMessage) {
+    if (sessions_.size() == kSessionsMax) sessions_.erase(sessions_.begin());
+    sessions_.emplace_back().processIdentifier = line.processIdentifier;
+    session = sessions_.rbegin();
+    hasOverlap_ = false;
+  }
+  if (session != sessions_.rbegin() && !session->isHandingOver) hasOverlap_ = true;
   if (cutLine_.empty() && isCut(text)) cutLine_ = text;
-  session->take(text, *line);
+  session->take(text, line);
 }
 
-Diagnosis Diagnostician::diagnosis(const std::function<std::optional<bool>(const LoggedSession&)>& isRunning,
+Diagnosis Diagnostician::diagnosis(const std::function<std::optional<bool>(std::int32_t)>& isRunning,
                                    std::optional<platform::Date> now) const {
   Diagnosis found;
   if (sessions_.empty()) return found;
-  found.session = sessions_.back();
-  found.runs = found.session->hasEnded() ? std::optional(false) : isRunning(*found.session);
-  addFindings(found, found.runs == true ? now : std::nullopt);
-  std::ranges::stable_sort(found.findings, {}, &Finding::cause);
-  addNotes(found);
+  LoggedSession& last = found.session.emplace(sessions_.back());
+  found.runs = last.hasEnded() ? std::optional(false) : isRunning(last.processIdentifier);
+  if (found.runs == true && now) last.lastDate = now;
+  if (!cutLine_.empty()) last.signs[&causeOf("lines-missing")] = {cutLine_};
+  addFindings(found);
+  const auto note = [&](bool holds, const std::string& text) {
+    if (holds) found.notes.push_back(text);
+  };
+  note(!found.runs, "Whether this launcher still runs cannot be told from the log alone.");
+  note(!last.story.beginning, "The log does not reach back to its start.");
+  note(last.areUpdatesDisabled, "The administrator has disabled updates: none is looked for by itself.");
+  note(hasOverlap_, "Two launchers ran at the same time; this is about the one that began last.");
+  note(last.hasOddDates, "Dates are of another locale, or damaged: how long things took cannot be told.");
+  note(foreignLines_ > 0, "Lines that were not read as a launcher's: " + std::to_string(foreignLines_) +
+                              ". They are further ones of a message, another program's, or damaged.");
   return found;
 }
 
-void Diagnostician::addFindings(Diagnosis& found, std::optional<platform::Date> now) const {
-  const LoggedSession& last = sessions_.back();
-  const auto add = [&](const Cause& cause, std::vector<std::string> lines) {
-    found.findings.push_back({&cause, detailOf(cause, sessions_, now), std::move(lines)});
+void Diagnostician::addFindings(Diagnosis& found) const {
+  const LoggedSession& last = *found.session;
+  const auto add = [&](std::string_view cause, const std::string& line, const std::string& detail = "") {
+    found.findings.push_back({&causeOf(cause), detail, {line}});
   };
-  for (const auto& [place, lines] : last.signs) add(causes()[place], lines);
-  if (startsInVain(sessions_) >= kStartsMin)
-    add(causeOf("client-ends-at-once"), {last.endLine});
-  else if (const Cause* const end = endOfClient(last))
-    add(*end, {last.endLine});
-  if (!last.story.questions.empty() && !last.hasEnded() && found.runs != false)
-    add(causeOf("waits-for-an-answer"), {last.questionLine});
-  if (!cutLine_.empty() || !last.lineAfterGap.empty())
-    add(causeOf("lines-missing"), {cutLine_.empty() ? last.lineAfterGap : cutLine_});
-  if (!last.lineOfSetClock.empty()) add(causeOf("clock-set-back"), {last.lineOfSetClock});
-  if (!last.hasEnded() && found.runs == false) add(causeOf("launcher-killed"), {last.lastLine});
-  const LoggedSession* const before = sessions_.size() > 1 ? &*std::prev(sessions_.end(), 2) : nullptr;
-  if (before != nullptr && !hasOverlap_ && !before->hasEnded())
-    found.findings.push_back(
-        {&causeOf("launcher-killed"), "the session before this one", {before->lastLine}});
-}
-
-void Diagnostician::addNotes(Diagnosis& found) const {
-  const LoggedSession& last = sessions_.back();
-  if (!found.runs)
-    found.notes.emplace_back("Whether this launcher still runs cannot be told from the log alone.");
-  if (!last.story.beginning) found.notes.emplace_back("The log does not reach back to its start.");
-  if (last.areUpdatesDisabled)
-    found.notes.emplace_back("The administrator has disabled updates: none is looked for by itself.");
-  if (hasOverlap_)
-    found.notes.emplace_back("Two launchers ran at the same time; this is about the one that began last.");
-  if (last.hasForeignDates)
-    found.notes.emplace_back("Dates are of another locale, or damaged: how long things took cannot be told.");
-  if (foreignLines_ > 0)
-    found.notes.push_back(
-        fmt::format("Lines that were not read as a launcher's: {}. They are further ones of a message, "
-                    "another program's, or damaged.",
-                    foreignLines_));
+  for (const auto& [cause, lines] : last.signs)
+    found.findings.push_back({cause, detailOf(*cause, last), lines});
+  const bool isFollowed = last.story.quitReason == "Embedded Karno.app terminated";
+  if (const std::string starts = startsInVain(sessions_); !starts.empty()) {
+    add("client-ends-at-once", last.endLine, starts);
+  } else if (isFollowed && !last.clientEnd.empty() && !last.isClientExpectedToGo) {
+    const std::string after = last.clientSeconds ? fmt::format(" after {:.1f} s", *last.clientSeconds) : "";
+    add(last.clientEnd.starts_with("signal ") ? "client-killed"
+        : last.clientEnd != "status 0"        ? "client-failed"
+                                              : "client-left",
+        last.endLine, last.clientEnd + after);
+  }
+  if (!last.story.questions.empty() && found.runs != false)
+    add("waits-for-an-answer", last.questionLine, last.story.doing());
+  if (!last.hasEnded() && found.runs == false) add("launcher-killed", last.lastLine);
+  if (sessions_.size() > 1 && !hasOverlap_ && !sessions_.rbegin()[1].hasEnded())
+    add("launcher-killed", sessions_.rbegin()[1].lastLine, "the session before this one");
+  std::ranges::stable_sort(found.findings, {}, &Finding::cause);
 }
 
 }  // namespace karno::karnoctl

@@ -31,15 +31,12 @@ class Diagnostician {
  public:
   void take(std::string_view text);
 
-  // `isRunning` says whether the process of the last session is known to run (or not to run); `now` is for
-  // one that does.
-  Diagnosis diagnosis(const std::function<std::optional<bool>(const LoggedSession&)>& isRunning,
+  // `isRunning` says whether that process is known to run (or not to run); `now` is for one that does.
+  Diagnosis diagnosis(const std::function<std::optional<bool>(std::int32_t process)>& isRunning,
                       std::optional<platform::Date> now = std::nullopt) const;
 
  private:
-  LoggedSession* sessionOf(const LogLine& line);
-  void addFindings(Diagnosis& found, std::optional<platform::Date> now) const;
-  void addNotes(Diagnosis& found) const;
+  void addFindings(Diagnosis& found) const;
 
   std::vector<LoggedSession> sessions_;  // the last few, by their beginning
   std::size_t foreignLines_ = 0;

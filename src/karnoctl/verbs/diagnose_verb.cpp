@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <ostream>
 
@@ -16,56 +18,40 @@ namespace karno::karnoctl {
 namespace {
 
 constexpr int kExitUnreadable = 2;
-constexpr std::string_view kQuotation = "    ";
 
-// What became of the launcher, to follow its name.
-std::string fateText(const Diagnosis& diagnosis) {
+void printText(const Diagnosis& diagnosis, std::ostream& out) {
   const LauncherStory& story = diagnosis.session->story;
-  if (diagnosis.session->hasEnded()) {
-    const std::string reason = story.quitReason.value_or("without a reason in the log");
-    return ", has quit: " + withoutControlCharacters(reason);
-  }
-  const std::string state = withoutControlCharacters(stateText(story));
-  if (diagnosis.runs == true) return ", runs. What it is at: " + state;
-  return (diagnosis.runs ? ", has ended without a word. What it was at: " : ". What it was at last: ") +
-         state;
-}
-
-std::string sessionText(const Diagnosis& diagnosis) {
-  const LauncherStory& story = diagnosis.session->story;
-  return "Karno " + withoutControlCharacters(story.version.value_or("(version unknown)")) + ", process " +
-         std::to_string(diagnosis.session->processIdentifier) +
-         (story.beginning ? ", started " + withoutControlCharacters(*story.beginning) : "") +
-         fateText(diagnosis) + "\n";
-}
-
-std::string findingText(const Finding& finding) {
-  std::string text = "\n" + std::string(finding.cause->says) + "\n";
-  if (!finding.detail.empty()) text += "(" + withoutControlCharacters(finding.detail) + ")\n";
-  for (const std::string& line : finding.lines)
-    text.append(kQuotation).append(withoutControlCharacters(line)).append("\n");
-  return text.append(finding.cause->advice).append("\n");
-}
-
-std::string diagnosisText(const Diagnosis& diagnosis) {
-  std::string text = sessionText(diagnosis);
+  const bool hasQuit = diagnosis.session->hasEnded();
+  const std::string_view fate = hasQuit           ? ", has quit: "
+                                : !diagnosis.runs ? ". What it was at last: "
+                                : *diagnosis.runs ? ", runs. What it is at: "
+                                                  : ", has ended without a word. What it was at: ";
+  std::string text = fmt::format(
+      "Karno {}, process {}{}{}{}\n", story.version.value_or("(version unknown)"),
+      diagnosis.session->processIdentifier, story.beginning ? ", started " + *story.beginning : "", fate,
+      hasQuit ? story.quitReason.value_or("without a reason in the log") : stateText(story));
   if (diagnosis.findings.empty()) text += "The log shows nothing wrong.\n";
-  for (const Finding& finding : diagnosis.findings) text += findingText(finding);
+  for (const auto& [cause, detail, lines] : diagnosis.findings) {
+    text += fmt::format("\n{}\n", cause->says);
+    if (!detail.empty()) text += "(" + detail + ")\n";
+    for (const std::string& line : lines) text += "    " + line + "\n";
+    text += fmt::format("{}\n", cause->advice);
+  }
   for (const std::string& note : diagnosis.notes) text += "\nNote: " + note + "\n";
-  return text;
+  LogPrinter(out, {.toTerminal = true}).print(text);
 }
 
-std::string diagnosisJson(const Diagnosis& diagnosis) {
+void printJson(const Diagnosis& diagnosis, std::ostream& out) {
   const LoggedSession& session = *diagnosis.session;
   Json causes = Json::array();
-  for (const Finding& finding : diagnosis.findings) {
-    causes.push_back({{"name", finding.cause->name},
-                      {"says", finding.cause->says},
-                      {"detail", finding.detail.empty() ? Json() : Json(finding.detail)},
-                      {"advice", finding.cause->advice},
-                      {"lines", finding.lines}});
+  for (const auto& [cause, detail, lines] : diagnosis.findings) {
+    causes.push_back({{"name", cause->name},
+                      {"says", cause->says},
+                      {"detail", detail.empty() ? Json() : Json(detail)},
+                      {"advice", cause->advice},
+                      {"lines", lines}});
   }
-  return jsonText({{"process", session.processIdentifier},
+  out << jsonText({{"process", session.processIdentifier},
                    {"runningVersion", orNull(session.story.version)},
                    {"beginning", orNull(session.story.beginning)},
                    {"runs", orNull(diagnosis.runs)},
@@ -73,18 +59,6 @@ std::string diagnosisJson(const Diagnosis& diagnosis) {
                    {"quitReason", orNull(session.story.quitReason)},
                    {"causes", causes},
                    {"notes", diagnosis.notes}});
-}
-
-bool isRunningLauncher(const LoggedSession& session, const platform::Platform& platform) {
-  const auto launchers = runningLaunchers(platform);
-  return std::ranges::count(launchers, session.processIdentifier, &RunningLauncher::processIdentifier) > 0;
-}
-
-// How the file itself limits what can be told.
-void addNotesOn(const ReadingOfLines& read, const std::string& path, std::vector<std::string>& notes) {
-  if (read.error) notes.push_back("'" + path + "' cannot be read to its end: " + reasonOf(*read.error) + ".");
-  if (read.isOfEndOnly) notes.push_back("Of '" + path + "' only the last 32 MB were read.");
-  if (read.endsWithinLine) notes.push_back("'" + path + "' ends within a line, which does not count.");
 }
 
 // Of the launcher's own log the processes tell whether it runs; another one may be of any computer.
@@ -95,18 +69,23 @@ int diagnose(const std::optional<std::string>& file, bool asJson, const Context&
   if (!file) readLogLines(platform.fileReading, wrapperOldLogFile(), take);
   const std::string path = file.value_or(wrapperLogFile());
   const ReadingOfLines read = readLogLines(platform.fileReading, path, take);
-  const auto isRunning = [&](const LoggedSession& session) {
-    return file ? std::nullopt : std::optional(isRunningLauncher(session, platform));
+  const auto isRunning = [&](std::int32_t process) -> std::optional<bool> {
+    if (file) return std::nullopt;
+    return std::ranges::count(runningLaunchers(platform), process, &RunningLauncher::processIdentifier) > 0;
   };
   Diagnosis diagnosis = reader.diagnosis(isRunning, platform.clock.now());
+  const std::string error = read.error ? reasonOf(*read.error) : "";
   if (!diagnosis.session) {
-    const std::string why =
-        read.error ? "cannot be read (" + reasonOf(*read.error) + ")" : "has no line of a launcher's log";
-    context.err << "karnoctl: '" << path << "' " << why << "\n";
+    context.err << "karnoctl: '" << path
+                << (read.error ? "' cannot be read (" + error + ")\n"
+                               : "' has no line of a launcher's log\n");
     return kExitUnreadable;
   }
-  addNotesOn(read, path, diagnosis.notes);
-  context.out << (asJson ? diagnosisJson(diagnosis) : diagnosisText(diagnosis));
+  std::vector<std::string>& notes = diagnosis.notes;
+  if (read.error) notes.push_back("'" + path + "' cannot be read to its end: " + error + ".");
+  if (read.isOfEndOnly) notes.push_back("Of '" + path + "' only the last 32 MB were read.");
+  if (read.endsWithinLine) notes.push_back("'" + path + "' ends within a line, which does not count.");
+  (asJson ? printJson : printText)(diagnosis, context.out);
   return diagnosis.findings.empty() ? command_line::kExitOk : command_line::kExitFailed;
 }
 

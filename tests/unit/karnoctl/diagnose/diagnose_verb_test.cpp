@@ -162,6 +162,14 @@ TEST_F(KarnoctlDiagnose, ShowsNoControlCharacterOfTheLog) {
   EXPECT_THAT(terminal_.out(), Not(HasSubstr("\033")));
 }
 
+TEST_F(KarnoctlDiagnose, ShowsNoControlCharacterOfTheFilesName) {
+  machine_.files.addFile("/Users/tester/\033[31m.log", healthyLog().text() + "2024-03-05");
+
+  terminal_.run({"diagnose", "/Users/tester/\033[31m.log"});
+
+  EXPECT_THAT(terminal_.out(), HasSubstr("Note: '/Users/tester/^[[31m.log' ends within a line, "));
+}
+
 TEST_F(KarnoctlDiagnose, TellsScriptsTheSame) {
   machine_.files.addFile(kSent, WrittenLog().beginsToRun().says("Fuse[SYSTEM] Fuse is not installed").text());
 

@@ -295,6 +295,17 @@ TEST_F(Diagnosing, TellsOfALineThatAnotherOneFollowsWithoutANewline) {
   EXPECT_THAT(namesOf(diagnosisOf(log)), ElementsAre("lines-missing"));
 }
 
+// The next launcher's line follows the farewell without a newline between them.
+TEST_F(Diagnosing, TakesAFarewellForAnEndThoughItsLineWasNotWrittenWhole) {
+  const WrittenLog log = WrittenLog().beginsToRun().launches().says(
+      "AppDelegate:: Terminating2024-03-05 14:07:09:042+0100 (4243) [INFO] Main: x");
+
+  const Diagnosis found = diagnosisOf(log, std::nullopt);
+
+  EXPECT_THAT(namesOf(found), ElementsAre("lines-missing"));
+  EXPECT_EQ(found.runs, false);
+}
+
 TEST_F(Diagnosing, TellsOfAClockThatWasSetBack) {
   const WrittenLog log = WrittenLog().beginsToRun().launches().says("Sparkle[START] Starting Up", -3600);
 
