@@ -132,8 +132,7 @@ int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
 }
 
 int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
-  if (!isSimulated())
-    return original(originalWait, "pthread_cond_wait", kConditionVersion)(condition, mutex);
+  if (!isSimulated()) return original(originalWait, "pthread_cond_wait", kConditionVersion)(condition, mutex);
   const std::uint64_t before = waits->signals[condition];
   pthread_mutex_unlock(mutex);
   waits->scheduler.waitUntil([=] { return waits->signals[condition] != before; }, kForeverSeconds);

@@ -266,7 +266,7 @@ constexpr Story kStories[] = {
      "(fuse-offer $texts (fuse-not-now|fuse-pane (no-command fuse-no-pane|command-failed)?))? "
      "touch-stays?"},
     {"the end", "terminating"},
-    {"what other programs ask", "(bad-placeholder|unread-list|bad-list|no-link)"},
+    {"what other programs ask", "$texts bad-placeholder|no-link? (unread-list|bad-list)*|object*"},
 };
 
 constexpr char16_t kFirstCharacter = 0xE000;  // of those that have no meaning but their user's

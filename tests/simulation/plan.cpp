@@ -34,8 +34,8 @@ class Dice {
   std::uint64_t state_;
 };
 
-constexpr const char* kSystems[] = {"14.5.0", "14.5.0", "13.0.0",  "13.0",
-                                    "12.6.1", "12.2",   "11.7.10", "10.15.7"};
+constexpr const char* kSystems[] = {"14.5.0", "14.5.0",  "13.0.0",  "13.0",  "12.6.1",
+                                    "12.2",   "11.7.10", "10.15.7", "10.5.8"};
 constexpr const char* kFuses[] = {"4.4.1",  "4.4.1", "4.10.0", "4.4.0", "4.0.4",  "3.11.2",
                                   "3.10.9", "none",  "none",   "",      "damaged"};
 constexpr const char* kReleases[] = {"4.5.0", "4.4.1", "4", "{", "[]", "tag 4.9.0"};
@@ -52,7 +52,8 @@ constexpr const char* kSessions[] = {
     "unpacking fails", "installs", "installs", "no feed"};
 constexpr const char* kAnswers[] = {"1000", "1000", "1000", "1001", "1001", "0", "-1000", "never"};
 constexpr const char* kMarkers[] = {"", "https://feeds.example.org/a.xml\n", "no url at all"};
-constexpr const char* kInterfaces[] = {"asks again", "cancels progress", "moves twice"};
+constexpr const char* kInterfaces[] = {
+    "asks again", "cancels progress", "moves twice", "wants an end", "texts", "names", "files", "settings"};
 constexpr const char* kBuilds[] = {"Karno.app", "Karno(Fuse).app"};
 
 constexpr const char* kFaults[] = {
@@ -91,6 +92,13 @@ constexpr const char* kFaults[] = {
     "URLLoading::contentsOfURL fails 0",
     "URLLoading::contentsOfURL odd",
     "URLLoading::contentsOfURL late 100000",
+    "Workspace::runningApplications odd once",
+    "Bundles::bundleAtPath fails 0 once",
+    "Dispatch::sleep late 1 once",
+};
+
+// Of services that only a move uses.
+constexpr const char* kFaultsOfMoves[] = {
     "Authorisations::create fails 0",
     "Authorisation::copyRight fails 0",
     "Authorisation::copyRight odd",
@@ -103,9 +111,6 @@ constexpr const char* kFaults[] = {
     "FileManager::copyItem fails 28",
     "FileManager::trashItem fails 1",
     "FileManager::isWritable odd",
-    "Workspace::runningApplications odd once",
-    "Bundles::bundleAtPath fails 0 once",
-    "Dispatch::sleep late 1 once",
 };
 
 class Composer {
@@ -187,6 +192,7 @@ class Composer {
   }
 
   void move() {
+    moves_ = true;
     add(0, "lies at", dice_.percent(70) ? "/Users/tester/Downloads/Karno.app" : "/Volumes/Karno/Karno.app");
     maybe(30, "old copy");
     maybe(10, "old copy runs");
@@ -194,6 +200,7 @@ class Composer {
     maybe(25, "no rights");
     maybe(10, "suppress move");
     if (dice_.percent(15)) add(dice_.seconds(0.1, 4), "bundle gone");
+    if (dice_.percent(10)) add(dice_.seconds(0, 2), "interface", "moves twice");
   }
 
   void lifeOfTheClient() {
@@ -229,7 +236,7 @@ class Composer {
     const std::uint64_t count = dice_.below(3);
     for (std::uint64_t i = 0; i < count; ++i)
       add(dice_.percent(50) ? later() : 0, "session", dice_.of(kSessions), dice_.seconds(0, 1.5));
-    if (dice_.percent(4)) add(later(), "interface", dice_.of(kInterfaces));
+    if (dice_.percent(8)) add(later(), "interface", dice_.of(kInterfaces));
     if (life_ == 0) maybe(25, "updater", "of Linux");
     maybe(4, "updater", "cannot start");
     if (dice_.percent(4)) add(later(), "updater", "cannot check");
@@ -237,7 +244,8 @@ class Composer {
 
   void faults() {
     for (std::uint64_t i = dice_.below(3); i > 0; --i)
-      add(0, "fault", dice_.of(kFaults), static_cast<double>(1 + dice_.below(dice_.percent(70) ? 4 : 60)));
+      add(0, "fault", dice_.percent(moves_ ? 60 : 5) ? dice_.of(kFaultsOfMoves) : dice_.of(kFaults),
+          static_cast<double>(1 + dice_.below(dice_.percent(70) ? 4 : 60)));
     if (dice_.percent(15)) add(0, "crash", "", static_cast<double>(1 + dice_.below(1200)));
     if (dice_.percent(10)) {
       const double at = later();
@@ -254,6 +262,7 @@ class Composer {
   const Weather weather_;
   Plan plan_;
   int life_ = 0;
+  bool moves_ = false;
   double moment_ = kWhileStarting;
 };
 

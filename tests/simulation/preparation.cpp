@@ -14,13 +14,18 @@ using test::FakeProcessTable;
 constexpr const char* kTouchFile = "/Users/tester/Library/Caches/Karno/cache.noindex/.karnoUpdated";
 constexpr const char* kMarkerFile = "/Users/tester/KARNOUPGRADE.debug";
 constexpr const char* kReleaseURL = "https://api.github.com/repos/macfuse/macfuse/releases/latest";
+constexpr const char* kMountedImages =
+    "<plist><dict><key>images</key><array><dict><key>system-entities</key><array><dict>"
+    "<key>dev-entry</key><string>/dev/disk4s1</string></dict></array></dict></array></dict></plist>";
 constexpr const char* kStrings =
     R"({"OK": "OK", "YES": "Yes", "NO": "No", "CANCEL": "Cancel", "CONTINUE": "Continue",
  "WHOOPS": "Whoops", "ERROR_FATAL": "It crashed.", "NOT_NOW": "Not now", "UPDATE": "Update",
  "DRIVE_MOUNT_FAILED": "No drive.", "WHAT_WOULD_YOU_LIKE_TO_DO": "What now?",
  "MESSAGE_FUSE_INSTALL": "Install it.", "MESSAGE_FUSE_INSTALL_REQUIRED": "macFUSE is needed.",
  "MESSAGE_FUSE_UPGRADE_REQUIRED": "A newer macFUSE is needed.",
- "MESSAGE_FUSE_INSTALL_CONTINUE_TO_SITE": "Go on to the site."})";
+ "MESSAGE_FUSE_INSTALL_CONTINUE_TO_SITE": "Go on to the site.", "UPLOADED_FILE": "{{ file }}",
+ "ITEM_AND_N_MORE": "{{ name }} and {{n}} more", "MESSAGE_CONTACT_SYS_ADMIN": "Ask.",
+ "MESSAGE_ARE_YOU_SURE_CONTINUE": "Sure?"})";
 constexpr const char* kSuite = "it.vantul.karno";
 
 platform::Value typed(const std::string& text) {
@@ -150,6 +155,8 @@ void World::prepareSettings(const Event& event) {
     if (kind == "old copy runs") machine.processTable.addApplication(kInstalledBundle);
   } else if (kind == "disk image") {
     machine.mounts.mounts["/Volumes/Karno"] = platform::MountInformation{"/dev/disk4s1", false};
+    machine.commands.answers.insert_or_assign(
+        "/usr/bin/hdiutil|info|-plist", platform::CommandEnd{.end = {}, .standardOutput = kMountedImages});
   } else if (kind == "no rights") {
     machine.files.readOnly.insert("/Applications");
   } else {

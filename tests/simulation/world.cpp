@@ -7,11 +7,9 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "app/progress_window_controller.h"
-#include "app/startup_manager.h"
 #include "interposition.h"
 #include "launcher.h"
-#include "move/karno_move_application_manager.h"
+#include "other_programs.h"
 #include "services.h"
 
 namespace karno::simulation {
@@ -26,23 +24,6 @@ constexpr double kForeverSeconds = 1e9;
 constexpr double kUsualAnswerSeconds = 1;
 constexpr std::int32_t kOtherLauncher = 9001;
 constexpr std::int32_t kOtherClient = 9002;
-
-// What belongs to the interface of the launcher's classes and nothing in it calls.
-void useInterface(test::FakePlatform& machine, const std::string& what) {
-  StartupManager& manager = StartupManager::instance();
-  if (what == "asks again") {
-    manager.continueAfterManualInstall();
-  } else if (what == "cancels progress") {
-    const auto controller = ProgressWindowController::make();
-    manager.setProgressController(controller);
-    controller->setMessage("Waiting");
-    controller->showWindow();
-    manager.progressWindowControllerUserPressedCancel(*controller);
-  } else if (what == "moves twice") {
-    machine.scheduler.addThread("global(-32768)",
-                                [] { KarnoMoveApplicationManager::instance().moveApplicationIfRequired(); });
-  }
-}
 
 // An expectation of the fakes that failed is a thread that does what it must not.
 class ThreadRules final : public testing::EmptyTestEventListener {
