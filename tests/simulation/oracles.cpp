@@ -189,7 +189,7 @@ bool isRestartedBeforeItsStart(const Lines& lines) {
   for (const LoggedLine& line : lines) {
     if (line.kind == nullptr) continue;
     if (line.kind->name == "restarting") isRestarting = true;
-    if (line.kind->name == "okay" && isRestarting) return true;
+    if (line.kind->name == "launched") return isRestarting;
   }
   return false;
 }
