@@ -44,7 +44,10 @@ class SimulatedFiles final : public Of<platform::Files> {
     return files_.searchPath(folder);
   }
   std::string homeDirectory() const override { return files_.homeDirectory(); }
-  std::vector<std::string> localLibraryFolders() const override { return files_.localLibraryFolders(); }
+  std::vector<std::string> localLibraryFolders() const override {
+    if (world_.call("Files::localLibraryFolders") != nullptr) return {};
+    return files_.localLibraryFolders();
+  }
   bool fileExists(const std::string& path) const override {
     world_.call("Files::fileExists");
     return files_.fileExists(path);

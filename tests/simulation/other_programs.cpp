@@ -9,6 +9,7 @@
 #include "app/startup_manager.h"
 #include "localise/karno_localise.h"
 #include "log/date_texts.h"
+#include "log/karno_log.h"
 #include "move/karno_move_application_manager.h"
 #include "settings/karno_admin_settings.h"
 #include "settings/karno_settings.h"
@@ -90,6 +91,7 @@ void askForSettings() {
   admin.isValueSetForKey("UPDATES_ENABLED");
   admin.boolForKey("UPDATES_ENABLED", true);
   KarnoSettings::instance().verboseLogging();
+  KarnoLog::manager().queuedLogs();
   const std::map<ValueClass, Value> items = {
       {ValueClass::Number, true},           {ValueClass::String, "a"},
       {ValueClass::Date, platform::Date()}, {ValueClass::Data, Value::Data()},

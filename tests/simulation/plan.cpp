@@ -36,6 +36,7 @@ class Dice {
 
 constexpr const char* kSystems[] = {"14.5.0", "14.5.0",  "13.0.0",  "13.0",  "12.6.1",
                                     "12.2",   "11.7.10", "10.15.7", "10.5.8"};
+constexpr const char* kProcessors[] = {"x86_64", "x86_64", "x86_64", "i386", ""};
 constexpr const char* kFuses[] = {"4.4.1",  "4.4.1", "4.10.0", "4.4.0", "4.0.4",  "3.11.2",
                                   "3.10.9", "none",  "none",   "",      "damaged"};
 constexpr const char* kReleases[] = {"4.5.0", "4.4.1", "4", "{", "[]", "tag 4.9.0"};
@@ -59,6 +60,7 @@ constexpr const char* kBuilds[] = {"Karno.app", "Karno(Fuse).app"};
 constexpr const char* kFaults[] = {
     "Files::read fails 5 once",
     "Files::read odd once",
+    "Files::localLibraryFolders odd once",
     "Files::createFile fails 28",
     "Files::createDirectory fails 13",
     "Files::remove fails 1",
@@ -83,6 +85,7 @@ constexpr const char* kFaults[] = {
     "Processes::name odd",
     "Shell::open fails 24",
     "Shell::open odd once",
+    "Shell::open fails 24 once",
     "Shell::close fails 10",
     "Shell::open late 4 once",
     "Commands::run fails 2",
@@ -170,7 +173,7 @@ class Composer {
 
   void machine() {
     if (dice_.percent(60)) add(0, "macOS", dice_.of(kSystems));
-    if (dice_.percent(30)) add(0, "cpu", dice_.percent(80) ? "x86_64" : "i386");
+    if (dice_.percent(30)) add(0, "cpu", dice_.of(kProcessors));
     if (dice_.percent(85)) add(0, "fuse", dice_.of(kFuses));
     if (dice_.percent(50)) add(0, "release", dice_.of(kReleases));
     for (int i = 0; i < 2; ++i) {

@@ -14,6 +14,7 @@ using test::FakeProcessTable;
 constexpr const char* kTouchFile = "/Users/tester/Library/Caches/Karno/cache.noindex/.karnoUpdated";
 constexpr const char* kMarkerFile = "/Users/tester/KARNOUPGRADE.debug";
 constexpr const char* kReleaseURL = "https://api.github.com/repos/macfuse/macfuse/releases/latest";
+constexpr double kAppKitOfMacOS10_5 = 949.54;
 constexpr const char* kMountedImages =
     "<plist><dict><key>images</key><array><dict><key>system-entities</key><array><dict>"
     "<key>dev-entry</key><string>/dev/disk4s1</string></dict></array></dict></array></dict></plist>";
@@ -93,8 +94,9 @@ void World::prepare(const Event& event) {
     std::array<int, 3> numbers{};
     std::sscanf(what.c_str(), "%d.%d.%d", &numbers[0], &numbers[1], &numbers[2]);
     machine.systemVersion.running = numbers;
+    if (numbers[0] == 10 && numbers[1] <= 5) machine.systemVersion.appKit = kAppKitOfMacOS10_5;
   } else if (kind == "cpu") {
-    machine.shell.outputs[test::kUnameLine] = what + "\n";
+    machine.shell.outputs[test::kUnameLine] = what.empty() ? "" : what + "\n";
   } else if (kind == "lies at") {
     if (!life_.start) prepareMove(what);
   } else if (kind == "without build") {
