@@ -112,7 +112,7 @@ std::vector<std::string> bareWaiter() {
   return {Programs::staged().bareWaiter.string(), Programs::staged().probe.string()};
 }
 
-const Registration registration([] {
+const Registration ofChildEnds([] {
   measure("child_end_karno", kRepetitions, [](benchmark::State& state) { childEnd(state, launcher()); });
   measure("child_end_bare", kRepetitions, [](benchmark::State& state) { childEnd(state, bareWaiter()); });
   measure("child_launch_karno", kRepetitions,

@@ -71,7 +71,7 @@ void readFeeds(benchmark::State& state) {
 
 // Eight times the attributes cost eight times as much; each of them would cost eight times as much if every
 // one were compared with all others.
-const Registration registration([] {
+const Registration ofFeeds([] {
   measure("feed", 3, readFeeds);
   compare({.name = "reading a feed, nanoseconds per attribute, 64,000 of them, beside 8,000",
            .ours = {"feed", "nanoseconds", "items"},

@@ -16,7 +16,7 @@
 namespace karno::bench {
 namespace {
 
-int turns() { return amount(40, 2); }
+int checkTurns() { return amount(40, 2); }
 
 // The facts about the system are gathered anew each time, as they are once in a run of the launcher.
 bool checkAsTheLauncher() {
@@ -60,7 +60,7 @@ void fuseCheck(benchmark::State& state) {
   const std::uint64_t commandsBefore = shellCommands();
   int commands = 0;
   for (auto _ : state) {
-    for (int turn = 0; turn < turns(); ++turn) {
+    for (int turn = 0; turn < checkTurns(); ++turn) {
       beside.push_back(secondsOf([&] { return runTheCommandsOnly(commands); }));
       ours.push_back(secondsOf(checkAsTheLauncher));
       if (beside.back() < 0 || ours.back() < 0) return state.SkipWithError("a command printed nothing");
@@ -72,7 +72,7 @@ void fuseCheck(benchmark::State& state) {
   state.counters["bare_commands"] = commands;
 }
 
-const Registration registration([] {
+const Registration ofFuseChecks([] {
   measure("fuse_check", 3, fuseCheck);
   compare({.name = "the whole check of macFUSE, seconds, beside popen() of its two shell lines",
            .ours = {"fuse_check", "seconds", "commands"},

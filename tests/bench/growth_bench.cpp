@@ -68,7 +68,7 @@ void growthOfTheLauncher(benchmark::State& state) {
   }
 }
 
-const Registration registration([] {
+const Registration ofGrowth([] {
   measure("growth_log", 3, growthOfTheLog);
   measure("growth_notifications", 3, growthOfTheLauncher);
   compare({.name = "growth of resident memory over 1,000,000 log lines, MiB, beside 1 MiB",

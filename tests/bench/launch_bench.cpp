@@ -16,10 +16,10 @@ namespace {
 constexpr double kWriterWakeUpsPerSecond = 10;
 constexpr int kStarts = 15;
 
-auto settleTime() { return std::chrono::milliseconds(amount(3000, 300)); }
+auto startSettleTime() { return std::chrono::milliseconds(amount(3000, 300)); }
 double idleSeconds() { return amount(20.0, 0.5); }
 
-std::vector<std::string> launcher() { return {Programs::staged().launcher.string()}; }
+std::vector<std::string> launcherCommand() { return {Programs::staged().launcher.string()}; }
 std::vector<std::string> minimal() {
   return {Programs::staged().minimal.string(), Programs::staged().probe.string()};
 }
@@ -37,11 +37,11 @@ void start(benchmark::State& state, const std::vector<std::string>& command) {
 // Both run side by side with their children waiting, so that both are measured under the same conditions.
 void idle(benchmark::State& state) {
   for (auto _ : state) {
-    const StartedProgram ours(launcher(), true);
+    const StartedProgram ours(launcherCommand(), true);
     if (ours.secondsToChild() < 0) return state.SkipWithError("the launcher's child did not start");
     const StartedProgram beside(minimal(), true);
     if (beside.secondsToChild() < 0) return state.SkipWithError("the minimal program's child did not start");
-    std::this_thread::sleep_for(settleTime());
+    std::this_thread::sleep_for(startSettleTime());
 
     const auto wakeUps = ours.wakeUps();
     const double processor = ours.processorSeconds();
@@ -57,8 +57,8 @@ void idle(benchmark::State& state) {
   }
 }
 
-const Registration registration([] {
-  measure("start_karno", kStarts, [](benchmark::State& state) { start(state, launcher()); });
+const Registration ofLaunches([] {
+  measure("start_karno", kStarts, [](benchmark::State& state) { start(state, launcherCommand()); });
   measure("start_minimal", kStarts, [](benchmark::State& state) { start(state, minimal()); });
   measure("idle", 1, idle);
 

@@ -161,7 +161,7 @@ void compareBurst(const std::string& threads, const char* words) {
   row("log_burst_floor", "a hand-written floor", "mean_ns", "mean ns", 1.2);
 }
 
-const Registration registration([] {
+const Registration ofLogs([] {
   measureBurst("log_burst_karno", makeKarnoLog);
   measureBurst("log_burst_spdlog", fresh("spdlog.log", makeSpdlogAsync));
   measureBurst("log_burst_floor", fresh("floor.log", makeFloor));

@@ -47,7 +47,7 @@ void burst(benchmark::State& state, const Receiver& receiver) {
   }
 }
 
-const Registration registration([] {
+const Registration ofNotifications([] {
   measure("notification_karno", 9, [](benchmark::State& state) { oneByOne(state, Receiver::launcher()); });
   measure("notification_bare", 9, [](benchmark::State& state) { oneByOne(state, Receiver::bareObserver()); });
   measure("notification_burst_karno", 9, [](benchmark::State& state) { burst(state, Receiver::launcher()); });

@@ -32,7 +32,7 @@ void quit(benchmark::State& state) {
   }
 }
 
-const Registration registration([] {
+const Registration ofQuits([] {
   measure("quit", 9, quit);
   compare({.name = "user-selected-quit to the process's end, seconds, beside the flush's own wait",
            .ours = {"quit", "seconds", "launchers"},

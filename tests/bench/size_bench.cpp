@@ -16,10 +16,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr double kBytesPerMebibyte = 1 << 20;
+constexpr double kMebibyte = 1 << 20;
 
 void setSize(benchmark::State& state, double bytes) {
-  state.counters["mib"] = bytes / kBytesPerMebibyte;
+  state.counters["mib"] = bytes / kMebibyte;
   state.counters["one_mib"] = 1;
 }
 
@@ -50,7 +50,7 @@ void addSize(const std::string& name, const std::string& what, double bound) {
            .bound = bound});
 }
 
-const Registration registration([] {
+const Registration ofSizes([] {
   measure("size_launcher", 1, sizeOfTheLauncher);
   measure("size_macos_x86_64", 1, [](benchmark::State& state) { sizeOfASlice(state, Processor::Intel); });
   measure("size_macos_arm64", 1, [](benchmark::State& state) { sizeOfASlice(state, Processor::Arm); });

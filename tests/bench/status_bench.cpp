@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kNoLauncherRuns = 3;
 
-int turns() { return amount(60, 3); }
+int statusTurns() { return amount(60, 3); }
 
 // Both take turns within one run, since a busy machine changes its pace from one run to the next.
 void status(benchmark::State& state) {
@@ -23,7 +23,7 @@ void status(benchmark::State& state) {
   std::vector<double> seconds;
   std::vector<double> besideSeconds;
   for (auto _ : state) {
-    for (int turn = 0; turn < turns(); ++turn) {
+    for (int turn = 0; turn < statusTurns(); ++turn) {
       besideSeconds.push_back(secondsOfCommand(beside));
       seconds.push_back(secondsOfCommand(ours, kNoLauncherRuns));
       if (besideSeconds.back() < 0 || seconds.back() < 0) return state.SkipWithError("a command failed");
@@ -35,7 +35,7 @@ void status(benchmark::State& state) {
   state.counters["beside_commands"] = static_cast<double>(besideSeconds.size());
 }
 
-const Registration registration([] {
+const Registration ofStatuses([] {
   measure("status", 1, status);
   compare({.name = "karnoctl status, milliseconds, beside true",
            .ours = {"status", "milliseconds", "commands"},

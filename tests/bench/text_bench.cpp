@@ -44,7 +44,7 @@ void gettextText(benchmark::State& state) {
   textLookUp(state, [&peer] { return peer.itemAndMore(kName, 3); });
 }
 
-const Registration registration([] {
+const Registration ofTexts([] {
   measure("text_lookup_karno", 7, karnoText);
   measure("text_lookup_gettext", 7, gettextText);
   compare({.name = "token lookup with two placeholders, mean ns, beside gettext and {fmt}",

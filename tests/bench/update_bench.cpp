@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 constexpr auto kSampleInterval = std::chrono::milliseconds(2);
 
-int turns() { return amount(9, 1); }
+int updateTurns() { return amount(9, 1); }
 
 std::vector<std::string> ours(const UpdateFiles& files, const fs::path& archive, const fs::path& into) {
   return {builtBundle() / "Contents/Helpers/karno-installer",
@@ -86,7 +86,7 @@ double bytesOfFilesIn(const fs::path& folder) {
 using MakeCommand = std::vector<std::string>(const UpdateFiles&, const fs::path&, const fs::path&);
 
 // One side of a comparison: the time of each turn, and what lay in the folder after the last.
-struct Side {
+struct UpdateSide {
   MakeCommand* command;
   std::vector<double> seconds;
   double bytes = 0;
@@ -103,10 +103,10 @@ struct Side {
 void unpack(benchmark::State& state, fs::path (UpdateFiles::*archive)() const) {
   const UpdateFiles& files = UpdateFiles::made();
   const fs::path path = (files.*archive)();
-  Side our{.command = ours, .seconds = {}};
-  Side other{.command = beside, .seconds = {}};
+  UpdateSide our{.command = ours, .seconds = {}};
+  UpdateSide other{.command = beside, .seconds = {}};
   for (auto _ : state) {
-    for (int turn = 0; turn < turns(); ++turn) {
+    for (int turn = 0; turn < updateTurns(); ++turn) {
       if (!other.takeTurn(files, path) || !our.takeTurn(files, path)) {
         return state.SkipWithError("a command failed");
       }
@@ -138,7 +138,7 @@ void addBenchmark(const std::string& name, fs::path (UpdateFiles::*archive)() co
            .bound = 32});
 }
 
-const Registration registration([] {
+const Registration ofUpdates([] {
   addBenchmark("update_zip", &UpdateFiles::zip, "zip", "openssl and unzip");
   addBenchmark("update_tar_gz", &UpdateFiles::tarGzip, "tar.gz", "openssl and tar");
 });

@@ -18,13 +18,13 @@ using ::testing::Contains;
 using ::testing::HasSubstr;
 using ::testing::SizeIs;
 
-constexpr std::chrono::seconds kToolLimit{30};
+constexpr std::chrono::seconds kCommandLimit{30};
 
 CommandResult tool(const Machine& machine, const std::string& path,
                    const std::vector<std::string>& arguments = {}) {
   std::vector<std::string> command{machine.root() / path};
   command.insert(command.end(), arguments.begin(), arguments.end());
-  return runCommand(command, kToolLimit);
+  return runCommand(command, kCommandLimit);
 }
 
 TEST(MakeMachine, SaysAsAMacWouldWhatItIs) {
@@ -114,7 +114,7 @@ TEST(StartMachine, RefusesAMachineThatRunsAlready) {
   machine.start();
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
 
-  const CommandResult second = runCommand({builtTools().commands / "start", machine.root()}, kToolLimit);
+  const CommandResult second = runCommand({builtTools().commands / "start", machine.root()}, kCommandLimit);
 
   EXPECT_EQ(second.status, 1);
   EXPECT_EQ(second.output, "start: the machine at '" + machine.root().string() + "' is running already\n");
@@ -147,9 +147,9 @@ TEST(StartMachine, FollowsTheLauncherThatWasOpenedInPlaceOfTheFirst) {
         const auto seen = machine.log();
         return std::count(seen.begin(), seen.end(), kStarted) == 2;
       },
-      kToolLimit));
+      kCommandLimit));
   ::kill(first[0], SIGKILL);
-  ASSERT_TRUE(machine.waitUntil([&] { return machine.processesOf(program).size() == 1; }, kToolLimit));
+  ASSERT_TRUE(machine.waitUntil([&] { return machine.processesOf(program).size() == 1; }, kCommandLimit));
 
   const CommandResult posted = machine.in({"karnoctl", "post", "user-selected-quit"});
 

@@ -12,7 +12,7 @@ using ::testing::ElementsAreArray;
 using ::testing::SizeIs;
 
 constexpr const char* kStartedAgain = "INFO Main: Started Karno successfully";
-constexpr const char* kFailedToStart = "*** ERROR *** Main: Failed to start Karno";
+constexpr const char* kLauncherFailedToStart = "*** ERROR *** Main: Failed to start Karno";
 
 Messages startMessages() { return joined({openingMessages(), {kFirstStartup}, fileProviderMessages()}); }
 
@@ -160,7 +160,7 @@ TEST(Restart, FailsWhenTheClientStays) {
            {"INFO Notify[LISTEN] Received 'app-needs-restart'", "INFO Notify[LISTEN] Restarting Karno.app."},
            stayingMessages("it.vantul.Karno"),
            {"*** ERROR *** Startup[RESTART] Failed to restart Karno - because it has not exited",
-            kFailedToStart, "INFO AppDelegate[TERMINATE] Reason: Failed to start Karno.app",
+            kLauncherFailedToStart, "INFO AppDelegate[TERMINATE] Reason: Failed to start Karno.app",
             kTerminating}})));
 }
 

@@ -17,7 +17,7 @@ using ::testing::ElementsAreArray;
 using ::testing::SizeIs;
 using ::testing::UnorderedElementsAreArray;
 
-Messages runUntilClientEnded(const std::string& statusAndReason) {
+Messages runUntilOddClientEnded(const std::string& statusAndReason) {
   return joined({openingMessages(),
                  {kFirstStartup},
                  fileProviderMessages(),
@@ -25,13 +25,13 @@ Messages runUntilClientEnded(const std::string& statusAndReason) {
                  {kTerminating}});
 }
 
-fs::path clientOf(const Machine& machine) { return machine.helper() / "Contents/MacOS/Karno"; }
+fs::path oddClientOf(const Machine& machine) { return machine.helper() / "Contents/MacOS/Karno"; }
 
 // Puts a shell script in the place of the client.
 void replaceClient(const Machine& machine, const std::string& script) {
-  fs::remove(clientOf(machine));
-  std::ofstream(clientOf(machine)) << "#!/bin/sh\n" << script;
-  fs::permissions(clientOf(machine), fs::perms::owner_all);
+  fs::remove(oddClientOf(machine));
+  std::ofstream(oddClientOf(machine)) << "#!/bin/sh\n" << script;
+  fs::permissions(oddClientOf(machine), fs::perms::owner_all);
 }
 
 bool ignoresTermination(int process) {
@@ -50,7 +50,7 @@ TEST(OddClient, MayCloseItsStandardStreams) {
   machine.start();
 
   EXPECT_EQ(machine.waitForEnd(), 0);
-  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilClientEnded("status:4, reason:1")));
+  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilOddClientEnded("status:4, reason:1")));
 }
 
 TEST(OddClient, HasEndedAlthoughAProcessThatItStartedRunsOn) {
@@ -63,25 +63,25 @@ TEST(OddClient, HasEndedAlthoughAProcessThatItStartedRunsOn) {
 
   EXPECT_THAT(grandchildren, SizeIs(1));
   EXPECT_EQ(machine.waitForEnd(), 0);
-  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilClientEnded("status:5, reason:1")));
+  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilOddClientEnded("status:5, reason:1")));
 }
 
 // Its end may be told before the line that says it was launched.
 TEST(OddClient, MayEndBeforeTheLauncherHasNotedItsIdentifier) {
   Machine machine(builtTools());
-  fs::copy_file("/bin/true", clientOf(machine), fs::copy_options::overwrite_existing);
+  fs::copy_file("/bin/true", oddClientOf(machine), fs::copy_options::overwrite_existing);
 
   machine.start();
 
   EXPECT_EQ(machine.waitForEnd(), 0);
-  EXPECT_THAT(machine.console(), UnorderedElementsAreArray(runUntilClientEnded("status:0, reason:1")));
+  EXPECT_THAT(machine.console(), UnorderedElementsAreArray(runUntilOddClientEnded("status:0, reason:1")));
 }
 
 TEST(OddClient, RunsOnWhenItIgnoresTerminationAndEndsWhenItIsKilled) {
   Machine machine(builtTools());
   machine.startWithScript("0:ignore-term");
   ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
-  const auto clients = machine.processesOf(clientOf(machine));
+  const auto clients = machine.processesOf(oddClientOf(machine));
   ASSERT_THAT(clients, SizeIs(1));
   ASSERT_TRUE(machine.waitUntil([&] { return ignoresTermination(clients[0]); }, std::chrono::seconds(20)));
 
@@ -92,7 +92,7 @@ TEST(OddClient, RunsOnWhenItIgnoresTerminationAndEndsWhenItIsKilled) {
 
   EXPECT_FALSE(endedByRequest);
   EXPECT_EQ(machine.waitForEnd(), 0);
-  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilClientEnded("status:9, reason:2")));
+  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilOddClientEnded("status:9, reason:2")));
 }
 
 int numberIn(const fs::path& file) {
@@ -130,8 +130,7 @@ TEST(OddClient, IsNoDeadOneWhenItIsStoppedAsOnAMac) {
 
   const long before = processorTimeOf(launchers[0]);
   ::kill(client, SIGSTOP);
-  const bool hasEnded =
-      machine.waitForMessage(kTerminating, std::chrono::seconds(3));
+  const bool hasEnded = machine.waitForMessage(kTerminating, std::chrono::seconds(3));
   const long spent = processorTimeOf(launchers[0]) - before;
   std::ofstream{leave};
   ::kill(client, SIGCONT);
@@ -139,7 +138,7 @@ TEST(OddClient, IsNoDeadOneWhenItIsStoppedAsOnAMac) {
   EXPECT_FALSE(hasEnded);
   EXPECT_LT(spent, 5);
   EXPECT_EQ(machine.waitForEnd(), 0);
-  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilClientEnded("status:3, reason:1")));
+  EXPECT_THAT(machine.console(), ElementsAreArray(runUntilOddClientEnded("status:3, reason:1")));
 }
 
 }  // namespace

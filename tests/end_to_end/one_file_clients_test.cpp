@@ -27,7 +27,7 @@ constexpr const char* kNothingFetched =
     "could "
     "not be fetched: Could not connect to the server.\" UserInfo={NSLocalizedDescription=The list of updates "
     "could not be fetched: Could not connect to the server.})";
-constexpr const char* kStartedAgain = "INFO Main: Started Karno successfully";
+constexpr const char* kClientStartedAgain = "INFO Main: Started Karno successfully";
 
 // What a user chooses, by the FIFO that the clients read. It is kept open, so that nothing is lost between
 // two clients.
@@ -96,7 +96,7 @@ TEST_P(OneFileClient, IsRestartedByItselfAndWithItsLauncherInEitherBuildAndQuits
   start();
 
   user.chooses("app-needs-restart");
-  ASSERT_TRUE(machine.waitForMessages(2, kStartedAgain)) << machine.consoleText();
+  ASSERT_TRUE(machine.waitForMessages(2, kClientStartedAgain)) << machine.consoleText();
   chooseLauncher("restart-wrapper", 2);
   chooseLauncher("restart-wrapper-with-fuse", 3);
   chooseLauncher("restart-wrapper-with-file-provider", 4);
@@ -107,16 +107,17 @@ TEST_P(OneFileClient, IsRestartedByItselfAndWithItsLauncherInEitherBuildAndQuits
       joined({fuseSystemMessages("arm64", "14.5"), fuseMetMessages("4.4.1"), launchMessages(kFuse)});
   const auto logs = machine.logsByProcess();
   ASSERT_EQ(logs.size(), 4U);
-  EXPECT_THAT(logs[0],
-              ElementsAreArray(joined({openingMessages(),
-                                       {kFirstStartup},
-                                       fileProviderMessages(),
-                                       {"INFO Notify[LISTEN] Received 'app-needs-restart'",
-                                        "INFO Notify[LISTEN] Restarting Karno.app."},
-                                       leavingMessages("it.vantul.Karno"),
-                                       {"INFO Startup[LAUNCH] Launching Karno.app",
-                                        "INFO Startup[LAUNCH] Launched Karno.app (pid: N)", kStartedAgain},
-                                       handingOver("restart-wrapper", "it.vantul.Karno", kFileProvider)})));
+  EXPECT_THAT(
+      logs[0],
+      ElementsAreArray(joined(
+          {openingMessages(),
+           {kFirstStartup},
+           fileProviderMessages(),
+           {"INFO Notify[LISTEN] Received 'app-needs-restart'", "INFO Notify[LISTEN] Restarting Karno.app."},
+           leavingMessages("it.vantul.Karno"),
+           {"INFO Startup[LAUNCH] Launching Karno.app", "INFO Startup[LAUNCH] Launched Karno.app (pid: N)",
+            kClientStartedAgain},
+           handingOver("restart-wrapper", "it.vantul.Karno", kFileProvider)})));
   EXPECT_THAT(logs[1],
               ElementsAreArray(joined({openingMessages("bash"), fileProviderMessages(),
                                        handingOver("restart-wrapper-with-fuse", "it.vantul.Karno", kFuse)})));

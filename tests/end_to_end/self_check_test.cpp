@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-constexpr std::chrono::seconds kToolLimit{30};
+constexpr std::chrono::seconds kSelfCheckLimit{30};
 constexpr const char* kNote =
     "Note: Contents/Info.plist has the SUPublicEDKey of a build without a key of its own, whose private half "
     "nobody has: no update is taken.\n";
@@ -30,7 +30,7 @@ constexpr const char* kClientNote =
 constexpr const char* kGermanTable = "Contents/Resources/de.lproj/Strings.json";
 constexpr const char* kClient = "Contents/Helpers/Karno.app/Contents/MacOS/Karno";
 
-std::string contentOf(const fs::path& file) {
+std::string wholeFile(const fs::path& file) {
   std::ostringstream text;
   text << std::ifstream(file, std::ios::binary).rdbuf();
   return text.str();
@@ -46,7 +46,7 @@ class SelfCheck : public testing::Test {
   }
 
   void replace(const std::string& name, std::string_view text, std::string_view replacement) const {
-    std::string content = contentOf(file(name));
+    std::string content = wholeFile(file(name));
     const std::size_t place = content.find(text);
     ASSERT_NE(place, std::string::npos);
     overwrite(name, content.replace(place, text.size(), replacement));
@@ -62,7 +62,7 @@ class SelfCheck : public testing::Test {
                                      file("Contents/MacOS/karnoctl").string(),
                                      "self-check"};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    CommandResult result = runCommand(command, kToolLimit);
+    CommandResult result = runCommand(command, kSelfCheckLimit);
     for (const std::string_view sentence : {kNote, kClientNote}) {
       if (const std::size_t note = result.output.find(sentence); note != std::string::npos) {
         result.output.erase(note, sentence.size());
@@ -73,7 +73,7 @@ class SelfCheck : public testing::Test {
 
   void sign(const std::string& authority) const {
     const std::string tool = (machine_.root() / "usr/bin/codesign").string();
-    ASSERT_EQ(runCommand({tool, "--sign", authority, machine_.bundle().string()}, kToolLimit).status, 0);
+    ASSERT_EQ(runCommand({tool, "--sign", authority, machine_.bundle().string()}, kSelfCheckLimit).status, 0);
   }
 
   const Machine machine_{builtTools()};
@@ -330,7 +330,7 @@ TEST_F(SelfCheck, WantsABundleWhenItLiesInNone) {
   fs::copy_file(file("Contents/MacOS/karnoctl"), tool);
 
   const CommandResult result = runCommand(
-      {"/usr/bin/env", "HOME=" + machine_.home().string(), tool.string(), "self-check"}, kToolLimit);
+      {"/usr/bin/env", "HOME=" + machine_.home().string(), tool.string(), "self-check"}, kSelfCheckLimit);
 
   EXPECT_EQ(result.status, 64);
   EXPECT_EQ(

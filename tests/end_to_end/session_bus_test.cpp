@@ -14,7 +14,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::SizeIs;
 
-constexpr std::chrono::seconds kLimit{60};
+constexpr std::chrono::seconds kBusLimit{60};
 constexpr const char* kGone = "WARN Notifications: the session bus is gone. Reason: ";
 constexpr const char* kNone =
     "WARN Notifications: no session bus, none will be received until there is one. Reason: ";
@@ -47,7 +47,7 @@ class SessionBus : public ::testing::Test {
           const Messages lines = withoutReasons(machine.log());
           return std::count(lines.begin(), lines.end(), line) >= count;
         },
-        kLimit);
+        kBusLimit);
   }
 
   CommandResult post(const std::string& message) const { return machine.in({"karnoctl", "post", message}); }

@@ -16,8 +16,8 @@ using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-constexpr const char* kFuse = "Karno(Fuse).app";
-constexpr const char* kFileProvider = "Karno.app";
+constexpr const char* kFuseBuild = "Karno(Fuse).app";
+constexpr const char* kFileProviderBuild = "Karno.app";
 
 std::vector<int> launchersOf(const Machine& machine) {
   return machine.processesOf(machine.bundle() / "Contents/MacOS/Karno");
@@ -37,12 +37,12 @@ std::string lastOpened(const Machine& machine) {
 
 // A start of the macFUSE build on the machine below.
 Messages fuseMessages() {
-  return joined({fuseSystemMessages("arm64", "14.5"), fuseMetMessages("4.4.1"), launchMessages(kFuse)});
+  return joined({fuseSystemMessages("arm64", "14.5"), fuseMetMessages("4.4.1"), launchMessages(kFuseBuild)});
 }
 
 // What the launcher that goes away logs from the message on.
-Messages handingOver(const std::string& message, const std::string& bundleIdentifier,
-                     const std::string& build) {
+Messages wrapperHandingOver(const std::string& message, const std::string& bundleIdentifier,
+                            const std::string& build) {
   return joined({{"INFO Notify[LISTEN] Received '" + message + "'"},
                  leavingMessages(bundleIdentifier),
                  {"INFO Startup[RESTART] Karno has quit - restarting wrapper (-launch " + build + ")",
@@ -74,48 +74,49 @@ class WrapperRestart : public ::testing::Test {
 };
 
 TEST_F(WrapperRestart, BringsTheFuseBuild) {
-  startAndPress(kFileProvider, "restart-wrapper-with-fuse");
+  startAndPress(kFileProviderBuild, "restart-wrapper-with-fuse");
 
-  EXPECT_THAT(clientsOf(machine, kFuse), SizeIs(1));
-  EXPECT_THAT(clientsOf(machine, kFileProvider), IsEmpty());
+  EXPECT_THAT(clientsOf(machine, kFuseBuild), SizeIs(1));
+  EXPECT_THAT(clientsOf(machine, kFileProviderBuild), IsEmpty());
   EXPECT_EQ(lastOpened(machine),
             "open -n " + machine.bundle().string() + " --args -launch Karno\\(Fuse\\).app ");
   EXPECT_EQ(quit(), 0);
   EXPECT_THAT(
       machine.logsByProcess(),
-      ElementsAre(
-          ElementsAreArray(joined({openingMessages(), fileProviderMessages(),
-                                   handingOver("restart-wrapper-with-fuse", "it.vantul.Karno", kFuse)})),
-          ElementsAreArray(
-              joined({openingMessages("bash"), fuseMessages(), quittingMessages(), {kTerminating}}))));
+      ElementsAre(ElementsAreArray(joined(
+                      {openingMessages(), fileProviderMessages(),
+                       wrapperHandingOver("restart-wrapper-with-fuse", "it.vantul.Karno", kFuseBuild)})),
+                  ElementsAreArray(joined(
+                      {openingMessages("bash"), fuseMessages(), quittingMessages(), {kTerminating}}))));
 }
 
 TEST_F(WrapperRestart, BringsTheFileProviderBuild) {
-  startAndPress(kFuse, "restart-wrapper-with-file-provider");
+  startAndPress(kFuseBuild, "restart-wrapper-with-file-provider");
 
-  EXPECT_THAT(clientsOf(machine, kFileProvider), SizeIs(1));
-  EXPECT_THAT(clientsOf(machine, kFuse), IsEmpty());
+  EXPECT_THAT(clientsOf(machine, kFileProviderBuild), SizeIs(1));
+  EXPECT_THAT(clientsOf(machine, kFuseBuild), IsEmpty());
   EXPECT_EQ(quit(), 0);
   EXPECT_THAT(
       machine.logsByProcess(),
       ElementsAre(
-          ElementsAreArray(joined(
-              {openingMessages(), fuseMessages(),
-               handingOver("restart-wrapper-with-file-provider", "it.vantul.KarnoFuse", kFileProvider)})),
+          ElementsAreArray(joined({openingMessages(), fuseMessages(),
+                                   wrapperHandingOver("restart-wrapper-with-file-provider",
+                                                      "it.vantul.KarnoFuse", kFileProviderBuild)})),
           ElementsAreArray(joined(
               {openingMessages("bash"), fileProviderMessages(), quittingMessages(), {kTerminating}}))));
 }
 
 TEST_F(WrapperRestart, BringsTheSameBuildAgainWhenNoneIsNamed) {
-  startAndPress(kFuse, "restart-wrapper");
+  startAndPress(kFuseBuild, "restart-wrapper");
 
-  EXPECT_THAT(clientsOf(machine, kFuse), SizeIs(1));
-  EXPECT_THAT(clientsOf(machine, kFileProvider), IsEmpty());
+  EXPECT_THAT(clientsOf(machine, kFuseBuild), SizeIs(1));
+  EXPECT_THAT(clientsOf(machine, kFileProviderBuild), IsEmpty());
   EXPECT_EQ(quit(), 0);
   EXPECT_THAT(
       machine.logsByProcess(),
-      ElementsAre(ElementsAreArray(joined({openingMessages(), fuseMessages(),
-                                           handingOver("restart-wrapper", "it.vantul.KarnoFuse", kFuse)})),
+      ElementsAre(ElementsAreArray(
+                      joined({openingMessages(), fuseMessages(),
+                              wrapperHandingOver("restart-wrapper", "it.vantul.KarnoFuse", kFuseBuild)})),
                   ElementsAreArray(joined(
                       {openingMessages("bash"), fuseMessages(), quittingMessages(), {kTerminating}}))));
 }

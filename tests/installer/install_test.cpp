@@ -22,7 +22,7 @@ using installer::InstallEnd;
 using installer::installUpdate;
 using platform::exchangeInOneStep;
 
-std::string said(const InstallEnd& end) {
+std::string saidByTheInstaller(const InstallEnd& end) {
   return (end.isInstalled ? "installed" : "not") + (": " + end.complaint);
 }
 
@@ -31,7 +31,7 @@ TEST(Installing, PutsTheNewBundleInThePlaceAndRemovesTheOld) {
 
   const InstallEnd end = installUpdate(place.request());
 
-  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(saidByTheInstaller(end), "installed: ");
   EXPECT_EQ(place.tree(), place.newTree());
 }
 
@@ -40,7 +40,7 @@ TEST(Installing, RemovesNoOtherFolderThanAStagingFolder) {
 
   const InstallEnd end = installUpdate(place.request());
 
-  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(saidByTheInstaller(end), "installed: ");
   EXPECT_EQ(place.tree(), place.newTree() + "755 elsewhere/\n");
 }
 
@@ -51,7 +51,7 @@ TEST_P(UnknownExchange, IsMadeByMovingTheOldBundleAsideFirst) {
 
   const InstallEnd end = installUpdate(place.request(), [](auto&, auto&) { return GetParam(); });
 
-  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(saidByTheInstaller(end), "installed: ");
   EXPECT_EQ(place.tree(), place.newTree());
 }
 
@@ -67,7 +67,7 @@ TEST(Installing, WithoutAnExchangeLeavesNothingBehindWhenTheOldBundleCannotMove)
 
   const InstallEnd end = installUpdate(place.request(), vanish);
 
-  EXPECT_EQ(said(end), "not: The bundle could not be replaced: No such file or directory.");
+  EXPECT_EQ(saidByTheInstaller(end), "not: The bundle could not be replaced: No such file or directory.");
   EXPECT_EQ(place.tree(), "");
 }
 
@@ -81,7 +81,7 @@ TEST(Installing, WithoutAnExchangePutsTheOldBundleBackWhenTheNewOneCannotMove) {
 
   const InstallEnd end = installUpdate(place.request(), vanish);
 
-  EXPECT_EQ(said(end), "not: The bundle could not be replaced: No such file or directory.");
+  EXPECT_EQ(saidByTheInstaller(end), "not: The bundle could not be replaced: No such file or directory.");
   EXPECT_EQ(place.tree(), place.oldTree());
 }
 
@@ -90,7 +90,7 @@ TEST(Installing, LeavesTheOldBundleWhenTheExchangeFails) {
 
   const InstallEnd end = installUpdate(place.request(), [](auto&, auto&) { return EIO; });
 
-  EXPECT_EQ(said(end), "not: The bundle could not be replaced: Input/output error.");
+  EXPECT_EQ(saidByTheInstaller(end), "not: The bundle could not be replaced: Input/output error.");
   EXPECT_EQ(place.tree(), place.oldTree());
 }
 
@@ -104,7 +104,7 @@ TEST(Installing, PutsTheOldBundleBackWhenTheNewOneIsDamagedInThePlace) {
 
   const InstallEnd end = installUpdate(place.request(), damage);
 
-  EXPECT_EQ(said(end), "not: The bundle's Info.plist cannot be read.");
+  EXPECT_EQ(saidByTheInstaller(end), "not: The bundle's Info.plist cannot be read.");
   EXPECT_EQ(treeText(place.bundle() + "/Contents/MacOS"), "755 Karno: #!/bin/sh\necho version 1\n\n");
 }
 
@@ -117,7 +117,7 @@ TEST(Installing, PutsTheOldBundleBackFromAside) {
 
   const InstallEnd end = installUpdate(place.request(), damage);
 
-  EXPECT_EQ(said(end), "not: The bundle's executable is missing or cannot be executed.");
+  EXPECT_EQ(saidByTheInstaller(end), "not: The bundle's executable is missing or cannot be executed.");
   EXPECT_EQ(place.tree(), place.oldTree());
 }
 
@@ -133,7 +133,7 @@ TEST(Installing, KeepsTheStagingFolderWhileItHoldsTheOnlyWholeBundle) {
 
   const InstallEnd end = installUpdate(place.request(), failTheWayBack);
 
-  EXPECT_EQ(said(end),
+  EXPECT_EQ(saidByTheInstaller(end),
             "not: The bundle's Info.plist cannot be read. The old bundle could not be put back: Input/output "
             "error.");
   EXPECT_EQ(treeText(place.newBundle()), treeText(InstallPlace().bundle()));
@@ -147,7 +147,7 @@ TEST(Installing, ReplacesTheBundleThatALinkLeadsTo) {
 
   const InstallEnd end = installUpdate(request);
 
-  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(saidByTheInstaller(end), "installed: ");
   EXPECT_EQ(place.tree(), place.newTree() + "link Link.app -> Karno.app\n");
 }
 
@@ -157,7 +157,7 @@ TEST(Installing, RemovesAnOldBundleThatIsWriteProtected) {
   ::chmod((place.bundle() + "/Contents").c_str(), 0500);
   const InstallEnd end = installUpdate(place.request());
 
-  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(saidByTheInstaller(end), "installed: ");
   EXPECT_EQ(place.tree(), place.newTree());
 }
 
@@ -169,7 +169,8 @@ TEST(Installing, SaysWhenAStagingFolderStays) {
 
   const InstallEnd end = installUpdate(place.request());
 
-  EXPECT_EQ(said(end), "installed: The old bundle could not be removed: Too many levels of symbolic links.");
+  EXPECT_EQ(saidByTheInstaller(end),
+            "installed: The old bundle could not be removed: Too many levels of symbolic links.");
   EXPECT_EQ(treeText(place.bundle()), treeText(InstallPlace().newBundle()));
 }
 
@@ -180,7 +181,7 @@ TEST(Installing, LeavesWhatLinksOfTheOldBundleLeadTo) {
 
   const InstallEnd end = installUpdate(place.request());
 
-  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(saidByTheInstaller(end), "installed: ");
   EXPECT_EQ(treeText(place.folder() / "mine"), "644 file: mine\n");
 }
 
@@ -197,7 +198,7 @@ TEST(Installing, WaitsForTheProcess) {
   child.endSoon();
   const InstallEnd end = installUpdate(request, look);
 
-  EXPECT_EQ(said(end), "installed: ");
+  EXPECT_EQ(saidByTheInstaller(end), "installed: ");
   EXPECT_EQ(place.tree(), place.newTree());
 }
 
@@ -216,7 +217,7 @@ TEST(Installing, TouchesNothingWhenTheBundleGoesWhileItWaits) {
   const InstallEnd end = installUpdate(request);
   somebody.join();
 
-  EXPECT_EQ(said(end), "not: There is no bundle to be replaced.");
+  EXPECT_EQ(saidByTheInstaller(end), "not: There is no bundle to be replaced.");
   EXPECT_TRUE(fs::exists(place.newBundle()));
 }
 
@@ -229,7 +230,7 @@ TEST(Installing, GivesUpWhenTheProcessStays) {
 
   const InstallEnd end = installUpdate(request);
 
-  EXPECT_EQ(said(end), "not: The process " + std::to_string(request.after) + " did not end.");
+  EXPECT_EQ(saidByTheInstaller(end), "not: The process " + std::to_string(request.after) + " did not end.");
   EXPECT_EQ(place.tree(), place.oldTree());
 }
 

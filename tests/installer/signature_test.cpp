@@ -13,7 +13,7 @@ using test::base64;
 using test::SigningKey;
 using test::UpdatePlace;
 
-std::string said(const MaybeFailure& failure) {
+std::string saidOfTheSignature(const MaybeFailure& failure) {
   return failure ? std::to_string(static_cast<int>(failure->code)) + " " + failure->text : "good";
 }
 
@@ -23,15 +23,15 @@ constexpr const char* kBadKey = "3001 The public key cannot be read.";
 
 // RFC 8032, 7.1, tests 1 and 2.
 TEST(Signature, OfAKnownMessageIsGood) {
-  EXPECT_EQ(said(checkSignature("",
-                                "5VZDAMNgrHKQhuLMgG6CioSHfx645dl02HPgZSJJAVVfuIIVkKM7rMYeOXAc"
-                                "+bRr0lv18FlbviRlUUFDjnoQCw==",
-                                "11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo=")),
+  EXPECT_EQ(saidOfTheSignature(checkSignature("",
+                                              "5VZDAMNgrHKQhuLMgG6CioSHfx645dl02HPgZSJJAVVfuIIVkKM7rMYeOXAc"
+                                              "+bRr0lv18FlbviRlUUFDjnoQCw==",
+                                              "11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo=")),
             "good");
-  EXPECT_EQ(said(checkSignature("\x72",
-                                "kqAJqfDUyrhyDoILX2QlQKKye1QWUD+Ps3YiI+vbadoIWsHkPhWZbkWPNhPQ"
-                                "8R2MOHsurrQwKu6wDSkWErsMAA==",
-                                "PUAXw+hDiVqStwqnTRt+vJyYLM8uxJaMwM1V8Sr0Zgw=")),
+  EXPECT_EQ(saidOfTheSignature(checkSignature("\x72",
+                                              "kqAJqfDUyrhyDoILX2QlQKKye1QWUD+Ps3YiI+vbadoIWsHkPhWZbkWPNhPQ"
+                                              "8R2MOHsurrQwKu6wDSkWErsMAA==",
+                                              "PUAXw+hDiVqStwqnTRt+vJyYLM8uxJaMwM1V8Sr0Zgw=")),
             "good");
 }
 
@@ -39,58 +39,65 @@ TEST(Signature, IsGoodForItsBytesOnly) {
   const SigningKey key;
   const std::string signature = key.signatureOf("bytes");
 
-  EXPECT_EQ(said(checkSignature("bytes", signature, key.publicKey())), "good");
-  EXPECT_EQ(said(checkSignature("Bytes", signature, key.publicKey())), kForeign);
-  EXPECT_EQ(said(checkSignature("bytes ", signature, key.publicKey())), kForeign);
-  EXPECT_EQ(said(checkSignature("", signature, key.publicKey())), kForeign);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", signature, key.publicKey())), "good");
+  EXPECT_EQ(saidOfTheSignature(checkSignature("Bytes", signature, key.publicKey())), kForeign);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes ", signature, key.publicKey())), kForeign);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("", signature, key.publicKey())), kForeign);
 }
 
 TEST(Signature, OfNoBytesAtAllIsASignatureToo) {
   const SigningKey key;
 
-  EXPECT_EQ(said(checkSignature("", key.signatureOf(""), key.publicKey())), "good");
+  EXPECT_EQ(saidOfTheSignature(checkSignature("", key.signatureOf(""), key.publicKey())), "good");
 }
 
 TEST(Signature, OfAnotherKeyIsRefused) {
   const SigningKey key;
   const SigningKey other;
 
-  EXPECT_EQ(said(checkSignature("bytes", other.signatureOf("bytes"), key.publicKey())), kForeign);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", other.signatureOf("bytes"), key.publicKey())),
+            kForeign);
 }
 
 TEST(Signature, MayHaveSpaceAroundIt) {
   const SigningKey key;
 
-  EXPECT_EQ(said(checkSignature("bytes", " " + key.signatureOf("bytes") + "\r\n", key.publicKey() + "\n")),
+  EXPECT_EQ(saidOfTheSignature(
+                checkSignature("bytes", " " + key.signatureOf("bytes") + "\r\n", key.publicKey() + "\n")),
             "good");
 }
 
 TEST(Signature, OfAnotherLengthIsRefused) {
   const SigningKey key;
 
-  EXPECT_EQ(said(checkSignature("bytes", "", key.publicKey())), "3001 The update is not signed.");
-  EXPECT_EQ(said(checkSignature("bytes", base64(std::string(63, 's')), key.publicKey())), kUnreadable);
-  EXPECT_EQ(said(checkSignature("bytes", base64(std::string(65, 's')), key.publicKey())), kUnreadable);
-  EXPECT_EQ(said(checkSignature("bytes", base64(std::string(64, 's')), key.publicKey())), kForeign);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", "", key.publicKey())),
+            "3001 The update is not signed.");
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", base64(std::string(63, 's')), key.publicKey())),
+            kUnreadable);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", base64(std::string(65, 's')), key.publicKey())),
+            kUnreadable);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", base64(std::string(64, 's')), key.publicKey())),
+            kForeign);
 }
 
 TEST(Signature, ThatIsNoBase64IsRefused) {
   const SigningKey key;
   const std::string good = key.signatureOf("bytes");
 
-  EXPECT_EQ(said(checkSignature("bytes", "*" + good.substr(1), key.publicKey())), kUnreadable);
-  EXPECT_EQ(said(checkSignature("bytes", good.substr(0, good.size() - 1), key.publicKey())), kUnreadable);
-  EXPECT_EQ(said(checkSignature("bytes", good + "AA==", key.publicKey())), kUnreadable);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", "*" + good.substr(1), key.publicKey())), kUnreadable);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", good.substr(0, good.size() - 1), key.publicKey())),
+            kUnreadable);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", good + "AA==", key.publicKey())), kUnreadable);
 }
 
 TEST(Signature, NeedsAKeyOf32Bytes) {
   const SigningKey key;
   const std::string good = key.signatureOf("bytes");
 
-  EXPECT_EQ(said(checkSignature("bytes", good, "")), kBadKey);
-  EXPECT_EQ(said(checkSignature("bytes", good, base64(std::string(31, 'k')))), kBadKey);
-  EXPECT_EQ(said(checkSignature("bytes", good, base64(std::string(33, 'k')))), kBadKey);
-  EXPECT_EQ(said(checkSignature("bytes", good, "no key")), kBadKey);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", good, "")), kBadKey);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", good, base64(std::string(31, 'k')))), kBadKey);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", good, base64(std::string(33, 'k')))), kBadKey);
+  EXPECT_EQ(saidOfTheSignature(checkSignature("bytes", good, "no key")), kBadKey);
 }
 
 TEST(SignedArchive, OfAnotherLengthIsRefusedBeforeItsSignature) {
@@ -117,9 +124,9 @@ TEST(SignedArchive, LeavesNothingWhenItWasSignedByAnother) {
   place.makeArchive(test::bundleItems());
   place.request.signature = SigningKey().signatureOf(test::contentOf(place.archive()));
 
-  const std::string said = place.unpack();
+  const std::string saidOfTheSignature = place.unpack();
 
-  EXPECT_EQ(said, kForeign);
+  EXPECT_EQ(saidOfTheSignature, kForeign);
   EXPECT_EQ(place.unpackedTree(), "");
 }
 

@@ -83,10 +83,10 @@ void runScenarioOfThisSystem(std::string_view name) { say(fmt::format("a Mac has
 }  // namespace karno::test
 
 // The self-check asks a Mac for the messages of the table.
-void karno::platform::test::watchMessages(std::function<void(const std::string& missingRow)>) {}
+void karno::platform::trial::watchMessages(std::function<void(const std::string& missingRow)>) {}
 
-karno::platform::objc::detail::Function karno::platform::test::uncheckedFunction(objc::Id receiver,
-                                                                                 objc::Sel selector,
-                                                                                 bool returnsInMemory) {
+karno::platform::objc::detail::Function karno::platform::trial::uncheckedFunction(objc::Id receiver,
+                                                                                  objc::Sel selector,
+                                                                                  bool returnsInMemory) {
   return objc::detail::messageFunction(receiver, selector, returnsInMemory);
 }

@@ -56,7 +56,8 @@ int main(int argc, char** argv) {
   // What a program begins with, whoever starts the tests.
   ::signal(SIGPIPE, SIG_DFL);
   ::signal(SIGXFSZ, SIG_DFL);
-  karno::platform::test::watchMessages([](const std::string& message) { messagesWithoutRow().add(message); });
+  karno::platform::trial::watchMessages(
+      [](const std::string& message) { messagesWithoutRow().add(message); });
   karno::platform::install(karno::platform::nativePlatform(argc, argv));
   testing::InitGoogleMock(&argc, argv);
   // The list owns it.

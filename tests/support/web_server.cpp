@@ -10,7 +10,7 @@ namespace karno::test {
 namespace {
 
 constexpr int kPolls = 600;
-constexpr std::chrono::milliseconds kPollInterval{50};
+constexpr std::chrono::milliseconds kPortPollInterval{50};
 
 }  // namespace
 
@@ -18,7 +18,7 @@ WebServer::WebServer(const std::filesystem::path& program, std::filesystem::path
     : folder_(std::move(folder)), process_({program, folder_}, folder_ / "server.log") {
   for (int poll = 0; poll < kPolls; ++poll) {
     if (std::ifstream(folder_ / "ports") >> httpsPort_ >> httpPort_) return;
-    std::this_thread::sleep_for(kPollInterval);
+    std::this_thread::sleep_for(kPortPollInterval);
   }
   throw std::runtime_error("the web server does not answer; see " + (folder_ / "server.log").string());
 }

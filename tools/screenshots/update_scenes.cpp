@@ -45,7 +45,7 @@ void showOffer() {
                                                                   [](long) {});
 }
 
-void showProgress() {
+void showUpdateProgress() {
   static const std::unique_ptr<platform::ProgressWindow> window =
       platform::host().windows.makeProgressWindow();
   window->setTitle(text("OFFER_TITLE"));
@@ -78,7 +78,7 @@ void askForPermission() {
 
 std::vector<Scene> updateScenes() {
   return {{"update-offer", showOffer},
-          {"update-progress", showProgress},
+          {"update-progress", showUpdateProgress},
           {"update-permission", askForPermission},
           {"update-none", [] { tell("UP_TO_DATE", text("UP_TO_DATE_EXPLANATION")); }},
           {"update-system-too-old", [] { tell("UP_TO_DATE", text("SYSTEM_TOO_OLD")); }},

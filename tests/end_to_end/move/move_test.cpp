@@ -22,7 +22,7 @@ using ::testing::ElementsAreArray;
 constexpr const char* kMoving = "INFO -- Moving myself to the Applications folder";
 constexpr const char* kMarkOfOldCopy = "Contents/old";
 constexpr std::uintmax_t kRoomForAPartBytes = std::uintmax_t{1} << 20U;  // of a bundle
-constexpr std::chrono::seconds kCommandLimit{60};
+constexpr std::chrono::seconds kMoveCommandLimit{60};
 
 // From the start to the question.
 Messages askingMessages() {
@@ -316,7 +316,8 @@ Messages fullDiskMessages(const Machine& machine) {
 
 // What the downloaded bundle lacks or has that the built one has not.
 std::string damageOf(const fs::path& bundle) {
-  return runCommand({"diff", "-r", "--no-dereference", builtTools().bundle, bundle}, kCommandLimit).output;
+  return runCommand({"diff", "-r", "--no-dereference", builtTools().bundle, bundle}, kMoveCommandLimit)
+      .output;
 }
 
 TEST(MoveOnAFullDisk, FailsAndKeepsTheOldBundle) {

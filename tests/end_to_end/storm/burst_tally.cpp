@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view kReceived = "Notify[LISTEN] Received '";
 
 // The text of a line after its date, process and level.
-std::string_view messageOf(const std::string& line) {
+std::string_view textOfLine(const std::string& line) {
   const std::size_t place = line.find("] ");
   return place == std::string::npos ? std::string_view() : std::string_view(line).substr(place + 2);
 }
@@ -27,7 +27,7 @@ BurstTally tallyOf(const std::string& console) {
   BurstTally tally;
   std::istringstream lines(console);
   for (std::string line; std::getline(lines, line);) {
-    const std::string_view text = messageOf(line);
+    const std::string_view text = textOfLine(line);
     if (!text.starts_with(kReceived)) continue;
     const std::string message(text.substr(kReceived.size(), text.size() - kReceived.size() - 1));
     if (message == kUserSelectedQuit) break;
@@ -38,7 +38,7 @@ BurstTally tallyOf(const std::string& console) {
       tally.numbers[message.substr(0, dash)].push_back(std::atoi(message.c_str() + dash + 1));
     }
     std::getline(lines, line);
-    if (messageOf(line) != consequenceOf(message)) ++tally.withoutConsequence;
+    if (textOfLine(line) != consequenceOf(message)) ++tally.withoutConsequence;
   }
   return tally;
 }

@@ -22,7 +22,7 @@ constexpr int kRestarts = 200;
 constexpr int kSenders = 4;
 constexpr int kEach = 25'000;
 constexpr int kResidentMebibytesMax = 128;
-constexpr std::chrono::seconds kLimit{200};  // ten seconds are enough where nothing else runs
+constexpr std::chrono::seconds kBurstLimit{200};  // ten seconds are enough where nothing else runs
 
 // The most that was ever resident.
 int peakMebibytes(int process) {
@@ -69,20 +69,21 @@ TEST(Burst, OfManySendersIsHandledInTheOrderOfEachWithoutGrowing) {
   const auto launchers = machine.processesOf(machine.bundle() / "Contents/MacOS/Karno");
   ASSERT_THAT(launchers, SizeIs(1));
 
-  const CommandResult posted = machine.in({"sh", "-c", postFromAllAtOnce()}, kLimit);
+  const CommandResult posted = machine.in({"sh", "-c", postFromAllAtOnce()}, kBurstLimit);
   // The bus keeps the order of one sender only: a quit from another may overtake what still waits to be sent.
   const bool allWereHeard = machine.waitUntil(
-      [&] { return heardIn(machine.consoleText()) == std::size_t{kSenders} * kEach; }, kLimit);
+      [&] { return heardIn(machine.consoleText()) == std::size_t{kSenders} * kEach; }, kBurstLimit);
   const CommandResult quit = machine.in({"karnoctl", "post", "user-selected-quit"});
   const bool answered = machine.waitUntil(
-      [&] { return machine.consoleText().find("Reason: User selected quit") != std::string::npos; }, kLimit);
+      [&] { return machine.consoleText().find("Reason: User selected quit") != std::string::npos; },
+      kBurstLimit);
   const int peak = peakMebibytes(launchers[0]);
 
   ASSERT_EQ(posted.status, 0) << posted.output;
   ASSERT_EQ(quit.status, 0) << quit.output;
   EXPECT_TRUE(allWereHeard);
   EXPECT_TRUE(answered);
-  EXPECT_EQ(machine.waitForEnd(kLimit), 0);
+  EXPECT_EQ(machine.waitForEnd(kBurstLimit), 0);
   const BurstTally tally = tallyOf(machine.consoleText());
   EXPECT_EQ(
       tally.numbers,
@@ -101,7 +102,7 @@ TEST(Burst, OfRestartsEndsInOrderAndLeavesNobodyBehind) {
                 fs::copy_options::overwrite_existing);
 
   const CommandResult burst =
-      runCommand({withDisplay(), restartBurst(), machine.root(), std::to_string(kRestarts)}, kLimit);
+      runCommand({withDisplay(), restartBurst(), machine.root(), std::to_string(kRestarts)}, kBurstLimit);
 
   EXPECT_EQ(burst.status, 0) << burst.output;
   std::cout << burst.output;

@@ -9,9 +9,9 @@
 namespace karno::test {
 namespace {
 
-constexpr std::chrono::seconds kLimit{100};
+constexpr std::chrono::seconds kBlockLimit{100};
 
-std::string contentOf(const std::filesystem::path& file) {
+std::string documentIn(const std::filesystem::path& file) {
   std::ostringstream text;
   text << std::ifstream(file).rdbuf();
   return text.str();
@@ -30,7 +30,7 @@ std::string quoted(const std::string& text) { return "'" + replaced(text, "'", "
 ReleaseDocument::ReleaseDocument(const std::filesystem::path& document, std::filesystem::path sources,
                                  std::map<std::string, std::string> environment)
     : sources_(std::move(sources)), environment_(std::move(environment)) {
-  const std::string text = contentOf(document);
+  const std::string text = documentIn(document);
   const std::regex block("\n *```sh\n *(# [^\n]*\n)?([^`]*)\n *```");
   for (std::sregex_iterator found(text.begin(), text.end(), block), end; found != end; ++found) {
     const std::string comment = (*found)[1].str();
@@ -59,7 +59,7 @@ std::vector<std::string> ReleaseDocument::shellFor(const std::string& title) {
 }
 
 std::string ReleaseDocument::type(const std::string& title) {
-  const CommandResult result = runCommand(shellFor(title), kLimit);
+  const CommandResult result = runCommand(shellFor(title), kBlockLimit);
   if (result.status != 0) throw std::runtime_error(title + ": " + result.output);
   return result.output;
 }

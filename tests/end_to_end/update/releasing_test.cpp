@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::IsEmpty;
 
-constexpr std::chrono::seconds kLimit{60};
+constexpr std::chrono::seconds kReleaseLimit{60};
 constexpr const char* kThisRelease = "What this release is";
 constexpr const char* kTests = "The tests";
 constexpr const char* kArchive = "The archive for Linux";
@@ -108,7 +108,7 @@ mkdir -p "$target" && cp "$1" "$target"
           text << std::ifstream(output).rdbuf();
           return text.str().find("ACCEPT") != std::string::npos;
         },
-        kLimit);
+        kReleaseLimit);
     return document_.type("What it serves");
   }
 
@@ -118,9 +118,9 @@ mkdir -p "$target" && cp "$1" "$target"
     const auto offer = machine_.askForOffer();
     if (!offer) return "no offer: " + machine_->consoleText();
     machine_.answer(*offer, "Return");
-    if (machine_->waitForEnd(kLimit) != 0) return "no end: " + machine_->consoleText();
+    if (machine_->waitForEnd(kReleaseLimit) != 0) return "no end: " + machine_->consoleText();
     machine_->waitUntil([&] { return machine_.installedVersion() == wanted && machine_.remains().empty(); },
-                        kLimit);
+                        kReleaseLimit);
     return machine_.installedVersion();
   }
 

@@ -14,12 +14,12 @@ namespace fs = std::filesystem;
 
 constexpr const char* kOfferTitle = "Software Update";
 constexpr int kOfferWidthMin = 500;  // the window that shows how far the check is has the same title
-constexpr std::chrono::seconds kLimit{60};
+constexpr std::chrono::seconds kMachineLimit{60};
 
 std::string makeRelease(const std::vector<std::string>& arguments) {
   std::vector<std::string> words = {"python3", "-B", makeReleaseProgram()};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  const CommandResult result = runCommand(words, kLimit);
+  const CommandResult result = runCommand(words, kMachineLimit);
   if (result.status != 0) throw std::runtime_error("make_release.py: " + result.output);
   return result.output;
 }
@@ -62,7 +62,7 @@ std::optional<WindowOnScreen> UpdateMachine::askForOffer() {
         window = findWindow(machine_, kOfferTitle, std::chrono::seconds(0));
         return window && window->width >= kOfferWidthMin;
       },
-      kLimit);
+      kMachineLimit);
   return window && window->width >= kOfferWidthMin ? window : std::nullopt;
 }
 
@@ -72,7 +72,7 @@ void UpdateMachine::answer(const WindowOnScreen& offer, const std::string& key) 
     return !now || now->identifier != offer.identifier;
   };
   pressKey(machine_, offer, key);
-  machine_.waitUntil(isGone, kLimit);
+  machine_.waitUntil(isGone, kMachineLimit);
 }
 
 std::string UpdateMachine::installedVersion() const {

@@ -21,7 +21,7 @@ using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 using ::testing::Not;
 
-constexpr std::chrono::seconds kLimit{60};
+constexpr std::chrono::seconds kUpdateLimit{60};
 
 Messages beginning(const UpdateMachine& machine) {
   return {kStarted, "INFO Sparkle[CHECK] Checking for updates (" + machine.feed() + ")"};
@@ -65,7 +65,7 @@ class Update : public ::testing::Test {
     const auto offer = machine_.askForOffer();
     ASSERT_TRUE(offer) << machine_->consoleText();
     machine_.answer(*offer, "Return");
-    ASSERT_EQ(machine_->waitForEnd(kLimit), 0) << machine_->consoleText();
+    ASSERT_EQ(machine_->waitForEnd(kUpdateLimit), 0) << machine_->consoleText();
   }
 
   // Leads to the alert that tells the failure, and quits.
@@ -82,12 +82,12 @@ class Update : public ::testing::Test {
 
   bool isReplaced() {
     return machine_->waitUntil(
-        [this] { return machine_.installedVersion() == "1.1" && machine_.remains().empty(); }, kLimit);
+        [this] { return machine_.installedVersion() == "1.1" && machine_.remains().empty(); }, kUpdateLimit);
   }
 
   void quit() {
     machine_->in({"karnoctl", "post", "user-selected-quit"});
-    EXPECT_EQ(machine_->waitForEnd(kLimit), 0);
+    EXPECT_EQ(machine_->waitForEnd(kUpdateLimit), 0);
   }
 
   bool waitForLine(const std::string& words) {
@@ -98,7 +98,7 @@ class Update : public ::testing::Test {
           }
           return false;
         },
-        kLimit);
+        kUpdateLimit);
   }
 
   UpdateMachine machine_;
@@ -127,7 +127,7 @@ TEST_F(Update, LetsTheNextStartLookAtMacFUSEOnceAndForgetTheTouchFile) {
 
   machine_->startWithScript("");
   ASSERT_TRUE(machine_->waitForMessage("INFO Sparkle[START] Checking Fuse following a Karno update"));
-  ASSERT_TRUE(machine_->waitUntil([this] { return !fs::exists(machine_.touchFile()); }, kLimit));
+  ASSERT_TRUE(machine_->waitUntil([this] { return !fs::exists(machine_.touchFile()); }, kUpdateLimit));
   quit();
   machine_->startWithScript("");
   ASSERT_TRUE(machine_->waitForMessage(kStarted));
@@ -215,7 +215,7 @@ TEST_F(Update, TakesTheEndOfACrashingClientForAPartOfIt) {
       "WARN Startup[TERMINATED] Embedded Karno.app terminated. Reason: Being updated"));
   machine_.answer(*offer, "Return");
 
-  EXPECT_EQ(machine_->waitForEnd(kLimit), 0) << machine_->consoleText();
+  EXPECT_EQ(machine_->waitForEnd(kUpdateLimit), 0) << machine_->consoleText();
   EXPECT_TRUE(isReplaced()) << machine_->consoleText();
 }
 
@@ -339,7 +339,7 @@ class UpdateThatDrips : public Update {
     ASSERT_TRUE(offer_) << machine_->consoleText();
     machine_.answer(*offer_, "Return");
     ASSERT_TRUE(waitForLine("Sparkle[UPDATE] Downloading"));
-    ASSERT_TRUE(machine_->waitUntil([this] { return !machine_.remains().empty(); }, kLimit));
+    ASSERT_TRUE(machine_->waitUntil([this] { return !machine_.remains().empty(); }, kUpdateLimit));
   }
 
   std::optional<WindowOnScreen> offer_;
@@ -357,12 +357,12 @@ TEST_F(UpdateThatDrips, IsTakenAwayByTheNextStartWhenTheLauncherWasKilled) {
   ASSERT_NO_FATAL_FAILURE(beginDownload());
   for (const int launcher : machine_->processesOf(machine_->bundle() / "Contents/MacOS/Karno"))
     machine_->in({"sh", "-c", "kill -KILL " + std::to_string(launcher)});
-  machine_->waitForEnd(kLimit);
+  machine_->waitForEnd(kUpdateLimit);
   ASSERT_FALSE(machine_.remains().empty());
 
   machine_->startWithScript("");
 
-  EXPECT_TRUE(machine_->waitUntil([this] { return machine_.remains().empty(); }, kLimit));
+  EXPECT_TRUE(machine_->waitUntil([this] { return machine_.remains().empty(); }, kUpdateLimit));
   quit();
 }
 
@@ -389,7 +389,7 @@ TEST_F(Update, SurvivesTheLaunchersSuddenEndAtAnyMomentOfTheSwap) {
 
   for (const int launcher : machine_->processesOf(machine_->bundle() / "Contents/MacOS/Karno"))
     machine_->in({"sh", "-c", "kill -KILL " + std::to_string(launcher)});
-  machine_->waitForEnd(kLimit);
+  machine_->waitForEnd(kUpdateLimit);
 
   const auto isOldOrNew = [this] {
     return machine_.installedVersion() == "1" || machine_.installedVersion() == "1.1";
@@ -408,7 +408,7 @@ TEST_P(ManagedUpdate, IsLookedForByItselfWhenTheAdministratorSaysSo) {
   const bool isOffered =
       findWindow(*machine, "Software Update", std::chrono::seconds(GetParam() ? 30 : 3)).has_value();
   machine->in({"karnoctl", "post", "user-selected-quit"});
-  EXPECT_EQ(machine->waitForEnd(kLimit), 0);
+  EXPECT_EQ(machine->waitForEnd(kUpdateLimit), 0);
 
   EXPECT_EQ(isOffered, GetParam());
   EXPECT_THAT(machine.updateLines(), Contains(GetParam() ? "INFO Sparkle[CONFIG] Updates enabled by admin"

@@ -5,7 +5,7 @@
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/runtime/values.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using objc::Id;
@@ -65,4 +65,4 @@ std::string binaryList(const Value& value) {
                                   kBinaryFormat, objc::UInteger{0}, noError));
 }
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -6,7 +6,7 @@
 #include "platform/value.h"
 
 // Objects that the launcher reads but never makes. The results live until the autorelease pool ends.
-namespace karno::platform::test {
+namespace karno::platform::trial {
 
 objc::Id unsignedNumber(std::uint64_t number);
 
@@ -25,4 +25,4 @@ std::string archive(const Value& root);
 // What NSPropertyListSerialization makes of a value in the binary form.
 std::string binaryList(const Value& value);
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

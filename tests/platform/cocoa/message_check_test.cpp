@@ -7,7 +7,7 @@
 #include "platform/cocoa/runtime/class_builder.h"
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using objc::AutoreleasePool;
@@ -32,7 +32,7 @@ class MessageCheckTest : public testing::Test {
   MessageCheck check_;
 };
 
-Object instanceOf(Class cls) { return Object::adopting(objc::send(objc::send(cls, "alloc"), "init")); }
+Object madeInstanceOf(Class cls) { return Object::adopting(objc::send(objc::send(cls, "alloc"), "init")); }
 
 TEST_F(MessageCheckTest, ASelectorThatOnlyAnotherClassHasIsMissing) {
   EXPECT_EQ(missingRow(objc::make("NSMutableArray").get(), "title"), "-[GSMutableArray title]");
@@ -66,7 +66,7 @@ TEST_F(MessageCheckTest, AClassOfOursCountsAsTheOneItWasBuiltOn) {
 
 TEST_F(MessageCheckTest, AStandInCountsAsTheOneClassThatHasAllItIsSent) {
   static const Class made = ClassBuilder("KarnoTestItem", classNamed("NSObject")).registerClass();
-  const Object item = instanceOf(made);
+  const Object item = madeInstanceOf(made);
 
   EXPECT_EQ(missingRow(item.get(), "title"), "");
   EXPECT_EQ(missingRow(item.get(), "versionString"), "");
@@ -74,4 +74,4 @@ TEST_F(MessageCheckTest, AStandInCountsAsTheOneClassThatHasAllItIsSent) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

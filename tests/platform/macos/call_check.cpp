@@ -8,7 +8,7 @@
 
 #include "call_types.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 class EncodingReader {
@@ -101,4 +101,4 @@ void checkCall(objc::Id receiver, objc::Sel selector, const std::string& types) 
   EXPECT_EQ(simplifiedEncoding(method_getTypeEncoding(method)), types) << "is what was sent as " << message;
 }
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

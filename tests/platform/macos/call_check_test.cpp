@@ -5,7 +5,7 @@
 #include "call_types.h"
 #include "stand_in.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 objc::Boolean flag(objc::Id, objc::Sel, objc::Integer) { return 1; }
@@ -55,4 +55,4 @@ TEST_F(CallCheck, ReadsTheEncodingsOfTheCompiler) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

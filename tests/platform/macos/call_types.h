@@ -4,7 +4,7 @@
 
 #include "platform/cocoa/runtime/objc.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 
 // The type in the runtime's encoding, as far as the calling convention cares: a structure is its size in
 // braces, and a pointer to anything but an object is "^".
@@ -46,4 +46,4 @@ std::string simplifiedEncoding(const std::string& encoding);
 // the selector and then the arguments. Any thread.
 void checkCall(objc::Id receiver, objc::Sel selector, const std::string& types);
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

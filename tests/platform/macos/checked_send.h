@@ -9,9 +9,9 @@ namespace karno::platform::objc {
 template <class R = Id, class... Args>
 R checkedSend(Receiver receiver, Selector selector, const Args&... args) {
   if (receiver.id() != nullptr) {
-    test::checkCall(receiver.id(), registered(selector),
-                    ((test::typeCode<detail::Wire<R>>() + "@:") + ... +
-                     test::typeCode<decltype(detail::argument(args))>()));
+    trial::checkCall(receiver.id(), registered(selector),
+                    ((trial::typeCode<detail::Wire<R>>() + "@:") + ... +
+                     trial::typeCode<decltype(detail::argument(args))>()));
   }
   return send<R>(receiver, selector, args...);
 }

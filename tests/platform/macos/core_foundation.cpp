@@ -8,14 +8,14 @@
 
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 CoreFoundation& foundation() { return CoreFoundation::current(); }
 
 objc::Id objectOf(CFTypeRef object) { return static_cast<objc::Id>(const_cast<void*>(object)); }
 
-std::string shown(CFTypeRef string) {
+std::string textOf(CFTypeRef string) {
   return string == nullptr ? "null" : fmt::format("\"{}\"", objc::text(objectOf(string)));
 }
 
@@ -30,7 +30,7 @@ void setText(CFTypeRef mutableString, objc::Id text) {
 
 // What the mutable copies of the tests become.
 void change(const char* function, CFTypeRef mutableString, CFTypeRef locale) {
-  foundation().record(function, fmt::format("{} by {}", shown(mutableString), foundation().nameOf(locale)));
+  foundation().record(function, fmt::format("{} by {}", textOf(mutableString), foundation().nameOf(locale)));
   setText(mutableString, objc::string(function).get());
 }
 
@@ -68,23 +68,23 @@ std::string CoreFoundation::nameOf(CFTypeRef object) const {
   return object == nullptr ? "null" : "a stranger";
 }
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial
 
-using karno::platform::test::change;
-using karno::platform::test::foundation;
-using karno::platform::test::objectOf;
-using karno::platform::test::setText;
-using karno::platform::test::shown;
+using karno::platform::trial::change;
+using karno::platform::trial::foundation;
+using karno::platform::trial::objectOf;
+using karno::platform::trial::setText;
+using karno::platform::trial::textOf;
 
 void CFRelease(CFTypeRef object) { foundation().release(object); }
 
 CFTypeRef CFPreferencesCopyAppValue(CFTypeRef key, CFTypeRef applicationID) {
-  foundation().record("CFPreferencesCopyAppValue", shown(key) + " of " + shown(applicationID));
+  foundation().record("CFPreferencesCopyAppValue", textOf(key) + " of " + textOf(applicationID));
   return foundation().owned("value");
 }
 
 unsigned char CFPreferencesAppValueIsForced(CFTypeRef key, CFTypeRef applicationID) {
-  foundation().record("CFPreferencesAppValueIsForced", shown(key) + " of " + shown(applicationID));
+  foundation().record("CFPreferencesAppValueIsForced", textOf(key) + " of " + textOf(applicationID));
   return foundation().isForced;
 }
 
@@ -95,7 +95,7 @@ CFTypeRef CFLocaleCopyCurrent() {
 
 CFTypeRef CFStringCreateMutableCopy(CFTypeRef allocator, CFIndex maxLength, CFTypeRef string) {
   foundation().record("CFStringCreateMutableCopy",
-                      fmt::format("{} {} {}", foundation().nameOf(allocator), maxLength, shown(string)));
+                      fmt::format("{} {} {}", foundation().nameOf(allocator), maxLength, textOf(string)));
   const CFTypeRef copy = foundation().owned("mutable copy");
   if (copy != nullptr) {
     setText(copy, objectOf(string));
@@ -119,7 +119,7 @@ CFTypeRef CFStringTokenizerCreate(CFTypeRef allocator, CFTypeRef string, CFRange
                                   CFTypeRef locale) {
   foundation().record(
       "CFStringTokenizerCreate",
-      fmt::format("{} {} from {} length {} options {} by {}", foundation().nameOf(allocator), shown(string),
+      fmt::format("{} {} from {} length {} options {} by {}", foundation().nameOf(allocator), textOf(string),
                   range.location, range.length, options, foundation().nameOf(locale)));
   return foundation().owned("tokenizer");
 }

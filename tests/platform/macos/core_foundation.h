@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 
 // Stands in for CoreFoundation, whose objects are Foundation's here as on a Mac: writes down what its
 // functions are told and gives the answers that were set. What they hand out as owned is counted until it is
@@ -45,4 +45,4 @@ class CoreFoundation {
   int ownedCount_ = 0;
 };
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -11,7 +11,7 @@
 
 #include "../support/temporary_folder.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::contentOf;
@@ -66,4 +66,4 @@ TEST(MacSources, ThatSendMessagesAreAllCompiledForTests) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

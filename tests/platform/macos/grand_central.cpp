@@ -5,7 +5,7 @@
 #include <thread>
 #include <utility>
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 
 GrandCentral::GrandCentral() { current_ = this; }
 GrandCentral::~GrandCentral() { current_ = nullptr; }
@@ -33,9 +33,9 @@ void GrandCentral::enqueue(dispatch_queue_t queue, void* context, dispatch_funct
   waiting_.push_back({context, work});
 }
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial
 
-using karno::platform::test::GrandCentral;
+using karno::platform::trial::GrandCentral;
 
 dispatch_queue_t dispatch_get_main_queue() { return GrandCentral::current().makeQueue("main"); }
 

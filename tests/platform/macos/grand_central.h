@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 
 // Stands in for Grand Central Dispatch: writes down what it is told, keeps what was put into its queues until
 // the test runs it, and gives the answers that were set. One at a time.
@@ -45,4 +45,4 @@ class GrandCentral {
   std::vector<Waiting> waiting_;
 };
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

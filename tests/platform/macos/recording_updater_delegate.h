@@ -7,7 +7,7 @@
 
 #include "platform/platform.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 
 // Writes down what an updater asks and tells, as lines.
 class RecordingUpdaterDelegate final : public UpdaterDelegate {
@@ -59,4 +59,4 @@ class RecordingUpdaterDelegate final : public UpdaterDelegate {
   }
 };
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

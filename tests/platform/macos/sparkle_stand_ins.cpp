@@ -4,7 +4,7 @@
 
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using objc::Boolean;
@@ -85,7 +85,7 @@ Class driverClass() {
   return made;
 }
 
-Id property(Id, Sel selector) {
+Id sessionProperty(Id, Sel selector) {
   if (StandIns::current().raises()) throw std::runtime_error("raised by a stand-in");
   return answer(selector);
 }
@@ -97,11 +97,11 @@ Boolean load(Id, Sel selector, Id* error) {
   return static_cast<Boolean>(framework().loads);
 }
 
-Class bundleClass() {
+Class frameworkBundleClass() {
   static const Class made = StandInClass("StandInFrameworkBundle")
-                                .classMethod("mainBundle", "@@:", property)
+                                .classMethod("mainBundle", "@@:", sessionProperty)
                                 .classMethod("bundleWithPath:", "@@:@", bundleWithPath)
-                                .method("bundlePath", "@@:", property)
+                                .method("bundlePath", "@@:", sessionProperty)
                                 .method("loadAndReturnError:", "C@:^@", load)
                                 .registerClass();
   return made;
@@ -109,22 +109,23 @@ Class bundleClass() {
 
 Class itemClass() {
   static const Class made = StandInClass("StandInAppcastItem")
-                                .method("title", "@@:", property)
-                                .method("displayVersionString", "@@:", property)
-                                .method("versionString", "@@:", property)
+                                .method("title", "@@:", sessionProperty)
+                                .method("displayVersionString", "@@:", sessionProperty)
+                                .method("versionString", "@@:", sessionProperty)
                                 .registerClass();
   return made;
 }
 
 Class requestClass() {
-  static const Class made = StandInClass("StandInURLRequest").method("URL", "@@:", property).registerClass();
+  static const Class made =
+      StandInClass("StandInURLRequest").method("URL", "@@:", sessionProperty).registerClass();
   return made;
 }
 
 Id nothing(Id, Sel) { return nullptr; }
 objc::Integer installationError(Id, Sel) { return 4005; }
 
-Class errorClass() {
+Class updateErrorClass() {
   static const Class made = StandInClass("StandInUpdaterError")
                                 .method("domain", "@@:", nothing)
                                 .method("code", "q@:", installationError)
@@ -138,13 +139,13 @@ Class errorClass() {
 
 SparkleStandIns::SparkleStandIns() {
   current_ = this;
-  standIns_.answer("mainBundle", instanceOf(bundleClass()));
+  standIns_.answer("mainBundle", instanceOf(frameworkBundleClass()));
   standIns_.answer("bundlePath", objc::string("/Applications/Karno.app"));
-  standIns_.answer("bundleWithPath:", instanceOf(bundleClass()));
+  standIns_.answer("bundleWithPath:", instanceOf(frameworkBundleClass()));
   standIns_.answer("title", objc::string("Karno 2.0"));
   standIns_.answer("displayVersionString", objc::string("2.0"));
   standIns_.answer("versionString", objc::string("200"));
-  bundle_.emplace(objc::ClassName("NSBundle"), bundleClass());
+  bundle_.emplace(objc::ClassName("NSBundle"), frameworkBundleClass());
   driver_.emplace(objc::ClassName("SPUStandardUserDriver"), driverClass());
   updater_.emplace(objc::ClassName("SPUUpdater"), updaterClass());
 }
@@ -168,6 +169,6 @@ Class SparkleStandIns::oldUpdaterClass() {
 
 objc::Object standInItem() { return instanceOf(itemClass()); }
 objc::Object standInRequest() { return instanceOf(requestClass()); }
-objc::Object standInError() { return instanceOf(errorClass()); }
+objc::Object standInError() { return instanceOf(updateErrorClass()); }
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -7,7 +7,7 @@
 #include "platform/cocoa/runtime/objc.h"
 #include "stand_in.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 
 // Small classes in the place of the updater framework and of NSBundle. What they are sent is in
 // StandIns::messages(), the answers of an item or a request are those of StandIns::answer(). One at a time.
@@ -72,4 +72,4 @@ objc::Object standInRequest();
 // An error with a code and nil for everything else.
 objc::Object standInError();
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -7,7 +7,7 @@
 
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using Allocate = objc::Id (*)(objc::Id, objc::Sel);
@@ -81,4 +81,4 @@ objc::Id recordAndAnswer(const std::string& name, const std::string& arguments) 
 
 std::string shown(objc::Id string) { return string == nullptr ? "nil" : objc::text(string); }
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -7,7 +7,7 @@
 #include "platform/cocoa/runtime/class_builder.h"
 #include "platform/cocoa/runtime/objc.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 
 // What the stand-in classes were sent and what they answer. One at a time; tests run one after the other.
 class StandIns {
@@ -102,4 +102,4 @@ objc::Id recordAndAnswer(const std::string& name, const std::string& arguments);
 // The text of an NSString, or "nil".
 std::string shown(objc::Id string);
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -88,7 +88,7 @@ TEST(BinaryLists, LargeOnesAreRead) {
                                       {"list", Value(Value::Array(5'000, Value(1.5)))},
                                       {"text", Value(std::string(70'000, 'x'))}});
 
-  EXPECT_EQ(parsePropertyList(test::binaryList(large)).value(), large);
+  EXPECT_EQ(parsePropertyList(trial::binaryList(large)).value(), large);
 }
 
 TEST(BinaryLists, EveryKindMayBeTheLastObject) {
@@ -153,8 +153,8 @@ TEST(BinaryLists, OfAKeyThatIsThereTwiceTheLastCounts) {
 
 TEST(BinaryLists, EveryTruncationOfASoundListIsAnErrorOrAValue) {
   const std::string sound =
-      test::binaryList(Value(Value::Dictionary{{"a", Value(Value::Array{1, 2.5, true, "text \u20AC"})},
-                                               {"d", Value(Value::Data(300, std::byte{1}))}}));
+      trial::binaryList(Value(Value::Dictionary{{"a", Value(Value::Array{1, 2.5, true, "text \u20AC"})},
+                                                {"d", Value(Value::Data(300, std::byte{1}))}}));
 
   for (std::size_t length = 0; length < sound.size(); ++length) {
     EXPECT_FALSE(parsePropertyList(std::string_view(sound).substr(0, length))) << "length " << length;

@@ -86,7 +86,7 @@ std::string replaced(std::string_view text, std::string_view from, std::string_v
 }
 
 TEST(KeyedArchives, ReadsWhatThisSystemsArchiverWrote) {
-  const auto result = unarchiveDictionary(test::archive(Value(kContents)));
+  const auto result = unarchiveDictionary(trial::archive(Value(kContents)));
 
   ASSERT_TRUE(result) << result.error().localizedDescription();
   EXPECT_EQ(result.value(), kContents);
@@ -107,12 +107,12 @@ TEST(KeyedArchives, APlainXMLListIsAnError) {
 }
 
 TEST(KeyedArchives, APlainBinaryListIsAnError) {
-  EXPECT_EQ(failureOf(test::binaryList(Value(Value::Dictionary{{"a", "b"}}))),
+  EXPECT_EQ(failureOf(trial::binaryList(Value(Value::Dictionary{{"a", "b"}}))),
             "The keyed archive cannot be read: it is none.");
 }
 
 TEST(KeyedArchives, ARootThatIsNoDictionaryIsAnError) {
-  EXPECT_EQ(failureOf(test::archive(Value(Value::Array{"a"}))),
+  EXPECT_EQ(failureOf(trial::archive(Value(Value::Array{"a"}))),
             "The keyed archive cannot be read: its root is no dictionary.");
 }
 
@@ -124,7 +124,7 @@ TEST(KeyedArchives, AnObjectOfAnotherClassIsAnError) {
   objc::send<void>(root, "setObject:forKey:", url, objc::string("url"));
 
   EXPECT_EQ(
-      failureOf(test::archive(root)),
+      failureOf(trial::archive(root)),
       "The keyed archive cannot be read: it holds an object of another class than property lists have.");
 }
 

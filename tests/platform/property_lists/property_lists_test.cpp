@@ -20,7 +20,7 @@ Value parsed(std::string_view bytes) {
 
 Value thereAndBack(const Value& value) { return parsed(propertyListXML(value).value()); }
 
-Value nested(int levels) {
+Value nestedArrays(int levels) {
   Value value("core");
   for (int level = 0; level < levels; ++level) {
     value = Value(Value::Array{value});
@@ -72,7 +72,7 @@ TEST(PropertyLists, WritesTheFormThatMacsWrite) {
 
 TEST(PropertyLists, ReadsWhatItWrote) { EXPECT_EQ(thereAndBack(kEveryKind), kEveryKind); }
 
-TEST(PropertyLists, ReadsTheBinaryForm) { EXPECT_EQ(parsed(test::binaryList(kEveryKind)), kEveryKind); }
+TEST(PropertyLists, ReadsTheBinaryForm) { EXPECT_EQ(parsed(trial::binaryList(kEveryKind)), kEveryKind); }
 
 TEST(PropertyLists, KeepsControlCharactersAndWhiteSpaceOfTexts) {
   const std::string text("  \0\x01\x1F  ", 7);
@@ -117,12 +117,12 @@ TEST(PropertyLists, ReadsEmptyElementsAndAByteOrderMark) {
 }
 
 TEST(PropertyLists, AllowsSixtyFourLevels) {
-  EXPECT_EQ(thereAndBack(nested(64)), nested(64));
-  EXPECT_EQ(parsed(test::binaryList(nested(64))), nested(64));
+  EXPECT_EQ(thereAndBack(nestedArrays(64)), nestedArrays(64));
+  EXPECT_EQ(parsed(trial::binaryList(nestedArrays(64))), nestedArrays(64));
 }
 
 TEST(PropertyLists, DoesNotWriteMoreThanSixtyFourLevels) {
-  const auto result = propertyListXML(nested(65));
+  const auto result = propertyListXML(nestedArrays(65));
 
   EXPECT_EQ(result.error().localizedDescription(),
             "The property list cannot be written: it is nested too deeply.");

@@ -11,7 +11,7 @@
 
 #include "platform/never_destroyed.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using objc::kMessages;
@@ -113,14 +113,14 @@ objc::detail::Function uncheckedFunction(objc::Id receiver, objc::Sel selector, 
   return reinterpret_cast<objc::detail::Function>(objc_msg_lookup(receiver, selector));
 }
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial
 
 // In the place of the platform's own, which the linker leaves out for it.
 namespace karno::platform::objc {
 
 detail::Function detail::messageFunction(Id receiver, Sel selector, bool returnsInMemory) {
-  if (test::watch().isOn) test::look(receiver, selector);
-  return test::uncheckedFunction(receiver, selector, returnsInMemory);
+  if (trial::watch().isOn) trial::look(receiver, selector);
+  return trial::uncheckedFunction(receiver, selector, returnsInMemory);
 }
 
 }  // namespace karno::platform::objc

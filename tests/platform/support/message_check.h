@@ -8,7 +8,7 @@
 
 #include "platform/cocoa/runtime/objc.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 
 // Holds messages that are sent against the launcher's table, class by class: the compiler has only seen to it
 // that each selector is in the table for some class.
@@ -38,4 +38,4 @@ void watchMessages(std::function<void(const std::string& missingRow)> handler);
 // What carries a message that only a test sends, past that watch.
 objc::detail::Function uncheckedFunction(objc::Id receiver, objc::Sel selector, bool returnsInMemory);
 
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -18,22 +18,23 @@ using test::Line;
 using ::testing::IsEmpty;
 using ::testing::Pair;
 
-constexpr const char* kStrings = R"({"DRIVE_MOUNT_FAILED": "The drive could not be mounted.", "OK": "Fine"})";
+constexpr const char* kWindowStrings =
+    R"({"DRIVE_MOUNT_FAILED": "The drive could not be mounted.", "OK": "Fine"})";
 
 const platform::Alert kLaunchFailureAlert{.style = platform::AlertStyle::Critical,
                                           .messageText = "Karno",
                                           .informativeText = "The drive could not be mounted.",
                                           .buttons = {{.title = "Fine", .keyEquivalent = ""}}};
 
-std::shared_ptr<MainWindow> makeWindow(FakePlatform& machine) {
+std::shared_ptr<MainWindow> makeMainWindow(FakePlatform& machine) {
   return std::make_shared<MainWindow>(machine.windows.prompt);
 }
 
-StartupManager& manager() { return StartupManager::instance(); }
+StartupManager& startupManager() { return StartupManager::instance(); }
 
 TEST(MainWindowStartUp, ObservesItsOwnClosingAndChecksTheSystem) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
 
   window->startUp();
 
@@ -47,7 +48,7 @@ TEST(MainWindowStartUp, ObservesItsOwnClosingAndChecksTheSystem) {
 
 TEST(MainWindowStartUp, ObservesItsOwnClosingBeforeTheCheck) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
   std::size_t observersThen = 99;
   machine.whenLogged(Line("INFO", "Startup[CHECK] Checking system for FileProvider..."),
                      [&] { observersThen = machine.windows.prompt.observerCount(); });
@@ -60,7 +61,7 @@ TEST(MainWindowStartUp, ObservesItsOwnClosingBeforeTheCheck) {
 TEST(MainWindowStartUp, HasBecomeTheManagersDelegateBeforeTheCheck) {
   FakePlatform machine;
   machine.withEmbeddedBuilds();
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
 
   window->startUp();
   machine.runUntilIdle();
@@ -71,7 +72,7 @@ TEST(MainWindowStartUp, HasBecomeTheManagersDelegateBeforeTheCheck) {
 
 TEST(MainWindowClosing, OnlyRemovesTheObservation) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
   window->registerNotifications();
 
   machine.windows.prompt.close();
@@ -84,7 +85,7 @@ TEST(MainWindowClosing, OnlyRemovesTheObservation) {
 
 TEST(MainWindowClosing, RemovesEveryObservation) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
   window->registerNotifications();
   window->registerNotifications();
 
@@ -96,9 +97,9 @@ TEST(MainWindowClosing, RemovesEveryObservation) {
 TEST(MainWindowCallbacks, LaunchTheEmbeddedApplicationWhenTheSystemIsOkay) {
   FakePlatform machine;
   machine.withEmbeddedBuilds();
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
 
-  machine.onThread([&] { window->startUpDidCheckSystemSuccessfully(manager()); }, "caller");
+  machine.onThread([&] { window->startUpDidCheckSystemSuccessfully(startupManager()); }, "caller");
   machine.runUntilIdle();
 
   EXPECT_EQ(machine.consoleMessages().at(0), Line("INFO", "Main: System is okay - launching Karno"));
@@ -109,10 +110,10 @@ TEST(MainWindowCallbacks, LaunchTheEmbeddedApplicationWhenTheSystemIsOkay) {
 TEST(MainWindowCallbacks, LaunchWithoutTheMainThread) {
   FakePlatform machine;
   machine.withEmbeddedBuilds();
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
   std::vector<std::int32_t> runningWhileUp;
   machine.alerts.answerNext(1000, [&] {
-    machine.onThread([&] { window->startUpDidCheckSystemSuccessfully(manager()); });
+    machine.onThread([&] { window->startUpDidCheckSystemSuccessfully(startupManager()); });
     machine.runUntilIdle();
     runningWhileUp = machine.tasks.running();
   });
@@ -125,10 +126,10 @@ TEST(MainWindowCallbacks, LaunchWithoutTheMainThread) {
 
 TEST(MainWindowCallbacks, CloseTheWindowOnTheMainQueueAfterALaunch) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
   window->registerNotifications();
 
-  machine.onThread([&] { window->startUpDidLaunchKarnoSuccessfully(manager()); });
+  machine.onThread([&] { window->startUpDidLaunchKarnoSuccessfully(startupManager()); });
   machine.runUntilIdle();
 
   EXPECT_THAT(machine.consoleMessages(), ElementsAre(Line("INFO", "Main: Started Karno successfully")));
@@ -138,18 +139,18 @@ TEST(MainWindowCallbacks, CloseTheWindowOnTheMainQueueAfterALaunch) {
 
 TEST(MainWindowCallbacks, CloseTheWindowOnlyLaterWhenCalledOnTheMainThread) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
 
-  window->startUpDidLaunchKarnoSuccessfully(manager());
+  window->startUpDidLaunchKarnoSuccessfully(startupManager());
 
   EXPECT_EQ(machine.windows.prompt.closes(), 0);
 }
 
 TEST(MainWindowCallbacks, CloseTheWindowThroughTheMainDispatchQueue) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
 
-  window->startUpDidLaunchKarnoSuccessfully(manager());
+  window->startUpDidLaunchKarnoSuccessfully(startupManager());
 
   EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
 }
@@ -157,10 +158,10 @@ TEST(MainWindowCallbacks, CloseTheWindowThroughTheMainDispatchQueue) {
 // What the main dispatch queue is given waits for the block of it that runs, and so for its alert.
 TEST(MainWindowCallbacks, CloseTheWindowOnlyAfterAnAlertThatIsOpen) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
   int closesWhileUp = 0;
   machine.alerts.answerNext(1000, [&] {
-    window->startUpDidLaunchKarnoSuccessfully(manager());
+    window->startUpDidLaunchKarnoSuccessfully(startupManager());
     machine.runUntilIdle();
     closesWhileUp = machine.windows.prompt.closes();
   });
@@ -174,11 +175,11 @@ TEST(MainWindowCallbacks, CloseTheWindowOnlyAfterAnAlertThatIsOpen) {
 
 TEST(MainWindowCallbacks, ShowTheLaunchFailureOnlyAfterAnotherAlertThatIsOpen) {
   FakePlatform machine;
-  machine.withStrings(kStrings);
-  const auto window = makeWindow(machine);
+  machine.withStrings(kWindowStrings);
+  const auto window = makeMainWindow(machine);
   std::size_t shownWhileUp = 0;
   machine.alerts.answerNext(1000, [&] {
-    window->startUpDidFailToLaunchKarno(manager());
+    window->startUpDidFailToLaunchKarno(startupManager());
     machine.runUntilIdle();
     shownWhileUp = machine.alerts.shown().size();
   });
@@ -192,10 +193,10 @@ TEST(MainWindowCallbacks, ShowTheLaunchFailureOnlyAfterAnotherAlertThatIsOpen) {
 
 TEST(MainWindowCallbacks, ShowAnAlertAndQuitWhenALaunchFailed) {
   FakePlatform machine;
-  machine.withStrings(kStrings);
-  const auto window = makeWindow(machine);
+  machine.withStrings(kWindowStrings);
+  const auto window = makeMainWindow(machine);
 
-  machine.onThread([&] { window->startUpDidFailToLaunchKarno(manager()); });
+  machine.onThread([&] { window->startUpDidFailToLaunchKarno(startupManager()); });
   machine.runFor(6);
 
   EXPECT_THAT(machine.alerts.shown(), ElementsAre(kLaunchFailureAlert));
@@ -207,9 +208,9 @@ TEST(MainWindowCallbacks, ShowAnAlertAndQuitWhenALaunchFailed) {
 
 TEST(MainWindowCallbacks, ShowTheAlertLaterThroughTheMainOperationQueue) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
 
-  window->startUpDidFailToLaunchKarno(manager());
+  window->startUpDidFailToLaunchKarno(startupManager());
 
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
   EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main operation queue"));
@@ -217,15 +218,15 @@ TEST(MainWindowCallbacks, ShowTheAlertLaterThroughTheMainOperationQueue) {
 
 TEST(MainWindowCallbacks, QuitOnlyOnceTheAlertIsDismissed) {
   FakePlatform machine;
-  machine.withStrings(kStrings);
+  machine.withStrings(kWindowStrings);
   std::vector<Line> linesWhileUp;
   machine.alerts.answerNext(1000, [&] {
     machine.runFor(60);
     linesWhileUp = machine.log();
   });
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
 
-  window->startUpDidFailToLaunchKarno(manager());
+  window->startUpDidFailToLaunchKarno(startupManager());
   machine.runFor(100);
 
   EXPECT_THAT(linesWhileUp, ElementsAre(Line("*** ERROR ***", "Main: Failed to start Karno")));
@@ -234,10 +235,10 @@ TEST(MainWindowCallbacks, QuitOnlyOnceTheAlertIsDismissed) {
 
 TEST(MainWindowCallbacks, ResetTheUpdaterAndQuitWhenTheSetupFailed) {
   FakePlatform machine;
-  machine.withStrings(kStrings);
-  const auto window = makeWindow(machine);
+  machine.withStrings(kWindowStrings);
+  const auto window = makeMainWindow(machine);
 
-  machine.onThread([&] { window->startUpDidFailToSetupSystem(manager()); });
+  machine.onThread([&] { window->startUpDidFailToSetupSystem(startupManager()); });
   machine.runFor(6);
 
   EXPECT_THAT(machine.alerts.shown(), ElementsAre(kLaunchFailureAlert));
@@ -250,7 +251,7 @@ TEST(MainWindowCallbacks, ResetTheUpdaterAndQuitWhenTheSetupFailed) {
 
 TEST(MainWindowCallbacks, ResetTheUpdaterOnTheCallingThreadBeforeTheLaunchFailure) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
   std::vector<Line> lines;
   std::string thread;
   machine.userDefaults.standard().whenWritten = [&] {
@@ -258,7 +259,7 @@ TEST(MainWindowCallbacks, ResetTheUpdaterOnTheCallingThreadBeforeTheLaunchFailur
     thread = machine.scheduler.currentThreadName();
   };
 
-  machine.onThread([&] { window->startUpDidFailToSetupSystem(manager()); }, "caller");
+  machine.onThread([&] { window->startUpDidFailToSetupSystem(startupManager()); }, "caller");
   machine.runUntilIdle();
 
   EXPECT_THAT(lines, ElementsAre(Line("*** ERROR ***", "Main: Failed to setup system")));
@@ -267,10 +268,10 @@ TEST(MainWindowCallbacks, ResetTheUpdaterOnTheCallingThreadBeforeTheLaunchFailur
 
 TEST(MainWindowCallbacks, LeaveTheUpdaterAloneWhenOnlyALaunchFailed) {
   FakePlatform machine;
-  machine.withStrings(kStrings);
-  const auto window = makeWindow(machine);
+  machine.withStrings(kWindowStrings);
+  const auto window = makeMainWindow(machine);
 
-  window->startUpDidFailToLaunchKarno(manager());
+  window->startUpDidFailToLaunchKarno(startupManager());
   machine.runFor(6);
 
   EXPECT_THAT(machine.userDefaults.standard().writes, IsEmpty());
@@ -278,9 +279,9 @@ TEST(MainWindowCallbacks, LeaveTheUpdaterAloneWhenOnlyALaunchFailed) {
 
 TEST(MainWindowCallbacks, QuitWhenTheManagerSaysSo) {
   FakePlatform machine;
-  const auto window = makeWindow(machine);
+  const auto window = makeMainWindow(machine);
 
-  machine.onThread([&] { window->startupAppShouldTerminate(manager()); }, "caller");
+  machine.onThread([&] { window->startupAppShouldTerminate(startupManager()); }, "caller");
   machine.runFor(6);
 
   EXPECT_EQ(machine.consoleLog.entries().at(1).thread, "caller");

@@ -16,7 +16,7 @@ using test::StartupRecorder;
 using ::testing::Contains;
 using ::testing::IsEmpty;
 
-constexpr const char* kStrings = R"({"MESSAGE_FUSE_INSTALL_REQUIRED": "macFUSE is needed.",
+constexpr const char* kFuseStrings = R"({"MESSAGE_FUSE_INSTALL_REQUIRED": "macFUSE is needed.",
   "MESSAGE_FUSE_INSTALL": "Install it.", "MESSAGE_FUSE_INSTALL_CONTINUE": "Have you installed it?",
   "OK": "Fine", "CONTINUE": "Go on", "CANCEL": "Stop"})";
 
@@ -31,12 +31,12 @@ const platform::Alert kContinueAlert{
     .informativeText = "Have you installed it?",
     .buttons = {{.title = "Go on", .keyEquivalent = ""}, {.title = "Stop", .keyEquivalent = "\033"}}};
 
-StartupManager& manager() { return StartupManager::instance(); }
+StartupManager& startup() { return StartupManager::instance(); }
 
 std::shared_ptr<StartupRecorder> recordCallsOf(FakePlatform& machine) {
-  machine.withFirstStartup(false).withStrings(kStrings).withSystem("14.5", "arm64");
+  machine.withFirstStartup(false).withStrings(kFuseStrings).withSystem("14.5", "arm64");
   const auto delegate = std::make_shared<StartupRecorder>(machine);
-  manager().setDelegate(delegate);
+  startup().setDelegate(delegate);
   return delegate;
 }
 
@@ -44,7 +44,7 @@ TEST(FuseDownload, OpensTheWebSiteOnAGlobalQueue) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
 
-  manager().fuseNeedsInstalling();
+  startup().fuseNeedsInstalling();
   EXPECT_THAT(machine.workspace.opened, IsEmpty());
   machine.runUntilIdle();
 
@@ -62,7 +62,7 @@ TEST(FuseDownload, HasOpenedTheWebSiteWhenItSaysSo) {
   machine.whenLogged(Line("INFO", "Startup[FUSE] Showing macFuse website and asking user to install Fuse"),
                      [&] { openedThen = machine.workspace.opened.size(); });
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
 
   EXPECT_EQ(openedThen, 1U);
 }
@@ -72,7 +72,7 @@ TEST(FuseDownload, TakesTheWebSiteFromTheBundle) {
   const auto delegate = recordCallsOf(machine);
   machine.bundles.main().info.insert_or_assign("KarnoMacFUSESite", "fuse.example.org");
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
 
   EXPECT_EQ(machine.workspace.opened.at(0).url, "https://fuse.example.org");
 }
@@ -82,7 +82,7 @@ TEST(FuseDownload, AnEmptyWebSiteInTheBundleIsThePublicOne) {
   const auto delegate = recordCallsOf(machine);
   machine.bundles.main().info.insert_or_assign("KarnoMacFUSESite", "");
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
 
   EXPECT_EQ(machine.workspace.opened.at(0).url, "https://macfuse.github.io");
 }
@@ -91,7 +91,7 @@ TEST(FuseDownload, ShowsTheAlertTwoSecondsLater) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(1.999);
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
   machine.runFor(0.001);
@@ -108,7 +108,7 @@ TEST(FuseDownload, ShowsTheAlertWhenItIsItsTurnOnTheMainDispatchQueue) {
   const auto delegate = recordCallsOf(machine);
   std::size_t shownBeforeItsTurn = 99;
   machine.dispatch.mainQueue().async([&] {
-    manager().informUserToDownloadFuse();
+    startup().informUserToDownloadFuse();
     machine.runFor(3);
     shownBeforeItsTurn = machine.alerts.shown().size();
   });
@@ -129,7 +129,7 @@ TEST(FuseDownload, WaitsWhileTheAlertIsStillUp) {
     callsWhileUp = delegate->calls;
   });
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(3);
 
   EXPECT_THAT(callsWhileUp, ElementsAre("checked on it.vantul.KarnoWrapper.download-wait"));
@@ -140,7 +140,7 @@ TEST(FuseDownload, AnyAnswerToTheAlertIsIgnored) {
   const auto delegate = recordCallsOf(machine);
   machine.alerts.answerNext(1001);
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(60);
 
   EXPECT_THAT(delegate->calls, IsEmpty());
@@ -152,7 +152,7 @@ TEST(FuseDownload, PollsForTheFirstTimeTwoSecondsAfterTheWaitBegan) {
   const auto delegate = recordCallsOf(machine);
   machine.withFuse("4.4.1");
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(3.999);
   EXPECT_THAT(delegate->calls, IsEmpty());
   machine.runFor(0.001);
@@ -164,7 +164,7 @@ TEST(FuseDownload, PollsQuietlyEveryTwoSecondsUntilMacFUSEIsGood) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(3600.5);
   machine.withFuse("4.0.4");
   machine.runFor(2);
@@ -186,7 +186,7 @@ TEST(FuseDownload, StopsPollingOnceMacFUSEIsThere) {
   const auto delegate = recordCallsOf(machine);
   machine.withFuse("4.4.1");
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(100);
 
   EXPECT_EQ(delegate->calls.size(), 1U);
@@ -196,9 +196,9 @@ TEST(FuseDownload, StopsPollingOnceMacFUSEIsThere) {
 TEST(FuseDownload, DoesNotLookAtACancel) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
-  manager().setCancelled(true);
+  startup().setCancelled(true);
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(60);
   EXPECT_THAT(delegate->calls, IsEmpty());
   machine.withFuse("4.4.1");
@@ -212,7 +212,7 @@ TEST(FuseDownload, NeverGivesUp) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(4.0 * 3600);
   EXPECT_THAT(delegate->calls, IsEmpty());
   machine.withFuse("4.4.1");
@@ -227,7 +227,7 @@ TEST(FuseDownload, HasAQueueToWaitOnBeforeItOpensTheWebSite) {
   std::vector<std::string> queuesThen;
   machine.workspace.whenOpened = [&] { queuesThen = machine.dispatch.serialQueues(); };
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
 
   EXPECT_THAT(queuesThen, Contains("it.vantul.KarnoWrapper.download-wait"));
 }
@@ -236,7 +236,7 @@ TEST(FuseDownload, ShowsTheAlertThroughTheMainDispatchQueue) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
 
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(3);
 
   EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
@@ -246,8 +246,8 @@ TEST(FuseDownload, UsesOneQueueForEveryWait) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
 
-  manager().informUserToDownloadFuse();
-  manager().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
+  startup().informUserToDownloadFuse();
   machine.runFor(10);
 
   EXPECT_EQ(std::ranges::count(machine.dispatch.serialQueues(), "it.vantul.KarnoWrapper.download-wait"), 1);
@@ -259,7 +259,7 @@ TEST(ManualInstall, AsksAfterTwoSeconds) {
   const auto delegate = recordCallsOf(machine);
   machine.alerts.answerNext(1002);
 
-  manager().continueAfterManualInstall();
+  startup().continueAfterManualInstall();
   machine.runFor(1.999);
   EXPECT_THAT(machine.alerts.shown(), IsEmpty());
   machine.runFor(0.001);
@@ -275,7 +275,7 @@ TEST(ManualInstall, AsksWhenItIsItsTurnOnTheMainDispatchQueue) {
   machine.alerts.answerNext(1002);
   std::size_t shownBeforeItsTurn = 99;
   machine.dispatch.mainQueue().async([&] {
-    manager().continueAfterManualInstall();
+    startup().continueAfterManualInstall();
     machine.runFor(3);
     shownBeforeItsTurn = machine.alerts.shown().size();
   });
@@ -291,7 +291,7 @@ TEST(ManualInstall, AsksThroughTheMainDispatchQueue) {
   const auto delegate = recordCallsOf(machine);
   machine.alerts.answerNext(1002);
 
-  manager().continueAfterManualInstall();
+  startup().continueAfterManualInstall();
   machine.runFor(3);
 
   EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
@@ -304,7 +304,7 @@ TEST_P(AnswerOfNoButton, DoesNothing) {
   const auto delegate = recordCallsOf(machine);
   machine.alerts.answerNext(GetParam());
 
-  manager().continueAfterManualInstall();
+  startup().continueAfterManualInstall();
   machine.runFor(60);
 
   EXPECT_THAT(delegate->calls, IsEmpty());
@@ -319,7 +319,7 @@ TEST(ManualInstall, CancelEndsTheSetup) {
   const auto delegate = recordCallsOf(machine);
   machine.alerts.answerNext(1001);
 
-  manager().continueAfterManualInstall();
+  startup().continueAfterManualInstall();
   machine.runFor(3);
 
   EXPECT_THAT(delegate->calls, ElementsAre("setup failed on main"));
@@ -332,7 +332,7 @@ TEST(ManualInstall, ContinueChecksTheSystemAgain) {
   machine.withFuse("4.4.1");
   machine.alerts.answerNext(1000);
 
-  manager().continueAfterManualInstall();
+  startup().continueAfterManualInstall();
   machine.runFor(3);
 
   EXPECT_EQ(machine.consoleMessages().at(0),
@@ -344,20 +344,20 @@ TEST(ProgressCancel, ClosesTheWindowOnTheMainThreadAndEndsTheSetup) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
   const auto controller = ProgressWindowController::make();
-  controller->setDelegate(manager().weak_from_this());
-  manager().setProgressController(controller);
+  controller->setDelegate(startup().weak_from_this());
+  startup().setProgressController(controller);
   controller->showWindow();
-  EXPECT_FALSE(manager().cancelled());
+  EXPECT_FALSE(startup().cancelled());
 
   machine.windows.progress.at(0)->cancelButton.press();
 
-  EXPECT_TRUE(manager().cancelled());
+  EXPECT_TRUE(startup().cancelled());
   EXPECT_THAT(delegate->calls, ElementsAre("setup failed on main"));
-  EXPECT_EQ(manager().progressController(), controller);
+  EXPECT_EQ(startup().progressController(), controller);
   EXPECT_THAT(machine.consoleMessages(),
               ElementsAre(Line("WARN", "Startup[FUSE] User decided not to install fuse")));
   machine.runUntilIdle();
-  EXPECT_EQ(manager().progressController(), nullptr);
+  EXPECT_EQ(startup().progressController(), nullptr);
   EXPECT_THAT(machine.windows.progress.at(0)->calls,
               ElementsAre("show", "min 0", "max 100", "value 0", "close", "stop"));
 }
@@ -366,18 +366,18 @@ TEST(ProgressCancel, IsNotedAndTheWindowOnItsWayOutBeforeAnybodyHears) {
   FakePlatform machine;
   const auto delegate = recordCallsOf(machine);
   const auto controller = ProgressWindowController::make();
-  manager().setProgressController(controller);
+  startup().setProgressController(controller);
   std::vector<bool> cancelledThen;
   std::vector<std::shared_ptr<ProgressWindowController>> controllerOnTheNextTurn;
   const auto look = [&] {
-    cancelledThen.push_back(manager().cancelled());
+    cancelledThen.push_back(startup().cancelled());
     machine.dispatch.mainQueue().async(
-        [&] { controllerOnTheNextTurn.push_back(manager().progressController()); });
+        [&] { controllerOnTheNextTurn.push_back(startup().progressController()); });
   };
   machine.whenLogged(Line("WARN", "Startup[FUSE] User decided not to install fuse"), look);
   delegate->whenTold = look;
 
-  manager().progressWindowControllerUserPressedCancel(*controller);
+  startup().progressWindowControllerUserPressedCancel(*controller);
   machine.runUntilIdle();
 
   EXPECT_THAT(cancelledThen, ElementsAre(true, true));
@@ -392,7 +392,7 @@ TEST(ProgressCancel, IsLoggedBeforeTheDelegateHears) {
   machine.whenLogged(Line("WARN", "Startup[FUSE] User decided not to install fuse"),
                      [&] { callsThen = delegate->calls.size(); });
 
-  manager().progressWindowControllerUserPressedCancel(*controller);
+  startup().progressWindowControllerUserPressedCancel(*controller);
 
   EXPECT_EQ(callsThen, 0U);
 }
@@ -400,24 +400,24 @@ TEST(ProgressCancel, IsLoggedBeforeTheDelegateHears) {
 TEST(HideProgress, WaitsForItsTurnOnTheMainDispatchQueue) {
   FakePlatform machine;
   const auto controller = ProgressWindowController::make();
-  manager().setProgressController(controller);
+  startup().setProgressController(controller);
   std::shared_ptr<ProgressWindowController> beforeItsTurn;
   machine.dispatch.mainQueue().async([&] {
-    manager().hideProgress();
+    startup().hideProgress();
     machine.runFor(1);
-    beforeItsTurn = manager().progressController();
+    beforeItsTurn = startup().progressController();
   });
 
   machine.runUntilIdle();
 
   EXPECT_EQ(beforeItsTurn, controller);
-  EXPECT_EQ(manager().progressController(), nullptr);
+  EXPECT_EQ(startup().progressController(), nullptr);
 }
 
 TEST(HideProgress, GoesThroughTheMainDispatchQueue) {
   FakePlatform machine;
 
-  manager().hideProgress();
+  startup().hideProgress();
 
   EXPECT_THAT(machine.dispatch.mainSubmissions(), ElementsAre("main queue"));
 }
@@ -425,11 +425,11 @@ TEST(HideProgress, GoesThroughTheMainDispatchQueue) {
 TEST(HideProgress, ForgetsTheWindowOnlyAfterItsClosing) {
   FakePlatform machine;
   const auto controller = ProgressWindowController::make();
-  manager().setProgressController(controller);
+  startup().setProgressController(controller);
   std::shared_ptr<ProgressWindowController> duringTheClosing;
-  machine.windows.progress.at(0)->whenClosed = [&] { duringTheClosing = manager().progressController(); };
+  machine.windows.progress.at(0)->whenClosed = [&] { duringTheClosing = startup().progressController(); };
 
-  manager().hideProgress();
+  startup().hideProgress();
   machine.runUntilIdle();
 
   EXPECT_EQ(duringTheClosing, controller);
@@ -437,22 +437,22 @@ TEST(HideProgress, ForgetsTheWindowOnlyAfterItsClosing) {
 
 TEST(HideProgress, HopsToTheMainThread) {
   FakePlatform machine;
-  manager().setProgressController(ProgressWindowController::make());
+  startup().setProgressController(ProgressWindowController::make());
 
-  machine.onThread([] { manager().hideProgress(); });
+  machine.onThread([] { startup().hideProgress(); });
   machine.runUntilIdle();
 
-  EXPECT_EQ(manager().progressController(), nullptr);
+  EXPECT_EQ(startup().progressController(), nullptr);
   EXPECT_THAT(machine.windows.progress.at(0)->calls, ElementsAre("close", "stop"));
 }
 
 TEST(HideProgress, WithoutAWindowDoesNothing) {
   FakePlatform machine;
 
-  manager().hideProgress();
+  startup().hideProgress();
   machine.runUntilIdle();
 
-  EXPECT_EQ(manager().progressController(), nullptr);
+  EXPECT_EQ(startup().progressController(), nullptr);
   EXPECT_THAT(machine.console(), IsEmpty());
 }
 

@@ -18,9 +18,9 @@ using ::testing::Contains;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-const Error kRefused("NSCocoaErrorDomain", 4, {{"NSLocalizedDescription", "The file is damaged."}});
+const Error kRefusedAgain("NSCocoaErrorDomain", 4, {{"NSLocalizedDescription", "The file is damaged."}});
 
-StartupManager& manager() { return StartupManager::instance(); }
+StartupManager& restarting() { return StartupManager::instance(); }
 
 std::vector<std::string> messagesOf(const FakePlatform& machine) {
   std::vector<std::string> messages;
@@ -33,8 +33,8 @@ class Restart : public ::testing::Test {
  protected:
   Restart() : delegate(std::make_shared<StartupRecorder>(machine)) {
     machine.withEmbeddedBuilds().withAdmin("USE_FILE_PROVIDER", "true");
-    manager().setDelegate(delegate);
-    manager().launchKarnoWithCompletion([](bool, const std::optional<Error>&) {});
+    restarting().setDelegate(delegate);
+    restarting().launchKarnoWithCompletion([](bool, const std::optional<Error>&) {});
     linesBefore_ = machine.consoleMessages().size();
   }
 
@@ -53,21 +53,21 @@ class Restart : public ::testing::Test {
 };
 
 TEST_F(Restart, SetsTheFlagBeforeItReturns) {
-  manager().restartKarno();
+  restarting().restartKarno();
 
-  EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_TRUE(restarting().restartingEmbeddedKarnoApp());
   EXPECT_THAT(machine.workspace.asked, IsEmpty());
 }
 
 TEST_F(Restart, LaunchesTheApplicationAgainOnceItHasQuit) {
-  manager().restartKarno();
+  restarting().restartKarno();
   machine.runFor(1.1);
   endChild();
   machine.runFor(2);
 
   EXPECT_THAT(machine.tasks.running(), ElementsAre(5002));
-  EXPECT_EQ(manager().embeddedKarnoProcessIdentifier(), 5002);
-  EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_EQ(restarting().embeddedKarnoProcessIdentifier(), 5002);
+  EXPECT_FALSE(restarting().restartingEmbeddedKarnoApp());
   EXPECT_THAT(delegate->calls, ElementsAre("launched on global(0)"));
   EXPECT_EQ(machine.application.terminations(), 0);
   EXPECT_THAT(messagesOf(machine),
@@ -77,9 +77,9 @@ TEST_F(Restart, LaunchesTheApplicationAgainOnceItHasQuit) {
 TEST_F(Restart, HasClearedTheFlagBeforeTheNewLaunch) {
   bool flagThen = true;
   machine.whenLogged(Line("INFO", "Startup[LAUNCH] Launching Karno.app"),
-                     [&] { flagThen = manager().restartingEmbeddedKarnoApp(); });
+                     [&] { flagThen = restarting().restartingEmbeddedKarnoApp(); });
 
-  manager().restartKarno();
+  restarting().restartKarno();
   endChild();
   machine.runFor(2);
 
@@ -88,7 +88,7 @@ TEST_F(Restart, HasClearedTheFlagBeforeTheNewLaunch) {
 }
 
 TEST_F(Restart, DoesNotStartTheUpdaterAgain) {
-  manager().restartKarno();
+  restarting().restartKarno();
   endChild();
   machine.runFor(2);
 
@@ -97,9 +97,9 @@ TEST_F(Restart, DoesNotStartTheUpdaterAgain) {
 }
 
 TEST_F(Restart, FailsWhenTheApplicationStays) {
-  manager().restartKarno();
+  restarting().restartKarno();
   machine.runFor(4.9);
-  EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_TRUE(restarting().restartingEmbeddedKarnoApp());
   machine.runFor(0.2);
 
   EXPECT_THAT(
@@ -109,28 +109,28 @@ TEST_F(Restart, FailsWhenTheApplicationStays) {
           Line("WARN", "ProcessUtils: 'it.vantul.Karno' has not terminated (timed-out after 5.0 seconds)"),
           Line("*** ERROR ***", "Startup[RESTART] Failed to restart Karno - because it has not exited")));
   EXPECT_THAT(delegate->calls, ElementsAre("launch failed on global(0)"));
-  EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_FALSE(restarting().restartingEmbeddedKarnoApp());
   EXPECT_THAT(machine.tasks.running(), ElementsAre(5001));
   EXPECT_THAT(machine.processes.signalled, IsEmpty());
 }
 
 TEST_F(Restart, OfEitherThatFailsClearsTheFlagOnlyAfterTheDelegateWasTold) {
   std::vector<bool> flagsThen;
-  delegate->whenTold = [&] { flagsThen.push_back(manager().restartingEmbeddedKarnoApp()); };
+  delegate->whenTold = [&] { flagsThen.push_back(restarting().restartingEmbeddedKarnoApp()); };
 
-  manager().restartKarno();
+  restarting().restartKarno();
   machine.runFor(6);
-  manager().restartWrapper();
+  restarting().restartWrapper();
   machine.runFor(6);
 
   EXPECT_THAT(flagsThen, ElementsAre(true, true));
-  EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_FALSE(restarting().restartingEmbeddedKarnoApp());
 }
 
 TEST_F(Restart, TellsWhenTheNewLaunchFails) {
-  machine.tasks.failNextLaunch(kRefused);
+  machine.tasks.failNextLaunch(kRefusedAgain);
 
-  manager().restartKarno();
+  restarting().restartKarno();
   endChild();
   machine.runFor(2);
 
@@ -142,7 +142,7 @@ TEST_F(Restart, TellsWhenTheNewLaunchFails) {
 TEST_F(Restart, TakesAnEndThatIsToldLateForUnplanned) {
   machine.workspace.forgotten = {5001};
 
-  manager().restartKarno();
+  restarting().restartKarno();
   machine.runFor(0.6);
   machine.tasks.end(5001);
   machine.runFor(6);
@@ -154,9 +154,9 @@ TEST_F(Restart, TakesAnEndThatIsToldLateForUnplanned) {
 TEST(RestartWithoutABundle, LaunchesAtOnceAndFails) {
   FakePlatform machine;
   const auto delegate = std::make_shared<StartupRecorder>(machine);
-  manager().setDelegate(delegate);
+  restarting().setDelegate(delegate);
 
-  manager().restartKarno();
+  restarting().restartKarno();
   machine.runUntilIdle();
 
   EXPECT_THAT(machine.workspace.asked, IsEmpty());
@@ -167,8 +167,8 @@ TEST(RestartWithoutABundle, LaunchesAtOnceAndFails) {
 }
 
 TEST_F(Restart, OfTheLauncherOpensItAnewAndQuits) {
-  manager().restartWrapperForFuse();
-  EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
+  restarting().restartWrapperForFuse();
+  EXPECT_TRUE(restarting().restartingEmbeddedKarnoApp());
   endChild();
   machine.runFor(10);
 
@@ -181,7 +181,7 @@ TEST_F(Restart, OfTheLauncherOpensItAnewAndQuits) {
               Contains(Line(
                   "INFO", "Startup[RESTART] Karno has quit - restarting wrapper (-launch Karno(Fuse).app)")));
   EXPECT_EQ(machine.log().back(), Line("INFO", "AppDelegate[TERMINATE] Reason: Restart Wrapper"));
-  EXPECT_TRUE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_TRUE(restarting().restartingEmbeddedKarnoApp());
   EXPECT_EQ(machine.application.terminations(), 1);
   EXPECT_THAT(delegate->calls, IsEmpty());
 }
@@ -189,7 +189,7 @@ TEST_F(Restart, OfTheLauncherOpensItAnewAndQuits) {
 TEST_F(Restart, OfTheLauncherOpensItWhenItIsItsTurnOnTheMainDispatchQueue) {
   std::size_t launchesBeforeItsTurn = 99;
   machine.dispatch.mainQueue().async([&] {
-    manager().restartWrapperForFuse();
+    restarting().restartWrapperForFuse();
     endChild();
     machine.runFor(6);
     launchesBeforeItsTurn = machine.tasks.launches().size();
@@ -202,7 +202,7 @@ TEST_F(Restart, OfTheLauncherOpensItWhenItIsItsTurnOnTheMainDispatchQueue) {
 }
 
 TEST_F(Restart, OfTheLauncherOpensItThroughTheMainDispatchQueue) {
-  manager().restartWrapperForFuse();
+  restarting().restartWrapperForFuse();
   endChild();
   machine.runFor(1);
 
@@ -211,7 +211,7 @@ TEST_F(Restart, OfTheLauncherOpensItThroughTheMainDispatchQueue) {
 }
 
 TEST_F(Restart, OfTheLauncherWaitsForTheBuildThatRunsNow) {
-  manager().restartWrapperForFuse();
+  restarting().restartWrapperForFuse();
   machine.runFor(1);
 
   EXPECT_EQ(machine.workspace.asked.at(0).bundleIdentifier, "it.vantul.Karno");
@@ -219,7 +219,7 @@ TEST_F(Restart, OfTheLauncherWaitsForTheBuildThatRunsNow) {
 }
 
 TEST_F(Restart, OfTheLauncherFailsWhenTheApplicationStays) {
-  manager().restartWrapperForFileProvider();
+  restarting().restartWrapperForFileProvider();
   machine.runFor(6);
 
   EXPECT_THAT(
@@ -230,14 +230,14 @@ TEST_F(Restart, OfTheLauncherFailsWhenTheApplicationStays) {
           Line("*** ERROR ***",
                "Startup[RESTART] Failed to restart Wrapper - because Karno has not exited")));
   EXPECT_THAT(delegate->calls, ElementsAre("launch failed on global(0)"));
-  EXPECT_FALSE(manager().restartingEmbeddedKarnoApp());
+  EXPECT_FALSE(restarting().restartingEmbeddedKarnoApp());
   EXPECT_EQ(machine.application.terminations(), 0);
 }
 
 TEST_F(Restart, OfTheLauncherQuitsAlsoWhenItCannotBeOpened) {
-  machine.tasks.failNextLaunch(kRefused);
+  machine.tasks.failNextLaunch(kRefusedAgain);
 
-  manager().restartWrapperForAppEmbeddedName("Other.app");
+  restarting().restartWrapperForAppEmbeddedName("Other.app");
   endChild();
   machine.runFor(10);
 
@@ -249,7 +249,7 @@ TEST_F(Restart, OfTheLauncherQuitsAlsoWhenItCannotBeOpened) {
 }
 
 TEST_F(Restart, OfTheLauncherKeepsTheBuild) {
-  manager().restartWrapper();
+  restarting().restartWrapper();
   endChild();
   machine.runFor(10);
 
@@ -262,7 +262,7 @@ TEST_P(AppType, DecidesWhatTheLauncherIsRestartedWith) {
   FakePlatform machine;
   KarnoEmbeddedApp::manager().setAppType(GetParam().first);
 
-  manager().restartWrapper();
+  restarting().restartWrapper();
   machine.runFor(10);
 
   EXPECT_EQ(machine.tasks.launches().at(0).arguments.back(), GetParam().second);

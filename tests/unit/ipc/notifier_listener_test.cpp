@@ -18,7 +18,7 @@ using test::Line;
 using test::Listener;
 using ::testing::IsEmpty;
 
-constexpr const char* kName = "it.vantul.Karno.KarnoWrapperNotification";
+constexpr const char* kWrapperName = "it.vantul.Karno.KarnoWrapperNotification";
 
 const platform::Alert kCrashAlert{
     .style = platform::AlertStyle::Critical,
@@ -150,7 +150,9 @@ TEST_F(Listener, LogsAMissingReasonAndAsksAllTheSame) {
 
 TEST_F(Listener, ShowsTheCrashDialogOnlyAfterTheHandlerHasReturned) {
   KarnoWrappperNotifierListener::manager().receivedNotification(
-      {.name = kName, .object = kName, .userInfo = {{"message", "app-is-terminating-abnormally"}}});
+      {.name = kWrapperName,
+       .object = kWrapperName,
+       .userInfo = {{"message", "app-is-terminating-abnormally"}}});
   const auto shownAtReturn = machine.alerts.shown();
   machine.runUntilIdle();
 

@@ -22,7 +22,7 @@ const Line kAlerting("INFO", "KarnoMoveApplicationManager:: Alerting user that t
 const Line kBailingOut("WARN",
                        "KarnoMoveApplicationManager:: Bailing out as we're already moving the application");
 
-KarnoMoveApplicationManager& mover() { return KarnoMoveApplicationManager::instance(); }
+KarnoMoveApplicationManager& moveManager() { return KarnoMoveApplicationManager::instance(); }
 
 // Writes down what it is told, and on which thread.
 class Told final : public KarnoMoveApplicationDelegate {
@@ -48,11 +48,11 @@ class Told final : public KarnoMoveApplicationDelegate {
 
 class MoveManager : public ::testing::Test {
  protected:
-  MoveManager() { mover().setDelegate(told_); }
+  MoveManager() { moveManager().setDelegate(told_); }
 
   // As the application delegate does.
   void askInBackground() {
-    machine_.onThread([] { mover().moveApplicationIfRequired(); }, "background");
+    machine_.onThread([] { moveManager().moveApplicationIfRequired(); }, "background");
     machine_.runUntilIdle();
   }
 
@@ -126,10 +126,10 @@ TEST_F(MoveManager, TakesTheMoveUpThroughTheMainDispatchQueue) {
 }
 
 TEST_F(MoveManager, RefusesASecondMoveWhileTheFirstWaits) {
-  mover().moveApplicationIfRequired();
-  const bool waiting = mover().moveInProgress();
+  moveManager().moveApplicationIfRequired();
+  const bool waiting = moveManager().moveInProgress();
 
-  mover().moveApplicationIfRequired();
+  moveManager().moveApplicationIfRequired();
   machine_.runUntilIdle();
 
   EXPECT_TRUE(waiting);
@@ -144,8 +144,8 @@ TEST_F(MoveManager, RefusesASecondMoveWhileTheFirstWaits) {
 TEST_F(MoveManager, TakesASecondMoveOnceTheFirstHasBegun) {
   bool whileAsked = true;
   machine_.alerts.answerNext(platform::kAlertSecondButtonReturn, [&] {
-    whileAsked = mover().moveInProgress();
-    mover().moveApplicationIfRequired();
+    whileAsked = moveManager().moveInProgress();
+    moveManager().moveApplicationIfRequired();
   });
   machine_.alerts.answerNext(platform::kAlertSecondButtonReturn);
 
@@ -157,22 +157,22 @@ TEST_F(MoveManager, TakesASecondMoveOnceTheFirstHasBegun) {
 
 TEST_F(MoveManager, NeedsMovingWhileAMoveWaits) {
   machine_.bundles.main().setPath(kInstalled);
-  const bool before = mover().appNeedsMoving();
+  const bool before = moveManager().appNeedsMoving();
 
-  mover().setMoveInProgress(true);
+  moveManager().setMoveInProgress(true);
 
   EXPECT_FALSE(before);
-  EXPECT_TRUE(mover().appNeedsMoving());
+  EXPECT_TRUE(moveManager().appNeedsMoving());
 }
 
 TEST_F(MoveManager, DoesNotLookAtWhatWasSet) {
-  mover().setAppNeedsMoving(false);
-  const bool outside = mover().appNeedsMoving();
+  moveManager().setAppNeedsMoving(false);
+  const bool outside = moveManager().appNeedsMoving();
   machine_.bundles.main().setPath(kInstalled);
-  mover().setAppNeedsMoving(true);
+  moveManager().setAppNeedsMoving(true);
 
   EXPECT_TRUE(outside);
-  EXPECT_FALSE(mover().appNeedsMoving());
+  EXPECT_FALSE(moveManager().appNeedsMoving());
 }
 
 TEST_F(MoveManager, MovesThoughItsDelegateIsGone) {
@@ -180,7 +180,7 @@ TEST_F(MoveManager, MovesThoughItsDelegateIsGone) {
 
   askInBackground();
 
-  EXPECT_EQ(mover().delegate(), nullptr);
+  EXPECT_EQ(moveManager().delegate(), nullptr);
   EXPECT_EQ(machine_.launcherAt(kInstalled), "new launcher");
 }
 

@@ -15,7 +15,7 @@ using test::MovingMachine;
 using test::question;
 
 constexpr const char* kOffer = "I can move myself to the Applications folder if you'd like.";
-constexpr const char* kOfferFromDownloads =
+constexpr const char* kQuestionInDownloads =
     "I can move myself to the Applications folder if you'd like. This will keep your Downloads folder "
     "uncluttered.";
 constexpr const char* kOfferWithPassword =
@@ -27,7 +27,7 @@ TEST(MoveQuestion, MentionsTheDownloadsFolder) {
 
   static_cast<void>(moveApplicationToApplicationsFolder(false));
 
-  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kOfferFromDownloads)));
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kQuestionInDownloads)));
 }
 
 // As with Applications folders, only the letters are compared.
@@ -36,7 +36,7 @@ TEST(MoveQuestion, MentionsTheDownloadsFolderForOneThatBeginsLikeIt) {
 
   static_cast<void>(moveApplicationToApplicationsFolder(false));
 
-  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kOfferFromDownloads)));
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kQuestionInDownloads)));
 }
 
 TEST(MoveQuestion, MentionsADownloadsFolderOfAnyDomainOnce) {
@@ -46,7 +46,7 @@ TEST(MoveQuestion, MentionsADownloadsFolderOfAnyDomainOnce) {
 
   static_cast<void>(moveApplicationToApplicationsFolder(false));
 
-  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kOfferFromDownloads)));
+  EXPECT_THAT(machine.alerts.shown(), ElementsAre(question(kQuestionInDownloads)));
 }
 
 TEST(MoveQuestion, IsShortElsewhere) {

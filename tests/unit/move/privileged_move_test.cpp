@@ -25,9 +25,9 @@ using ::testing::IsEmpty;
 constexpr const char* kRight = "copyRight system.privilege.admin 19";
 constexpr const char* kRemove = "/bin/rm|-rf|/Applications/Karno.app";
 constexpr const char* kCopy = "/bin/cp|-pR|/Users/tester/Downloads/Karno.app|/Applications/Karno.app";
-constexpr const char* kMoving = "INFO -- Moving myself to the Applications folder";
+constexpr const char* kMovingWithPassword = "INFO -- Moving myself to the Applications folder";
 constexpr const char* kFailed = "ERROR -- Could not copy myself to /Applications with authorization";
-const std::string kOffer =
+const std::string kOfferToTheAdministrator =
     "I can move myself to the Applications folder if you'd like. Note that this will require an "
     "administrator "
     "password.";
@@ -42,8 +42,8 @@ class PrivilegedMove : public ::testing::Test {
   // Nothing was moved, and the user was told.
   void expectFailure(const std::optional<Error>& error) {
     EXPECT_EQ(error, moveError(14, "Could not copy to /Applications with authorization"));
-    EXPECT_THAT(machine_.console(), ElementsAre(kMoving, kFailed));
-    EXPECT_THAT(machine_.alerts.shown(), ElementsAre(question(kOffer), failureAlert()));
+    EXPECT_THAT(machine_.console(), ElementsAre(kMovingWithPassword, kFailed));
+    EXPECT_THAT(machine_.alerts.shown(), ElementsAre(question(kOfferToTheAdministrator), failureAlert()));
     EXPECT_EQ(machine_.launcherAt(kDownloaded), "new launcher");
     EXPECT_THAT(machine_.commands.started, IsEmpty());
     EXPECT_FALSE(moveRoutineInProgress());
@@ -61,7 +61,7 @@ TEST_F(PrivilegedMove, RemovesThenCopiesAsTheAdministrator) {
   EXPECT_FALSE(machine_.files.fileExists(kDownloaded));
   EXPECT_THAT(machine_.fileManager.copies, IsEmpty());
   EXPECT_EQ(machine_.commands.started.size(), 1U);
-  EXPECT_THAT(machine_.console(), ElementsAre(kMoving));
+  EXPECT_THAT(machine_.console(), ElementsAre(kMovingWithPassword));
 }
 
 TEST_F(PrivilegedMove, KeepsTheOldBundleOfADiskImage) {
@@ -94,8 +94,8 @@ TEST_F(PrivilegedMove, DoesNotHappenWhenTheUserGivesNoPassword) {
   EXPECT_EQ(error, moveError(89, "User cancelled - they did not authorise"));
   EXPECT_THAT(machine_.authorisations.calls, ElementsAre("create", kRight, "free"));
   EXPECT_THAT(machine_.console(),
-              ElementsAre(kMoving, "INFO -- Not moving because user canceled authorization"));
-  EXPECT_THAT(machine_.alerts.shown(), ElementsAre(question(kOffer)));
+              ElementsAre(kMovingWithPassword, "INFO -- Not moving because user canceled authorization"));
+  EXPECT_THAT(machine_.alerts.shown(), ElementsAre(question(kOfferToTheAdministrator)));
   EXPECT_EQ(machine_.launcherAt(kDownloaded), "new launcher");
   EXPECT_FALSE(moveRoutineInProgress());
 }

@@ -21,9 +21,9 @@ using test::Line;
 using ::testing::IsEmpty;
 
 // Notes the answers and the thread on which they came.
-class Recorder final : public FuseManagerDelegate {
+class DelegateOfTheFuse final : public FuseManagerDelegate {
  public:
-  explicit Recorder(FakePlatform& machine) : machine_(machine) {}
+  explicit DelegateOfTheFuse(FakePlatform& machine) : machine_(machine) {}
   void fuseMeetsRequirements(FuseManager&) override { note("good"); }
   void fuseNeedsToBeInstalled(FuseManager&, bool isUpgrade) override {
     note(isUpgrade ? "upgrade" : "install");
@@ -41,7 +41,7 @@ class Recorder final : public FuseManagerDelegate {
 FuseManager& fuse() { return FuseManager::instance(); }
 
 std::vector<std::string> answersOf(FakePlatform& machine) {
-  const auto delegate = std::make_shared<Recorder>(machine);
+  const auto delegate = std::make_shared<DelegateOfTheFuse>(machine);
   fuse().setDelegate(delegate);
   fuse().checkSystemMeetsRequirements();
   return delegate->calls;
@@ -154,7 +154,7 @@ TEST(FuseCheck, ReadsTheFrameworkAfreshAndTheSystemOnce) {
 TEST(FuseAnswer, ComesOnTheCallingThreadBeforeTheCheckReturns) {
   FakePlatform machine;
   machine.withSystem("14.5", "arm64").withFuse("4.4.1");
-  const auto delegate = std::make_shared<Recorder>(machine);
+  const auto delegate = std::make_shared<DelegateOfTheFuse>(machine);
   fuse().setDelegate(delegate);
 
   machine.onThread(
@@ -191,7 +191,7 @@ TEST(FuseAnswer, IsAnUpgradeWhenOnlyTheProcessorIsUnknown) {
 
 TEST(FuseAnswer, GoesToADelegateThatSomebodyElseKeeps) {
   FakePlatform machine;
-  auto delegate = std::make_shared<Recorder>(machine);
+  auto delegate = std::make_shared<DelegateOfTheFuse>(machine);
 
   fuse().setDelegate(delegate);
   const bool isKnown = fuse().delegate() == delegate;
@@ -204,7 +204,7 @@ TEST(FuseAnswer, GoesToADelegateThatSomebodyElseKeeps) {
 TEST(FuseAnswer, GoesNowhereWithoutADelegate) {
   FakePlatform machine;
   machine.withSystem("14.5", "arm64").withFuse("4.4.1");
-  fuse().setDelegate(std::make_shared<Recorder>(machine));
+  fuse().setDelegate(std::make_shared<DelegateOfTheFuse>(machine));
 
   fuse().checkSystemMeetsRequirements();
 

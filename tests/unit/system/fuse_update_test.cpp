@@ -18,19 +18,20 @@ using ::testing::IsEmpty;
 constexpr const char* kURL = "https://api.github.com/repos/macfuse/macfuse/releases/latest";
 constexpr const char* kOpenLine =
     R"(/bin/sh --noprofile -c "open -b com.apple.systempreferences /Library/PreferencePanes/macFUSE.prefPane")";
-constexpr const char* kStrings = R"({"UPDATE": "Update", "MESSAGE_FUSE_UPGRADE_REQUIRED": "macFUSE is old.",
+constexpr const char* kUpdateStrings =
+    R"({"UPDATE": "Update", "MESSAGE_FUSE_UPGRADE_REQUIRED": "macFUSE is old.",
   "WHAT_WOULD_YOU_LIKE_TO_DO": "What now?", "CONTINUE": "Go on", "NOT_NOW": "Later"})";
 
 const Line kChecking("INFO", std::string("Fuse[UPDATE] Checking for update (") + kURL + ")");
 
-FuseManager& fuse() { return FuseManager::instance(); }
+FuseManager& fuseManager() { return FuseManager::instance(); }
 
 // A machine of the FUSE build with macFUSE 4.4.1, and that answer to the question for the latest release.
 void prepare(FakePlatform& machine, const std::string& body) {
   machine.withFirstStartup(false)
       .withUserSetting("useFileProvider", false)
       .withFuse("4.4.1")
-      .withStrings(kStrings);
+      .withStrings(kUpdateStrings);
   machine.network.bodies[kURL] = body;
 }
 
@@ -69,7 +70,7 @@ TEST_P(LatestVersion, IsTakenFromTheNameElseFromTheTag) {
   FakePlatform machine;
   prepare(machine, GetParam().body);
 
-  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), GetParam().version);
+  EXPECT_EQ(fuseManager().retrieveLatestVersionAvailable(), GetParam().version);
   EXPECT_THAT(machine.consoleMessages(), ElementsAre(kChecking, Line("INFO", GetParam().line)));
 }
 
@@ -102,7 +103,7 @@ TEST(LatestVersion, IsTakenFromARecordThatIsNestedAsDeeplyAsTheMacReads) {
   FakePlatform machine;
   prepare(machine, recordWithANameNested(511));
 
-  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), "4.5.0");
+  EXPECT_EQ(fuseManager().retrieveLatestVersionAvailable(), "4.5.0");
 }
 
 // Printing it would overflow the stack.
@@ -110,7 +111,7 @@ TEST(LatestVersionFailure, IsARecordThatIsNestedTooDeeply) {
   FakePlatform machine;
   prepare(machine, recordWithANameNested(1'000'000));
 
-  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), std::nullopt);
+  EXPECT_EQ(fuseManager().retrieveLatestVersionAvailable(), std::nullopt);
   EXPECT_THAT(
       machine.consoleMessages(),
       ElementsAre(kChecking, Line("*** ERROR ***",
@@ -121,7 +122,7 @@ TEST(LatestVersionFailure, IsARecordThatIsNestedTooDeeply) {
 TEST(LatestVersionFailure, IsLoggedWhenTheNetworkFails) {
   FakePlatform machine;
 
-  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), std::nullopt);
+  EXPECT_EQ(fuseManager().retrieveLatestVersionAvailable(), std::nullopt);
   EXPECT_THAT(
       machine.consoleMessages(),
       ElementsAre(kChecking, Line("*** ERROR ***",
@@ -135,7 +136,7 @@ TEST_P(BadRecord, IsLogged) {
   FakePlatform machine;
   prepare(machine, GetParam().first);
 
-  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), std::nullopt);
+  EXPECT_EQ(fuseManager().retrieveLatestVersionAvailable(), std::nullopt);
   EXPECT_EQ(machine.consoleMessages().size(), 2U);
   EXPECT_EQ(machine.consoleMessages().back().level, "*** ERROR ***");
   EXPECT_THAT(machine.consoleMessages().back().message, ::testing::StartsWith(GetParam().second));
@@ -158,7 +159,7 @@ TEST(LatestVersionHost, ComesFromTheBundle) {
   machine.network.bodies["https://localhost:8443/repos/macfuse/macfuse/releases/latest"] =
       R"({"name": "5.0"})";
 
-  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), "5.0");
+  EXPECT_EQ(fuseManager().retrieveLatestVersionAvailable(), "5.0");
 }
 
 class BadHost : public ::testing::TestWithParam<const char*> {};
@@ -168,7 +169,7 @@ TEST_P(BadHost, IsNeverAskedFor) {
   machine.bundles.main().info.insert_or_assign("KarnoReleasesHost", GetParam());
   const std::string url = std::string("https://") + GetParam() + "/repos/macfuse/macfuse/releases/latest";
 
-  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), std::nullopt);
+  EXPECT_EQ(fuseManager().retrieveLatestVersionAvailable(), std::nullopt);
   EXPECT_THAT(machine.consoleMessages(),
               ElementsAre(Line("INFO", "Fuse[UPDATE] Checking for update (" + url + ")"),
                           Line("*** ERROR ***",
@@ -184,7 +185,7 @@ TEST(LatestVersionHost, ThatIsNoTextIsThePublicOne) {
   prepare(machine, R"({"name": "5.0"})");
   machine.bundles.main().info.insert_or_assign("KarnoReleasesHost", 5);
 
-  EXPECT_EQ(fuse().retrieveLatestVersionAvailable(), "5.0");
+  EXPECT_EQ(fuseManager().retrieveLatestVersionAvailable(), "5.0");
 }
 
 struct Availability {
@@ -201,7 +202,7 @@ TEST_P(UpdateAvailable, WhenTheInstalledVersionIsOlder) {
   prepare(machine, std::string(R"({"name": ")") + GetParam().latest + "\"}");
   machine.withFuse(GetParam().installed);
 
-  EXPECT_EQ(fuse().isUpdateAvailable(), GetParam().isAvailable);
+  EXPECT_EQ(fuseManager().isUpdateAvailable(), GetParam().isAvailable);
   EXPECT_EQ(machine.consoleMessages().back(), Line("INFO", GetParam().line));
 }
 
@@ -221,7 +222,7 @@ TEST(UpdateAvailability, IsNoneWithoutMacFUSE) {
   FakePlatform machine;
   machine.network.bodies[kURL] = R"({"name": "4.5.0"})";
 
-  EXPECT_FALSE(fuse().isUpdateAvailable());
+  EXPECT_FALSE(fuseManager().isUpdateAvailable());
   EXPECT_EQ(
       machine.consoleMessages().back(),
       Line("INFO", "Fuse[UPDATE] Installed Version=(null), Latest Version=4.5.0 (update available=NO)"));
@@ -231,7 +232,7 @@ TEST(UpdateAvailability, IsNoneWhenTheLatestIsNotKnown) {
   FakePlatform machine;
   prepare(machine, "{}");
 
-  EXPECT_FALSE(fuse().isUpdateAvailable());
+  EXPECT_FALSE(fuseManager().isUpdateAvailable());
   EXPECT_EQ(machine.consoleMessages().back(), Line("WARN", "Fuse[UPDATE] Failed to check for an update"));
 }
 
@@ -242,7 +243,7 @@ TEST(UpdatePrompt, IsSkippedForTheFileProviderBuildOnTheCallingThread) {
 
   machine.onThread(
       [&] {
-        fuse().promptUserIfUpdateIsAvailableCompletion(
+        fuseManager().promptUserIfUpdateIsAvailableCompletion(
             [&] { thread = machine.scheduler.currentThreadName(); });
       },
       "caller");
@@ -259,7 +260,7 @@ TEST(UpdatePrompt, IsSkippedForTheFileProviderBuildOnTheCallingThread) {
 std::vector<std::string> completions(FakePlatform& machine) {
   std::vector<std::string> threads;
   machine.onThread([&] {
-    fuse().promptUserIfUpdateIsAvailableCompletion(
+    fuseManager().promptUserIfUpdateIsAvailableCompletion(
         [&] { threads.push_back(machine.scheduler.currentThreadName()); });
   });
   machine.runUntilIdle();
@@ -314,7 +315,7 @@ TEST(UpdatePrompt, WaitsForAnAlertThatIsOpen) {
   prepare(machine, R"({"name": "4.5.0"})");
   std::size_t shownWhileUp = 0;
   machine.alerts.answerNext(1000, [&] {
-    fuse().promptUserIfUpdateIsAvailableCompletion(nullptr);
+    fuseManager().promptUserIfUpdateIsAvailableCompletion(nullptr);
     machine.runUntilIdle();
     shownWhileUp = machine.alerts.shown().size();
   });
@@ -377,7 +378,7 @@ TEST(UpdatePrompt, NeedsNoCompletion) {
   prepare(machine, R"({"name": "4.5.0"})");
   machine.alerts.answerNext(1001);
 
-  fuse().promptUserIfUpdateIsAvailableCompletion(nullptr);
+  fuseManager().promptUserIfUpdateIsAvailableCompletion(nullptr);
   machine.runUntilIdle();
 
   EXPECT_EQ(machine.alerts.shown().size(), 1U);
@@ -387,7 +388,7 @@ TEST(UpdatePrompt, NeedsNoCompletionWhenSkippedEither) {
   FakePlatform machine;
   machine.withUserSetting("useFileProvider", true);
 
-  fuse().promptUserIfUpdateIsAvailableCompletion(nullptr);
+  fuseManager().promptUserIfUpdateIsAvailableCompletion(nullptr);
 
   EXPECT_EQ(machine.consoleMessages().size(), 1U);
 }

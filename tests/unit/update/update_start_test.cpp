@@ -19,15 +19,16 @@ using ::testing::Contains;
 using ::testing::IsEmpty;
 
 constexpr const char* kCache = "/Users/tester/Library/Caches/Karno/cache.noindex";
-constexpr const char* kTouchFile = "/Users/tester/Library/Caches/Karno/cache.noindex/.karnoUpdated";
-constexpr const char* kStrings = R"({"UPDATE": "Update", "MESSAGE_FUSE_UPGRADE_REQUIRED": "macFUSE is old.",
+constexpr const char* kTouchFileOfTheCache = "/Users/tester/Library/Caches/Karno/cache.noindex/.karnoUpdated";
+constexpr const char* kStringsOfTheStart =
+    R"({"UPDATE": "Update", "MESSAGE_FUSE_UPGRADE_REQUIRED": "macFUSE is old.",
   "WHAT_WOULD_YOU_LIKE_TO_DO": "What now?", "CONTINUE": "Go on", "NOT_NOW": "Later"})";
 
 const Line kStartingUp("INFO", "Sparkle[START] Starting Up");
 const Line kCheckingFuse("INFO", "Sparkle[START] Checking Fuse following a Karno update");
 const Line kNoFuseCheck("INFO", "Fuse[START] Not checking for a Fuse update - as we use a FileProvider");
 
-KarnoSparkleManager& manager() { return KarnoSparkleManager::instance(); }
+KarnoSparkleManager& sparkleManager() { return KarnoSparkleManager::instance(); }
 
 void start(FakePlatform& machine) {
   machine.onThread([] { KarnoSparkleManager::start(); });
@@ -78,7 +79,7 @@ TEST(UpdaterStart, LogsAFailureAndGoesOn) {
   FakePlatform machine;
   machine.withFirstStartup(false).withUserSetting("useFileProvider", true);
   machine.withAdmin("UPDATES_ENABLED", "yes");
-  machine.files.addFile(kTouchFile, "");
+  machine.files.addFile(kTouchFileOfTheCache, "");
   machine.updater.startError = Error("SUSparkleErrorDomain", 1, {{"NSLocalizedDescription", "No key."}});
 
   start(machine);
@@ -131,8 +132,8 @@ TEST(PolicyOfTheAdministrator, DoesNotKeepTheEmbeddedApplicationFromSwitchingBac
   machine.withAdmin("UPDATES_ENABLED", "NO");
   start(machine);
 
-  manager().setCheckForUpdatesAutomatically(true);
-  manager().checkForUpdates();
+  sparkleManager().setCheckForUpdatesAutomatically(true);
+  sparkleManager().checkForUpdates();
 
   EXPECT_THAT(machine.updater.automaticChecks, ElementsAre(false, true));
   EXPECT_EQ(machine.updater.checks, 1);
@@ -155,8 +156,8 @@ TEST(Updater, IsBuiltByTheFirstQuestionAndOnlyOnce) {
   FakePlatform machine;
   EXPECT_EQ(machine.updater.made, 0);
 
-  machine.onThread([] { manager().isUpdateInProgress(); });
-  machine.onThread([] { manager().isUpdateInProgress(); });
+  machine.onThread([] { sparkleManager().isUpdateInProgress(); });
+  machine.onThread([] { sparkleManager().isUpdateInProgress(); });
   machine.runUntilIdle();
 
   EXPECT_EQ(machine.updater.made, 1);
@@ -176,7 +177,7 @@ TEST_P(UnderWay, IsASessionOrAnUpdaterThatCannotCheck) {
   machine.updater.inSession = GetParam().inSession;
   machine.updater.canCheck = GetParam().canCheck;
 
-  EXPECT_EQ(manager().isUpdateInProgress(), GetParam().isInProgress);
+  EXPECT_EQ(sparkleManager().isUpdateInProgress(), GetParam().isInProgress);
 }
 
 INSTANTIATE_TEST_SUITE_P(States, UnderWay,
@@ -185,26 +186,26 @@ INSTANTIATE_TEST_SUITE_P(States, UnderWay,
 
 TEST(UnderWayAnswer, IsFreshEveryTime) {
   FakePlatform machine;
-  EXPECT_FALSE(manager().isUpdateInProgress());
+  EXPECT_FALSE(sparkleManager().isUpdateInProgress());
 
   machine.updater.canCheck = false;
 
-  EXPECT_TRUE(manager().isUpdateInProgress());
+  EXPECT_TRUE(sparkleManager().isUpdateInProgress());
 }
 
 TEST(TouchFile, LiesInTheCacheFolderOfTheLauncher) {
   FakePlatform machine;
 
-  EXPECT_EQ(manager().updatedTouchfile(), kTouchFile);
+  EXPECT_EQ(sparkleManager().updatedTouchfile(), kTouchFileOfTheCache);
 }
 
 TEST(TouchFile, IsCreatedEmptyInPlaceOfAnOldOne) {
   FakePlatform machine;
-  machine.files.addFile(kTouchFile, "old");
+  machine.files.addFile(kTouchFileOfTheCache, "old");
 
-  manager().recordKarnoHasBeenUpdated();
+  sparkleManager().recordKarnoHasBeenUpdated();
 
-  EXPECT_EQ(machine.files.read(kTouchFile).value(), "");
+  EXPECT_EQ(machine.files.read(kTouchFileOfTheCache).value(), "");
   EXPECT_THAT(machine.consoleMessages(),
               ElementsAre(Line("INFO", "Sparkle[INSTALL] Creating 'updated' touchfile")));
 }
@@ -212,14 +213,14 @@ TEST(TouchFile, IsCreatedEmptyInPlaceOfAnOldOne) {
 TEST(TouchFile, CannotBeCreatedWithoutTheFolderWhichIsNotMade) {
   FakePlatform machine;
 
-  manager().recordKarnoHasBeenUpdated();
+  sparkleManager().recordKarnoHasBeenUpdated();
 
   EXPECT_FALSE(machine.files.fileExists(kCache));
   EXPECT_THAT(machine.consoleMessages(),
               ElementsAre(Line("INFO", "Sparkle[INSTALL] Creating 'updated' touchfile"),
                           Line("*** ERROR ***",
                                std::string("Sparkle[INSTALL] Failed to create 'updated' touchfile (") +
-                                   kTouchFile + ")")));
+                                   kTouchFileOfTheCache + ")")));
 }
 
 TEST(CheckFollowingAnUpdate, IsNotMadeWithoutTheTouchFile) {
@@ -235,13 +236,13 @@ TEST(CheckFollowingAnUpdate, IsNotMadeWithoutTheTouchFile) {
 TEST(CheckFollowingAnUpdate, OfAFileProviderBuildOnlyRemovesTheTouchFile) {
   FakePlatform machine;
   machine.withFirstStartup(false).withUserSetting("useFileProvider", true);
-  machine.files.addFile(kTouchFile, "");
+  machine.files.addFile(kTouchFileOfTheCache, "");
 
   start(machine);
 
   EXPECT_THAT(sparkleLines(machine), ElementsAre(kStartingUp, kCheckingFuse));
   EXPECT_THAT(machine.consoleMessages(), Contains(kNoFuseCheck));
-  EXPECT_FALSE(machine.files.fileExists(kTouchFile));
+  EXPECT_FALSE(machine.files.fileExists(kTouchFileOfTheCache));
   EXPECT_THAT(machine.network.requests, IsEmpty());
 }
 
@@ -250,30 +251,31 @@ TEST(CheckFollowingAnUpdate, RemovesTheTouchFileOnlyWhenTheUserHasAnswered) {
   machine.withFirstStartup(false)
       .withUserSetting("useFileProvider", false)
       .withFuse("4.4.1")
-      .withStrings(kStrings);
+      .withStrings(kStringsOfTheStart);
   machine.network.bodies["https://api.github.com/repos/macfuse/macfuse/releases/latest"] =
       R"({"name": "macFUSE 4.5.0"})";
-  machine.files.addFile(kTouchFile, "");
+  machine.files.addFile(kTouchFileOfTheCache, "");
   bool wasThereWhileAsked = false;
   machine.alerts.answerNext(platform::kAlertSecondButtonReturn,
-                            [&] { wasThereWhileAsked = machine.files.fileExists(kTouchFile); });
+                            [&] { wasThereWhileAsked = machine.files.fileExists(kTouchFileOfTheCache); });
 
   start(machine);
 
   EXPECT_TRUE(wasThereWhileAsked);
-  EXPECT_FALSE(machine.files.fileExists(kTouchFile));
+  EXPECT_FALSE(machine.files.fileExists(kTouchFileOfTheCache));
 }
 
 TEST(CheckFollowingAnUpdate, LogsATouchFileThatCannotBeRemovedAndChecksAgainAtTheNextStart) {
   FakePlatform machine;
   machine.withFirstStartup(false).withUserSetting("useFileProvider", true);
-  machine.files.addFile(kTouchFile, "");
-  machine.files.failRemove(kTouchFile, EACCES);
+  machine.files.addFile(kTouchFileOfTheCache, "");
+  machine.files.failRemove(kTouchFileOfTheCache, EACCES);
 
   start(machine);
   start(machine);
 
-  const Line failure("*** ERROR ***", std::string("Sparkle[START] Failed to remove '") + kTouchFile +
+  const Line failure("*** ERROR ***", std::string("Sparkle[START] Failed to remove '") +
+                                          kTouchFileOfTheCache +
                                           "'. Reason:" + Error::posix(EACCES).description());
   EXPECT_THAT(sparkleLines(machine),
               ElementsAre(kStartingUp, kCheckingFuse, failure, kStartingUp, kCheckingFuse, failure));
@@ -284,7 +286,7 @@ TEST(RequestedCheck, MakesTheLauncherARegularApplicationBeforeTheUpdaterShowsAny
   std::vector<platform::ActivationPolicy> policiesWhenChecking;
   machine.updater.whenChecking = [&] { policiesWhenChecking = machine.application.policies; };
 
-  manager().checkForUpdates();
+  sparkleManager().checkForUpdates();
 
   EXPECT_THAT(policiesWhenChecking, ElementsAre(platform::ActivationPolicy::Regular));
   EXPECT_THAT(machine.application.policies, ElementsAre(platform::ActivationPolicy::Regular));
@@ -295,7 +297,7 @@ TEST(RequestedCheck, DuringASessionIsOnlyWarnedOf) {
   FakePlatform machine;
   machine.updater.inSession = true;
 
-  manager().checkForUpdates();
+  sparkleManager().checkForUpdates();
 
   EXPECT_EQ(machine.updater.checks, 0);
   EXPECT_THAT(machine.application.policies, IsEmpty());
@@ -308,7 +310,7 @@ TEST(ResetSparkle, MakesTheNextLaunchAFirstOneOnDisk) {
   FakePlatform machine;
   machine.userDefaults.standard().values.insert_or_assign("SUHasLaunchedBefore", Value(true));
 
-  manager().resetSparkle();
+  sparkleManager().resetSparkle();
 
   EXPECT_EQ(machine.userDefaults.standard().values.at("SUHasLaunchedBefore"), Value(false));
   EXPECT_EQ(machine.userDefaults.standard().synchronisations, 1);

@@ -5,7 +5,7 @@
 #include "../foundation_objects.h"
 #include "platform/cocoa/runtime/values.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 const Error kUnexplained("TestDomain", 0);
@@ -47,4 +47,4 @@ TEST(CocoaErrors, AreWhatTheCallerSaysWhereThereIsNone) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

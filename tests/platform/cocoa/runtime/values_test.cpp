@@ -60,9 +60,9 @@ TEST(Values, KeepContainersInOneAnother) {
 TEST(Values, ANumberTooLargeForSixtyFourBitsWithSignBecomesADouble) {
   const objc::AutoreleasePool pool;
 
-  EXPECT_EQ(valueOf(test::unsignedNumber(9'223'372'036'854'775'807U)),
+  EXPECT_EQ(valueOf(trial::unsignedNumber(9'223'372'036'854'775'807U)),
             Value(std::int64_t{9'223'372'036'854'775'807}));
-  EXPECT_EQ(valueOf(test::unsignedNumber(9'223'372'036'854'775'808U)), Value(9'223'372'036'854'775'808.0));
+  EXPECT_EQ(valueOf(trial::unsignedNumber(9'223'372'036'854'775'808U)), Value(9'223'372'036'854'775'808.0));
 }
 
 TEST(Values, ADateBeyondTheRangeBecomesTheNearestOne) {
@@ -93,7 +93,7 @@ TEST(Values, AContainerWithAnotherObjectInItIsAbsent) {
 TEST(Values, ADictionaryWithANumberForAKeyIsAbsent) {
   const objc::AutoreleasePool pool;
   const objc::Object dictionary = objc::make("NSMutableDictionary");
-  objc::send<void>(dictionary, "setObject:forKey:", objc::string("text"), test::unsignedNumber(1));
+  objc::send<void>(dictionary, "setObject:forKey:", objc::string("text"), trial::unsignedNumber(1));
 
   EXPECT_EQ(valueOf(dictionary.get()), std::nullopt);
 }
@@ -116,7 +116,7 @@ TEST(Values, AnArrayThatHoldsItselfIsAbsent) {
 
   EXPECT_EQ(valueOf(array), std::nullopt);
 
-  test::removeAllObjects(array);
+  trial::removeAllObjects(array);
   objc::send<void>(array, "release");
 }
 

@@ -25,7 +25,7 @@ template <class R = Id, class... Args>
 R ask(Id receiver, const char* selector, Args... arguments) {
   const objc::Sel message = sel_registerName(selector);
   const auto function =
-      platform::test::uncheckedFunction(receiver, message, objc::detail::isReturnedInMemory<R>());
+      platform::trial::uncheckedFunction(receiver, message, objc::detail::isReturnedInMemory<R>());
   const auto method = reinterpret_cast<R (*)(Id, objc::Sel, Args...)>(function);
   return method(receiver, message, arguments...);
 }

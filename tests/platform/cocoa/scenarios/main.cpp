@@ -21,7 +21,7 @@ void endForWantOfARow(const std::string& message) {
 
 // Runs one scenario, named "group/name", in a real application and says on standard output what happens.
 int main(int argc, char** argv) {
-  karno::platform::test::watchMessages(endForWantOfARow);
+  karno::platform::trial::watchMessages(endForWantOfARow);
   const std::string argument = argc > 1 ? argv[1] : "";
   const std::string group = argument.substr(0, argument.find('/'));
   const std::string name = argument.substr(argument.find('/') + 1);

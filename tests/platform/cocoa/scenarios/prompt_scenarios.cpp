@@ -83,7 +83,7 @@ void readTexts() {
   terminate();
 }
 
-void measureTexts() {
+void measurePromptTexts() {
   show();
   for (const auto& [language, texts] : promptsOfManyLengths()) {
     fill(texts);
@@ -126,7 +126,7 @@ void runPromptScenario(std::string_view name) {
   } else if (name == "texts") {
     readTexts();
   } else if (name == "sizes") {
-    measureTexts();
+    measurePromptTexts();
   }
 }
 

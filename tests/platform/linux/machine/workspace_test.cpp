@@ -40,7 +40,7 @@ void makeMachine(const TemporaryFolder& root) {
   std::filesystem::permissions(open, std::filesystem::perms::owner_all);
 }
 
-void waitForFile(const std::string& path) {
+void waitForOpened(const std::string& path) {
   for (int attempt = 0; attempt < 1000 && !std::filesystem::exists(path); ++attempt) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
@@ -65,7 +65,7 @@ TEST(LinuxWorkspace, StartsTheRealProgramWithTheUrlAsItsOnlyArgument) {
   LinuxWorkspace workspace(tasks);
 
   workspace.openURL("https://example.org/$(x);'*");
-  waitForFile(folder / "opened");
+  waitForOpened(folder / "opened");
 
   EXPECT_EQ(test::contentOf(folder / "opened"), "1 https://example.org/$(x);'*\n");
 }

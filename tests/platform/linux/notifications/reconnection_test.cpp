@@ -45,7 +45,7 @@ constexpr const char* kGone = "WARN Notifications: the session bus is gone\\. Re
 constexpr const char* kNone =
     "WARN Notifications: no session bus, none will be received until there is one\\. Reason: [^\n]+";
 constexpr int kEnds = 5;
-constexpr milliseconds kLongEnoughForAStray(200);
+constexpr milliseconds kLongEnoughToReconnect(200);
 constexpr BusListener::Waits kShort{.firstPause = milliseconds(20), .longestPause = milliseconds(100)};
 constexpr BusListener::Waits kNextDay{.firstPause = std::chrono::hours(24),
                                       .longestPause = std::chrono::hours(24)};
@@ -102,11 +102,11 @@ TEST_F(BusThatComesBack, IsToldOnceAsGoneAndOnceAsBack) {
   const Listener listener(*centre, kName, kObject);
 
   bus.stop();
-  std::this_thread::sleep_for(kLongEnoughForAStray);  // several attempts fail
+  std::this_thread::sleep_for(kLongEnoughToReconnect);  // several attempts fail
   const std::vector<std::string> whileGone = told.lines();
   bus.start();
   ASSERT_TRUE(waitForNotices(2));
-  std::this_thread::sleep_for(kLongEnoughForAStray);
+  std::this_thread::sleep_for(kLongEnoughToReconnect);
 
   EXPECT_THAT(whileGone, testing::ElementsAre(MatchesRegex(kGone)));
   EXPECT_THAT(told.lines(), testing::ElementsAre(MatchesRegex(kGone), kConnected));
@@ -138,7 +138,7 @@ TEST_F(BusThatComesBack, IsHeardByEachRegistrationOnce) {
   centre->post(notification(kName, kObject, {{"message", "x"}}));
   centre->post(notification(kOtherName, kObject, {{"message", "y"}}));
   ASSERT_TRUE(hears(other, 1));
-  main.runFor(kLongEnoughForAStray);
+  main.runFor(kLongEnoughToReconnect);
 
   EXPECT_THAT(once.messages(), ElementsAre("x"));
   EXPECT_THAT(twice.messages(), ElementsAre("x", "x"));
@@ -159,7 +159,7 @@ TEST_F(BusThatComesBack, IsHeardByWhoCameMeanwhileAndNotByWhoWent) {
   centre->post(notification(kName, kObject, {{"message", "x"}}));
   centre->post(notification(kOtherName, kObject, {{"message", "y"}}));
   ASSERT_TRUE(hears(comes, 1));
-  main.runFor(kLongEnoughForAStray);
+  main.runFor(kLongEnoughToReconnect);
 
   EXPECT_THAT(stays.messages(), ElementsAre("x"));
   EXPECT_THAT(comes.messages(), ElementsAre("y"));
@@ -254,7 +254,7 @@ TEST_F(BusThatComesBack, IsNotWaitedForWithATurningWheel) {
   const Listener listener(*centre, kName, kObject);
   bus.stop();
   ASSERT_TRUE(waitForNotices(1));
-  std::this_thread::sleep_for(kLongEnoughForAStray);
+  std::this_thread::sleep_for(kLongEnoughToReconnect);
 
   const std::string before = sleepsOfThread("Notifications");
   ::sleep(1);
@@ -284,7 +284,7 @@ TEST_F(BusThatComesBack, IsNotLookedForWhenNobodyObserves) {
 
   listener.reset();
   bus.start();
-  std::this_thread::sleep_for(kLongEnoughForAStray);
+  std::this_thread::sleep_for(kLongEnoughToReconnect);
 
   EXPECT_THAT(told.lines(), SizeIs(1));
 }

@@ -30,7 +30,7 @@ using test::StandardErrorCapture;
 using test::TemporaryFolder;
 using test::waitUntil;
 
-constexpr const char* kFile = "suite.plist";
+constexpr const char* kLockedFile = "suite.plist";
 constexpr milliseconds kAtOnce(0);
 
 // Tried again at once, and not before the end.
@@ -43,8 +43,10 @@ constexpr DefaultsFileWaits kPatient{
 
 class LockedDefaultsFile : public testing::Test {
  protected:
-  std::string path() const { return folder / kFile; }
-  std::string write(const std::string& elements) const { return folder.write(kFile, propertyList(elements)); }
+  std::string path() const { return folder / kLockedFile; }
+  std::string write(const std::string& elements) const {
+    return folder.write(kLockedFile, propertyList(elements));
+  }
   Value::Dictionary stored() const {
     const Result<Value::Dictionary> values = readDictionary(path());
     return values ? values.value() : Value::Dictionary();
@@ -286,13 +288,13 @@ TEST_F(LockedDefaultsFile, LosesNoValueOfThreadsWhileTheLockComesAndGoes) {
 TEST_F(LockedDefaultsFile, IsStoredOnceAnotherObstacleIsGone) {
   const StandardErrorCapture console;
   const std::string obstacle = folder.write("folder", "a file where a folder should be");
-  DefaultsFile file(obstacle + "/" + kFile, notices, kPersistent);
+  DefaultsFile file(obstacle + "/" + kLockedFile, notices, kPersistent);
   file.setValue(Value(1), "key");
 
   std::filesystem::remove(obstacle);
 
   EXPECT_TRUE(waitUntil([&] {
-    const Result<Value::Dictionary> values = readDictionary(obstacle + "/" + kFile);
+    const Result<Value::Dictionary> values = readDictionary(obstacle + "/" + kLockedFile);
     return values && values.value() == Value::Dictionary{{"key", 1}};
   }));
 }

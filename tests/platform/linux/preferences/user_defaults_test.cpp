@@ -30,12 +30,14 @@ using test::stringEntry;
 using test::TemporaryFolder;
 
 constexpr const char* kSuite = "it.vantul.karno";
-constexpr const char* kFile = "Library/Preferences/it.vantul.karno.plist";
+constexpr const char* kDefaultsFile = "Library/Preferences/it.vantul.karno.plist";
 
 class LinuxUserDefaultsTest : public testing::Test {
  protected:
-  std::string path() const { return home / kFile; }
-  std::string write(const std::string& elements) const { return home.write(kFile, propertyList(elements)); }
+  std::string path() const { return home / kDefaultsFile; }
+  std::string write(const std::string& elements) const {
+    return home.write(kDefaultsFile, propertyList(elements));
+  }
   std::unique_ptr<UserDefaults> suite() { return store.makeSuite(kSuite); }
   Value::Dictionary stored() const { return readDictionary(path()).value(); }
 
@@ -167,19 +169,19 @@ TEST_F(LinuxUserDefaultsTest, LoseNoKeyOfThreadsThatShareOneSuite) {
 }
 
 TEST_F(LinuxUserDefaultsTest, ReadADamagedFileAsEmpty) {
-  home.write(kFile, "<plist><dict><key>key</key><true/>");
+  home.write(kDefaultsFile, "<plist><dict><key>key</key><true/>");
 
   EXPECT_EQ(suite()->objectForKey("key"), std::nullopt);
 }
 
 TEST_F(LinuxUserDefaultsTest, ReadAListInPlaceOfADictionaryAsEmpty) {
-  home.write(kFile, "<?xml version=\"1.0\"?><plist version=\"1.0\"><array><true/></array></plist>");
+  home.write(kDefaultsFile, "<?xml version=\"1.0\"?><plist version=\"1.0\"><array><true/></array></plist>");
 
   EXPECT_EQ(suite()->objectForKey("key"), std::nullopt);
 }
 
 TEST_F(LinuxUserDefaultsTest, SetADamagedFileAsideBeforeWriting) {
-  home.write(kFile, "damaged");
+  home.write(kDefaultsFile, "damaged");
   const StandardErrorCapture console;
 
   suite()->setBool(true, "key");
@@ -191,9 +193,9 @@ TEST_F(LinuxUserDefaultsTest, SetADamagedFileAsideBeforeWriting) {
 
 TEST_F(LinuxUserDefaultsTest, KeepEveryDamagedFile) {
   const StandardErrorCapture console;
-  home.write(kFile, "first");
+  home.write(kDefaultsFile, "first");
   suite()->setBool(true, "key");
-  home.write(kFile, "second");
+  home.write(kDefaultsFile, "second");
   suite()->setBool(true, "key");
 
   EXPECT_EQ(test::contentOf(path() + ".damaged-1"), "first");

@@ -10,7 +10,7 @@
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -158,4 +158,4 @@ TEST_F(MacRunningApplications, MayHaveNoBundle) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

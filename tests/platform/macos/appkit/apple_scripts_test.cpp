@@ -7,7 +7,7 @@
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -17,7 +17,7 @@ objc::Id initWithSource(objc::Id self, objc::Sel selector, objc::Id source) {
   return self;
 }
 
-objc::Id execute(objc::Id, objc::Sel selector, objc::Id* error) {
+objc::Id executeScript(objc::Id, objc::Sel selector, objc::Id* error) {
   const objc::Id descriptor = recordAndAnswer(selector);
   *error = StandIns::current().answerTo(descriptor == nullptr ? "error" : "error left over");
   return descriptor;
@@ -26,7 +26,7 @@ objc::Id execute(objc::Id, objc::Sel selector, objc::Id* error) {
 Class scriptClass() {
   static const Class made = StandInClass("StandInAppleScript")
                                 .method("initWithSource:", "@@:@", initWithSource)
-                                .method("executeAndReturnError:", "@@:^@", execute)
+                                .method("executeAndReturnError:", "@@:^@", executeScript)
                                 .registerClass();
   return made;
 }
@@ -94,4 +94,4 @@ TEST_F(MacAppleScripts, AreNoneOfATextThatThePlatformRefuses) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

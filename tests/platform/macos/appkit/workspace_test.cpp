@@ -10,7 +10,7 @@
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -24,7 +24,7 @@ objc::Boolean openURL(objc::Id, objc::Sel selector, objc::Id url) {
   return 1;
 }
 
-Class workspaceClass() {
+Class openingWorkspaceClass() {
   static const Class made = StandInClass("StandInWorkspace")
                                 .classMethod("sharedWorkspace", "@@:", sharedWorkspace)
                                 .method("openURL:", "C@:@", openURL)
@@ -34,11 +34,11 @@ Class workspaceClass() {
 
 class MacWorkspaceTest : public testing::Test {
  protected:
-  MacWorkspaceTest() { standIns_.answer("sharedWorkspace", instanceOf(workspaceClass())); }
+  MacWorkspaceTest() { standIns_.answer("sharedWorkspace", instanceOf(openingWorkspaceClass())); }
 
   const objc::AutoreleasePool pool_;
   StandIns standIns_;
-  const objc::ClassOverride override_{"NSWorkspace", workspaceClass()};
+  const objc::ClassOverride override_{"NSWorkspace", openingWorkspaceClass()};
   MacWorkspace workspace_;
 };
 
@@ -85,4 +85,4 @@ TEST_F(MacWorkspaceTest, WhatThePlatformRaisesEndsOnTheConsole) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

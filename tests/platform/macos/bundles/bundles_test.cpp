@@ -8,13 +8,13 @@
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
 
-objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+objc::Id withoutArgument(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
 objc::Id withOne(objc::Id, objc::Sel selector, objc::Id first) {
   return recordAndAnswer(selector, shown(first));
 }
@@ -27,12 +27,12 @@ objc::Id withThree(objc::Id, objc::Sel selector, objc::Id first, objc::Id second
 
 Class bundleClass() {
   static const Class made = StandInClass("StandInBundle")
-                                .classMethod("mainBundle", "@@:", withoutArguments)
+                                .classMethod("mainBundle", "@@:", withoutArgument)
                                 .classMethod("bundleWithPath:", "@@:@", withOne)
-                                .method("bundlePath", "@@:", withoutArguments)
-                                .method("executablePath", "@@:", withoutArguments)
-                                .method("executableURL", "@@:", withoutArguments)
-                                .method("bundleIdentifier", "@@:", withoutArguments)
+                                .method("bundlePath", "@@:", withoutArgument)
+                                .method("executablePath", "@@:", withoutArgument)
+                                .method("executableURL", "@@:", withoutArgument)
+                                .method("bundleIdentifier", "@@:", withoutArgument)
                                 .method("objectForInfoDictionaryKey:", "@@:@", withOne)
                                 .method("localizedStringForKey:value:table:", "@@:@@@", withThree)
                                 .method("pathForResource:ofType:", "@@:@@", withTwo)
@@ -43,7 +43,7 @@ Class bundleClass() {
 
 Class urlClass() {
   static const Class made =
-      StandInClass("StandInURL").method("absoluteString", "@@:", withoutArguments).registerClass();
+      StandInClass("StandInURL").method("absoluteString", "@@:", withoutArgument).registerClass();
   return made;
 }
 
@@ -217,4 +217,4 @@ TEST_F(MacBundles, AnswerTheKeyWhenTheyRaise) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -17,7 +17,7 @@
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/macos/dispatch/gcd_group.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -221,4 +221,4 @@ TEST(MacGroups, AreMadeByTheDispatch) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

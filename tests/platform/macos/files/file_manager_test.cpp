@@ -13,7 +13,7 @@
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/runtime/values.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::contentOf;
@@ -21,7 +21,7 @@ using karno::test::ElementsAre;
 using karno::test::TemporaryFolder;
 using ::testing::Contains;
 
-objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+objc::Id askedWithoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
 
 // Fails with the error that was set, if any, unless an answer was set.
 objc::Boolean answerOrFail(objc::Sel selector, const std::string& arguments, objc::Id* error) {
@@ -44,7 +44,7 @@ objc::Boolean trashItem(objc::Id, objc::Sel selector, objc::Id url, objc::Id* re
 
 Class managerClass() {
   static const Class made = StandInClass("StandInFileManager")
-                                .classMethod("defaultManager", "@@:", withoutArguments)
+                                .classMethod("defaultManager", "@@:", askedWithoutArguments)
                                 .method("copyItemAtPath:toPath:error:", "C@:@@^@", copyItem)
                                 .method("trashItemAtURL:resultingItemURL:error:", "C@:@^@^@", trashItem)
                                 .registerClass();
@@ -194,4 +194,4 @@ TEST_F(MacFileManager, TakesWhatIsRaisedForAnError) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

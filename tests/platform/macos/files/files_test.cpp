@@ -8,7 +8,7 @@
 #include "elements_are.h"
 #include "platform/cocoa/runtime/values.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -45,4 +45,4 @@ TEST_F(MacUserFolders, AreTheUsualOnesWithoutAnAnswer) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

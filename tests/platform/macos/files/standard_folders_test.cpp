@@ -18,7 +18,7 @@ extern "C" karno::platform::objc::Id karno_stand_in_search_path(karno::platform:
                                                                 karno::platform::objc::UInteger domains,
                                                                 karno::platform::objc::Boolean expandTilde);
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -72,11 +72,11 @@ TEST_F(MacStandardFolders, WhatIsRaisedEndsOnTheConsole) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial
 
 karno::platform::objc::Id karno_stand_in_search_path(karno::platform::objc::UInteger directory,
                                                      karno::platform::objc::UInteger domains,
                                                      karno::platform::objc::Boolean expandTilde) {
-  return karno::platform::test::recordAndAnswer("search path",
-                                                fmt::format("{} {} {}", directory, domains, expandTilde));
+  return karno::platform::trial::recordAndAnswer("search path",
+                                                 fmt::format("{} {} {}", directory, domains, expandTilde));
 }

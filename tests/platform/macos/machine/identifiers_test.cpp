@@ -7,7 +7,7 @@
 #include "../stand_in.h"
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 // NSUUID is GNUstep's here, which does not mark its UUIDs as random ones.
@@ -60,4 +60,4 @@ TEST_F(MacIdentifiersOfStandIns, AreEmptyWhereAskingRaisesWhichEndsOnTheConsole)
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

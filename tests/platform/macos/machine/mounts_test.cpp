@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 struct Mount {
@@ -57,10 +57,10 @@ TEST_F(MacMountsTest, TellNothingOfAPathThatCannotBeAsked) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial
 
 extern "C" int karno_stand_in_statfs(const char* path, struct statfs* information) {
-  auto& mount = *karno::platform::test::Mount::current;
+  auto& mount = *karno::platform::trial::Mount::current;
   mount.path = path;
   information->f_flags = mount.flags;
   std::strncpy(information->f_mntfromname, mount.device.c_str(), sizeof(information->f_mntfromname) - 1);

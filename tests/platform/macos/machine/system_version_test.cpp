@@ -9,22 +9,22 @@
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
 
-objc::Id processInfo(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+objc::Id versionedProcessInfo(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
 
 objc::Boolean isAtLeast(objc::Id, objc::Sel selector, OperatingSystemVersion version) {
   const std::string text = fmt::format("{}.{}.{}", version.major, version.minor, version.patch);
   return recordAndAnswer(selector, text) != nullptr;
 }
 
-Class processInfoClass() {
+Class versionedProcessInfoClass() {
   static const Class made = StandInClass("StandInProcessInfo")
-                                .classMethod("processInfo", "@@:", processInfo)
+                                .classMethod("processInfo", "@@:", versionedProcessInfo)
                                 .method("isOperatingSystemAtLeastVersion:", "C@:{?=qqq}", isAtLeast)
                                 .registerClass();
   return made;
@@ -34,12 +34,12 @@ class MacSystemVersion : public testing::Test {
  protected:
   const objc::AutoreleasePool pool_{};
   StandIns standIns_;
-  const objc::ClassOverride override_{"NSProcessInfo", processInfoClass()};
+  const objc::ClassOverride override_{"NSProcessInfo", versionedProcessInfoClass()};
   const FoundationSystemVersion systemVersion_{};
 };
 
 TEST_F(MacSystemVersion, AsksThePlatformWithThreeNumbers) {
-  standIns_.answer("processInfo", instanceOf(processInfoClass()));
+  standIns_.answer("processInfo", instanceOf(versionedProcessInfoClass()));
   standIns_.answer("isOperatingSystemAtLeastVersion:", objc::string("yes"));
 
   EXPECT_TRUE(systemVersion_.isAtLeast(12, 3, 1));
@@ -47,7 +47,7 @@ TEST_F(MacSystemVersion, AsksThePlatformWithThreeNumbers) {
 }
 
 TEST_F(MacSystemVersion, IsNotMetWhenThePlatformSaysNo) {
-  standIns_.answer("processInfo", instanceOf(processInfoClass()));
+  standIns_.answer("processInfo", instanceOf(versionedProcessInfoClass()));
 
   EXPECT_FALSE(systemVersion_.isAtLeast(12, 3, 0));
 }
@@ -68,4 +68,4 @@ TEST_F(MacSystemVersion, TellsTheNumberOfAppKit) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

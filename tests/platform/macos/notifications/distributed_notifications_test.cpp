@@ -13,7 +13,7 @@
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/runtime/threads.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -61,13 +61,13 @@ Class centerClass() {
   return made;
 }
 
-objc::Id property(objc::Id, objc::Sel selector) { return answer(selector); }
+objc::Id notificationProperty(objc::Id, objc::Sel selector) { return answer(selector); }
 
 Class notificationClass() {
   static const Class made = StandInClass("StandInNotification")
-                                .method("name", "@@:", property)
-                                .method("object", "@@:", property)
-                                .method("userInfo", "@@:", property)
+                                .method("name", "@@:", notificationProperty)
+                                .method("object", "@@:", notificationProperty)
+                                .method("userInfo", "@@:", notificationProperty)
                                 .registerClass();
   return made;
 }
@@ -325,4 +325,4 @@ TEST_F(MacDistributedNotifications, LeaveNoObserverBehind) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -13,7 +13,7 @@
 #include "platform/cocoa/runtime/threads.h"
 #include "platform/cocoa/runtime/values.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -124,4 +124,4 @@ TEST_F(MacManagedPreferencesTest, AreNotForcedWhenAskingRaises) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

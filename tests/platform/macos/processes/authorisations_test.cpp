@@ -41,7 +41,7 @@ std::int32_t AuthorizationFree(AuthorizationOpaqueRef* authorization, std::uint3
 void* karno_stand_in_dlsym(void* library, const char* name) noexcept;
 }
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -71,7 +71,7 @@ struct Security {
 
 Security& security() { return *Security::current; }
 
-std::string shown(const AuthorizationItemSet* set) {
+std::string rightsIn(const AuthorizationItemSet* set) {
   if (set == nullptr) return "none";
   std::string text = fmt::format("{}:", set->count);
   for (std::uint32_t index = 0; index < set->count; ++index) {
@@ -217,15 +217,15 @@ TEST_F(MacAuthorisations, TellOfACommandThatCannotBeWaitedFor) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial
 
-using karno::platform::test::security;
-using karno::platform::test::shown;
+using karno::platform::trial::rightsIn;
+using karno::platform::trial::security;
 
 std::int32_t AuthorizationCreate(const AuthorizationItemSet* rights, const AuthorizationItemSet* environment,
                                  std::uint32_t flags, AuthorizationOpaqueRef** authorization) {
-  security().lines.push_back(
-      fmt::format("create: rights {}, environment {}, flags {}", shown(rights), shown(environment), flags));
+  security().lines.push_back(fmt::format("create: rights {}, environment {}, flags {}", rightsIn(rights),
+                                         rightsIn(environment), flags));
   if (security().answer == 0 && security().givesReferences) *authorization = &security().reference;
   return security().answer;
 }
@@ -234,9 +234,9 @@ std::int32_t AuthorizationCopyRights(AuthorizationOpaqueRef* authorization,
                                      const AuthorizationItemSet* rights,
                                      const AuthorizationItemSet* environment, std::uint32_t flags,
                                      AuthorizationItemSet** granted) {
-  security().lines.push_back(fmt::format("copy with {}: rights {}, environment {}, flags {}, granted {}",
-                                         security().shown(authorization), shown(rights), shown(environment),
-                                         flags, granted == nullptr ? "not wanted" : "wanted"));
+  security().lines.push_back(fmt::format(
+      "copy with {}: rights {}, environment {}, flags {}, granted {}", security().shown(authorization),
+      rightsIn(rights), rightsIn(environment), flags, granted == nullptr ? "not wanted" : "wanted"));
   return security().answer;
 }
 
@@ -248,5 +248,5 @@ std::int32_t AuthorizationFree(AuthorizationOpaqueRef* authorization, std::uint3
 void* karno_stand_in_dlsym(void* library, const char* name) noexcept {
   security().lines.push_back(
       fmt::format("look {} up in {}", name, library == RTLD_DEFAULT ? "what is loaded" : "one library"));
-  return security().canExecute ? reinterpret_cast<void*>(&karno::platform::test::execute) : nullptr;
+  return security().canExecute ? reinterpret_cast<void*>(&karno::platform::trial::execute) : nullptr;
 }

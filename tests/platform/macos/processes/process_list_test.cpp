@@ -15,7 +15,7 @@
 
 #include "elements_are.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -123,9 +123,9 @@ TEST_F(MacProcesses, AreNoneWhenTheKernelTellsNone) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial
 
-using karno::platform::test::kernel;
+using karno::platform::trial::kernel;
 
 int proc_listpids(std::uint32_t type, std::uint32_t typeinfo, void* buffer, int buffersize) {
   auto& table = kernel();

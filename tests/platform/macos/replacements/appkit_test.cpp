@@ -22,7 +22,7 @@
 // NSApplicationMain() to the source under test, as AppKit declares it.
 extern "C" int karno_stand_in_application_main(int argc, const char** argv);
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -257,11 +257,11 @@ TEST_F(MacDesktop, AsksAppKitForTheirBundles) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial
 
 int karno_stand_in_application_main(int argc, const char** argv) {
   std::string line = fmt::format("{}:", argc);
   for (; *argv != nullptr; ++argv) line += fmt::format(" {}", *argv);
   return std::stoi(
-      karno::platform::objc::text(karno::platform::test::recordAndAnswer("application main", line)));
+      karno::platform::objc::text(karno::platform::trial::recordAndAnswer("application main", line)));
 }

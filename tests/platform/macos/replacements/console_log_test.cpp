@@ -14,7 +14,7 @@
 // NSLog() to the source under test, as Foundation declares it.
 extern "C" void karno_stand_in_log(karno::platform::objc::Id format, ...);
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -54,15 +54,15 @@ TEST_F(MacConsoleLog, KeepsToItselfWhatIsRaised) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial
 
 void karno_stand_in_log(karno::platform::objc::Id format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
   const karno::platform::objc::Id line = va_arg(arguments, karno::platform::objc::Id);
   va_end(arguments);
-  if (karno::platform::test::StandIns::isThere()) {
-    karno::platform::test::recordAndAnswer(
+  if (karno::platform::trial::StandIns::isThere()) {
+    karno::platform::trial::recordAndAnswer(
         "log", karno::platform::objc::text(format) + ", " + karno::platform::objc::text(line));
   }
 }

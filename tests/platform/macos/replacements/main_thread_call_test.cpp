@@ -19,7 +19,7 @@
 #include "platform/cocoa/runtime/threads.h"
 #include "stand_in.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using cocoa::MainThreadCall;
@@ -131,4 +131,4 @@ TEST_F(MacMainThreadCall, CarriesTheMainEventsInOrder) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -12,7 +12,7 @@
 #include "platform/cocoa/runtime/strings.h"
 #include "stand_in.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -45,7 +45,7 @@ objc::Range range(objc::Id, objc::Sel selector) {
   return {5, 6};
 }
 
-objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+objc::Id messageWithoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
 
 double doubleValue(objc::Id, objc::Sel selector) {
   recordAndAnswer(selector);
@@ -62,8 +62,8 @@ Class receiverClass() {
           .method("frame", "{_NSRect={_NSPoint=dd}{_NSSize=dd}}@:", frame)
           .method("range", "{_NSRange=QQ}@:", range)
           .method("doubleValue", "d@:", doubleValue)
-          .method("name", "@@:", withoutArguments)
-          .method("reason", "@@:", withoutArguments)
+          .method("name", "@@:", messageWithoutArguments)
+          .method("reason", "@@:", messageWithoutArguments)
           .registerClass();
   return made;
 }
@@ -176,4 +176,4 @@ TEST_F(MacMessages, LetThroughAnExceptionOfThePlatform) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

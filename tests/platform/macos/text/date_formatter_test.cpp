@@ -12,13 +12,13 @@
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/runtime/threads.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
 using karno::test::StandardErrorCapture;
 
-objc::Id withoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
+objc::Id formatterWithoutArguments(objc::Id, objc::Sel selector) { return recordAndAnswer(selector); }
 
 void setLocale(objc::Id, objc::Sel selector, objc::Id locale) {
   recordAndAnswer(selector,
@@ -54,14 +54,15 @@ Class formatterClass() {
 
 Class localeClass() {
   static const Class made = StandInClass("StandInLocale")
-                                .classMethod("autoupdatingCurrentLocale", "@@:", withoutArguments)
+                                .classMethod("autoupdatingCurrentLocale", "@@:", formatterWithoutArguments)
                                 .registerClass();
   return made;
 }
 
 Class timeZoneClass() {
-  static const Class made =
-      StandInClass("StandInTimeZone").classMethod("localTimeZone", "@@:", withoutArguments).registerClass();
+  static const Class made = StandInClass("StandInTimeZone")
+                                .classMethod("localTimeZone", "@@:", formatterWithoutArguments)
+                                .registerClass();
   return made;
 }
 
@@ -146,4 +147,4 @@ TEST_F(MacDateFormatter, WhatIsRaisedWhileItFormatsEndsOnTheConsole) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -10,7 +10,7 @@
 #include "platform/macos/text/text_matching.h"
 #include "platform/macos/text/utf16_positions.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using foundation::containsMatch;
@@ -109,4 +109,4 @@ TEST(Utf16Positions, LeaveOutWhatLiesBeyondTheEnd) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -10,7 +10,7 @@
 #include "platform/cocoa/runtime/objc.h"
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -189,4 +189,4 @@ TEST_F(MacRegularExpression, WhatIsRaisedOverAPatternIsAnError) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

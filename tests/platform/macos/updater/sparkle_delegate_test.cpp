@@ -14,7 +14,7 @@
 #include "platform/cocoa/runtime/class_builder.h"
 #include "platform/macos/updater/sparkle_updater.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using ::testing::UnorderedElementsAre;
@@ -71,4 +71,4 @@ TEST_F(MacUpdaterDelegateObject, ClaimsNoGentleReminders) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -15,7 +15,7 @@
 #include "platform/cocoa/runtime/threads.h"
 #include "platform/macos/updater/sparkle_updater.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -379,4 +379,4 @@ TEST_F(MacUpdateSession, WhatIsOnItsWayWhenTheUpdaterGoesIsToldNobody) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

@@ -16,7 +16,7 @@
 #include "elements_are.h"
 #include "platform/cocoa/runtime/strings.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -384,4 +384,4 @@ TEST_F(MacUpdater, IsAskedWhileTheMainThreadIsBusyWithARelaunch) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

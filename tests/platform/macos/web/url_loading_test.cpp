@@ -8,7 +8,7 @@
 #include "platform/cocoa/runtime/strings.h"
 #include "platform/cocoa/runtime/values.h"
 
-namespace karno::platform::test {
+namespace karno::platform::trial {
 namespace {
 
 using karno::test::ElementsAre;
@@ -23,10 +23,10 @@ objc::Id fetch(objc::Id, objc::Sel selector, objc::Id url, objc::UInteger option
   return recordAndAnswer(selector, std::to_string(options) + (isTheOneMade ? "" : " of another URL"));
 }
 
-objc::Id property(objc::Id, objc::Sel selector) { return answer(selector); }
-objc::Integer code(objc::Id, objc::Sel) { return -1009; }
+objc::Id errorProperty(objc::Id, objc::Sel selector) { return answer(selector); }
+objc::Integer codeOf(objc::Id, objc::Sel) { return -1009; }
 
-Class urlClass() {
+Class loadedURLClass() {
   static const Class made =
       StandInClass("StandInFetchedURL").classMethod("URLWithString:", "@@:@", urlWithString).registerClass();
   return made;
@@ -39,12 +39,12 @@ Class dataClass() {
   return made;
 }
 
-Class errorClass() {
+Class loadingErrorClass() {
   static const Class made = StandInClass("StandInFetchError")
-                                .method("domain", "@@:", property)
-                                .method("code", "q@:", code)
-                                .method("localizedDescription", "@@:", property)
-                                .method("userInfo", "@@:", property)
+                                .method("domain", "@@:", errorProperty)
+                                .method("code", "q@:", codeOf)
+                                .method("localizedDescription", "@@:", errorProperty)
+                                .method("userInfo", "@@:", errorProperty)
                                 .registerClass();
   return made;
 }
@@ -57,13 +57,13 @@ objc::Object dataOf(const std::string& bytes) {
 
 class MacURLLoading : public testing::Test {
  protected:
-  void answerWithURL() { standIns_.answer("URLWithString:", instanceOf(urlClass())); }
+  void answerWithURL() { standIns_.answer("URLWithString:", instanceOf(loadedURLClass())); }
 
   const objc::AutoreleasePool pool_;
   StandIns standIns_;
   const objc::Object page_ = dataOf(std::string("the\0page", 8));
   const objc::Object nothing_ = dataOf("");
-  const objc::ClassOverride url_{"NSURL", urlClass()};
+  const objc::ClassOverride url_{"NSURL", loadedURLClass()};
   const objc::ClassOverride data_{"NSData", dataClass()};
   FoundationURLLoading urlLoading_;
 };
@@ -92,7 +92,7 @@ TEST_F(MacURLLoading, GivesAnEmptyPage) {
 
 TEST_F(MacURLLoading, PassesTheErrorOn) {
   answerWithURL();
-  standIns_.answer("error", instanceOf(errorClass()));
+  standIns_.answer("error", instanceOf(loadingErrorClass()));
   standIns_.answer("domain", objc::string("NSURLErrorDomain"));
   standIns_.answer("localizedDescription", objc::string("The Internet connection appears to be offline."));
   standIns_.answer(
@@ -121,14 +121,14 @@ TEST_F(MacURLLoading, TellsOfAFailureWithoutAReason) {
 TEST_F(MacURLLoading, GivesAPageWhateverIsLeftInTheError) {
   answerWithURL();
   standIns_.answer("dataWithContentsOfURL:options:error:", page_);
-  standIns_.answer("error", instanceOf(errorClass()));
+  standIns_.answer("error", instanceOf(loadingErrorClass()));
 
   EXPECT_TRUE(urlLoading_.contentsOfURL("https://localhost/page"));
 }
 
 TEST_F(MacURLLoading, PassesAnErrorOnThatSaysNothing) {
   answerWithURL();
-  standIns_.answer("error", instanceOf(errorClass()));
+  standIns_.answer("error", instanceOf(loadingErrorClass()));
 
   const auto contents = urlLoading_.contentsOfURL("https://localhost/page");
 
@@ -138,7 +138,7 @@ TEST_F(MacURLLoading, PassesAnErrorOnThatSaysNothing) {
 
 TEST_F(MacURLLoading, GivesNothingBackThatItWasOnlyLent) {
   answerWithURL();
-  standIns_.answer("error", instanceOf(errorClass()));
+  standIns_.answer("error", instanceOf(loadingErrorClass()));
 
   static_cast<void>(urlLoading_.contentsOfURL("https://localhost/page"));
 
@@ -166,4 +166,4 @@ TEST_F(MacURLLoading, TurnsARaisedExceptionIntoAnError) {
 }
 
 }  // namespace
-}  // namespace karno::platform::test
+}  // namespace karno::platform::trial

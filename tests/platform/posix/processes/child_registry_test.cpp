@@ -72,10 +72,10 @@ TEST(ChildRegistry, ForgetsTheOldestOfMoreChildrenThanItRemembers) {
   ChildRegistry registry;
   registry.beginWatching(first.processIdentifier());
   ASSERT_FALSE(registry.watchToEnd(first.processIdentifier()));
-  constexpr std::int32_t kNobody = 2'000'000'000;
+  constexpr std::int32_t kNoProcess = 2'000'000'000;
   for (std::int32_t next = 0; next < static_cast<std::int32_t>(kReapedChildrenMax); ++next) {
-    registry.beginWatching(kNobody + next);
-    registry.watchToEnd(kNobody + next);
+    registry.beginWatching(kNoProcess + next);
+    registry.watchToEnd(kNoProcess + next);
   }
 
   const int error = registry.terminate(first.processIdentifier());

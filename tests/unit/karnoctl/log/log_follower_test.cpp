@@ -13,18 +13,19 @@ namespace {
 
 using test::FakePlatform;
 
-constexpr const char* kLog = "/Users/tester/Library/log";
+constexpr const char* kFollowedLog = "/Users/tester/Library/log";
 constexpr const char* kOld = "/Users/tester/Library/old";
 
 class LogFollowerTest : public testing::Test {
  protected:
   LogFollower followFromTheEndOf(const std::string& text) {
-    machine.files.addFile(kLog, text);
-    return {machine.fileReading, kLog, std::move(machine.fileReading.open(kLog).value()), text.size()};
+    machine.files.addFile(kFollowedLog, text);
+    return {machine.fileReading, kFollowedLog, std::move(machine.fileReading.open(kFollowedLog).value()),
+            text.size()};
   }
 
   void append(const std::string& line) {
-    const auto stream = machine.files.openForAppending(kLog);
+    const auto stream = machine.files.openForAppending(kFollowedLog);
     stream->writeLine(line);
     stream->flush();
   }
@@ -47,7 +48,7 @@ TEST_F(LogFollowerTest, ReadsWhatIsAdded) {
 TEST_F(LogFollowerTest, ReadsTheLastLinesOfARotatedFileAndThenTheNewOne) {
   LogFollower follower = followFromTheEndOf("one\n");
   append("two");
-  machine.files.move(kLog, kOld);
+  machine.files.move(kFollowedLog, kOld);
   append("three");
 
   EXPECT_EQ(follower.newText(), "two\n");
@@ -74,12 +75,12 @@ class InterruptedReading final : public platform::FileReading {
 };
 
 TEST_F(LogFollowerTest, LosesNoLineThatComesJustBeforeARotation) {
-  machine.files.addFile(kLog, "one\n");
+  machine.files.addFile(kFollowedLog, "one\n");
   const InterruptedReading reading(machine.fileReading);
-  LogFollower follower(reading, kLog, std::move(reading.open(kLog).value()), 4);
+  LogFollower follower(reading, kFollowedLog, std::move(reading.open(kFollowedLog).value()), 4);
   reading.beforeOpening = [this] {
     append("two");
-    machine.files.move(kLog, kOld);
+    machine.files.move(kFollowedLog, kOld);
     append("three");
   };
 
@@ -89,7 +90,7 @@ TEST_F(LogFollowerTest, LosesNoLineThatComesJustBeforeARotation) {
 
 TEST_F(LogFollowerTest, WaitsWhileARotatedFileIsNotMadeAnew) {
   LogFollower follower = followFromTheEndOf("one\n");
-  machine.files.move(kLog, kOld);
+  machine.files.move(kFollowedLog, kOld);
   EXPECT_EQ(follower.newText(), "");
 
   append("two");
@@ -100,14 +101,14 @@ TEST_F(LogFollowerTest, WaitsWhileARotatedFileIsNotMadeAnew) {
 TEST_F(LogFollowerTest, StartsOverWhenTheFileIsCutShort) {
   LogFollower follower = followFromTheEndOf("one\ntwo\n");
 
-  machine.files.overwrite(kLog, "new\n");
+  machine.files.overwrite(kFollowedLog, "new\n");
 
   EXPECT_EQ(follower.newText(), "new\n");
   EXPECT_TRUE(follower.startedAnew());
 }
 
 TEST_F(LogFollowerTest, WaitsForAFileThatIsNotThereYet) {
-  LogFollower follower(machine.fileReading, kLog, nullptr, 0);
+  LogFollower follower(machine.fileReading, kFollowedLog, nullptr, 0);
   EXPECT_EQ(follower.newText(), "");
 
   append("one");

@@ -15,7 +15,7 @@ using test::kOldLogFile;
 using test::kStartOfTest;
 using ::testing::IsEmpty;
 
-constexpr const char* kBeginning = "===================================================";
+constexpr const char* kStoryBeginning = "===================================================";
 
 // As the launcher with that process identifier logs it.
 std::string logged(const std::string& message, int process = 4242, platform::Date date = kStartOfTest) {
@@ -37,7 +37,7 @@ TEST(LoggedProcessOf, IsEmptyWithoutALog) {
 
 TEST(LoggedProcessOf, HasTheLinesOfThatProcessAlone) {
   FakePlatform machine;
-  machine.files.addFile(kLogFile, logged(kBeginning) + logged("Main: Need to install Fuse", 4243) +
+  machine.files.addFile(kLogFile, logged(kStoryBeginning) + logged("Main: Need to install Fuse", 4243) +
                                       logged("Startup[CHECK] Using FileProvider"));
 
   const LoggedProcess found = read(machine);
@@ -49,7 +49,7 @@ TEST(LoggedProcessOf, HasTheLinesOfThatProcessAlone) {
 TEST(LoggedProcessOf, BeginsInTheFileBefore) {
   FakePlatform machine;
   machine.files.addFile(kOldLogFile,
-                        logged(kBeginning) + logged("Startup[LAUNCH] Launched Karno.app (pid: 4250)"));
+                        logged(kStoryBeginning) + logged("Startup[LAUNCH] Launched Karno.app (pid: 4250)"));
   machine.files.addFile(kLogFile, logged("Sparkle[UPDATE] Downloaded update"));
 
   const LoggedProcess found = read(machine);
@@ -75,7 +75,7 @@ TEST(LoggedProcessOf, IsEmptyWhereAnEarlierProcessHadTheNumber) {
   FakePlatform machine;
   const platform::Date yesterday = kStartOfTest - std::chrono::hours(24);
   machine.files.addFile(kLogFile,
-                        logged(kBeginning, 4242, yesterday) +
+                        logged(kStoryBeginning, 4242, yesterday) +
                             logged("Startup[LAUNCH] Launched Karno.app (pid: 4250)", 4242, yesterday));
 
   EXPECT_TRUE(read(machine).story.isEmpty());
@@ -84,7 +84,7 @@ TEST(LoggedProcessOf, IsEmptyWhereAnEarlierProcessHadTheNumber) {
 TEST(LoggedProcessOf, BearsALineThatIsStillBeingWritten) {
   FakePlatform machine;
   machine.files.addFile(kLogFile,
-                        logged(kBeginning) + "2024-03-05 14:07:09:042+0100 (4242) [INFO] Main: Need");
+                        logged(kStoryBeginning) + "2024-03-05 14:07:09:042+0100 (4242) [INFO] Main: Need");
 
   EXPECT_EQ(read(machine).story.state(), LauncherState::Starts);
 }

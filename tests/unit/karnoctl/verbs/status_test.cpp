@@ -42,7 +42,7 @@ void run(FakePlatform& machine, const std::vector<RunningProcess>& processes) {
   }
 }
 
-constexpr const char* kBeginning = "===================================================";
+constexpr const char* kRunBeginning = "===================================================";
 
 // What the launcher 4242 has logged.
 void log(FakePlatform& machine, const std::vector<std::string>& messages) {
@@ -104,7 +104,7 @@ TEST(KarnoctlStatus, TellsTheWaitForMacFUSEAndWhatWouldDo) {
   Terminal terminal;
   run(machine, {process(4242, 1, kLauncher, 2)});
   machine.withSystem("14.5", "arm64").withFuse("4.0.4");
-  log(machine, {kBeginning, "Startup[FUSE] Waiting for Fuse to install"});
+  log(machine, {kRunBeginning, "Startup[FUSE] Waiting for Fuse to install"});
 
   EXPECT_EQ(terminal.run({"status"}), 0);
 
@@ -118,7 +118,7 @@ TEST(KarnoctlStatus, TellsThatTheUserIsAsked) {
   Terminal terminal;
   run(machine, {process(4242, 1, kLauncher, 2)});
   machine.withSystem("13.0", "arm64");
-  log(machine, {kBeginning, "Main: Need to install Fuse"});
+  log(machine, {kRunBeginning, "Main: Need to install Fuse"});
 
   EXPECT_EQ(terminal.run({"status"}), 0);
 
