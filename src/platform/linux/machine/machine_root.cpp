@@ -2,7 +2,6 @@
 
 #include "platform/posix/environment.h"
 #include "platform/posix/files/home.h"
-#include "platform/system_path.h"
 
 namespace karno::platform {
 namespace {
@@ -24,11 +23,6 @@ std::string machineRoot() { return machineRootNamed(environmentVariable("KARNO_M
 
 std::string machineRootNamed(std::string_view value) {
   return value.empty() ? dataFolder() + "/karno/machine" : withoutSlashesAtEnd(std::string(value));
-}
-
-std::string systemPath(std::string_view path) {
-  const std::string root = machineRoot();
-  return (root == "/" ? std::string() : root) + std::string(path);
 }
 
 }  // namespace karno::platform
