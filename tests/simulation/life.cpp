@@ -29,28 +29,6 @@ using nlohmann::json;
 
 constexpr int kRealSecondsMax = 60;  // for one life
 
-// A file without a name, for what a life has to tell.
-class Letter {
- public:
-  Letter() : file_(std::tmpfile(), &std::fclose) {
-    if (!file_) throw std::runtime_error("no file");
-  }
-  void write(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), file_.get());
-    std::fflush(file_.get());
-  }
-  std::string read() {
-    std::fseek(file_.get(), 0, SEEK_END);
-    std::string text(static_cast<std::size_t>(std::ftell(file_.get())), '\0');
-    std::rewind(file_.get());
-    text.resize(std::fread(text.data(), 1, text.size(), file_.get()));
-    return text;
-  }
-
- private:
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
-};
-
 [[noreturn]] void liveHere(const Life& life, Letter& letter) {
   ::alarm(kRealSecondsMax);
   World world(life, [&letter](const LifeReport& report) {
@@ -68,6 +46,23 @@ LifeReport brokenLife(const std::string& oracle, const std::string& detail) {
 }
 
 }  // namespace
+
+Letter::Letter() : file_(std::tmpfile(), &std::fclose) {
+  if (!file_) throw std::runtime_error("no file");
+}
+
+void Letter::write(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), file_.get());
+  std::fflush(file_.get());
+}
+
+std::string Letter::read() {
+  std::fseek(file_.get(), 0, SEEK_END);
+  std::string text(static_cast<std::size_t>(std::ftell(file_.get())), '\0');
+  std::rewind(file_.get());
+  text.resize(std::fread(text.data(), 1, text.size(), file_.get()));
+  return text;
+}
 
 LifeReport live(const Life& life) {
   Letter letter;

@@ -1,5 +1,7 @@
 #pragma once
 #include <cstdint>
+#include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -56,7 +58,18 @@ struct LifeReport {
   std::vector<NextStart> next;  // how; none when nobody does
 };
 
-// Lives it in a process of its own.
+// What a process that fork() made tells the one that made it: a file without a name.
+class Letter {
+ public:
+  Letter();
+  void write(const std::string& text);
+  std::string read();  // once the writer has ended
+
+ private:
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
+};
+
+// Lives it in a process of its own. The caller has one thread.
 LifeReport live(const Life& life);
 
 // A session: one life after the other, until one runs on or nobody starts the next.

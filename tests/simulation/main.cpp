@@ -1,11 +1,14 @@
 #include <fmt/format.h>
 #include <sched.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
-#include <mutex>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -33,29 +36,26 @@ struct Options {
   Weather weather = Weather::Foul;
 };
 
-// What the sessions came to.
-class Sum {
- public:
-  void add(const SessionReport& session) {
-    const std::lock_guard lock(mutex_);
-    ++sessions;
-    lives += session.lives.size();
-    if (!session.broken().empty()) ++broken;
-    for (const LifeReport& life : session.lives) {
-      stories.insert(life.stories.begin(), life.stories.end());
-      faults.insert(life.faults.begin(), life.faults.end());
-    }
-  }
-
+// What the sessions of one worker came to.
+struct Sum {
   std::uint64_t sessions = 0;
   std::uint64_t lives = 0;
   std::uint64_t broken = 0;
   std::set<std::string> stories;
   std::set<std::string> faults;
-
- private:
-  std::mutex mutex_;
 };
+
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Sum, sessions, lives, broken, stories, faults)
+
+void add(Sum& sum, const SessionReport& session) {
+  ++sum.sessions;
+  sum.lives += session.lives.size();
+  if (!session.broken().empty()) ++sum.broken;
+  for (const LifeReport& life : session.lives) {
+    sum.stories.insert(life.stories.begin(), life.stories.end());
+    sum.faults.insert(life.faults.begin(), life.faults.end());
+  }
+}
 
 void print(const std::string& text) {
   std::fputs(text.c_str(), stdout);
@@ -75,19 +75,20 @@ void tellBroken(std::uint64_t seed, Weather weather, const SessionReport& sessio
   print(report);
 }
 
-void work(const Options& options, std::uint64_t worker, std::uint64_t workers, Sum& sum) {
+Sum work(const Options& options, std::uint64_t worker, std::uint64_t workers) {
   using Clock = std::chrono::steady_clock;
   const auto end = Clock::now() + std::chrono::minutes(options.minutes);
+  Sum sum;
   for (std::uint64_t i = worker; options.minutes > 0 ? Clock::now() < end : i < options.seeds; i += workers) {
     const std::uint64_t seed = options.from + i;
     const SessionReport session = liveSession(planOf(seed, options.weather));
-    sum.add(session);
+    add(sum, session);
     if (!session.broken().empty()) tellBroken(seed, options.weather, session);
   }
+  return sum;
 }
 
-// The lives that the caller begins from now on, each a process of its own, have threads that run one at a
-// time: they wake each other much faster on one processor.
+// The threads of a life run one at a time: they wake each other much faster on one processor.
 void stayOn(std::uint64_t processor) {
   cpu_set_t set;
   CPU_ZERO(&set);
@@ -95,22 +96,34 @@ void stayOn(std::uint64_t processor) {
   ::sched_setaffinity(0, sizeof(set), &set);
 }
 
-// One worker a processor.
-void workOnAll(const Options& options, Sum& sum) {
-  const std::uint64_t workers = std::max(1U, std::thread::hardware_concurrency());
-  std::vector<std::jthread> threads;
-  for (std::uint64_t worker = 0; worker < workers; ++worker) {
-    threads.emplace_back([&options, &sum, worker, workers] {
-      stayOn(worker);
-      work(options, worker, workers, sum);
-    });
+// One worker a processor, each a process of its own.
+Sum workOnAll(const Options& options) {
+  std::vector<Letter> letters(std::max(1U, std::thread::hardware_concurrency()));
+  for (std::size_t worker = 0; worker < letters.size(); ++worker) {
+    const pid_t child = ::fork();
+    if (child < 0) throw std::runtime_error("no child process");
+    if (child != 0) continue;
+    stayOn(worker);
+    letters[worker].write(nlohmann::json(work(options, worker, letters.size())).dump());
+    ::_exit(0);
   }
+  while (::wait(nullptr) > 0) {
+  }
+  Sum all;
+  for (Letter& letter : letters) {
+    Sum one = nlohmann::json::parse(letter.read()).get<Sum>();
+    all.sessions += one.sessions;
+    all.lives += one.lives;
+    all.broken += one.broken;
+    all.stories.merge(one.stories);
+    all.faults.merge(one.faults);
+  }
+  return all;
 }
 
 int simulate(const Options& options) {
   const auto begin = std::chrono::steady_clock::now();
-  Sum sum;
-  workOnAll(options, sum);
+  const Sum sum = workOnAll(options);
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
   std::string untold;
   for (const Story& story : stories()) {
