@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <limits>
 #include <utility>
 
@@ -28,6 +30,27 @@ std::int64_t toNanoseconds(double seconds) { return std::llround(std::clamp(seco
 
 }  // namespace
 
+HandOver::HandOver() { ::sem_init(&semaphore_, 0, 0); }
+
+HandOver::~HandOver() { ::sem_destroy(&semaphore_); }
+
+void HandOver::release() { ::sem_post(&semaphore_); }
+
+void HandOver::acquire() {
+  while (::sem_wait(&semaphore_) != 0 && errno == EINTR) {
+  }
+}
+
+bool HandOver::tryAcquireFor(std::chrono::seconds limit) {
+  timespec until{};
+  ::clock_gettime(CLOCK_REALTIME, &until);
+  until.tv_sec += limit.count();
+  int result = 0;
+  do result = ::sem_timedwait(&semaphore_, &until);
+  while (result != 0 && errno == EINTR);
+  return result == 0;
+}
+
 struct FakeScheduler::VirtualThread {
   enum class State { Ready, Running, Sleeping, Finished };
 
@@ -37,7 +60,7 @@ struct FakeScheduler::VirtualThread {
   State state = State::Ready;
   std::int64_t wakeAt = 0;             // also of one that is ready
   std::function<bool()> awaited = {};  // what wakes a sleeper earlier
-  std::binary_semaphore wake{0};  // the baton comes to it
+  HandOver wake;                       // the baton comes to it
   std::thread thread;
 };
 
@@ -213,7 +236,7 @@ void FakeScheduler::giveBatonTo(VirtualThread& thread) {
   } else {
     thread.thread = std::thread([this, &thread] { threadBody(thread); });
   }
-  if (!mainWake_.try_acquire_for(kStuckAfter)) {
+  if (!mainWake_.tryAcquireFor(kStuckAfter)) {
     std::fprintf(stderr, "The virtual thread %s neither sleeps nor ends.\n", thread.name.c_str());
     std::abort();
   }

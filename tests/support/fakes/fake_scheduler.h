@@ -1,9 +1,11 @@
 #pragma once
+#include <semaphore.h>
+
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <semaphore>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -29,6 +31,23 @@ struct Unruliness {
   unsigned latePercent = 0;                  // of the threads that start and of the sleepers that wake
   double lateSecondsMax = 0;                 // how late they are
   std::size_t threadsMax = ~std::size_t{0};  // of queues, that run at once
+};
+
+// One thread waits for another. Not the standard library's semaphore, which yields the processor before it
+// waits: beside programs that are always busy each hand-over would then take as long as they may stay.
+class HandOver {
+ public:
+  HandOver();
+  ~HandOver();
+  HandOver(const HandOver&) = delete;
+  HandOver& operator=(const HandOver&) = delete;
+
+  void release();
+  void acquire();
+  bool tryAcquireFor(std::chrono::seconds limit);  // of real time; false when nobody released it
+
+ private:
+  sem_t semaphore_;
 };
 
 // Runs virtual threads one at a time in virtual time. Every virtual thread is a real one, but only the holder
@@ -133,7 +152,7 @@ class FakeScheduler {
   std::set<std::uint64_t> ended_;
   std::vector<std::unique_ptr<VirtualThread>> threads_;
 
-  std::binary_semaphore mainWake_{0};  // the baton comes back to the main thread
+  HandOver mainWake_;  // the baton comes back to the main thread
 };
 
 }  // namespace karno::test
