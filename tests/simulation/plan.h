@@ -18,7 +18,9 @@ namespace karno::simulation {
 //   session END (of the updater, see updater_session.h; at 0 one that somebody asks for), updater cannot
 //   start, updater cannot check, other launcher (for N seconds), clock (jumps N seconds), post lost, post
 //   doubled, no bus, fault OPERATION HOW (from the Nth call on, see faults.h), crash (at the Nth call of any
-//   service)
+//   service), no strings, interface USE (see other_programs.h), sabotage HOW (a mutation, for the oracles)
+//
+// Events of one time come in their order, any number of other threads' steps between them.
 struct Event {
   int life = 0;   // of the launcher: each start begins one
   double at = 0;  // seconds of virtual time since its start
