@@ -36,44 +36,44 @@ class SimulatedStream final : public platform::AppendStream {
   std::unique_ptr<platform::AppendStream> stream_;
 };
 
-class SimulatedFiles final : public Of<platform::Files> {
+class SimulatedFiles final : public Of<platform::Files, &Fakes::files> {
  public:
-  explicit SimulatedFiles(World& world) : Of(world), files_(world.machine.files) {}
+  using Of::Of;
 
   std::vector<std::string> searchPath(platform::UserFolder folder) const override {
-    return files_.searchPath(folder);
+    return fake_.searchPath(folder);
   }
-  std::string homeDirectory() const override { return files_.homeDirectory(); }
+  std::string homeDirectory() const override { return fake_.homeDirectory(); }
   std::vector<std::string> localLibraryFolders() const override {
     if (world_.call("Files::localLibraryFolders") != nullptr) return {};
-    return files_.localLibraryFolders();
+    return fake_.localLibraryFolders();
   }
   bool fileExists(const std::string& path) const override {
     world_.call("Files::fileExists");
-    return files_.fileExists(path);
+    return fake_.fileExists(path);
   }
   std::optional<std::uint64_t> sizeInBytes(const std::string& path) const override {
     world_.call("Files::sizeInBytes");
-    return files_.sizeInBytes(path);
+    return fake_.sizeInBytes(path);
   }
   Result<std::string> read(const std::string& path) const override {
     const Fault* const fault = world_.call("Files::read");
-    if (fault == nullptr) return files_.read(path);
+    if (fault == nullptr) return fake_.read(path);
     if (fault->how == How::Odd) return std::string(kGarbage);
     return Error::posix(fault->number);
   }
   Result<std::string> destinationOfSymbolicLink(const std::string& path) const override {
-    return files_.destinationOfSymbolicLink(path);
+    return fake_.destinationOfSymbolicLink(path);
   }
   std::optional<Error> createFile(const std::string& path) override {
-    return unlessFaulty("Files::createFile", [&] { return files_.createFile(path); });
+    return unlessFaulty("Files::createFile", [&] { return fake_.createFile(path); });
   }
   std::optional<Error> createDirectory(const std::string& path) override {
-    return unlessFaulty("Files::createDirectory", [&] { return files_.createDirectory(path); });
+    return unlessFaulty("Files::createDirectory", [&] { return fake_.createDirectory(path); });
   }
   std::optional<Error> move(const std::string& from, const std::string& to) override {
     return unlessFaulty("Files::move", [&] {
-      auto error = files_.move(from, to);
+      auto error = fake_.move(from, to);
       if (!error && from == test::kLogFile) ++world_.record.rotations;
       return error;
     });
@@ -84,25 +84,25 @@ class SimulatedFiles final : public Of<platform::Files> {
     return unlessFaulty("Files::remove", [&] {
       world_.note("remove", path);
       std::vector<std::string> items;
-      if (files_.isFolder(path) && !files_.destinationOfSymbolicLink(path))
-        files_.enumerate(path, [&](const platform::DirectoryEntry& entry) {
+      if (fake_.isFolder(path) && !fake_.destinationOfSymbolicLink(path))
+        fake_.enumerate(path, [&](const platform::DirectoryEntry& entry) {
           items.push_back(path + "/" + entry.relativePath);
           return true;
         });
       for (; !items.empty(); items.pop_back()) {
-        if (const auto error = unlessFaulty("Files::remove", [&] { return files_.remove(items.back()); }))
+        if (const auto error = unlessFaulty("Files::remove", [&] { return fake_.remove(items.back()); }))
           return error;
       }
-      return files_.remove(path);
+      return fake_.remove(path);
     });
   }
   void enumerate(const std::string& folder, const Visitor& visit) const override {
     world_.call("Files::enumerate");
-    files_.enumerate(folder, visit);
+    fake_.enumerate(folder, visit);
   }
   std::unique_ptr<platform::AppendStream> openForAppending(const std::string& path) override {
     if (world_.call("Files::openForAppending") != nullptr) return nullptr;
-    auto stream = files_.openForAppending(path);
+    auto stream = fake_.openForAppending(path);
     return stream ? std::make_unique<SimulatedStream>(world_, path, std::move(stream)) : nullptr;
   }
 
@@ -112,26 +112,24 @@ class SimulatedFiles final : public Of<platform::Files> {
     if (const Fault* const fault = world_.call(name)) return Error::posix(fault->number);
     return operation();
   }
-
-  test::FakeFiles& files_;
 };
 
 // Whole copies appear at once, and what is copied lies beside them before.
-class SimulatedFileManager final : public Of<platform::FileManager> {
+class SimulatedFileManager final : public Of<platform::FileManager, &Fakes::fileManager> {
  public:
-  explicit SimulatedFileManager(World& world) : Of(world), manager_(world.machine.fileManager) {}
+  using Of::Of;
 
   bool isWritable(const std::string& path) const override {
     const Fault* const fault = world_.call("FileManager::isWritable");
-    return manager_.isWritable(path) != (fault != nullptr);
+    return fake_.isWritable(path) != (fault != nullptr);
   }
   bool isSameItem(const std::string& path, const std::string& other) const override {
-    return manager_.isSameItem(path, other);
+    return fake_.isSameItem(path, other);
   }
   std::string resolvingSymbolicLinks(const std::string& path) const override {
-    return manager_.resolvingSymbolicLinks(path);
+    return fake_.resolvingSymbolicLinks(path);
   }
-  std::string standardising(const std::string& path) const override { return manager_.standardising(path); }
+  std::string standardising(const std::string& path) const override { return fake_.standardising(path); }
 
   std::optional<Error> copyItem(const std::string& from, const std::string& to) override {
     const Fault* const fault = world_.call("FileManager::copyItem");
@@ -147,7 +145,7 @@ class SimulatedFileManager final : public Of<platform::FileManager> {
       return std::nullopt;
     };
     if (const auto error =
-            manager_.isSameItem(from, to) ? Error::posix(EEXIST) : files.copy(from, beside, hindrance))
+            fake_.isSameItem(from, to) ? Error::posix(EEXIST) : files.copy(from, beside, hindrance))
       return error;
     if (files.isThere(to)) return Error::posix(EEXIST);
     return files.move(beside, to);
@@ -159,84 +157,75 @@ class SimulatedFileManager final : public Of<platform::FileManager> {
     }
     world_.note("trash", path);
     if (const Fault* const fault = world_.call("FileManager::trashItem")) return Error::posix(fault->number);
-    return manager_.trashItem(path);
+    return fake_.trashItem(path);
   }
-
- private:
-  test::FakeFileManager& manager_;
 };
 
 class SimulatedDefaults final : public platform::UserDefaults {
  public:
-  SimulatedDefaults(World& world, std::string suite, std::unique_ptr<platform::UserDefaults> owned,
-                    platform::UserDefaults& defaults)
-      : world_(world), suite_(std::move(suite)), owned_(std::move(owned)), defaults_(defaults) {}
+  SimulatedDefaults(World& world, std::string suite, std::shared_ptr<platform::UserDefaults> defaults)
+      : world_(world), suite_(std::move(suite)), defaults_(std::move(defaults)) {}
 
   std::optional<platform::Value> objectForKey(std::string_view key) const override {
     if (world_.call("UserDefaults::objectForKey") != nullptr)
       return platform::Value(platform::Value::Array{});
-    return defaults_.objectForKey(key);
+    return defaults_->objectForKey(key);
   }
   bool boolForKey(std::string_view key) const override {
-    return defaults_.boolForKey(key) != (world_.call("UserDefaults::boolForKey") != nullptr);
+    return defaults_->boolForKey(key) != (world_.call("UserDefaults::boolForKey") != nullptr);
   }
   void setBool(bool value, std::string_view key) override {
     if (world_.call("UserDefaults::setBool") != nullptr) return;
     world_.wrote(suite_, world_.isSabotaged("odd setting") ? "isFirstStartup" : key, value);
-    defaults_.setBool(value, key);
+    defaults_->setBool(value, key);
   }
   void synchronize() override {
     world_.call("UserDefaults::synchronize");
-    defaults_.synchronize();
+    defaults_->synchronize();
   }
 
  private:
   World& world_;
   const std::string suite_;
-  std::unique_ptr<platform::UserDefaults> owned_;
-  platform::UserDefaults& defaults_;
+  std::shared_ptr<platform::UserDefaults> defaults_;
 };
 
-class SimulatedDefaultsStore final : public platform::UserDefaultsStore {
+class SimulatedDefaultsStore final : public Of<platform::UserDefaultsStore, &Fakes::userDefaults> {
  public:
-  explicit SimulatedDefaultsStore(World& world)
-      : world_(world),
-        standard_(world, "standard", nullptr, world.machine.userDefaults.standardUserDefaults()) {}
+  using Of::Of;
 
   platform::UserDefaults& standardUserDefaults() override { return standard_; }
   std::unique_ptr<platform::UserDefaults> makeSuite(const std::string& name) override {
-    auto suite = world_.machine.userDefaults.makeSuite(name);
-    platform::UserDefaults& defaults = *suite;
-    return std::make_unique<SimulatedDefaults>(world_, name, std::move(suite), defaults);
+    return std::make_unique<SimulatedDefaults>(world_, name, fake_.makeSuite(name));
   }
 
  private:
-  World& world_;
-  SimulatedDefaults standard_;
+  // The store is the owner.
+  SimulatedDefaults standard_{world_, "standard", {std::shared_ptr<void>(), &fake_.standardUserDefaults()}};
 };
 
-class SimulatedManagedPreferences final : public Of<platform::ManagedPreferences> {
+class SimulatedManagedPreferences final
+    : public Of<platform::ManagedPreferences, &Fakes::managedPreferences> {
  public:
   using Of::Of;
 
   std::optional<platform::Value> copyAppValue(const std::string& key,
                                               const std::string& application) override {
     const Fault* const fault = world_.call("ManagedPreferences::copyAppValue");
-    if (fault == nullptr) return world_.machine.managedPreferences.copyAppValue(key, application);
+    if (fault == nullptr) return fake_.copyAppValue(key, application);
     return fault->how == How::Odd ? std::optional(platform::Value(true)) : std::nullopt;
   }
   bool isAppValueForced(const std::string& key, const std::string& application) override {
-    return world_.machine.managedPreferences.isAppValueForced(key, application);
+    return fake_.isAppValueForced(key, application);
   }
 };
 
-class SimulatedMounts final : public Of<platform::Mounts> {
+class SimulatedMounts final : public Of<platform::Mounts, &Fakes::mounts> {
  public:
   using Of::Of;
 
   std::optional<platform::MountInformation> informationOf(const std::string& path) const override {
-    return world_.call("Mounts::informationOf") != nullptr ? std::nullopt
-                                                           : world_.machine.mounts.informationOf(path);
+    return world_.call("Mounts::informationOf") != nullptr ? std::nullopt : fake_.informationOf(path);
   }
 };
 
@@ -279,18 +268,18 @@ class SimulatedAuthorisation final : public platform::Authorisation {
   std::unique_ptr<platform::Authorisation> given_;
 };
 
-class SimulatedAuthorisations final : public Of<platform::Authorisations> {
+class SimulatedAuthorisations final : public Of<platform::Authorisations, &Fakes::authorisations> {
  public:
   using Of::Of;
 
   std::unique_ptr<platform::Authorisation> create() override {
     if (world_.call("Authorisations::create") != nullptr) return nullptr;
-    return std::make_unique<SimulatedAuthorisation>(world_, world_.machine.authorisations.create());
+    return std::make_unique<SimulatedAuthorisation>(world_, fake_.create());
   }
 };
 
 // The one script that there is moves a file to the Trash.
-class SimulatedAppleScripts final : public Of<platform::AppleScripts> {
+class SimulatedAppleScripts final : public Of<platform::AppleScripts, &Fakes::appleScripts> {
  public:
   using Of::Of;
 
@@ -299,7 +288,7 @@ class SimulatedAppleScripts final : public Of<platform::AppleScripts> {
     const std::size_t begin = source.find('"') + 1;
     const auto error =
         world_.machine.fileManager.trashItem(source.substr(begin, source.find('"', begin) - begin));
-    return error ? std::optional(error->description()) : world_.machine.appleScripts.execute(source);
+    return error ? std::optional(error->description()) : fake_.execute(source);
   }
 };
 

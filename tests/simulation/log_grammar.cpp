@@ -326,15 +326,7 @@ bool matches(std::string_view text, std::string_view pattern) {
 
 }  // namespace
 
-const std::vector<LineKind>& lineKinds() {
-  static const std::vector<LineKind> kinds(std::begin(kLines), std::end(kLines));
-  return kinds;
-}
-
-const std::vector<Story>& stories() {
-  static const std::vector<Story> all(std::begin(kStories), std::end(kStories));
-  return all;
-}
+std::span<const Story> stories() { return kStories; }
 
 const LineKind* kindOf(std::string_view level, std::string_view message) {
   const auto* const found = std::ranges::find_if(

@@ -1,6 +1,6 @@
 #pragma once
 #include <cstddef>
-#include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,8 +16,6 @@ struct LineKind {
   std::string_view threads;
 };
 
-const std::vector<LineKind>& lineKinds();
-
 // Null for what the launcher never logs.
 const LineKind* kindOf(std::string_view level, std::string_view message);
 
@@ -29,7 +27,7 @@ struct Story {
   std::string_view lines;
 };
 
-const std::vector<Story>& stories();
+std::span<const Story> stories();
 
 // The names of the lines that no story has.
 std::vector<std::string> linesWithoutStory();

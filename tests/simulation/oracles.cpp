@@ -39,15 +39,12 @@ Lines linesOf(const Record& record) {
   return lines;
 }
 
-bool has(const Lines& lines, std::string_view name) {
-  return std::ranges::any_of(lines,
-                             [&](const auto& one) { return one.kind != nullptr && one.kind->name == name; });
-}
-
 std::ptrdiff_t count(const Lines& lines, std::string_view name) {
   return std::ranges::count_if(
       lines, [&](const auto& one) { return one.kind != nullptr && one.kind->name == name; });
 }
+
+bool has(const Lines& lines, std::string_view name) { return count(lines, name) > 0; }
 
 double overlap(const std::vector<std::pair<double, double>>& spans, double from, double to) {
   double sum = 0;

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
+#include <sstream>
 
 #include "faults.h"
 
@@ -57,64 +59,36 @@ constexpr const char* kInterfaces[] = {
     "asks again", "cancels progress", "moves twice", "wants an end", "texts", "names", "files", "settings"};
 constexpr const char* kBuilds[] = {"Karno.app", "Karno(Fuse).app"};
 
-constexpr const char* kFaults[] = {
-    "Files::read fails 5 once",
-    "Files::read odd once",
-    "Files::localLibraryFolders odd once",
-    "Files::createFile fails 28",
-    "Files::createDirectory fails 13",
-    "Files::remove fails 1",
-    "Files::move fails 28",
-    "Files::openForAppending fails 13",
-    "Files::openForAppending fails 13 once",
-    "Files::writeLine fails 28 once",
-    "Files::writeLine half 28 once",
-    "Files::writeLine late 2 once",
-    "UserDefaults::objectForKey odd",
-    "UserDefaults::boolForKey odd once",
-    "UserDefaults::setBool fails 28",
-    "ManagedPreferences::copyAppValue odd",
-    "ManagedPreferences::copyAppValue fails 13",
-    "Tasks::launch fails 12",
-    "Tasks::launch fails 12 once",
-    "Tasks::launch late 2 once",
-    "Processes::terminate fails 1",
-    "Processes::terminate fails 3",
-    "Processes::waitForChild fails 10",
-    "Processes::waitForChild fails 22",
-    "Processes::name odd",
-    "Shell::open fails 24",
-    "Shell::open odd once",
-    "Shell::open fails 24 once",
-    "Shell::close fails 10",
-    "Shell::open late 4 once",
-    "Commands::run fails 2",
-    "Commands::run odd",
-    "Commands::run late 6 once",
-    "Commands::start fails 11",
-    "URLLoading::contentsOfURL fails 0",
-    "URLLoading::contentsOfURL odd",
-    "URLLoading::contentsOfURL late 100000",
-    "Workspace::runningApplications odd once",
-    "Bundles::bundleAtPath fails 0 once",
-    "Dispatch::sleep late 1 once",
-};
+std::vector<std::string> partsOf(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> parts;
+  for (std::string part; std::getline(stream >> std::ws, part, ',');) parts.push_back(part);
+  return parts;
+}
+
+const std::vector<std::string> kFaults = partsOf(
+    "Files::read fails 5 once, Files::read odd once, Files::localLibraryFolders odd once, "
+    "Files::createFile fails 28, Files::createDirectory fails 13, Files::remove fails 1, "
+    "Files::move fails 28, Files::openForAppending fails 13, Files::openForAppending fails 13 once, "
+    "Files::writeLine fails 28 once, Files::writeLine half 28 once, Files::writeLine late 2 once, "
+    "UserDefaults::objectForKey odd, UserDefaults::boolForKey odd once, UserDefaults::setBool fails 28, "
+    "ManagedPreferences::copyAppValue odd, ManagedPreferences::copyAppValue fails 13, "
+    "Tasks::launch fails 12, Tasks::launch fails 12 once, Tasks::launch late 2 once, "
+    "Processes::terminate fails 1, Processes::terminate fails 3, Processes::waitForChild fails 10, "
+    "Processes::waitForChild fails 22, Processes::name odd, Shell::open fails 24, Shell::open odd once, "
+    "Shell::open fails 24 once, Shell::close fails 10, Shell::open late 4 once, Commands::run fails 2, "
+    "Commands::run odd, Commands::run late 6 once, Commands::start fails 11, "
+    "URLLoading::contentsOfURL fails 0, URLLoading::contentsOfURL odd, "
+    "URLLoading::contentsOfURL late 100000, Workspace::runningApplications odd once, "
+    "Bundles::bundleAtPath fails 0 once, Dispatch::sleep late 1 once");
 
 // Of services that only a move uses.
-constexpr const char* kFaultsOfMoves[] = {
-    "Authorisations::create fails 0",
-    "Authorisation::copyRight fails 0",
-    "Authorisation::copyRight odd",
-    "Authorisation::canExecuteWithPrivileges fails 0",
-    "Authorisation::executeWithPrivileges fails 2",
-    "Authorisation::executeWithPrivileges half 1",
-    "AppleScripts::execute fails 0",
-    "Mounts::informationOf fails 0",
-    "FileManager::copyItem half 28",
-    "FileManager::copyItem fails 28",
-    "FileManager::trashItem fails 1",
-    "FileManager::isWritable odd",
-};
+const std::vector<std::string> kFaultsOfMoves = partsOf(
+    "Authorisations::create fails 0, Authorisation::copyRight fails 0, Authorisation::copyRight odd, "
+    "Authorisation::canExecuteWithPrivileges fails 0, Authorisation::executeWithPrivileges fails 2, "
+    "Authorisation::executeWithPrivileges half 1, AppleScripts::execute fails 0, "
+    "Mounts::informationOf fails 0, FileManager::copyItem half 28, FileManager::copyItem fails 28, "
+    "FileManager::trashItem fails 1, FileManager::isWritable odd");
 
 class Composer {
  public:
@@ -247,7 +221,7 @@ class Composer {
 
   void faults() {
     for (std::uint64_t i = dice_.below(3); i > 0; --i)
-      add(0, "fault", dice_.percent(moves_ ? 60 : 5) ? dice_.of(kFaultsOfMoves) : dice_.of(kFaults),
+      add(0, "fault", dice_.of(dice_.percent(moves_ ? 60 : 5) ? kFaultsOfMoves : kFaults),
           static_cast<double>(1 + dice_.below(dice_.percent(70) ? 4 : 60)));
     if (dice_.percent(15)) add(0, "crash", "", static_cast<double>(1 + dice_.below(1200)));
     if (dice_.percent(10)) {
@@ -286,24 +260,17 @@ std::string text(const Plan& plan) {
 
 Plan planOf(std::uint64_t seed, Weather weather) { return Composer(seed, weather).compose(); }
 
-std::optional<Fault> faultOf(std::string_view text, double firstCall) {
-  constexpr std::string_view kHows[] = {"fails", "late", "half", "odd"};
+Fault faultOf(const std::string& text, double firstCall) {
+  using How = Fault::How;
+  static const std::map<std::string, How> kHows = {
+      {"fails", How::Fails}, {"late", How::Late}, {"half", How::Half}, {"odd", How::Odd}};
   constexpr std::uint64_t kForEver = 1'000'000'000;
-  std::vector<std::string> words;
-  for (std::size_t begin = 0; begin < text.size();) {
-    const std::size_t end = std::min(text.find(' ', begin), text.size());
-    words.emplace_back(text.substr(begin, end - begin));
-    begin = end + 1;
-  }
-  if (words.size() < 2) return std::nullopt;
-  const auto* const how = std::ranges::find(kHows, words[1]);
-  if (how == std::end(kHows)) return std::nullopt;
-  const bool hasNumber = words.size() > 2 && words[2] != "once";
-  return Fault{.operation = words[0],
-               .how = static_cast<Fault::How>(how - std::begin(kHows)),
-               .number = hasNumber ? std::stoi(words[2]) : 0,
-               .firstCall = static_cast<std::uint64_t>(firstCall),
-               .callsMax = words.back() == "once" ? 1 : kForEver};
+  Fault fault{.firstCall = static_cast<std::uint64_t>(firstCall),
+              .callsMax = text.ends_with(" once") ? 1 : kForEver};
+  std::string how;
+  std::istringstream(text) >> fault.operation >> how >> fault.number;
+  fault.how = kHows.at(how);
+  return fault;
 }
 
 }  // namespace karno::simulation

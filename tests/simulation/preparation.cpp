@@ -1,6 +1,8 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <functional>
+#include <map>
 
 #include "world.h"
 
@@ -12,6 +14,8 @@ namespace {
 using test::FakeProcessTable;
 
 constexpr const char* kTouchFile = "/Users/tester/Library/Caches/Karno/cache.noindex/.karnoUpdated";
+constexpr const char* kOldLog = "/Users/tester/Library/Logs/Karno for macOS/it.vantul.Karno 1.log";
+constexpr const char* kSuppress = "moveToApplicationsFolderAlertSuppress";
 constexpr const char* kMarkerFile = "/Users/tester/KARNOUPGRADE.debug";
 constexpr const char* kReleaseURL = "https://api.github.com/repos/macfuse/macfuse/releases/latest";
 constexpr double kAppKitOfMacOS10_5 = 949.54;
@@ -29,9 +33,8 @@ constexpr const char* kStrings =
  "MESSAGE_ARE_YOU_SURE_CONTINUE": "Sure?"})";
 constexpr const char* kSuite = "it.vantul.karno";
 
-platform::Value typed(const std::string& text) {
-  if (text == "<true/>") return true;
-  return text;
+const char* identifierOf(std::string_view build) {
+  return build == "Karno.app" ? "it.vantul.Karno" : "it.vantul.KarnoFuse";
 }
 
 }  // namespace
@@ -78,110 +81,90 @@ void World::buildMachine() {
 }
 
 void World::prepare(const Event& event) {
-  const auto& [life, at, kind, what, number] = event;
-  if (kind == "fault") {
-    if (auto fault = faultOf(what, number); fault && life == life_.number)
-      faults_.push_back(*std::move(fault));
-  } else if (kind == "crash") {
-    if (life == life_.number) crashAtCall_ = static_cast<std::uint64_t>(number);
-  } else if (kind == "sabotage") {
-    sabotage_.insert(what);
-  } else if (kind == "answer") {
-    if (life == life_.number) answers_.push_back(event);
-  } else if (kind == "macOS") {
-    machine.withSystem(what,
-                       machine.shell.outputs[test::kUnameLine].starts_with("arm64") ? "arm64" : "x86_64");
-    std::array<int, 3> numbers{};
-    std::sscanf(what.c_str(), "%d.%d.%d", &numbers[0], &numbers[1], &numbers[2]);
-    machine.systemVersion.running = numbers;
-    if (numbers[0] == 10 && numbers[1] <= 5) machine.systemVersion.appKit = kAppKitOfMacOS10_5;
-  } else if (kind == "cpu") {
-    machine.shell.outputs[test::kUnameLine] = what.empty() ? "" : what + "\n";
-  } else if (kind == "lies at") {
-    if (!life_.start) prepareMove(what);
-  } else if (kind == "without build") {
-    machine.bundles.removeHelper(what);
-  } else if (kind == "without executable") {
-    machine.bundles.addHelper(what, what == "Karno.app" ? "it.vantul.Karno" : "it.vantul.KarnoFuse", false);
-  } else if (kind == "argument") {
-    if (life_.start) return;
-    machine.processes.commandLine.push_back(what);
-  } else if (kind == "session") {
-    if (life == life_.number) updater.planRequested(what, number);
-  } else if (kind == "updater" && what == "of Linux") {
-    updater.isOfLinux = true;
-  } else if (kind == "updater" && what == "cannot start") {
-    updater.canStart = false;
-  } else if (kind == "no bus") {
-    hasBus_ = false;
-  } else if (kind == "post lost") {
-    lostPosts_.insert(static_cast<std::uint64_t>(number));
-  } else if (kind == "post doubled") {
-    doubledPosts_.insert(static_cast<std::uint64_t>(number));
-  } else if (kind == "client" && what == "ignores SIGTERM") {
-    if (life != life_.number) return;
-    for (const char* name : {"Karno.app", "Karno(Fuse).app"})
-      machine.processTable.programs[programIn(machine.bundles.main().bundlePath(), name)].ignoresTermination =
-          true;
-  } else {
-    prepareSettings(event);
-  }
+  using Preparations = std::map<std::string_view, std::function<void()>>;
+  const std::string& what = event.what;
+  const auto count = static_cast<std::uint64_t>(event.number);
+  const auto age = std::chrono::seconds(static_cast<long>(event.number));
+  const Preparations ofEveryLife = {
+      {"admin", [&] { setAdmin(what); }},
+      {"cpu", [&] { machine.shell.outputs[test::kUnameLine] = what.empty() ? "" : what + "\n"; }},
+      {"disk image", [&] { mountDiskImage(); }},
+      {"fuse", [&] { setFuse(what); }},
+      {"lumberjack", [&] { machine.files.addFile(kOldLog, "old", machine.clock.now() - age); }},
+      {"macOS", [&] { setSystem(what); }},
+      {"marker", [&] { machine.files.addFile(kMarkerFile, what); }},
+      {"no bus", [&] { hasBus_ = false; }},
+      {"no cache folder", [&] { machine.files.remove("/Users/tester/Library/Caches/Karno"); }},
+      {"no rights", [&] { machine.files.readOnly.insert("/Applications"); }},
+      {"no strings", [&] { hasStrings_ = false; }},
+      {"old copy", [&] { addOldCopy(false); }},
+      {"old copy runs", [&] { addOldCopy(true); }},
+      {"post doubled", [&] { doubledPosts_.insert(count); }},
+      {"post lost", [&] { lostPosts_.insert(count); }},
+      {"release", [&] { setRelease(what); }},
+      {"sabotage", [&] { sabotage_.insert(what); }},
+      {"setting", [&] { machine.withUserSetting(what.substr(0, what.find('=')), what.ends_with("=1")); }},
+      {"suppress move", [&] { machine.userDefaults.standard().values.insert_or_assign(kSuppress, true); }},
+      {"touch file", [&] { machine.files.addFile(kTouchFile, ""); }},
+      {"updater", [&] { (what == "of Linux" ? updater.isOfLinux : updater.canStart) = what == "of Linux"; }},
+      {"without build", [&] { machine.bundles.removeHelper(what); }},
+      {"without executable", [&] { machine.bundles.addHelper(what, identifierOf(what), false); }},
+  };
+  const Preparations ofTheFirstLife = {
+      {"argument", [&] { machine.processes.commandLine.push_back(what); }},
+      {"lies at", [&] { lieAt(what); }},
+      {"log", [&] { machine.files.setSize(test::kLogFile, count); }},
+  };
+  const Preparations ofItsOwnLife = {
+      {"answer", [&] { answers_.push_back(event); }},
+      {"client", [&] { ignoreTermination(); }},
+      {"crash", [&] { crashAtCall_ = count; }},
+      {"fault", [&] { faults_.push_back(faultOf(what, event.number)); }},
+      {"session", [&] { updater.planRequested(what, event.number); }},
+  };
+  const auto perform = [&](const Preparations& preparations) {
+    if (const auto found = preparations.find(event.kind); found != preparations.end()) found->second();
+  };
+  perform(ofEveryLife);
+  if (life_.number == 0) perform(ofTheFirstLife);
+  if (life_.number == event.life) perform(ofItsOwnLife);
 }
 
-void World::prepareMove(const std::string& bundle) {
+void World::setSystem(const std::string& version) {
+  const bool isArm = machine.shell.outputs[test::kUnameLine].starts_with("arm64");
+  machine.withSystem(version, isArm ? "arm64" : "x86_64");
+  std::array<int, 3> numbers{};
+  std::sscanf(version.c_str(), "%d.%d.%d", &numbers[0], &numbers[1], &numbers[2]);
+  machine.systemVersion.running = numbers;
+  if (numbers[0] == 10 && numbers[1] <= 5) machine.systemVersion.appKit = kAppKitOfMacOS10_5;
+}
+
+void World::lieAt(const std::string& bundle) {
   machine.bundles.main().setPath(bundle);
   for (const std::string name : {"Karno.app", "Karno(Fuse).app"}) {
     test::FakeBundle& helper = machine.bundles.add(bundle + kHelpers + name);
-    helper.info = {{"CFBundleIdentifier", name == "Karno.app" ? "it.vantul.Karno" : "it.vantul.KarnoFuse"}};
+    helper.info = {{"CFBundleIdentifier", identifierOf(name)}};
     helper.executable = name.substr(0, name.rfind('.'));
   }
 }
 
-void World::prepareSettings(const Event& event) {
-  const auto& [life, at, kind, what, number] = event;
-  if (kind == "fuse") {
-    setFuse(what);
-  } else if (kind == "release") {
-    setRelease(what);
-  } else if (kind == "admin") {
-    setAdmin(what);
-  } else if (kind == "setting") {
-    machine.withUserSetting(what.substr(0, what.find('=')), platform::Value(what.ends_with("=1")));
-  } else if (kind == "suppress move") {
-    machine.userDefaults.standard().values.insert_or_assign("moveToApplicationsFolderAlertSuppress",
-                                                            platform::Value(true));
-  } else if (kind == "old copy" || kind == "old copy runs") {
-    if (machine.bundles.main().bundlePath() == kInstalledBundle) return;
-    machine.files.addFile(std::string(kInstalledBundle) + kExecutable, "old launcher");
-    machine.files.addFile(std::string(kInstalledBundle) + kResource, kStrings);
-    if (kind == "old copy runs") machine.processTable.addApplication(kInstalledBundle);
-  } else if (kind == "disk image") {
-    machine.mounts.mounts["/Volumes/Karno"] = platform::MountInformation{"/dev/disk4s1", false};
-    machine.commands.answers.insert_or_assign(
-        "/usr/bin/hdiutil|info|-plist", platform::CommandEnd{.end = {}, .standardOutput = kMountedImages});
-  } else if (kind == "no rights") {
-    machine.files.readOnly.insert("/Applications");
-  } else {
-    prepareDisk(event);
-  }
+void World::ignoreTermination() {
+  for (const char* name : {"Karno.app", "Karno(Fuse).app"})
+    machine.processTable.programs[programIn(machine.bundles.main().bundlePath(), name)].ignoresTermination =
+        true;
 }
 
-void World::prepareDisk(const Event& event) {
-  const auto& [life, at, kind, what, number] = event;
-  if (kind == "log") {
-    if (life_.number == 0) machine.files.setSize(test::kLogFile, static_cast<std::uint64_t>(number));
-  } else if (kind == "lumberjack") {
-    machine.files.addFile(std::string(test::kLogFolder) + "/it.vantul.Karno 1.log", "old",
-                          machine.clock.now() - std::chrono::seconds(static_cast<long>(number)));
-  } else if (kind == "touch file") {
-    machine.files.addFile(kTouchFile, "");
-  } else if (kind == "no cache folder") {
-    machine.files.remove("/Users/tester/Library/Caches/Karno");
-  } else if (kind == "marker") {
-    machine.files.addFile(kMarkerFile, what);
-  } else if (kind == "no strings") {
-    hasStrings_ = false;
-  }
+void World::addOldCopy(bool runs) {
+  if (machine.bundles.main().bundlePath() == kInstalledBundle) return;
+  machine.files.addFile(std::string(kInstalledBundle) + kExecutable, "old launcher");
+  machine.files.addFile(std::string(kInstalledBundle) + kResource, kStrings);
+  if (runs) machine.processTable.addApplication(kInstalledBundle);
+}
+
+void World::mountDiskImage() {
+  machine.mounts.mounts["/Volumes/Karno"] = platform::MountInformation{"/dev/disk4s1", false};
+  machine.commands.answers.insert_or_assign(
+      "/usr/bin/hdiutil|info|-plist", platform::CommandEnd{.end = {}, .standardOutput = kMountedImages});
 }
 
 void World::setAdmin(const std::string& entry) {
@@ -189,7 +172,8 @@ void World::setAdmin(const std::string& entry) {
   if (sign == std::string::npos) {
     machine.withoutAdmin(entry);
   } else {
-    machine.withAdmin(entry.substr(0, sign), typed(entry.substr(sign + 1)));
+    const std::string text = entry.substr(sign + 1);
+    machine.withAdmin(entry.substr(0, sign), text == "<true/>" ? platform::Value(true) : text);
   }
 }
 
@@ -204,14 +188,10 @@ void World::setFuse(const std::string& version) {
 }
 
 void World::setRelease(const std::string& body) {
-  std::string& record_ = machine.network.bodies[kReleaseURL];
-  if (body.starts_with('{') || body.starts_with('[')) {
-    record_ = body;
-  } else if (body.starts_with("tag ")) {
-    record_ = R"({"name": "newest", "tag_name": "macfuse-)" + body.substr(4) + "\"}";
-  } else {
-    record_ = R"({"name": "macFUSE )" + body + R"(", "tag_name": "x"})";
-  }
+  const bool isTag = body.starts_with("tag ");
+  const std::string release = isTag ? R"({"name": "newest", "tag_name": "macfuse-)" + body.substr(4) + "\"}"
+                                    : R"({"name": "macFUSE )" + body + R"(", "tag_name": "x"})";
+  machine.network.bodies[kReleaseURL] = body.find_first_of("{[") == 0 ? body : release;
 }
 
 LeftBehind World::leftBehind() const {

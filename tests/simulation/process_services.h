@@ -11,7 +11,7 @@
 // Processes and what they run, what other programs there are, and the network.
 namespace karno::simulation {
 
-class SimulatedTasks final : public Of<platform::Tasks> {
+class SimulatedTasks final : public Of<platform::Tasks, &Fakes::tasks> {
  public:
   using Of::Of;
 
@@ -21,39 +21,36 @@ class SimulatedTasks final : public Of<platform::Tasks> {
       world.call("Tasks::termination");
       if (handler && !world.isSabotaged("end not told")) handler(end);
     };
-    const auto child = world_.machine.tasks.launch(task, tell);
+    const auto child = fake_.launch(task, tell);
     if (!child) return child;
     world_.clientLaunched(task.executablePath, child.value());
     if (world_.isSabotaged("two clients") && task.executablePath != kOpen)
-      world_.clientLaunched(task.executablePath, world_.machine.tasks.launch(task, tell).value());
+      world_.clientLaunched(task.executablePath, fake_.launch(task, tell).value());
     const auto& words = task.arguments;
     if (task.executablePath == kOpen && words.size() == 5) world_.opensAnew(words[1], {words[3], words[4]});
     return child;
   }
 };
 
-class SimulatedProcesses final : public Of<platform::Processes> {
+class SimulatedProcesses final : public Of<platform::Processes, &Fakes::processes> {
  public:
-  explicit SimulatedProcesses(World& world) : Of(world), processes_(world.machine.processes) {}
+  using Of::Of;
 
-  std::int32_t currentProcessIdentifier() const override { return processes_.currentProcessIdentifier(); }
-  std::int32_t parentProcessIdentifier() const override { return processes_.parentProcessIdentifier(); }
-  std::vector<std::string> arguments() const override { return processes_.arguments(); }
+  std::int32_t currentProcessIdentifier() const override { return fake_.currentProcessIdentifier(); }
+  std::int32_t parentProcessIdentifier() const override { return fake_.parentProcessIdentifier(); }
+  std::vector<std::string> arguments() const override { return fake_.arguments(); }
   std::string name(std::int32_t process) const override {
-    return world_.call("Processes::name") != nullptr ? "" : processes_.name(process);
+    return world_.call("Processes::name") != nullptr ? "" : fake_.name(process);
   }
   int terminate(std::int32_t process) override {
     const Fault* const fault = world_.call("Processes::terminate");
-    return fault != nullptr ? fault->number : processes_.terminate(process);
+    return fault != nullptr ? fault->number : fake_.terminate(process);
   }
   platform::WaitResult waitForChild(std::int32_t process) override {
     const Fault* const fault = world_.call("Processes::waitForChild");
     return fault != nullptr ? platform::WaitResult{.result = -1, .error = fault->number}
-                            : processes_.waitForChild(process);
+                            : fake_.waitForChild(process);
   }
-
- private:
-  test::FakeProcesses& processes_;
 };
 
 class SimulatedPipe final : public platform::ShellPipe {
@@ -77,21 +74,21 @@ class SimulatedPipe final : public platform::ShellPipe {
   bool isOdd_;
 };
 
-class SimulatedShell final : public Of<platform::Shell> {
+class SimulatedShell final : public Of<platform::Shell, &Fakes::shell> {
  public:
   using Of::Of;
 
   Result<std::unique_ptr<platform::ShellPipe>> open(const std::string& line) override {
     const Fault* const fault = world_.call("Shell::open");
     if (fault != nullptr && fault->how == How::Fails) return Error::posix(fault->number);
-    auto pipe = world_.machine.shell.open(line);
+    auto pipe = fake_.open(line);
     if (!pipe) return pipe;
     return std::unique_ptr<platform::ShellPipe>(
         std::make_unique<SimulatedPipe>(world_, std::move(pipe.value()), fault != nullptr));
   }
 };
 
-class SimulatedCommands final : public Of<platform::Commands> {
+class SimulatedCommands final : public Of<platform::Commands, &Fakes::commands> {
  public:
   using Of::Of;
 
@@ -100,66 +97,60 @@ class SimulatedCommands final : public Of<platform::Commands> {
     if (fault == nullptr) {
       if (command.executablePath == kOpen && command.arguments.size() == 1)
         world_.note("open", command.arguments.front());
-      return world_.machine.commands.run(command);
+      return fake_.run(command);
     }
     if (fault->how == How::Fails) return Error::posix(fault->number);
     return platform::CommandEnd{.end = {.terminationStatus = 1}, .standardOutput = kGarbage};
   }
   std::optional<Error> start(const platform::TaskLaunch& command) override {
     if (const Fault* const fault = world_.call("Commands::start")) return Error::posix(fault->number);
-    const auto error = world_.machine.commands.start(command);
+    const auto error = fake_.start(command);
     const std::string script = command.arguments.empty() ? "" : command.arguments.back();
     if (!error && script.find("/usr/bin/open") != std::string::npos) world_.opensAnew(kInstalledBundle, {});
     return error;
   }
 };
 
-class SimulatedNetwork final : public Of<platform::URLLoading> {
+class SimulatedNetwork final : public Of<platform::URLLoading, &Fakes::network> {
  public:
   using Of::Of;
 
   Result<std::string> contentsOfURL(const std::string& url) override {
     const Fault* const fault = world_.call("URLLoading::contentsOfURL");
-    if (fault == nullptr) return world_.machine.network.contentsOfURL(url);
+    if (fault == nullptr) return fake_.contentsOfURL(url);
     if (fault->how == How::Odd) return std::string(R"({"name": 7, "tag_name": [)");
     return Error("NSURLErrorDomain", -1009, {{"NSLocalizedDescription", "The computer is offline."}});
   }
 };
 
-class SimulatedWorkspace final : public Of<platform::Workspace> {
- public:
-  explicit SimulatedWorkspace(World& world) : Of(world), workspace_(world.machine.workspace) {}
-
-  void selectFile(const std::string& path, const std::string& root) override {
-    workspace_.selectFile(path, root);
-  }
-  void openURL(const std::string& url) override {
-    world_.call("Workspace::openURL");
-    world_.note("site", url);
-    workspace_.openURL(url);
-  }
-  std::vector<platform::RunningApplication> runningApplications(const std::string& identifier) override {
-    if (world_.call("Workspace::runningApplications") != nullptr) return {};
-    return workspace_.runningApplications(identifier);
-  }
-  void activateApplication(std::int32_t process) override { workspace_.activateApplication(process); }
-  std::vector<std::string> bundlePathsOfRunningApplications() override {
-    world_.call("Workspace::bundlePathsOfRunningApplications");
-    return workspace_.bundlePathsOfRunningApplications();
-  }
-
- private:
-  test::FakeWorkspace& workspace_;
-};
-
-class SimulatedBundles final : public Of<platform::Bundles> {
+class SimulatedWorkspace final : public Of<platform::Workspace, &Fakes::workspace> {
  public:
   using Of::Of;
 
-  const platform::Bundle& mainBundle() const override { return world_.machine.bundles.mainBundle(); }
+  void selectFile(const std::string& path, const std::string& root) override { fake_.selectFile(path, root); }
+  void openURL(const std::string& url) override {
+    world_.call("Workspace::openURL");
+    world_.note("site", url);
+    fake_.openURL(url);
+  }
+  std::vector<platform::RunningApplication> runningApplications(const std::string& identifier) override {
+    if (world_.call("Workspace::runningApplications") != nullptr) return {};
+    return fake_.runningApplications(identifier);
+  }
+  void activateApplication(std::int32_t process) override { fake_.activateApplication(process); }
+  std::vector<std::string> bundlePathsOfRunningApplications() override {
+    world_.call("Workspace::bundlePathsOfRunningApplications");
+    return fake_.bundlePathsOfRunningApplications();
+  }
+};
+
+class SimulatedBundles final : public Of<platform::Bundles, &Fakes::bundles> {
+ public:
+  using Of::Of;
+
+  const platform::Bundle& mainBundle() const override { return fake_.mainBundle(); }
   std::shared_ptr<const platform::Bundle> bundleAtPath(const std::string& path) const override {
-    return world_.call("Bundles::bundleAtPath") != nullptr ? nullptr
-                                                           : world_.machine.bundles.bundleAtPath(path);
+    return world_.call("Bundles::bundleAtPath") != nullptr ? nullptr : fake_.bundleAtPath(path);
   }
 };
 

@@ -1,5 +1,3 @@
-#include "services.h"
-
 #include <cstdlib>
 #include <mutex>
 #include <string>
@@ -10,33 +8,29 @@
 namespace karno::simulation {
 namespace {
 
-class SimulatedDispatch final : public platform::Dispatch {
+class SimulatedDispatch final : public Of<platform::Dispatch, &Fakes::dispatch> {
  public:
-  explicit SimulatedDispatch(World& world)
-      : world_(world),
-        dispatch_(world.machine.dispatch),
-        mainQueue_(world, dispatch_.mainQueue()),
-        mainOperationQueue_(world, dispatch_.mainOperationQueue()) {}
+  using Of::Of;
 
   platform::Queue& mainQueue() override { return mainQueue_; }
   platform::Queue& mainOperationQueue() override { return mainOperationQueue_; }
-  platform::Queue& mainEvents() override { return dispatch_.mainEvents(); }
+  platform::Queue& mainEvents() override { return fake_.mainEvents(); }
   platform::Queue& globalQueue(platform::QueuePriority priority) override {
     world_.call("Dispatch::globalQueue");
-    return dispatch_.globalQueue(priority);
+    return fake_.globalQueue(priority);
   }
   std::shared_ptr<platform::Queue> makeSerialQueue(std::string label) override {
-    return dispatch_.makeSerialQueue(std::move(label));
+    return fake_.makeSerialQueue(std::move(label));
   }
-  std::shared_ptr<platform::DispatchGroup> makeGroup() override { return dispatch_.makeGroup(); }
+  std::shared_ptr<platform::DispatchGroup> makeGroup() override { return fake_.makeGroup(); }
   void sleep(double seconds) override {
     world_.call("Dispatch::sleep");
-    dispatch_.sleep(seconds);
+    fake_.sleep(seconds);
   }
   std::shared_ptr<void> beginActivity(const std::string& reason) override {
-    return dispatch_.beginActivity(reason);
+    return fake_.beginActivity(reason);
   }
-  bool isMainThread() const override { return dispatch_.isMainThread(); }
+  bool isMainThread() const override { return fake_.isMainThread(); }
 
  private:
   // Notes how long each block takes.
@@ -59,13 +53,11 @@ class SimulatedDispatch final : public platform::Dispatch {
     platform::Queue& queue_;
   };
 
-  World& world_;
-  test::FakeDispatch& dispatch_;
-  MainQueue mainQueue_;
-  MainQueue mainOperationQueue_;
+  MainQueue mainQueue_{world_, fake_.mainQueue()};
+  MainQueue mainOperationQueue_{world_, fake_.mainOperationQueue()};
 };
 
-class SimulatedConsole final : public Of<platform::ConsoleLog> {
+class SimulatedConsole final : public Of<platform::ConsoleLog, &Fakes::consoleLog> {
  public:
   using Of::Of;
 
@@ -90,7 +82,7 @@ class SimulatedConsole final : public Of<platform::ConsoleLog> {
   std::mutex other_;
 };
 
-class SimulatedAlerts final : public Of<platform::Alerts> {
+class SimulatedAlerts final : public Of<platform::Alerts, &Fakes::alerts> {
  public:
   using Of::Of;
 
@@ -100,86 +92,66 @@ class SimulatedAlerts final : public Of<platform::Alerts> {
   }
 };
 
-class SimulatedApplication final : public Of<platform::Application> {
+class SimulatedApplication final : public Of<platform::Application, &Fakes::application> {
  public:
-  explicit SimulatedApplication(World& world) : Of(world), application_(world.machine.application) {}
-  bool isActive() const override { return application_.isActive(); }
+  using Of::Of;
+
+  bool isActive() const override { return fake_.isActive(); }
   void activateIgnoringOtherApps() override {
     world_.call("Application::activate");
-    application_.activateIgnoringOtherApps();
+    fake_.activateIgnoringOtherApps();
   }
   void setActivationPolicy(platform::ActivationPolicy policy) override {
     world_.call("Application::setActivationPolicy");
-    application_.setActivationPolicy(policy);
+    fake_.setActivationPolicy(policy);
   }
   void requestUserAttention(platform::AttentionRequest request) override {
-    application_.requestUserAttention(request);
+    fake_.requestUserAttention(request);
   }
   void terminate() override { world_.terminate(); }
-
- private:
-  test::FakeApplication& application_;
 };
+
+// For as long as the process lives, as its one life does.
+template <class Service>
+Service& kept(World& world) {
+  static Service service(world);
+  return service;
+}
 
 }  // namespace
 
-struct Services::All {
-  explicit All(World& ofServices) : world(ofServices) {}
-
-  World& world;
-  SimulatedApplication application{world};
-  SimulatedAlerts alerts{world};
-  SimulatedWorkspace workspace{world};
-  SimulatedDispatch dispatch{world};
-  SimulatedTasks tasks{world};
-  SimulatedProcesses processes{world};
-  SimulatedBundles bundles{world};
-  SimulatedDefaultsStore defaults{world};
-  SimulatedManagedPreferences managed{world};
-  SimulatedFiles files{world};
-  SimulatedConsole console{world};
-  SimulatedShell shell{world};
-  SimulatedNetwork network{world};
-  SimulatedFileManager fileManager{world};
-  SimulatedMounts mounts{world};
-  SimulatedCommands commands{world};
-  SimulatedAppleScripts scripts{world};
-  SimulatedAuthorisations authorisations{world};
-  platform::Platform platform{.application = application,
-                              .alerts = alerts,
-                              .windows = world.machine.windows,
-                              .workspace = workspace,
-                              .dispatch = dispatch,
-                              .clock = world.machine.clock,
-                              .tasks = tasks,
-                              .processes = processes,
-                              .bundles = bundles,
-                              .userDefaults = defaults,
-                              .managedPreferences = managed,
-                              .distributedNotifications = world.machine.notifications,
-                              .files = files,
-                              .text = world.machine.text,
-                              .consoleLog = console,
-                              .systemVersion = world.machine.systemVersion,
-                              .updaters = world.updater,
-                              .shell = shell,
-                              .urlLoading = network,
-                              .identifiers = world.machine.identifiers,
-                              .processList = world.machine.processList,
-                              .fileReading = world.machine.fileReading,
-                              .fileManager = fileManager,
-                              .standardFolders = world.machine.standardFolders,
-                              .mounts = mounts,
-                              .commands = commands,
-                              .appleScripts = scripts,
-                              .authorisations = authorisations,
-                              .notices = world.machine.notices};
-};
-
-Services::Services(World& world) : all_(std::make_unique<All>(world)) {}
-
-Services::~Services() = default;
-
-platform::Platform& Services::platform() { return all_->platform; }
+void installServices(World& world) {
+  Fakes& fakes = world.machine;
+  static platform::Platform platform{.application = kept<SimulatedApplication>(world),
+                                     .alerts = kept<SimulatedAlerts>(world),
+                                     .windows = fakes.windows,
+                                     .workspace = kept<SimulatedWorkspace>(world),
+                                     .dispatch = kept<SimulatedDispatch>(world),
+                                     .clock = fakes.clock,
+                                     .tasks = kept<SimulatedTasks>(world),
+                                     .processes = kept<SimulatedProcesses>(world),
+                                     .bundles = kept<SimulatedBundles>(world),
+                                     .userDefaults = kept<SimulatedDefaultsStore>(world),
+                                     .managedPreferences = kept<SimulatedManagedPreferences>(world),
+                                     .distributedNotifications = fakes.notifications,
+                                     .files = kept<SimulatedFiles>(world),
+                                     .text = fakes.text,
+                                     .consoleLog = kept<SimulatedConsole>(world),
+                                     .systemVersion = fakes.systemVersion,
+                                     .updaters = world.updater,
+                                     .shell = kept<SimulatedShell>(world),
+                                     .urlLoading = kept<SimulatedNetwork>(world),
+                                     .identifiers = fakes.identifiers,
+                                     .processList = fakes.processList,
+                                     .fileReading = fakes.fileReading,
+                                     .fileManager = kept<SimulatedFileManager>(world),
+                                     .standardFolders = fakes.standardFolders,
+                                     .mounts = kept<SimulatedMounts>(world),
+                                     .commands = kept<SimulatedCommands>(world),
+                                     .appleScripts = kept<SimulatedAppleScripts>(world),
+                                     .authorisations = kept<SimulatedAuthorisations>(world),
+                                     .notices = fakes.notices};
+  platform::install(platform);
+}
 
 }  // namespace karno::simulation

@@ -1,5 +1,7 @@
 #include "updater_session.h"
 
+#include <fmt/format.h>
+
 #include "fake_update_services.h"
 #include "platform/linux/updater/feed/appcast.h"
 #include "platform/linux/updater/linux_updater.h"
@@ -9,6 +11,10 @@ namespace karno::simulation {
 namespace {
 
 constexpr double kForeverSeconds = 1e9;
+constexpr const char* kFeed =
+    R"(<rss xmlns:sparkle="http://www.andymatuschak.org/xml-namespaces/sparkle"><channel><item>
+<title>Karno {0}</title><sparkle:version>{0}</sparkle:version>
+<enclosure url="{1}" length="7" sparkle:edSignature="sig"/></item></channel></rss>)";
 constexpr const char* kArchive = "https://updates.vantul.it/Karno-9.9.zip";
 
 platform::Error updaterError(int code, const std::string& text) {
@@ -95,11 +101,7 @@ class UpdaterSession::Linux {
     installer_.failure = end_ == "unpacking fails" ? std::optional(failure) : std::nullopt;
     if (end_ == "no feed") return failure;
     const std::string version = end_ == "nothing" ? "0.9" : "9.9";
-    return "<rss "
-           "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/"
-           "sparkle\"><channel><item><title>Karno " +
-           version + "</title><sparkle:version>" + version + "</sparkle:version><enclosure url=\"" +
-           kArchive + "\" length=\"7\" sparkle:edSignature=\"sig\"/></item></channel></rss>";
+    return fmt::format(kFeed, version, kArchive);
   }
 
   // Looks at the screen twice a second.
@@ -188,39 +190,36 @@ void UpdaterSession::over(const Planned& planned, const std::string& why) {
 void UpdaterSession::live(const Planned& planned) {
   const auto& end = planned.end;
   const platform::AppcastItem item{.title = "Karno 9.9", .displayVersionString = "9.9"};
-  const auto tell = [&](auto call) { step(planned, [this, call] { call(*delegate_, *updater_); }); };
-  using Delegate = platform::UpdaterDelegate;
-  using platform::Updater;
+  const auto tell = [&](auto stage, const auto&... what) {
+    step(planned, [=, this] { (delegate_->*stage)(*updater_, what...); });
+  };
+  using To = platform::UpdaterDelegate;
 
-  tell([](Delegate& to, Updater& updater) { to.feedURLStringForUpdater(updater); });
+  tell(&To::feedURLStringForUpdater);
   if (end == "no feed") return over(planned, "The feed cannot be reached.");
-  tell([](Delegate& to, Updater& updater) { to.didFinishLoadingAppcast(updater); });
+  tell(&To::didFinishLoadingAppcast);
   if (end == "nothing") {
-    tell([](Delegate& to, Updater& updater) {
-      to.updaterDidNotFindUpdate(updater, updaterError(1001, "You are up to date."));
-    });
+    tell(&To::updaterDidNotFindUpdate, updaterError(1001, "You are up to date."));
     return over(planned, "You are up to date.");
   }
-  tell([item](Delegate& to, Updater& updater) { to.didFindValidUpdate(updater, item); });
+  tell(&To::didFindValidUpdate, item);
   const long choice = end == "skip" ? 0 : end == "dismiss" ? 2 : end == "odd choice" ? 7 : 1;
-  tell([item, choice](Delegate& to, Updater& updater) { to.userDidMakeChoice(updater, choice, item); });
+  tell(&To::userDidMakeChoice, choice, item);
   if (choice != platform::kUserUpdateChoiceInstall) return over(planned, "The user wants no update now.");
-  tell([item](Delegate& to, Updater& updater) { to.willDownloadUpdate(updater, item, kArchive); });
+  tell(&To::willDownloadUpdate, item, kArchive);
   if (end == "download cancelled") {
-    tell([](Delegate& to, Updater& updater) { to.userDidCancelDownload(updater); });
+    tell(&To::userDidCancelDownload);
     return over(planned, "The download was cancelled.");
   }
   if (end == "download fails") {
-    tell([item](Delegate& to, Updater& updater) {
-      to.failedToDownloadUpdate(updater, item, updaterError(2001, "The network is gone."));
-    });
+    tell(&To::failedToDownloadUpdate, item, updaterError(2001, "The network is gone."));
     return over(planned, "The network is gone.");
   }
-  tell([item](Delegate& to, Updater& updater) { to.didDownloadUpdate(updater, item); });
-  tell([item](Delegate& to, Updater& updater) { to.willExtractUpdate(updater, item); });
+  tell(&To::didDownloadUpdate, item);
+  tell(&To::willExtractUpdate, item);
   if (end == "unpacking fails") return over(planned, "The archive is damaged.");
-  tell([item](Delegate& to, Updater& updater) { to.didExtractUpdate(updater, item); });
-  tell([item](Delegate& to, Updater& updater) { to.willInstallUpdate(updater, item); });
+  tell(&To::didExtractUpdate, item);
+  tell(&To::willInstallUpdate, item);
   step(planned, [this] {
     const bool relaunches = delegate_->updaterShouldRelaunchApplication(*updater_);
     world_.note("updater", relaunches ? "was told to relaunch" : "installs once the launcher has ended");

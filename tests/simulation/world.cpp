@@ -6,11 +6,12 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <map>
 
 #include "interposition.h"
 #include "launcher.h"
 #include "other_programs.h"
-#include "services.h"
 
 namespace karno::simulation {
 namespace {
@@ -56,8 +57,7 @@ World::World(const Life& life, std::function<void(const LifeReport&)> tell)
       tell_(std::move(tell)) {
   listenToExpectations(*this);
   buildMachine();
-  services_ = std::make_unique<Services>(*this);
-  platform::install(services_->platform());
+  installServices(*this);
   interpose(machine.scheduler, [this](const std::string& how) { endBroken("no deadlock", how); });
 }
 
@@ -134,36 +134,35 @@ void World::livesThroughEvents() {
 }
 
 void World::happen(const Event& event) {
-  const auto& [life, at, kind, what, number] = event;
-  if (kind == "client") {
-    clientDoes(what);
-  } else if (kind == "press") {
-    userPresses(what);
-  } else if (kind == "reopen") {
-    machine.scheduler.addToMain(MainLane::Events,
-                                [this] { launcher_->delegate().applicationShouldHandleReopen(false); });
-  } else if (kind == "session") {
-    updater.beginScheduled(what, number);
-  } else if (kind == "updater") {
-    updater.canCheck = false;
-  } else if (kind == "interface") {
-    machine.scheduler.addToMain(MainLane::Events, [this, what = what] { useInterface(machine, what); });
-  } else if (kind == "bundle gone") {
-    const std::string bundle = machine.bundles.main().bundlePath();
-    if (!isWholeBundle(kInstalledBundle) || bundle == kInstalledBundle) return;
-    isBundleGone_ = true;
-    machine.files.remove(bundle);
-  } else if (kind == "other launcher") {
-    ++record.otherLaunchers;
-    machine.scheduler.addThread("other launcher", [this, seconds = number] { otherLauncher(seconds); });
-  } else if (kind == "clock") {
-    machine.clock.setNow(machine.clock.now() + std::chrono::seconds(static_cast<long>(number)));
-  } else if (kind == "disk full" || kind == "disk free") {
-    machine.files.setDiskFull(kind == "disk full");
-    record.isDiskFaulty = true;
-  } else {
-    prepareSettings(event);
-  }
+  const std::string& what = event.what;
+  const double number = event.number;
+  const auto inEvents = [&](std::function<void()> block) {
+    machine.scheduler.addToMain(MainLane::Events, std::move(block));
+  };
+  const std::map<std::string_view, std::function<void()>> kinds = {
+      {"bundle gone", [&] { throwBundleAway(); }},
+      {"client", [&] { clientDoes(what); }},
+      {"clock",
+       [&] { machine.clock.setNow(machine.clock.now() + std::chrono::seconds(static_cast<long>(number))); }},
+      {"disk free", [&] { machine.files.setDiskFull(false); }},
+      {"disk full", [&] { machine.files.setDiskFull(record.isDiskFaulty = true); }},
+      {"interface", [&] { inEvents([this, what] { useInterface(machine, what); }); }},
+      {"other launcher",
+       [&] { machine.scheduler.addThread("other launcher", [=, this] { otherLauncher(number); }); }},
+      {"press", [&] { inEvents([this, what] { userPresses(what); }); }},
+      {"reopen", [&] { inEvents([this] { launcher_->delegate().applicationShouldHandleReopen(false); }); }},
+      {"session", [&] { updater.beginScheduled(what, number); }},
+      {"updater", [&] { updater.canCheck = false; }},
+  };
+  const auto kind = kinds.find(event.kind);
+  return kind == kinds.end() ? prepare(event) : kind->second();
+}
+
+void World::throwBundleAway() {
+  const std::string bundle = machine.bundles.main().bundlePath();
+  if (!isWholeBundle(kInstalledBundle) || bundle == kInstalledBundle) return;
+  isBundleGone_ = true;
+  machine.files.remove(bundle);
 }
 
 std::vector<std::int32_t> World::clients() const {
@@ -211,20 +210,19 @@ void World::post(const std::string& message) {
 
 // A window behind an alert cannot be pressed; pressed twice it is gone.
 void World::userPresses(const std::string& button) {
-  machine.scheduler.addToMain(MainLane::Events, [this, button] {
-    test::FakePromptWindow& prompt = machine.windows.prompt;
-    if (!prompt.isInFront() || record.hasModalAlert) return;
-    if (button == "close") {
-      record.wasPromptClosedByHand = true;
-      prompt.close();
-    } else {
-      (button == "continue" ? prompt.continueButton() : prompt.cancelButton()).press();
-    }
-  });
+  test::FakePromptWindow& prompt = machine.windows.prompt;
+  if (!prompt.isInFront() || record.hasModalAlert) return;
+  if (button == "close") {
+    record.wasPromptClosedByHand = true;
+    prompt.close();
+  } else {
+    (button == "continue" ? prompt.continueButton() : prompt.cancelButton()).press();
+  }
 }
 
 // Another launcher of this user, with a client of its own and the same log.
 void World::otherLauncher(double seconds) {
+  ++record.otherLaunchers;
   const std::string bundle = machine.bundles.main().bundlePath();
   machine.processTable.add(kOtherLauncher, {.parent = 1, .executablePath = bundle + kExecutable});
   machine.processTable.add(kOtherClient,

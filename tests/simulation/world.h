@@ -70,10 +70,13 @@ class World {
   void buildMachine();
   void restore(const LeftBehind& left);
   void prepare(const Event& event);
-  void prepareMove(const std::string& bundle);
-  void prepareSettings(const Event& event);
-  void prepareDisk(const Event& event);
+  void setSystem(const std::string& version);
+  void lieAt(const std::string& bundle);
+  void ignoreTermination();
+  void addOldCopy(bool runs);
+  void mountDiskImage();
   void happen(const Event& event);
+  void throwBundleAway();
   void clientDoes(const std::string& what);
   void post(const std::string& message);
   void userPresses(const std::string& button);
@@ -92,7 +95,6 @@ class World {
 
   const Life& life_;
   std::function<void(const LifeReport&)> tell_;
-  std::unique_ptr<class Services> services_;
   std::unique_ptr<test::Launcher> launcher_;
   Choice choice_;
   std::vector<Fault> faults_;
@@ -113,5 +115,8 @@ class World {
   double alertSince_ = 0;
   std::optional<NextStart> next_;
 };
+
+// The services of its machine with the world in front of each: every call goes through it.
+void installServices(World& world);
 
 }  // namespace karno::simulation
