@@ -1,4 +1,5 @@
-# Read by CTest when it starts: each suite of `program`, which is that of `target`, is a test with `label`.
+# Read by CTest when it starts: each suite of `program`, which is that of `target`, is a test with `label` that takes
+# so many `processors`.
 if(NOT EXISTS "${program}")
   add_test(${target}_NOT_BUILT "${program}")
   return()
@@ -16,5 +17,5 @@ foreach(suite IN LISTS suites)
   add_test("${suite}" "${program}" "--gtest_filter=${suite}.*")
   # 77 is a suite of which a test could not run on this machine, and none failed.
   set_tests_properties("${suite}" PROPERTIES
-    LABELS "${label}" TIMEOUT 300 PROCESSORS 2 SKIP_RETURN_CODE 77)
+    LABELS "${label}" TIMEOUT 300 PROCESSORS ${processors} SKIP_RETURN_CODE 77)
 endforeach()
