@@ -106,6 +106,7 @@ class Extraction {
     size = std::max(size, entry.sizeInBytes);
     if (auto failure = count(size)) return failure;
     if (size > written && ::ftruncate(file.get(), static_cast<off_t>(size)) != 0) return systemFailure(errno);
+    beginWritingToDisk(file.get());
     return std::nullopt;
   }
 

@@ -83,4 +83,6 @@ int writeAllAt(int descriptor, std::string_view bytes, std::uint64_t offset) {
   return 0;
 }
 
+void beginWritingToDisk(int descriptor) { ::sync_file_range(descriptor, 0, 0, SYNC_FILE_RANGE_WRITE); }
+
 }  // namespace karno::installer

@@ -35,4 +35,7 @@ class UnpackedTree {
 // Writes all bytes there. 0 or an errno.
 int writeAllAt(int descriptor, std::string_view bytes, std::uint64_t offset);
 
+// So that a flush of the whole disk finds little left of the file. What fails then is told by the flush.
+void beginWritingToDisk(int descriptor);
+
 }  // namespace karno::installer
