@@ -141,7 +141,7 @@ class Composer {
   // Often it is just then that something else happens, or that the launcher starts.
   double later() {
     if (dice_.percent(10)) return kWhileStarting;
-    if (dice_.percent(75)) moment_ = dice_.seconds(0, kEventsSeconds);
+    if (dice_.percent(75)) moment_ = std::max(kWhileStarting, dice_.seconds(0, kEventsSeconds));
     return moment_;
   }
 
@@ -177,7 +177,7 @@ class Composer {
     maybe(25, "no rights");
     maybe(10, "suppress move");
     if (dice_.percent(15)) add(dice_.seconds(0.1, 4), "bundle gone");
-    if (dice_.percent(10)) add(dice_.seconds(0, 2), "interface", "moves twice");
+    if (dice_.percent(10)) add(dice_.seconds(0.1, 2), "interface", "moves twice");
   }
 
   void lifeOfTheClient() {

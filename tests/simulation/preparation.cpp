@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <functional>
 #include <map>
+#include <stdexcept>
 
 #include "world.h"
 
@@ -122,12 +123,16 @@ void World::prepare(const Event& event) {
       {"fault", [&] { faults_.push_back(faultOf(what, event.number)); }},
       {"session", [&] { updater.planRequested(what, event.number); }},
   };
-  const auto perform = [&](const Preparations& preparations) {
-    if (const auto found = preparations.find(event.kind); found != preparations.end()) found->second();
+  bool isKnown = false;
+  const auto perform = [&](const Preparations& preparations, bool isItsTime) {
+    const auto found = preparations.find(event.kind);
+    isKnown |= found != preparations.end();
+    if (isItsTime && found != preparations.end()) found->second();
   };
-  perform(ofEveryLife);
-  if (life_.number == 0) perform(ofTheFirstLife);
-  if (life_.number == event.life) perform(ofItsOwnLife);
+  perform(ofEveryLife, true);
+  perform(ofTheFirstLife, life_.number == 0);
+  perform(ofItsOwnLife, life_.number == event.life);
+  if (!isKnown) throw std::logic_error("there is no such event: " + event.kind);
 }
 
 void World::setSystem(const std::string& version) {
