@@ -117,11 +117,11 @@ class OfferWindows {
                                             std::function<void(long choice)> answer) = 0;
 };
 
-// Makes items of what a feed's server has sent; see parseAppcast(). Safe from any thread.
 // What is behind an https address. Blocks; ends with an error soon after it is wanted no more. Any thread.
 using FetchFeed =
     std::function<Result<std::string>(const std::string& url, const std::function<bool()>& isWanted)>;
 
+// Makes items of what a feed's server has sent; see parseAppcast(). Safe from any thread.
 using ReadFeed = std::function<Result<std::vector<FeedItem>>(std::string_view bytes)>;
 
 struct UpdateServices {
