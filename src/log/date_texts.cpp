@@ -19,7 +19,7 @@ using platform::NeverDestroyed;
 // A log line's date changes only in its milliseconds from one line to the next. All but them is rendered once
 // a second, in one go, with a mark where they belong.
 constexpr char kMark = '|';
-constexpr const char* kSecondPattern = "yyyy-MM-dd HH:mm:ss:'|'ZZZ";
+constexpr const char* kSecondPattern = "yyyy-MM-dd HH:mm:ss:|ZZZ";
 
 struct LogSecond {
   std::chrono::sys_seconds start{std::chrono::seconds::min()};

@@ -11,6 +11,7 @@
 #include "platform/linux/text/icu_date_formatter.h"
 #include "platform/linux/text/icu_regular_expression.h"
 #include "platform/linux/text/icu_strings.h"
+#include "platform/linux/text/plain_date_formatter.h"
 #include "platform/numeric_order.h"
 
 namespace karno::platform {
@@ -30,7 +31,9 @@ IcuText::IcuText(std::optional<std::string> locale, std::optional<std::string> t
     : locale_(std::move(locale)), timeZone_(std::move(timeZone)) {}
 
 std::unique_ptr<DateFormatter> IcuText::makeDateFormatter(const std::string& pattern) const {
-  return std::make_unique<IcuDateFormatter>(pattern, localeOf(locale_), timeZone_);
+  const icu::Locale locale = localeOf(locale_);
+  if (auto plain = makePlainDateFormatter(pattern, locale, timeZone_)) return plain;
+  return std::make_unique<IcuDateFormatter>(pattern, locale, timeZone_);
 }
 
 std::vector<TextRange> IcuText::wordRanges(std::string_view text) const {

@@ -8,6 +8,7 @@
 
 #include "../../support/scoped_environment.h"
 #include "platform/linux/text/icu_date_formatter.h"
+#include "platform/linux/text/plain_date_formatter.h"
 
 namespace karno::platform {
 namespace {
@@ -29,11 +30,17 @@ class HostTimeZoneOf : public testing::TestWithParam<Setting> {};
 
 TEST_P(HostTimeZoneOf, TheVariableIsThatOfTheDates) {
   const ScopedEnvironment variable("TZ", GetParam().variable);
-  const IcuDateFormatter formatter("HH:mm:ssZZZ", icu::Locale("en_US_POSIX"), std::nullopt);
+  const std::string pattern = "HH:mm:ssZZZ";
+  const icu::Locale locale("en_US_POSIX");
+  const IcuDateFormatter icus(pattern, locale, std::nullopt);
+  const auto plain = makePlainDateFormatter(pattern, locale, std::nullopt);
 
-  EXPECT_EQ(formatter.stringFromDate(kWinter), GetParam().winter);
-  EXPECT_EQ(formatter.stringFromDate(kSummer), GetParam().summer);
-  EXPECT_EQ(formatter.stringFromDate(kWinter), GetParam().winter);
+  for (const DateFormatter* const formatter :
+       std::initializer_list<const DateFormatter*>{&icus, plain.get()}) {
+    EXPECT_EQ(formatter->stringFromDate(kWinter), GetParam().winter);
+    EXPECT_EQ(formatter->stringFromDate(kSummer), GetParam().summer);
+    EXPECT_EQ(formatter->stringFromDate(kWinter), GetParam().winter);
+  }
 }
 
 const std::vector<Setting> kSettings = {

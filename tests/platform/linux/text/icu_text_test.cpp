@@ -5,12 +5,16 @@
 #include <time.h>
 
 #include <chrono>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "../../support/scoped_environment.h"
 #include "elements_are.h"
+#include "platform/linux/text/icu_date_formatter.h"
+#include "platform/linux/text/plain_date_formatter.h"
 
 namespace karno::platform {
 namespace {
@@ -20,6 +24,8 @@ using test::ScopedEnvironment;
 
 // 2024-03-05T13:07:09.042Z
 constexpr Date kMoment{std::chrono::milliseconds(1'709'644'029'042)};
+
+constexpr const char* kPlainPattern = "yyyy-MM-dd HH:mm:ss:|ZZZ yyyyMMdd";
 
 std::vector<std::string> wordsOf(const Text& text, const std::string& input) {
   std::vector<std::string> words;
@@ -81,6 +87,53 @@ TEST(IcuDates, AgreeWithTheMachinesClock) {
   ::strftime(expected, sizeof expected, "%Y-%m-%d %H:%M:%S", &local);
 
   EXPECT_EQ(formatter->stringFromDate(kMoment), expected);
+}
+
+TEST(IcuDates, OfPlainNumbersAreThoseOfIcusFormatterInEveryLocale) {
+  std::int32_t count = 0;
+  const icu::Locale* const locales = icu::Locale::getAvailableLocales(count);
+  int plain = 0;
+  for (const icu::Locale& locale : std::span(locales, static_cast<std::size_t>(count))) {
+    const auto formatter = makePlainDateFormatter(kPlainPattern, locale, "Europe/Vienna");
+    if (formatter == nullptr) continue;
+    ++plain;
+    EXPECT_EQ(formatter->stringFromDate(kMoment),
+              IcuDateFormatter(kPlainPattern, locale, "Europe/Vienna").stringFromDate(kMoment))
+        << locale.getName();
+  }
+
+  EXPECT_GT(plain, count / 2);
+}
+
+TEST(IcuDates, OfPlainNumbersAreThoseOfIcusFormatterAtEveryMoment) {
+  const icu::Locale locale("en_US");
+  for (const char* const zone : {"UTC", "Europe/Vienna", "America/St_Johns", "Asia/Kathmandu"}) {
+    const auto plain = makePlainDateFormatter(kPlainPattern, locale, zone);
+    const IcuDateFormatter icus(kPlainPattern, locale, zone);
+    ASSERT_NE(plain, nullptr);
+    for (const std::int64_t seconds :
+         {-1LL, 0LL, 951'782'400LL, 1'711'846'799LL, 1'711'846'800LL, 4'102'444'799LL}) {
+      const Date moment{std::chrono::seconds(seconds) - std::chrono::nanoseconds(1)};
+      EXPECT_EQ(plain->stringFromDate(moment), icus.stringFromDate(moment)) << zone << " " << seconds;
+    }
+  }
+}
+
+TEST(IcuDates, OfALocaleWithDigitsOrACalendarOfItsOwnAreIcus) {
+  for (const char* const locale :
+       {"ar_EG", "th_TH", "fa_IR", "en_US@calendar=buddhist", "en_US@numbers=deva"}) {
+    EXPECT_EQ(makePlainDateFormatter(kPlainPattern, icu::Locale(locale), "UTC"), nullptr) << locale;
+  }
+  EXPECT_EQ(IcuText("th_TH", "UTC").makeDateFormatter("yyyy-MM-dd")->stringFromDate(kMoment), "2567-03-05");
+  EXPECT_EQ(IcuText("ar_EG", "UTC").makeDateFormatter("HH:mm")->stringFromDate(kMoment), "١٣:٠٧");
+}
+
+TEST(IcuDates, OfMoreThanPlainNumbersAreIcus) {
+  for (const char* const pattern : {"", "d", "yy", "SSS", "MMM", "ZZZZ", "'yyyy'", "%Y", "{", "}", "a"}) {
+    EXPECT_EQ(makePlainDateFormatter(pattern, icu::Locale("en_US"), "UTC"), nullptr) << pattern;
+  }
+  EXPECT_EQ(IcuText("en_US", "UTC").makeDateFormatter("HH 'HH' %Y{}")->stringFromDate(kMoment),
+            "13 HH %2024{}");
 }
 
 TEST(IcuDates, CanBeFormattedByManyThreadsAtOnce) {
