@@ -32,14 +32,10 @@ bool LineQueue::pop(std::string& line) {
   return true;
 }
 
-// The last block of the usual size stays for the next line.
+// The last one goes, too: the heap ends with it after a burst, and could not become smaller.
 void LineQueue::leaveFrontBlock() {
   readAt_ = 0;
-  if (blocks_.size() > 1 || blocks_.front().capacity() > 2 * kBlockBytes) {
-    blocks_.pop_front();
-  } else {
-    blocks_.front().clear();
-  }
+  blocks_.pop_front();
 }
 
 }  // namespace karno
