@@ -55,6 +55,23 @@ TEST(OddSurroundings, AVariableThatIsNotUTF8ReachesTheClientAsItIs) {
   EXPECT_EQ(machine.waitForEnd(), 0);
 }
 
+TEST(OddSurroundings, TheClientHasTheUsersComposeFileOrNone) {
+  using Options = std::vector<std::string>;
+  for (const std::string file : {"", "/Users/Shared/Compose"}) {
+    Machine machine(builtTools());
+    machine.start(file.empty() ? Options() : Options{"--env", "XCOMPOSEFILE=" + file});
+    ASSERT_TRUE(machine.waitForMessage(kStarted)) << machine.consoleText();
+
+    const auto clients = machine.processesOf(machine.helper() / "Contents/MacOS/Karno");
+
+    ASSERT_THAT(clients, SizeIs(1));
+    const bool isThere = environmentOf(clients[0]).find("XCOMPOSEFILE=" + file) != std::string::npos;
+    EXPECT_EQ(isThere, !file.empty());
+    machine.in({"karnoctl", "post", "user-selected-quit"});
+    EXPECT_EQ(machine.waitForEnd(), 0);
+  }
+}
+
 // These mean something to the libraries that the launcher is made of.
 TEST(OddSurroundings, KnownVariablesThatAreNotUTF8AreNoReasonToStayAway) {
   Machine machine(builtTools());

@@ -6,16 +6,13 @@
 // GNUstep's application object (gui 0.29) is a citizen of a GNUstep desktop, which the launcher does not run
 // on. No default turns that off, so the messages that begin it are answered here:
 // - While it finishes launching, it makes the shared workspace, which starts the notification daemon gdnc,
-// runs
-//   make_services and keeps a list of launched applications in a folder of the whole user.
+//   runs make_services and keeps a list of launched applications in a folder of the whole user.
 // - It registers the program under its name as a provider of services; a second launcher of the same user
-// finds
-//   the name taken and asks what to do.
+//   finds the name taken and asks what to do.
 // - A text that gets the focus offers its selection to other windows; the main thread waits 5 s for the
 //   pasteboard daemon gpbs to start. Copying by hand still starts it.
 // - While it terminates, it makes a folder for user defaults, of which the launcher stores none, and starts
-// gdnc
-//   only to tell it that nobody observes any more.
+//   gdnc only to tell it that nobody observes any more.
 namespace karno::platform::cocoa {
 namespace {
 
