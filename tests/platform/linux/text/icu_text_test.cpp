@@ -137,18 +137,23 @@ TEST(IcuDates, OfMoreThanPlainNumbersAreIcus) {
 }
 
 TEST(IcuDates, CanBeFormattedByManyThreadsAtOnce) {
-  const auto formatter = IcuText("en_US", "UTC").makeDateFormatter("yyyy-MM-dd HH:mm:ss:SSS");
+  const IcuText text("en_US", "Europe/Vienna");
+  const auto icus = text.makeDateFormatter("yyyy-MM-dd HH:mm:ss:SSS");
+  const auto plain = text.makeDateFormatter("yyyy-MM-dd HH:mm:ss");
   std::vector<std::vector<std::string>> texts(4);
   {
     std::vector<std::jthread> threads;
     for (auto& own : texts) {
       threads.emplace_back([&] {
-        for (int count = 0; count < 1000; ++count) own.push_back(formatter->stringFromDate(kMoment));
+        for (int count = 0; count < 1000; ++count) {
+          own.push_back(icus->stringFromDate(kMoment));
+          own.push_back(plain->stringFromDate(kMoment) + ":042");
+        }
       });
     }
   }
 
-  for (const auto& own : texts) EXPECT_THAT(own, testing::Each("2024-03-05 13:07:09:042"));
+  for (const auto& own : texts) EXPECT_THAT(own, testing::Each("2024-03-05 14:07:09:042"));
 }
 
 TEST(IcuWords, LeaveOutBlanksAndPunctuation) {
