@@ -1,6 +1,7 @@
 #include "log/line_queue.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <vector>
 
@@ -45,6 +46,16 @@ TEST(LineQueue, KeepsManyLinesOfManyLengthsApart) {
   for (const std::string& line : lines) queue.push(line);
 
   EXPECT_EQ(all(queue), lines);
+}
+
+TEST(LineQueue, KeepsNoBlockWhenItIsEmpty) {
+  LineQueue queue;
+  const std::size_t before = ::mallinfo2().uordblks;
+  for (int count = 0; count < 10'000; ++count) queue.push("a line of a burst");
+  for (std::string line; queue.pop(line);) {
+  }
+
+  EXPECT_LT(::mallinfo2().uordblks, before + 10'000);
 }
 
 TEST(LineQueue, TakesALineThatIsLongerThanABlock) {
