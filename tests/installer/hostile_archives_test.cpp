@@ -151,6 +151,18 @@ TEST(HostileTar, MayNotHoldHardLinks) {
   EXPECT_EQ(place.unpackedTree(), "");
 }
 
+// The disk tells of the first only while the second is read.
+TEST(HostileTar, IsRefusedForTheFirstOfItsFaults) {
+  UpdatePlace place;
+
+  const std::string said =
+      place.unpack(joined(bundleItems(), {file("Karno.app/Contents/MacOS/Karno", "other"),
+                                          {"Karno.app/evil", Kind::HardLink, "/etc/passwd"}}),
+                   Format::Tar);
+
+  EXPECT_EQ(said, badEntry("Karno.app/Contents/MacOS/Karno", "comes twice"));
+}
+
 TEST(HostileTar, MayNotHoldDevicesOrPipes) {
   UpdatePlace place;
 

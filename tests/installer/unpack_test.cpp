@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "subprocess.h"
+#include "support/no_threads.h"
 #include "support/update_place.h"
 
 namespace karno::test {
@@ -233,6 +234,14 @@ TEST(Unpacking, NeedsAFolder) {
 
   std::filesystem::create_symlink(place.bundle(), place.into());
   EXPECT_EQ(place.unpack(bundleItems()), "3000 The archive could not be unpacked: Not a directory.");
+}
+
+TEST(Unpacking, NeedsNoSecondThread) {
+  UpdatePlace place;
+  const NoThreads none;
+
+  EXPECT_EQ(place.unpack(bundleItems(), Format::TarGzip), "ready Karno.app");
+  EXPECT_EQ(place.unpackedTree(), treeOf(bundleItems()));
 }
 
 TEST(Unpacking, StopsWhenItIsNoLongerWanted) {

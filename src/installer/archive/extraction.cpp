@@ -1,12 +1,12 @@
 #include "installer/archive/extraction.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 #include <optional>
 
 #include "installer/archive/archive_reader.h"
+#include "installer/archive/serial_worker.h"
 #include "installer/archive/unpacked_tree.h"
 #include "platform/posix/scoped_descriptor.h"
 
@@ -22,12 +22,13 @@ Failure notOneBundle() {
   return {FailureCode::Validation, "The archive does not hold exactly one application bundle."};
 }
 
+MaybeFailure done(int error) { return error == 0 ? std::nullopt : MaybeFailure(systemFailure(error)); }
+
 // What the system says of a place, in the words of an archive where it is the archive's fault.
 MaybeFailure placed(const SafePath& path, int error) {
-  if (error == 0) return std::nullopt;
   if (error == EEXIST) return refused(path, "comes twice");
   if (error == ENOTDIR || error == ELOOP) return refused(path, "lies in something that is no folder");
-  return systemFailure(error);
+  return done(error);
 }
 
 bool isBundleName(std::string_view name) {
@@ -45,20 +46,27 @@ class Extraction {
   MaybeFailure open(int archive) { return reader_.open(archive); }
 
   Outcome<std::string> run() {
-    while (true) {
-      auto next = reader_.nextEntry();
-      if (!next) return next.error();
-      if (!next.value()) break;
-      if (++entries_ > limits_.entriesMax)
-        return Failure{FailureCode::Unpacking, "The archive holds too many entries."};
-      if (auto stopped = askWhetherToGoOn()) return *stopped;
-      if (auto failure = take(*next.value())) return *failure;
-    }
+    const MaybeFailure failure = takeAll();
+    // What the disk says is of an earlier entry.
+    if (auto earlier = worker_.finish()) return *earlier;
+    if (failure) return *failure;
     if (bundle_.empty()) return notOneBundle();
     return bundle_;
   }
 
  private:
+  MaybeFailure takeAll() {
+    while (true) {
+      auto next = reader_.nextEntry();
+      if (!next) return next.error();
+      if (!next.value()) return std::nullopt;
+      if (++entries_ > limits_.entriesMax)
+        return Failure{FailureCode::Unpacking, "The archive holds too many entries."};
+      if (auto stopped = askWhetherToGoOn()) return stopped;
+      if (auto failure = take(*next.value())) return failure;
+    }
+  }
+
   MaybeFailure take(const ArchiveEntry& entry) {
     auto safe = safePath(entry.name, limits_);
     if (!safe) return safe.error();
@@ -69,10 +77,13 @@ class Extraction {
 
     switch (entry.kind) {
       case EntryKind::Folder:
-        return placed(path, tree_.makeFolder(path, entry.permissions));
+        return worker_.add([this, path, permissions = entry.permissions] {
+          return placed(path, tree_.makeFolder(path, permissions));
+        });
       case EntryKind::SymbolicLink:
         if (!staysInside(path, entry.linkTarget, limits_)) return refused(path, "leads out of the bundle");
-        return placed(path, tree_.makeLink(path, entry.linkTarget));
+        return worker_.add(
+            [this, path, target = entry.linkTarget] { return placed(path, tree_.makeLink(path, target)); });
       case EntryKind::File:
         return writeFile(path, entry);
       case EntryKind::HardLink:
@@ -92,22 +103,22 @@ class Extraction {
   }
 
   MaybeFailure writeFile(const SafePath& path, const ArchiveEntry& entry) {
-    platform::ScopedDescriptor file;
-    if (auto failure = placed(path, tree_.makeFile(path, entry.permissions, file))) return failure;
-    std::uint64_t written = 0;
-    const auto write = [&](const Piece& piece) -> MaybeFailure {
-      if (const int error = writeAllAt(file.get(), piece.bytes, piece.offset)) return systemFailure(error);
-      written = std::max(written, piece.offset + piece.bytes.size());
-      return std::nullopt;
+    const auto file = std::make_shared<platform::ScopedDescriptor>();
+    if (auto failure = worker_.add([this, path, permissions = entry.permissions, file] {
+          return placed(path, tree_.makeFile(path, permissions, *file));
+        }))
+      return failure;
+    const auto write = [&](const Piece& piece) {
+      return worker_.add([file, bytes = std::string(piece.bytes), offset = piece.offset] {
+        return done(writeAllAt(file->get(), bytes, offset));
+      });
     };
-    std::uint64_t size = 0;
-    if (auto failure = eachPiece(write, size)) return failure;
+    std::uint64_t written = 0;
+    if (auto failure = eachPiece(write, written)) return failure;
     // The rest of a file with holes may be one.
-    size = std::max(size, entry.sizeInBytes);
+    const std::uint64_t size = std::max(written, entry.sizeInBytes);
     if (auto failure = count(size)) return failure;
-    if (size > written && ::ftruncate(file.get(), static_cast<off_t>(size)) != 0) return systemFailure(errno);
-    beginWritingToDisk(file.get());
-    return std::nullopt;
+    return worker_.add([file, written, size] { return done(endFile(file->get(), written, size)); });
   }
 
   // It is unpacked all the same, so it counts.
@@ -149,12 +160,13 @@ class Extraction {
   }
 
   ArchiveReader reader_;
-  UnpackedTree tree_;
+  UnpackedTree tree_;  // the worker's
   const UnpackLimits limits_;
   ExtractionObserver& observer_;
   std::string bundle_;
   std::size_t entries_ = 0;
   std::uint64_t unpackedBytes_ = 0;
+  SerialWorker worker_;  // writes what was read while the next is read
 };
 
 }  // namespace

@@ -83,6 +83,10 @@ int writeAllAt(int descriptor, std::string_view bytes, std::uint64_t offset) {
   return 0;
 }
 
-void beginWritingToDisk(int descriptor) { ::sync_file_range(descriptor, 0, 0, SYNC_FILE_RANGE_WRITE); }
+int endFile(int descriptor, std::uint64_t written, std::uint64_t size) {
+  if (size > written && ::ftruncate(descriptor, static_cast<off_t>(size)) != 0) return errno;
+  ::sync_file_range(descriptor, 0, 0, SYNC_FILE_RANGE_WRITE);
+  return 0;
+}
 
 }  // namespace karno::installer

@@ -35,7 +35,8 @@ class UnpackedTree {
 // Writes all bytes there. 0 or an errno.
 int writeAllAt(int descriptor, std::string_view bytes, std::uint64_t offset);
 
-// So that a flush of the whole disk finds little left of the file. What fails then is told by the flush.
-void beginWritingToDisk(int descriptor);
+// Fills the file up with zeroes and begins to write it to the disk, so that a flush of the whole disk finds
+// little left; what fails of the latter is told by the flush. 0 or an errno.
+int endFile(int descriptor, std::uint64_t written, std::uint64_t size);
 
 }  // namespace karno::installer
