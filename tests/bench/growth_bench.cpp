@@ -54,12 +54,13 @@ void growthOfTheLog(benchmark::State& state) {
 
 void growthOfTheLauncher(benchmark::State& state) {
   for (auto _ : state) {
-    const auto program = Receiver::launcher().start();
-    postAndRead(*program, 0, notificationsBefore());
+    const Receiver launcher = Receiver::launcher();
+    const auto program = launcher.start();
+    postAndRead(launcher, *program, 0, notificationsBefore());
     std::this_thread::sleep_for(drainTime());
     const auto before = static_cast<double>(residentBytesOf(program->processIdentifier()));
 
-    postAndRead(*program, notificationsBefore(), notifications());
+    postAndRead(launcher, *program, notificationsBefore(), notifications());
     std::this_thread::sleep_for(drainTime());
     const auto after = static_cast<double>(residentBytesOf(program->processIdentifier()));
     state.counters["mib"] = (after - before) / kBytesPerMebibyte;

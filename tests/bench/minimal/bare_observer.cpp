@@ -1,5 +1,7 @@
 // The least application that hears a notification: an observer on the main thread, where an application is
 // told, that writes a line for each. Says "listening" when it does.
+#include "bare_observer.h"
+
 #include <unistd.h>
 
 #include <memory>
@@ -19,7 +21,7 @@ class Observer final : public karno::platform::ApplicationDelegate {
  public:
   void applicationDidFinishLaunching() override {
     karno::platform::host().distributedNotifications.addObserver(
-        this, std::string(karno::kWrapperNotificationName), std::string(karno::kWrapperNotificationObject),
+        this, std::string(karno::kWrapperNotificationName), std::string(karno::bench::kBareObserverObject),
         [](const karno::platform::DistributedNotification& notification) {
           const auto text = notification.userInfo.find(karno::kWrapperMessageKey);
           if (text != notification.userInfo.end()) say("Received '" + text->second.description() + "'");

@@ -11,6 +11,7 @@
 
 #include "ipc/wrapper_notification.h"
 #include "load.h"
+#include "minimal/bare_observer.h"
 #include "platform/platform.h"
 #include "started_program.h"
 
@@ -22,11 +23,15 @@ std::string textNumber(int number) { return fmt::format("bench-{}", number); }
 }  // namespace
 
 Receiver Receiver::launcher() {
-  return {.command = {Programs::staged().launcher.string()}, .ready = "(pid: "};
+  return {.command = {Programs::staged().launcher.string()},
+          .ready = "(pid: ",
+          .object = std::string(kWrapperNotificationObject)};
 }
 
 Receiver Receiver::bareObserver() {
-  return {.command = {Programs::staged().bareObserver.string()}, .ready = "listening"};
+  return {.command = {Programs::staged().bareObserver.string()},
+          .ready = "listening",
+          .object = std::string(kBareObserverObject)};
 }
 
 std::unique_ptr<SpokenProgram> Receiver::start() const {
@@ -38,8 +43,9 @@ std::unique_ptr<SpokenProgram> Receiver::start() const {
   return program;
 }
 
-void postNumber(int number) {
-  const auto notification = wrapperNotification(textNumber(number), std::nullopt);
+void postNumber(const Receiver& receiver, int number) {
+  auto notification = wrapperNotification(textNumber(number), std::nullopt);
+  notification.object = receiver.object;
   if (!platform::host().distributedNotifications.post(notification)) {
     throw std::runtime_error("nothing could be posted");
   }
@@ -51,9 +57,9 @@ std::int64_t received(SpokenProgram& program, int number) {
   return line->readNanoseconds;
 }
 
-std::int64_t postAndRead(SpokenProgram& program, int first, int count) {
-  auto posting = std::async(std::launch::async, [first, count] {
-    for (int number = first; number < first + count; ++number) postNumber(number);
+std::int64_t postAndRead(const Receiver& receiver, SpokenProgram& program, int first, int count) {
+  auto posting = std::async(std::launch::async, [&receiver, first, count] {
+    for (int number = first; number < first + count; ++number) postNumber(receiver, number);
   });
   std::int64_t last = 0;
   for (int number = first; number < first + count; ++number) last = received(program, number);

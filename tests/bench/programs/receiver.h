@@ -11,7 +11,8 @@ namespace karno::bench {
 // A program that hears notifications and writes a line for each.
 struct Receiver {
   std::vector<std::string> command;
-  std::string ready;  // in the line by which it says that it listens
+  std::string ready;   // in the line by which it says that it listens
+  std::string object;  // of the notifications that it hears; no other receiver is woken by them
 
   static Receiver launcher();
   static Receiver bareObserver();
@@ -22,12 +23,12 @@ struct Receiver {
 
 // Posts no message that the launcher knows, so that nothing follows from it but a line that says so. Throws
 // when it cannot.
-void postNumber(int number);
+void postNumber(const Receiver& receiver, int number);
 
 // When the receiver's line was read. Throws when none comes.
 std::int64_t received(SpokenProgram& program, int number);
 
 // Posts from a thread of its own, so that the lines are read meanwhile, and gives when the last was read.
-std::int64_t postAndRead(SpokenProgram& program, int first, int count);
+std::int64_t postAndRead(const Receiver& receiver, SpokenProgram& program, int first, int count);
 
 }  // namespace karno::bench
